@@ -1,0 +1,142 @@
+#include "dsp/signal_processing.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "dsp/filter.h"
+#include "dsp/orvan_dsp_exception.h"
+
+namespace {
+
+/// Writes down the order in which it is configured.
+class Recorder : public orvandsp::SignalProcessing {
+public:
+    Recorder(unsigned int inputs, unsigned int outputs) {
+        numInputs = inputs;
+        numOutputs = outputs;
+    }
+    void Process(float**, float**, unsigned long, short const*) override {}
+    void SetSamplerate(float rate) override {
+        samplerate = rate;
+        calls += "r";
+    }
+    void SetMaxBlockSize(unsigned int size) override {
+        buffersize = size;
+        calls += "b";
+    }
+    void Clear() override { calls += "c"; }
+
+    std::string calls;
+};
+
+// Red if an unchanged configuration clears, a forced one doesn't, or the order changes.
+TEST(SignalProcessing, ConfigureAnnouncesOnlyWhatIsNewUnlessForced) {
+    Recorder block(1, 1);
+    block.Configure(48000.0f, 64, false);
+    EXPECT_EQ(block.calls, "rbc");
+    block.Configure(48000.0f, 64, false);
+    block.Configure(std::nanf(""), 64, false);
+    EXPECT_EQ(block.calls, "rbc");
+    block.Configure(48000.0f, 64, true);
+    EXPECT_EQ(block.calls, "rbcrbc");
+}
+
+// Red if Configure forgets the denormal mode when nothing else changes.
+TEST(SignalProcessing, ConfigureFlushesDenormals) {
+    Recorder block(1, 1);
+    block.Configure(block.GetSamplerate(), block.GetBuffersize(), false);
+    volatile float tiny = std::numeric_limits<float>::min();
+    EXPECT_EQ(tiny * 0.5f, 0.0f);
+}
+
+TEST(SignalProcessing, BypassCopiesWhatBothSidesHave) {
+    std::array<std::array<float, 3>, 4> in{}, out{};
+    float* ins[4];
+    float* outs[4];
+    for (std::size_t c = 0; c < 4; ++c) {
+        in[c].fill(static_cast<float>(c + 1));
+        ins[c] = in[c].data();
+        outs[c] = out[c].data();
+    }
+    for (auto& channel : out) channel.fill(9.0f);
+    Recorder(2, 4).Bypass(outs, ins, 3);
+    EXPECT_EQ(out[1][2], 2.0f);
+    EXPECT_EQ(out[2][0], 0.0f);
+    EXPECT_EQ(out[3][2], 0.0f);
+
+    for (auto& channel : out) channel.fill(9.0f);
+    Recorder(4, 2).Bypass(outs, ins, 3);
+    EXPECT_EQ(out[1][0], 2.0f);
+    EXPECT_EQ(out[2][0], 9.0f);
+}
+
+/// Opens the stability test, and doubles its input.
+class TestFilter : public orvandsp::Filter {
+public:
+    using Filter::DurbinStepDownRecursion;
+    using Filter::Process;
+    void Process(float* output, float* input, unsigned long numSamples) override {
+        for (unsigned long i = 0; i < numSamples; ++i) output[i] = 2.0f * input[i];
+    }
+    void SetCoefficients(float*) override {}
+    void SetState(Filter const&) override {}
+    void SetOrder(unsigned int) override {}
+    void ClearTaps() override {}
+    bool IsStable() const override { return true; }
+    bool IsMinimumPhase() const override { return true; }
+    void GetCoefficients(std::vector<float>&) const override {}
+    unsigned int GetNumCoefficients() const override { return 0; }
+    void SetSamplerate(float) override {}
+    void SetMaxBlockSize(unsigned int) override {}
+    void Clear() override {}
+};
+
+// Ground truth: products of first-order sections with known zeros.
+TEST(Filter, StepDownRecursionFindsZerosOutsideTheUnitCircle) {
+    const TestFilter filter;
+    const auto product = [](std::vector<float> const& zeros) {
+        std::vector<float> p{1.0f};
+        for (const float zero : zeros) {
+            p.push_back(0.0f);
+            for (std::size_t i = p.size() - 1; i > 0; --i) p[i] -= zero * p[i - 1];
+        }
+        return p;
+    };
+    EXPECT_TRUE(filter.DurbinStepDownRecursion({1.0f}));
+    EXPECT_TRUE(filter.DurbinStepDownRecursion(product({0.9f, -0.8f, 0.5f, 0.95f})));
+    EXPECT_FALSE(filter.DurbinStepDownRecursion(product({0.9f, -0.8f, 1.1f, 0.2f})));
+    EXPECT_FALSE(filter.DurbinStepDownRecursion({1.0f, 0.3f, 1.0f}));
+    EXPECT_FALSE(filter.DurbinStepDownRecursion({1.0f, -1.0f}));
+}
+
+TEST(Filter, InactiveInputLeavesTheOutputUntouched) {
+    TestFilter filter;
+    float in[2] = {1.0f, 2.0f}, out[2] = {7.0f, 7.0f};
+    float* ins[] = {in};
+    float* outs[] = {out};
+    const short inactive[] = {0};
+    static_cast<orvandsp::SignalProcessing&>(filter).Process(outs, ins, 2, inactive);
+    EXPECT_EQ(out[0], 7.0f);
+    static_cast<orvandsp::SignalProcessing&>(filter).Process(outs, ins, 2, orvandsp::allActiveInputs);
+    EXPECT_EQ(out[1], 4.0f);
+}
+
+TEST(Filter, UnknownImplementationNameIsTimeDomain) {
+    using orvandsp::Filter;
+    EXPECT_EQ(Filter::GetFIRImplementation("fftconvolution"), Filter::fftconvolution);
+    EXPECT_EQ(Filter::GetFIRImplementation("nonsense"), Filter::timedomain);
+    EXPECT_STREQ(Filter::GetFIRImplementationName(static_cast<Filter::FIRImplementation>(7)), "timedomain");
+}
+
+TEST(OrvanDspException, LeavesOneLineOnStandardError) {
+    testing::internal::CaptureStderr();
+    const orvandsp::OrvanDspException exception("no such set", "reader.cpp", 12);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "OrvanDspException : reader.cpp 12 : no such set\n");
+    EXPECT_STREQ(exception.what(), "no such set");
+}
+
+}  // namespace
