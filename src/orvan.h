@@ -13,8 +13,15 @@
 // math
 
 // parameters
+#include "parameters/hl_shelf_parameters.h"
+#include "parameters/lume_default_parameters.h"
+#include "parameters/reverb_dsp_parameters.h"
+#include "parameters/room_ir_parameters.h"
 
 // geometry
+#include "geometry/azimuth.h"
+#include "geometry/cartesian_vector.h"
+#include "geometry/spherical_vector.h"
 
 // filters
 

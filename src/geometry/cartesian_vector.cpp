@@ -1,0 +1,20 @@
+#include "geometry/cartesian_vector.h"
+
+#include <cmath>
+
+#include "geometry/spherical_vector.h"
+
+namespace Lume {
+
+CartesianVector& CartesianVector::operator=(SphericalVector const& spherical) {
+    x = std::cos(spherical.azimuth) * spherical.distance * std::cos(spherical.elevation);
+    y = std::sin(spherical.azimuth) * spherical.distance * std::cos(spherical.elevation);
+    z = std::sin(spherical.elevation) * spherical.distance;
+    return *this;
+}
+
+float CartesianVector::radius() const {
+    return std::sqrt(y * y + x * x + z * z);
+}
+
+}  // namespace Lume

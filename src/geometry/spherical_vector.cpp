@@ -1,0 +1,16 @@
+#include "geometry/spherical_vector.h"
+
+#include <cmath>
+
+#include "geometry/cartesian_vector.h"
+
+namespace Lume {
+
+SphericalVector& SphericalVector::operator=(CartesianVector const& cartesian) {
+    distance = cartesian.radius();
+    elevation = distance != 0.0f ? std::asin(cartesian.z / distance) : 0.0f;
+    azimuth = std::atan2(cartesian.y, cartesian.x);
+    return *this;
+}
+
+}  // namespace Lume
