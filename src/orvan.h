@@ -3,6 +3,7 @@
 /// The whole public engine API in one include.
 
 // dsp
+#include "dsp/audio_buffer.h"
 #include "dsp/constants.h"
 #include "dsp/denormals.h"
 #include "dsp/filter.h"
