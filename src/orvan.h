@@ -7,6 +7,7 @@
 #include "dsp/constants.h"
 #include "dsp/denormals.h"
 #include "dsp/filter.h"
+#include "dsp/hilbert_transform.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "dsp/ramp.h"
 #include "dsp/signal_processing.h"
