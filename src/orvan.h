@@ -32,6 +32,8 @@
 // reverb
 
 // pan
+#include "pan/null_panning.h"
+#include "pan/pan.h"
 
 // engine
 
