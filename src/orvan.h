@@ -26,6 +26,9 @@
 #include "geometry/spherical_vector.h"
 
 // filters
+#include "filters/delay.h"
+#include "filters/multi_delay.h"
+#include "filters/tap_out.h"
 
 // hrtf
 

@@ -1,0 +1,128 @@
+#pragma once
+
+#include <vector>
+
+#include "dsp/ramp.h"
+#include "dsp/signal_processing.h"
+
+namespace Lume {
+
+/// Delay line for one channel: a ring whose length is a power of two, with one read head built in. Further heads are
+/// TapOut objects.
+///
+/// Delays are milliseconds at the interface and fractional samples inside. A new delay is reached by a glide of the
+/// read head over the interpolation time, unless the caller asks for a jump. A delay of 0 returns the input of the same
+/// block, sample for sample.
+///
+/// Control operations and Process belong to one thread at a time. Those that change the maximum delay allocate and
+/// silence the line.
+class Delay : public orvandsp::SignalProcessing {
+public:
+    /// How a read head reads between samples. The numbers are fixed: other blocks hold them. Any other number reads
+    /// whole samples, and so does 4.
+    enum InterpolationMode : int {
+        nearest = 0,       ///< the rounded position
+        linear = 1,        ///< two neighbours
+        lagrange3 = 2,     ///< four neighbours, as the following ones with a 3
+        allpass = 3,       ///< two neighbours and the head's previous output
+        nearestXfade = 5,  ///< as nearest; while a glide runs it crossfades two samples instead of moving
+        hermite3 = 6,
+        watte3 = 7,
+        bspline3 = 8,   ///< smooths, also at whole positions
+        parabolic = 9,  ///< four neighbours; smooths
+    };
+
+    static constexpr float DefaultInterpolationTime = 30.0f;  ///< [ms]
+    static constexpr float DefaultDelayLineLength = 300.0f;   ///< [ms]
+    static constexpr InterpolationMode DefaultInterpolationMode = linear;
+
+    /// @param maxDelay  longest delay expected [ms]
+    explicit Delay(float maxDelay = DefaultDelayLineLength, InterpolationMode mode = DefaultInterpolationMode);
+
+    /// Delays channel 0. Does nothing, also to the output, if activeInputs[0] is zero.
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+
+    /// Writes a block, reads the built-in head and moves on. Real-time safe.
+    /// @param out, in  may be the same array
+    /// @param count    at most the block size last configured
+    void Process(float* out, float* in, int count);
+
+    /// Clears the line, and the delay glides to where it was. Like every change of rate or block size it raises the
+    /// maximum delay by a further 5 ms; the ring's length, and with it the rounding of the read position, follows.
+    void SetSamplerate(float newSamplerate) override;
+
+    /// Clears the line and raises the maximum delay by 5 ms, also for an unchanged size.
+    void SetMaxBlockSize(unsigned int blockSize) override;
+
+    /// Silences the line. Delay, glide and write position stay.
+    void Clear() override;
+
+    /// Writes a block into the ring, `offset` samples ahead of the write position, without moving the latter. Real-time
+    /// safe.
+    void tapIn(float* src, int count, int offset);
+
+    /// Reads a block at a fixed delay. Real-time safe.
+    /// @param delaySamples  [samples], counted back from the write position
+    /// @param state         previous output of this head, used by the mode allpass
+    void tapOut(float* out, int count, float delaySamples, InterpolationMode mode, float& state);
+
+    /// Reads a block along a ramp of the delay and moves the ramp forward. Once the ramp has ended, the line reads in
+    /// its own mode and with its own state, whatever the arguments are: a head with another mode uses it during its
+    /// glides only. That is meant. Real-time safe.
+    void tapOut(float* out, unsigned int count, orvandsp::Ramp& ramp, InterpolationMode mode, float& state);
+
+    /// Reads a block with a delay for each sample. A delay beyond the ring wraps around. Real-time safe.
+    /// @param delaySamples  [samples], `count` values
+    void tapOut(float* out, float* delaySamples, int count, InterpolationMode mode, float& state);
+
+    /// Moves the write position past a block written by tapIn, once every head has read it. Real-time safe.
+    void AdvanceWritePosition(int count) noexcept { writePosition = (writePosition + count) & mask; }
+
+    /// Sets the delay [ms]. One above the maximum first grows the line, which silences it. Nothing else is limited.
+    void SetDelay(float ms, bool immediately);
+    /// Sets the delay [samples].
+    void SetDelayInSamples(float samples, bool immediately);
+    /// The delay [ms] that was set last, which may be still on its way.
+    float GetDelay() const noexcept { return 1000.0f * delayRamp.target / samplerate; }
+
+    /// Makes room for delays up to `ms`, plus a margin of 5 ms, and silences the line.
+    void SetMaxDelay(float ms);
+    /// The maximum delay [ms], margin included.
+    float GetMaxDelay() const noexcept { return maxDelay; }
+    /// Length of the ring [samples].
+    int GetSize() const noexcept { return size; }
+
+    void SetInterpolationMode(InterpolationMode newMode) { interpolationMode = newMode; }
+    /// Sets the mode of that name; allpass for an unknown name.
+    void SetInterpolationMode(char const* name) { SetInterpolationMode(GetInterpolationMode(name)); }
+    /// Sets the time of the following glides [ms].
+    void SetInterpolationTime(float ms) { interpolationTime = ms; }
+
+    /// The mode of that name; allpass for an unknown name.
+    static InterpolationMode GetInterpolationMode(char const* name);
+    /// The name of a mode; "allpass" for a number without a name.
+    static char const* GetInterpolationModeName(InterpolationMode mode);
+
+private:
+    /// Cells on either side of the ring that repeat its other end, so that readers need no test for the wrap.
+    static constexpr int numGuards = 4;
+
+    float* Ring() noexcept { return buffer.data() + numGuards; }
+    /// Renews the guard cells that a reader of so many neighbours looks at. Writing doesn't maintain them.
+    void RefreshGuards(int numNeighbours) noexcept;
+    /// The read head of a ramp in the mode nearestXfade.
+    void CrossfadeRamp(float* out, unsigned int count, orvandsp::Ramp& ramp) noexcept;
+
+    InterpolationMode interpolationMode;
+    float interpolationTime = DefaultInterpolationTime;  // [ms]
+    float allpassState = 0.0f;
+    orvandsp::Ramp delayRamp;   // [samples]
+    std::vector<float> buffer;  // guards, ring, guards; never shrinks
+    int size = 0;
+    int mask = 0;
+    int allocatedSize = 0;
+    float maxDelay = 0.0f;  // [ms], margin included
+    int writePosition = 0;
+};
+
+}  // namespace Lume

@@ -1,0 +1,71 @@
+#include "filters/multi_delay.h"
+
+#include <algorithm>
+
+namespace Lume {
+
+MultiDelay::MultiDelay(unsigned int numDelays, float maxDelay) {
+    numInputs = numDelays;
+    numOutputs = numDelays;
+    delays.reserve(numDelays);
+    for (unsigned int i = 0; i < numDelays; ++i) delays.push_back(std::make_unique<Delay>(maxDelay, Delay::linear));
+}
+
+void MultiDelay::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) {
+        if (activeInputs[i] == 0)
+            std::fill_n(outputs[i], numSamples, 0.0f);
+        else
+            delays[i]->Process(outputs[i], inputs[i], static_cast<int>(numSamples));
+    }
+}
+
+void MultiDelay::SetSamplerate(float newSamplerate) {
+    samplerate = newSamplerate;
+    for (auto& delay : delays) delay->SetSamplerate(newSamplerate);
+}
+
+void MultiDelay::SetMaxBlockSize(unsigned int blockSize) {
+    buffersize = blockSize;
+    for (auto& delay : delays) delay->SetMaxBlockSize(blockSize);
+}
+
+void MultiDelay::Clear() {
+    for (auto& delay : delays) delay->Clear();
+}
+
+void MultiDelay::SetDelay(unsigned int index, float ms) {
+    delays[index]->SetDelay(ms, false);
+}
+
+void MultiDelay::SetDelays(float* ms) {
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) SetDelay(i, ms[i]);
+}
+
+void MultiDelay::GetDelays(float* ms) const {
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) ms[i] = delays[i]->GetDelay();
+}
+
+void MultiDelay::SetMaxDelay(float ms) {
+    for (auto& delay : delays) delay->SetMaxDelay(ms);
+}
+
+void MultiDelay::SetMaxDelay(unsigned int index, float ms) {
+    delays[index]->SetMaxDelay(ms);
+}
+
+float MultiDelay::GetMaxDelay() const {
+    float greatest = 0.0f;
+    for (auto const& delay : delays) greatest = std::max(greatest, delay->GetMaxDelay());
+    return greatest;
+}
+
+void MultiDelay::SetInterpolationMode(Delay::InterpolationMode newMode) {
+    for (auto& delay : delays) delay->SetInterpolationMode(newMode);
+}
+
+void MultiDelay::SetInterpolationTime(float ms) {
+    for (auto& delay : delays) delay->SetInterpolationTime(ms);
+}
+
+}  // namespace Lume

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "filters/delay.h"
+
+namespace Lume {
+
+/// Bank of independent delay lines, one per channel, that read linearly at first.
+class MultiDelay : public orvandsp::SignalProcessing {
+public:
+    /// @param maxDelay  longest delay expected of each line [ms]
+    MultiDelay(unsigned int numDelays, float maxDelay);
+
+    /// Delays each channel. An inactive channel is silent, and its line stands still: when the channel comes back it
+    /// goes on with what the line held. Real-time safe.
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    void SetSamplerate(float newSamplerate) override;
+    void SetMaxBlockSize(unsigned int blockSize) override;
+    void Clear() override;
+
+    unsigned int GetNumDelays() const noexcept { return static_cast<unsigned int>(delays.size()); }
+
+    /// Glides one line to a delay [ms] over its interpolation time.
+    void SetDelay(unsigned int index, float ms);
+    /// Glides all lines; GetNumDelays() values [ms].
+    void SetDelays(float* ms);
+    /// Writes GetNumDelays() values [ms].
+    void GetDelays(float* ms) const;
+
+    /// Makes room in all lines for delays up to `ms`, and silences them.
+    void SetMaxDelay(float ms);
+    void SetMaxDelay(unsigned int index, float ms);
+    float GetMaxDelay(unsigned int index) const { return delays[index]->GetMaxDelay(); }
+    /// The greatest of all lines [ms].
+    float GetMaxDelay() const;
+
+    void SetInterpolationMode(Delay::InterpolationMode newMode);
+    void SetInterpolationMode(char const* name) { SetInterpolationMode(Delay::GetInterpolationMode(name)); }
+    /// Sets the time of the following glides of all lines [ms].
+    void SetInterpolationTime(float ms);
+
+private:
+    std::vector<std::unique_ptr<Delay>> delays;
+};
+
+}  // namespace Lume
