@@ -23,6 +23,11 @@
 // geometry
 #include "geometry/azimuth.h"
 #include "geometry/cartesian_vector.h"
+#include "geometry/convex_hull_2d.h"
+#include "geometry/plane_geometry.h"
+#include "geometry/point_search.h"
+#include "geometry/space_geometry.h"
+#include "geometry/speakers.h"
 #include "geometry/spherical_vector.h"
 
 // filters
