@@ -11,6 +11,8 @@
 #include "dsp/orvan_dsp_exception.h"
 #include "dsp/ramp.h"
 #include "dsp/signal_processing.h"
+#include "dsp/vector_operations.h"
+#include "dsp/vector_statistics.h"
 
 // math
 
