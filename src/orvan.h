@@ -4,8 +4,10 @@
 
 // dsp
 #include "dsp/audio_buffer.h"
+#include "dsp/bit_reversal.h"
 #include "dsp/constants.h"
 #include "dsp/denormals.h"
+#include "dsp/fast_hadamard_transform.h"
 #include "dsp/filter.h"
 #include "dsp/hilbert_transform.h"
 #include "dsp/orvan_dsp_exception.h"
