@@ -44,8 +44,11 @@
 // reverb
 
 // pan
+#include "pan/amplitude_panning.h"
+#include "pan/gain_cycle.h"
 #include "pan/null_panning.h"
 #include "pan/pan.h"
+#include "pan/vbap2d_panning.h"
 
 // engine
 

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "pan/null_panning.h"
+#include "pan/vbap2d_panning.h"
 
 namespace Lume {
 
@@ -24,22 +25,22 @@ using Maker = Pan* (*)(unsigned int numInputs, unsigned int numOutputs);
 
 /// By method, for every role that has no maker of its own.
 constexpr Maker methodMakers[numTypes] = {
-    NullPanning::Create,  // binaural
-    NullPanning::Create,  // xy
-    NullPanning::Create,  // ms
-    NullPanning::Create,  // ab
-    NullPanning::Create,  // surround
-    NullPanning::Create,  // panr
-    NullPanning::Create,  // angular
-    NullPanning::Create,  // vbap2d
-    NullPanning::Create,  // vbap
-    NullPanning::Create,  // dbap
-    NullPanning::Create,  // dbap3d
-    NullPanning::Create,  // bformat
-    NullPanning::Create,  // hoa2d
-    NullPanning::Create,  // hoa3d
-    NullPanning::Create,  // vdbap
-    NullPanning::Create,  // null
+    NullPanning::Create,    // binaural
+    NullPanning::Create,    // xy
+    NullPanning::Create,    // ms
+    NullPanning::Create,    // ab
+    NullPanning::Create,    // surround
+    NullPanning::Create,    // panr
+    NullPanning::Create,    // angular
+    Vbap2DPanning::Create,  // vbap2d
+    NullPanning::Create,    // vbap
+    NullPanning::Create,    // dbap
+    NullPanning::Create,    // dbap3d
+    NullPanning::Create,    // bformat
+    NullPanning::Create,    // hoa2d
+    NullPanning::Create,    // hoa3d
+    NullPanning::Create,    // vdbap
+    NullPanning::Create,    // null
 };
 
 /// The diffuse role of every method but the binaural one.
