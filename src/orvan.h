@@ -42,6 +42,7 @@
 // hrtf
 
 // reverb
+#include "reverb/shuffle.h"
 
 // pan
 #include "pan/amplitude_panning.h"

@@ -1,0 +1,96 @@
+#include "reverb/shuffle.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "support/allocation_count.h"
+
+namespace {
+
+using Lume::Shuffle;
+using orvandsp::AudioBuffer;
+
+/// What a unit impulse in one channel becomes, as a column of the mixing matrix.
+std::vector<float> Column(Shuffle& shuffle, unsigned int channel) {
+    AudioBuffer buffer(shuffle.GetNumInputs(), 1);
+    buffer.Clear();
+    buffer.Impulse(channel);
+    shuffle.Process(buffer.GetChannels(), buffer.GetChannels(), 1, orvandsp::allActiveInputs);
+    std::vector<float> column;
+    for (unsigned int i = 0; i < buffer.GetNumChannels(); ++i) column.push_back(buffer.GetChannel(i)[0]);
+    return column;
+}
+
+double Energy(AudioBuffer const& buffer) {
+    double energy = 0.0;
+    for (unsigned int c = 0; c < buffer.GetNumChannels(); ++c)
+        for (unsigned int i = 0; i < buffer.GetNumSamples(); ++i)
+            energy += double{buffer.GetChannel(c)[i]} * double{buffer.GetChannel(c)[i]};
+    return energy;
+}
+
+// Red if one kind of matrix has the wrong scale, or if a table names a channel twice: the feedback loop would then
+// grow, or lose channels.
+TEST(Shuffle, KeepsTheEnergyForEveryChannelCount) {
+    std::mt19937 random(1);
+    for (unsigned int n = 2; n <= 64; ++n) {
+        Shuffle shuffle(n);
+        AudioBuffer in(n, 64);
+        for (unsigned int c = 0; c < n; ++c)
+            for (unsigned int i = 0; i < 64; ++i)
+                in.GetChannel(c)[i] = static_cast<float>(random()) / 2147483648.0f - 1.0f;
+        AudioBuffer out(n, 64);
+        shuffle.Process(out.GetChannels(), in.GetChannels(), 64, orvandsp::allActiveInputs);
+        EXPECT_NEAR(Energy(out) / Energy(in), 1.0, 1e-5) << n;
+    }
+}
+
+// Against each matrix worked out by hand. Red if the permutation runs the other way round or the groups of twelve leak.
+TEST(Shuffle, EachKindIsItsMatrix) {
+    Shuffle eight(8);
+    const float s = 1.0f / std::sqrt(8.0f);
+    EXPECT_EQ(Column(eight, 0), std::vector<float>(8, s));
+    EXPECT_EQ(Column(eight, 1), (std::vector<float>{s, -s, s, -s, -s, s, -s, s}));  // signs of rows 6 1 2 3 5 4 7 0
+    eight.UsePermutation(false);
+    EXPECT_EQ(Column(eight, 1), (std::vector<float>{s, -s, s, -s, s, -s, s, -s}));
+
+    Shuffle six(6);
+    const float third = -2.0f / 6.0f;
+    EXPECT_EQ(Column(six, 4), (std::vector<float>{third, third, third, third, 1.0f + third, third}));
+    EXPECT_EQ(Column(six, 5), (std::vector<float>{third, third, third, 1.0f + third, third, third}));
+
+    Shuffle twelve(12);
+    const float h = 0.5f;
+    EXPECT_EQ(Column(twelve, 0), (std::vector<float>{0, 0, h, 0, h, 0, 0, 0, 0, h, h, 0}));
+
+    Shuffle two(2);
+    const float r = 1.0f / std::sqrt(2.0f);
+    EXPECT_EQ(Column(two, 1), (std::vector<float>{-r, r}));
+}
+
+// Red if a shorter last chunk, or the full one behind it, allocates or meets the channel order of the block before.
+TEST(Shuffle, BlocksOfChangingLengthDontAllocate) {
+    for (const unsigned int n : {5u, 16u}) {
+        Shuffle shuffle(n);
+        Shuffle fresh(n);
+        AudioBuffer buffer(n, 64);
+        AudioBuffer expected(n, 64);
+        buffer.Fill(1.0f);
+        expected.Fill(1.0f);
+        buffer.GetChannel(3)[16] = 4.0f;
+        expected.GetChannel(3)[16] = 4.0f;
+        fresh.Process(expected.GetChannels(), expected.GetChannels(), 64, orvandsp::allActiveInputs);
+        const long before = AllocationCount();
+        for (const unsigned int start : {0u, 17u}) {
+            AudioBuffer part(buffer.GetChannels(), n, start == 0 ? 17 : 47, start);
+            shuffle.Process(part.GetChannels(), part.GetChannels(), part.GetNumSamples(), orvandsp::allActiveInputs);
+        }
+        EXPECT_EQ(AllocationCount(), before);
+        EXPECT_TRUE(orvandsp::IsEqual(buffer, expected, 0.0f));
+    }
+}
+
+}  // namespace
