@@ -1,0 +1,162 @@
+#include "filters/hl_shelf.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "dsp/denormals.h"
+
+namespace Lume {
+
+namespace {
+
+constexpr float pi = 3.1415927f;
+/// The largest float below pi / 2. The next one lies above it, where the tangent is negative and the pole would leave
+/// the unit circle.
+constexpr float maxTanArgument = 1.5707962513f;
+
+constexpr unsigned int numParameters = 6;
+enum StateIndex : unsigned int { x1, x2, y1, y2, numStates };
+
+float LinearFromDb(float dB) {
+    return std::pow(10.0f, dB * 0.05f);
+}
+
+/// First-order low shelf k (1 + zero q) / (1 + pole q) with gain `ratio` at 0 Hz and 1 at half the sample rate.
+struct Section {
+    Section(float ratio, float freq, float samplerate) {
+        const float t = std::tan(std::min((pi / samplerate) * freq, maxTanArgument)) / std::sqrt(ratio);
+        pole = (t - 1.0f) / (1.0f + t);
+        zero = (ratio * t - 1.0f) / (1.0f + ratio * t);
+        k = (1.0f + ratio * t) / (1.0f + t);
+    }
+    float pole, zero, k;
+};
+
+}  // namespace
+
+HLShelf::HLShelf() {
+    const HLShelfParameters defaults;
+    order = 2;
+    coefficients.resize(numParameters);
+    state.resize(numStates);
+    HLShelf::SetAll(defaults.gain, defaults.gainLow, defaults.gainMed, defaults.gainHigh, defaults.freqLow,
+                    defaults.freqHigh);
+}
+
+void HLShelf::SetSamplerate(float newSamplerate) {
+    if (newSamplerate == samplerate) return;
+    samplerate = newSamplerate;
+    // From the working fields: a crossover that the old rate has clamped stays where it was clamped.
+    SetAll(gain, gainLow, gainMed, gainHigh, freqLow, freqHigh);
+    Clear();
+}
+
+void HLShelf::Clear() {
+    std::fill(state.begin(), state.end(), 0.0f);
+}
+
+void HLShelf::Process(float* output, float* input, unsigned long numSamples) {
+    Run(output, input, numSamples, linearGain);
+}
+
+void HLShelf::Run(float* output, float const* input, unsigned long numSamples, float outputGain) {
+    orvandsp::FlushDenormals();
+    // Local copies: the output might alias the members, for all that the compiler knows.
+    const float t0 = b0, t1 = b1, t2 = b2, d1 = a1, d2 = a2;
+    float inBefore = state[x1], inBeforeThat = state[x2], outBefore = state[y1], outBeforeThat = state[y2];
+    for (unsigned long i = 0; i < numSamples; ++i) {
+        const float x = input[i];
+        const float y = t1 * inBefore + t2 * inBeforeThat + t0 * x - d2 * outBeforeThat - d1 * outBefore;
+        // The gain stays outside the recursion, so that a change of it leaves no transient.
+        output[i] = y * outputGain;
+        inBeforeThat = inBefore;
+        inBefore = x;
+        outBeforeThat = outBefore;
+        outBefore = y;
+    }
+    state[x1] = inBefore;
+    state[x2] = inBeforeThat;
+    state[y1] = outBefore;
+    state[y2] = outBeforeThat;
+}
+
+void HLShelf::SetCoefficients(float* six) {
+    SetAll(six[0], six[1], six[2], six[3], six[4], six[5]);
+}
+
+void HLShelf::SetCoefficients(HLShelf const& other) {
+    // A copy, because the other may be this one.
+    float six[numParameters];
+    std::copy_n(other.coefficients.begin(), numParameters, six);
+    SetCoefficients(six);
+}
+
+void HLShelf::SetState(Filter const& other) {
+    state = static_cast<HLShelf const&>(other).state;
+}
+
+void HLShelf::SetOrder(unsigned int) {}
+
+void HLShelf::ClearTaps() {
+    b0 = b1 = b2 = a1 = a2 = 0.0f;
+}
+
+bool HLShelf::IsStable() const {
+    return DurbinStepDownRecursion({1.0f, a1, a2});
+}
+
+bool HLShelf::IsMinimumPhase() const {
+    return DurbinStepDownRecursion({b0, b1, b2});
+}
+
+void HLShelf::GetCoefficients(std::vector<float>& result) const {
+    std::copy(coefficients.begin(), coefficients.end(), result.begin());
+}
+
+void HLShelf::SetGain(float linear) {
+    StoreGain(10.0f * std::log10(linear));
+}
+
+void HLShelf::StoreGain(float gaindB) {
+    gain = gaindB;
+    linearGain = LinearFromDb(gaindB);
+}
+
+void HLShelf::SetParameters(HLShelfParameters const& parameters) {
+    gain = parameters.gain;
+    gainLow = parameters.gainLow;
+    gainMed = parameters.gainMed;
+    gainHigh = parameters.gainHigh;
+    freqLow = parameters.freqLow;
+    freqHigh = parameters.freqHigh;
+    Design();
+}
+
+void HLShelf::SetAll(float newGain, float newGainLow, float newGainMed, float newGainHigh, float newFreqLow,
+                     float newFreqHigh) {
+    coefficients.assign({newGain, newGainLow, newGainMed, newGainHigh, newFreqLow, newFreqHigh});
+    gain = newGain;
+    gainLow = newGainLow;
+    gainMed = newGainMed;
+    gainHigh = newGainHigh;
+    freqLow = newFreqLow;
+    freqHigh = newFreqHigh;
+    Design();
+}
+
+void HLShelf::Design() {
+    if (freqHigh < freqLow) std::swap(freqLow, freqHigh);
+    if (freqLow < 0.0f) freqLow = 0.0f;
+    if (freqHigh > samplerate / 2.0f) freqHigh = samplerate / 2.0f;
+
+    const Section low(LinearFromDb(gainLow - gainMed), freqLow, samplerate);
+    const Section high(LinearFromDb(gainMed - gainHigh), freqHigh, samplerate);
+    b0 = low.k * high.k * LinearFromDb(gainHigh);
+    b1 = (high.zero + low.zero) * b0;
+    b2 = b0 * (high.zero * low.zero);
+    a1 = high.pole + low.pole;
+    a2 = high.pole * low.pole;
+    linearGain = LinearFromDb(gain);
+}
+
+}  // namespace Lume

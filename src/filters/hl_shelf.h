@@ -1,0 +1,86 @@
+#pragma once
+
+#include "dsp/filter.h"
+#include "parameters/hl_shelf_parameters.h"
+
+namespace Lume {
+
+/// Tone control with three bands: a second-order filter whose gain is gainLow at 0 Hz, about gainMed between the two
+/// crossovers and gainHigh at half the sample rate, times an overall gain behind the filter.
+///
+/// Two first-order low shelves in a row, (s + R t) / (s + t) each after the bilinear transform s = (1 - q) / (1 + q)
+/// with q the unit delay. R is the step of the shelf, and t = tan(pi f / fs) / sqrt(R) puts the crossover f at the
+/// geometric middle of the step, so that a boost and the cut of the same size mirror each other. The order stays 2 and
+/// the filter is stable whatever the gains.
+///
+/// The taps change at once, which is audible while sound runs: FadedHLShelf crossfades. No setter touches the audio
+/// memory, but a new sample rate clears it. Setters must not overlap Process of the same filter.
+class HLShelf : public orvandsp::Filter {
+public:
+    /// A flat filter: the parameters are the defaults of LumeDefaultParameters.
+    HLShelf();
+
+    using Filter::Process;
+
+    /// Redesigns for another rate [Hz] and clears; the rate that it has already changes nothing.
+    void SetSamplerate(float newSamplerate) override;
+    void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
+    void Clear() override;
+    /// Filters one channel; output may be input. Real-time safe.
+    void Process(float* output, float* input, unsigned long numSamples) override;
+    /// Takes the six parameters in the order of HLShelfParameters, as SetAll does.
+    void SetCoefficients(float* six) override;
+    /// Takes over the audio memory of another HLShelf, but not its taps: a crossfade then starts without a transient.
+    void SetState(Filter const& other) override;
+    /// Without effect: a shelf has order 2.
+    void SetOrder(unsigned int newOrder) override;
+    /// Silences the filter until the next design.
+    void ClearTaps() override;
+    bool IsStable() const override;
+    /// The test of IsStable on the numerator as it is, whose first tap that test takes to be 1: a strict verdict for a
+    /// filter that boosts.
+    bool IsMinimumPhase() const override;
+    /// Copies the six parameters as the last SetAll, SetCoefficients or new sample rate left them: SetParameters
+    /// doesn't touch them, and they aren't clamped.
+    /// @param result  six floats long
+    void GetCoefficients(std::vector<float>& result) const override;
+    unsigned int GetNumCoefficients() const override { return static_cast<unsigned int>(coefficients.size()); }
+
+    /// Sets the overall gain so that its square is the argument (10 log10 and not 20 log10 makes the decibels): meant,
+    /// callers hand in energies.
+    virtual void SetGain(float linear);
+    /// Designs from the record. GetCoefficients goes on to return what SetAll or SetCoefficients set.
+    virtual void SetParameters(HLShelfParameters const& parameters);
+    /// Designs the filter. Crossovers in the wrong order change places; then the lower one is raised to 0 and the upper
+    /// one lowered to half the sample rate.
+    /// @param newGain, newGainLow, newGainMed, newGainHigh  [dB]
+    /// @param newFreqLow, newFreqHigh                       crossovers [Hz]
+    virtual void SetAll(float newGain, float newGainLow, float newGainMed, float newGainHigh, float newFreqLow,
+                        float newFreqHigh);
+    /// Takes over the six parameters of another shelf that its GetCoefficients returns.
+    virtual void SetCoefficients(HLShelf const& other);
+
+protected:
+    /// Filters, and multiplies by a gain behind the recursion.
+    void Run(float* output, float const* input, unsigned long numSamples, float outputGain);
+    /// Sets the overall gain [dB] without a design.
+    void StoreGain(float gaindB);
+
+private:
+    friend class MultiHLShelf;  // sets the gains of its channels without a design
+
+    void Design();
+
+    // The working parameters, clamped by the design.
+    float gain = 0.0f;      // [dB]
+    float gainLow = 0.0f;   // [dB]
+    float gainMed = 0.0f;   // [dB]
+    float gainHigh = 0.0f;  // [dB]
+    float freqLow = 0.0f;   // [Hz]
+    float freqHigh = 0.0f;  // [Hz]
+
+    float linearGain = 1.0f;
+    float b0 = 0.0f, b1 = 0.0f, b2 = 0.0f, a1 = 0.0f, a2 = 0.0f;
+};
+
+}  // namespace Lume
