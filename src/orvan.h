@@ -36,8 +36,11 @@
 
 // filters
 #include "filters/delay.h"
+#include "filters/faded_filters.h"
+#include "filters/faded_hl_shelf.h"
 #include "filters/hl_shelf.h"
 #include "filters/multi_delay.h"
+#include "filters/multi_faded_hl_shelf.h"
 #include "filters/multi_hl_shelf.h"
 #include "filters/tap_out.h"
 #include "filters/unitary_hl_shelf.h"

@@ -1,0 +1,206 @@
+#pragma once
+
+#include <algorithm>
+#include <vector>
+
+#include "dsp/signal_processing.h"
+
+namespace orvandsp {
+
+/// Two filters of one kind with a crossfade on each change of coefficients, since a filter whose taps jump while sound
+/// runs clicks. One channel.
+///
+/// One filter runs. A new set of coefficients waits until the next block, is loaded into the idle filter, and both run
+/// on the same input while the output goes over from one to the other, linearly: correlated signals keep their level. A
+/// fade is never interrupted or reversed: a set that comes meanwhile waits for its end, and of several only the last is
+/// heard.
+///
+/// SetCoefficients only copies and sets flags; the filters are touched on the audio thread alone, at a block's start.
+///
+/// @tparam T  a filter with SetCoefficients(float*), SetState(T const&), which makes its audio memory ready for a fade
+///            that starts from the other's, Process(float*, float*, unsigned long), Clear(), SetSamplerate(float) and
+///            SetMaxBlockSize(unsigned int). It may have `bool NeedsWholeBlocks() const`: true says that it cannot be
+///            run on a part of a block.
+template <typename T>
+class FadedFilters : public SignalProcessing {
+public:
+    /// Crossfade time of a new object [ms].
+    static constexpr float DefaultCrossFadeTime = 5.0f;
+
+    FadedFilters() : bufferA(buffersize), bufferB(buffersize) {}
+
+    /// Hands in the next set of coefficients; it replaces one that still waits.
+    /// @param set       as many as one set of T has
+    /// @param holdBack  keeps it waiting until a call without hold
+    void SetCoefficients(float const* set, bool holdBack) {
+        std::copy_n(set, newCoefficients.size(), newCoefficients.begin());
+        updatePending = true;
+        hold = holdBack;
+    }
+
+    /// Length of the fades [ms]; one that runs is not changed. 0 goes over within one sample.
+    void SetCrossFadeTime(float ms) { crossFadeTime = ms; }
+
+    /// Filters one block of channel 0; without an active input the output stays as it is. Real-time safe.
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override {
+        if (activeInputs[0] != 0) ProcessBlock(outputs[0], inputs[0], numSamples, false);
+    }
+
+    /// Filters one block; output may be input. Real-time safe while the block length is steady.
+    /// @param add  adds the result to the output instead of replacing it
+    void ProcessBlock(float* output, float* input, unsigned long numSamples, bool add) {
+        if (bufferA.size() != numSamples) bufferA.resize(numSamples);
+        if (bufferB.size() != numSamples) bufferB.resize(numSamples);
+        update();
+        if (remaining < 1)
+            RunAlone(output, input, numSamples, add);
+        else if (static_cast<unsigned long>(remaining) > numSamples)
+            Fade(output, input, numSamples, add);
+        else
+            EndFade(output, input, numSamples, add);
+    }
+
+    /// Starts the fade to a waiting set, if there is one that isn't held and no fade runs. ProcessBlock does so itself;
+    /// for users who choose the moment.
+    void update() {
+        if (!updatePending || hold) return;
+        if (fadeState == aRuns) {
+            StartFade(filterB, filterA);
+            gainA = 1.0f;
+            gainB = 0.0f;
+            incrementA = -1.0f / static_cast<float>(remaining);
+            incrementB = 1.0f / static_cast<float>(remaining);
+            fadeState = fromAToB;
+        } else if (fadeState == bRuns) {
+            StartFade(filterA, filterB);
+            gainA = 0.0f;
+            gainB = 1.0f;
+            incrementA = 1.0f / static_cast<float>(remaining);
+            incrementB = -1.0f / static_cast<float>(remaining);
+            fadeState = fromBToA;
+        }
+    }
+
+    void SetSamplerate(float newSamplerate) override {
+        samplerate = newSamplerate;
+        filterA.SetSamplerate(newSamplerate);
+        filterB.SetSamplerate(newSamplerate);
+    }
+
+    void SetMaxBlockSize(unsigned int blockSize) override {
+        buffersize = blockSize;
+        bufferA.resize(blockSize);
+        bufferB.resize(blockSize);
+        filterA.SetMaxBlockSize(blockSize);
+        filterB.SetMaxBlockSize(blockSize);
+    }
+
+    /// Clears both filters. A fade goes on.
+    void Clear() override {
+        filterA.Clear();
+        filterB.Clear();
+    }
+
+protected:
+    enum FadeState : int { aRuns = 0, bRuns = 1, fromAToB = 2, fromBToA = 3 };
+
+    /// The filter that runs or is being faded in.
+    T& Incoming() noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
+    T const& Incoming() const noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
+
+    T filterA;
+    T filterB;
+    std::vector<float> newCoefficients;  // sized by the derived class, as long as one set of T
+
+private:
+    void StartFade(T& idle, T& running) {
+        idle.SetCoefficients(newCoefficients.data());
+        idle.SetState(running);
+        updatePending = false;
+        remaining = FadeLength();
+    }
+
+    /// At least 1, and small enough for a whole number.
+    int FadeLength() const {
+        constexpr float maxLength = 1e9f;
+        const float length = samplerate * crossFadeTime * 0.001f;
+        return length > 0.0f ? static_cast<int>(std::min(length, maxLength)) + 1 : 1;
+    }
+
+    void RunAlone(float* output, float* input, unsigned long numSamples, bool add) {
+        T& filter = Incoming();
+        if (!add) {
+            filter.Process(output, input, numSamples);
+            return;
+        }
+        std::vector<float>& buffer = IncomingBuffer();
+        filter.Process(buffer.data(), input, numSamples);
+        Add(output, buffer.data(), numSamples);
+    }
+
+    void RunBoth(float* input, unsigned long numSamples) {
+        filterA.Process(bufferA.data(), input, numSamples);
+        filterB.Process(bufferB.data(), input, numSamples);
+    }
+
+    void Fade(float* output, float* input, unsigned long numSamples, bool add) {
+        RunBoth(input, numSamples);
+        Mix(output, numSamples, add);
+        remaining -= static_cast<int>(numSamples);
+    }
+
+    /// A block within which, or at whose end, the fade ends.
+    void EndFade(float* output, float* input, unsigned long numSamples, bool add) {
+        const auto numFaded = static_cast<unsigned long>(remaining);
+        const unsigned long numAlone = numSamples - numFaded;
+        const bool whole = NeedsWholeBlocks();
+        RunBoth(input, whole ? numSamples : numFaded);
+        Mix(output, numFaded, add);
+        remaining = 0;
+        fadeState = fadeState == fromAToB ? bRuns : aRuns;
+        if (!whole)
+            RunAlone(output + numFaded, input + numFaded, numAlone, add);
+        else if (add)
+            Add(output + numFaded, IncomingBuffer().data() + numFaded, numAlone);
+        else
+            std::copy_n(IncomingBuffer().data() + numFaded, numAlone, output + numFaded);
+    }
+
+    /// Gains by accumulation, one step a sample.
+    void Mix(float* output, unsigned long numSamples, bool add) {
+        for (unsigned long k = 0; k < numSamples; ++k) {
+            float value = gainA * bufferA[k];
+            if (add) value = output[k] + value;
+            output[k] = gainB * bufferB[k] + value;
+            gainA += incrementA;
+            gainB += incrementB;
+        }
+    }
+
+    static void Add(float* output, float const* buffer, unsigned long numSamples) {
+        for (unsigned long k = 0; k < numSamples; ++k) output[k] += buffer[k];
+    }
+
+    bool NeedsWholeBlocks() const {
+        if constexpr (requires(T const& filter) { filter.NeedsWholeBlocks(); })
+            return filterA.NeedsWholeBlocks();
+        else
+            return false;
+    }
+
+    std::vector<float>& IncomingBuffer() noexcept { return &Incoming() == &filterA ? bufferA : bufferB; }
+
+    std::vector<float> bufferA;
+    std::vector<float> bufferB;
+    float gainA = 1.0f;
+    float gainB = 0.0f;
+    float incrementA = 0.0f;                     // per sample
+    float incrementB = 0.0f;                     // per sample
+    float crossFadeTime = DefaultCrossFadeTime;  // [ms]
+    int remaining = 0;                           // samples left of the fade; below 1: none runs
+    int fadeState = aRuns;
+    bool updatePending = false;  // a new set waits
+    bool hold = false;           // and goes on waiting
+};
+
+}  // namespace orvandsp

@@ -1,0 +1,61 @@
+#include "filters/multi_faded_hl_shelf.h"
+
+#include <algorithm>
+
+namespace Lume {
+
+MultiFadedHLShelf::MultiFadedHLShelf(unsigned int numChannels) {
+    SetNumChannels(numChannels);
+    MultiFadedHLShelf::SetSamplerate(samplerate);
+    SetCrossFadeTime(FadedHLShelf::DefaultHLShelfCrossFadeTime);
+}
+
+void MultiFadedHLShelf::SetNumChannels(unsigned int numChannels) {
+    numInputs = numChannels;
+    numOutputs = numChannels;
+    shelves.resize(numChannels);
+}
+
+void MultiFadedHLShelf::SetCrossFadeTime(float ms) {
+    for (FadedHLShelf& shelf : shelves) shelf.SetCrossFadeTime(ms);
+}
+
+void MultiFadedHLShelf::SetParameters(HLShelfParameters const& parameters) {
+    for (FadedHLShelf& shelf : shelves) shelf.SetParameters(parameters);
+}
+
+void MultiFadedHLShelf::SetAll(float gain, float gainLow, float gainMed, float gainHigh, float freqLow,
+                               float freqHigh) {
+    const float set[] = {gain, gainLow, gainMed, gainHigh, freqLow, freqHigh};
+    for (FadedHLShelf& shelf : shelves) shelf.SetCoefficients(set, false);
+}
+
+void MultiFadedHLShelf::ResetToDefaults() {
+    const HLShelfParameters defaults;
+    SetAll(defaults.gain, defaults.gainLow, defaults.gainMed, defaults.gainHigh, defaults.freqLow, defaults.freqHigh);
+}
+
+void MultiFadedHLShelf::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
+    for (std::size_t i = 0; i < shelves.size(); ++i) {
+        if (activeInputs[i] != 0)
+            shelves[i].ProcessBlock(outputs[i], inputs[i], numSamples, false);
+        else
+            std::fill_n(outputs[i], numSamples, 0.0f);
+    }
+}
+
+void MultiFadedHLShelf::SetSamplerate(float newSamplerate) {
+    samplerate = newSamplerate;
+    for (FadedHLShelf& shelf : shelves) shelf.SetSamplerate(newSamplerate);
+}
+
+void MultiFadedHLShelf::SetMaxBlockSize(unsigned int blockSize) {
+    buffersize = blockSize;
+    for (FadedHLShelf& shelf : shelves) shelf.SetMaxBlockSize(blockSize);
+}
+
+void MultiFadedHLShelf::Clear() {
+    for (FadedHLShelf& shelf : shelves) shelf.Clear();
+}
+
+}  // namespace Lume
