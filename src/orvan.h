@@ -17,6 +17,13 @@
 #include "dsp/vector_statistics.h"
 
 // math
+#include "math/gauss_jordan_elimination.h"
+#include "math/lu.h"
+#include "math/matrix.h"
+#include "math/matrix_complex.h"
+#include "math/pseudo_inverse.h"
+#include "math/real_matrix.h"
+#include "math/svd.h"
 
 // parameters
 #include "parameters/hl_shelf_parameters.h"
