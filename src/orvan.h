@@ -42,6 +42,7 @@
 #include "geometry/spherical_vector.h"
 
 // filters
+#include "filters/air_absorption.h"
 #include "filters/delay.h"
 #include "filters/faded_filters.h"
 #include "filters/faded_hl_shelf.h"

@@ -4,13 +4,12 @@
 
 #include <bit>
 #include <cmath>
-#include <complex>
 #include <cstdint>
-#include <numbers>
 #include <random>
 #include <vector>
 
 #include "filters/multi_hl_shelf.h"
+#include "filters/shelf_prototype.h"
 #include "filters/unitary_hl_shelf.h"
 #include "support/allocation_count.h"
 #include "support/frequency_response.h"
@@ -34,14 +33,6 @@ std::vector<float> Noise(std::size_t length, unsigned int seed) {
     return x;
 }
 
-/// Gain [dB] of the analog prototype of a low shelf, (s + R t) / (s + t), after the bilinear transform.
-double SectionDb(double stepDb, double crossover, double frequency, double rate) {
-    const double ratio = std::pow(10.0, stepDb / 20.0);
-    const double t = std::tan(std::numbers::pi * crossover / rate) / std::sqrt(ratio);
-    const std::complex<double> s(0.0, std::tan(std::numbers::pi * frequency / rate));
-    return 20.0 * std::log10(std::abs((s + ratio * t) / (s + t)));
-}
-
 // Red if a gain or crossover reaches the wrong band, if a crossover isn't the geometric middle of its step, if the rate
 // isn't followed, or if the overall gain is missing.
 TEST(HLShelf, FollowsTheAnalogShelvesAtEveryFrequency) {
@@ -56,8 +47,8 @@ TEST(HLShelf, FollowsTheAnalogShelvesAtEveryFrequency) {
             EXPECT_NEAR(GainDbAt(response, 0.0), -4.0 + low, 0.01);
             EXPECT_NEAR(GainDbAt(response, 0.5), -4.0 + high, 0.01);
             for (const double frequency : {30.0, 300.0, 1200.0, 5000.0, 9000.0}) {
-                const double expected = -4.0 + high + SectionDb(low - med, 300.0, frequency, rate) +
-                                        SectionDb(med - high, 5000.0, frequency, rate);
+                const double expected = -4.0 + high + LowShelfDb(low - med, 300.0, frequency, rate) +
+                                        LowShelfDb(med - high, 5000.0, frequency, rate);
                 EXPECT_NEAR(GainDbAt(response, frequency / static_cast<double>(rate)), expected, 0.01)
                     << frequency << " Hz, rate " << rate;
             }
