@@ -63,6 +63,8 @@
 #include "pan/gain_cycle.h"
 #include "pan/null_panning.h"
 #include "pan/pan.h"
+#include "pan/reverb_panning.h"
+#include "pan/signal_matrix.h"
 #include "pan/vbap2d_panning.h"
 
 // engine

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "pan/null_panning.h"
+#include "pan/reverb_panning.h"
 #include "pan/vbap2d_panning.h"
 
 namespace Lume {
@@ -44,7 +45,7 @@ constexpr Maker methodMakers[numTypes] = {
 };
 
 /// The diffuse role of every method but the binaural one.
-constexpr Maker diffuseMaker = NullPanning::Create;
+constexpr Maker diffuseMaker = ReverbPanning::Create;
 
 /// The roles of the binaural method.
 constexpr Maker binauralMakers[] = {

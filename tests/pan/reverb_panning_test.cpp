@@ -1,0 +1,89 @@
+#include "pan/reverb_panning.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "pan/panning_support.h"
+#include "pan/signal_matrix.h"
+
+namespace {
+
+using Lume::ComputeReverbMixingMatrix;
+using orvandsp::Matrix;
+
+constexpr std::size_t cycle = 1323;  // 30 ms at 44.1 kHz
+
+// Ground truth: with 4 n channels all gains are equal in magnitude, each loudspeaker has the power N / M, and each
+// column of the matrix carries one of four sign patterns that are orthogonal to each other.
+TEST(ComputeReverbMixingMatrix, EveryLoudspeakerGetsAnOrthogonalMixOfEqualPower) {
+    for (const unsigned int channels : {4u, 8u, 12u, 16u}) {
+        for (const unsigned int speakers : {1u, 2u, 4u, 5u, 8u, 12u, 64u}) {
+            const Matrix<float> matrix = ComputeReverbMixingMatrix(channels, speakers);
+            ASSERT_EQ(matrix.GetNumRows(), channels);
+            ASSERT_EQ(matrix.GetNumColumns(), speakers);
+            std::set<std::vector<float>> patterns;
+            for (unsigned int j = 0; j < speakers; ++j) {
+                std::vector<float> column;
+                for (unsigned int i = 0; i < channels; ++i) {
+                    EXPECT_NEAR(std::abs(matrix[i][j]), 1.0f / std::sqrt(static_cast<float>(speakers)), 1e-6f);
+                    column.push_back(matrix[i][j]);
+                }
+                patterns.insert(column);
+            }
+            EXPECT_EQ(patterns.size(), std::min(speakers, 4u));
+            for (auto const& a : patterns) {
+                for (auto const& b : patterns) {
+                    double product = 0.0;
+                    for (unsigned int i = 0; i < channels; ++i) product += static_cast<double>(a[i] * b[i]);
+                    EXPECT_NEAR(product, a == b ? static_cast<double>(channels) / speakers : 0.0, 1e-5);
+                }
+            }
+        }
+    }
+}
+
+// Red if the deal of signs to channels or loudspeakers moves. Four loudspeakers stand in the order 1, 2, 3, 0, and the
+// column sums of three channels are -1.5, -0.5, -0.5, -0.5 in the order of the groups.
+TEST(ComputeReverbMixingMatrix, SignsAndScaleOfThreeChannelsOnFourLoudspeakers) {
+    const Matrix<float> matrix = ComputeReverbMixingMatrix(3, 4);
+    const float gain = 0.5f / std::sqrt(3.0f) * 0.5f * 3.0f;
+    const float signs[3][4] = {{-1, -1, 1, -1}, {-1, 1, -1, -1}, {1, -1, -1, -1}};
+    for (unsigned int i = 0; i < 3; ++i)
+        for (unsigned int j = 0; j < 4; ++j) EXPECT_NEAR(matrix[i][j], gain * signs[i][j], 1e-6f) << i << " " << j;
+    EXPECT_NEAR(std::abs(ComputeReverbMixingMatrix(1, 9)[0][5]), 0.5f / 3.0f, 1e-6f);
+}
+
+/// The output of loudspeaker 0 after some samples of ones in all channels.
+float Listen(Lume::Pan& panner, std::size_t samples, short const* active) {
+    Channels in(panner.GetNumInputs(), samples, 1.0f), out(panner.GetNumOutputs(), samples, 9.0f);
+    panner.Process(out.pointers.data(), in.pointers.data(), samples, active);
+    return out.data[0].back();
+}
+
+// Red if silent inputs cut off the reverberator, if positions matter, or if a new number of channels doesn't fade in.
+TEST(ReverbPanning, RingsOnAndFadesInAnew) {
+    const short none[8] = {};
+    const std::unique_ptr<Lume::Pan> panner(Lume::Pan::factory(8, 5, "nonsense", "diffuse"));
+    ASSERT_NE(dynamic_cast<Lume::ReverbPanning*>(panner.get()), nullptr);
+    panner->SetLoudspeakerPositions(nullptr);
+    panner->SetSourcePosition(3, {1.0f, 2.0f, 3.0f}, true);
+    EXPECT_EQ(Listen(*panner, cycle, none), 0.0f);
+    EXPECT_NEAR(Listen(*panner, cycle + 1, none), -4.0f / std::sqrt(5.0f), 1e-5f);
+
+    panner->SetInterpolationTime(1.0f);
+    panner->SetNumOutputs(4);
+    EXPECT_EQ(Listen(*panner, cycle, none), 0.0f);
+    EXPECT_NEAR(Listen(*panner, cycle + 1, none), -4.0f / 2.0f, 1e-5f);
+
+    // No number of channels is refused.
+    panner->SetNumOutputs(0);
+    panner->SetNumInputs(0);
+    panner->Process(nullptr, nullptr, 64, none);
+    panner->ProcessAdding(nullptr, nullptr, 64, none);
+}
+
+}  // namespace
