@@ -56,6 +56,12 @@
 // hrtf
 
 // reverb
+#include "reverb/cluster.h"
+#include "reverb/delgen.h"
+#include "reverb/early.h"
+#include "reverb/early_gains.h"
+#include "reverb/fdens.h"
+#include "reverb/recommended_delays_distribution.h"
 #include "reverb/shuffle.h"
 
 // pan
