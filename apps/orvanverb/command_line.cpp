@@ -1,0 +1,167 @@
+#include "orvanverb/command_line.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <bit>
+#include <cstdio>
+#include <stdexcept>
+
+#include "orvanverb/program_error.h"
+#include "orvanverb/text.h"
+
+namespace program {
+
+namespace {
+
+/// The words of the options as typed, before they mean anything.
+struct Words {
+    std::vector<std::string> sources;  // four to a source
+    std::string rate;
+    std::string format;
+    std::string preset;
+    std::vector<std::string> settings;
+    std::string tail;
+    std::string inTurn;
+    std::string vector;
+};
+
+constexpr char const* footer =
+    "Angles are the listener's: azimuth 0 is ahead, +90 right, -90 left; elevation 90 is above.\n"
+    "Distances are in metres. Sources are counted from 1, through all channels of all inputs.";
+
+void AddCommonOptions(CLI::App& command, Options& options, Words& words) {
+    command.add_option("-o,--output", options.output, "File to write")->required()->type_name("FILE");
+    command
+        .add_option("--speakers", options.speakers,
+                    "Loudspeakers: a count from 2 to 64 (2 is headphones), or a file with one\n"
+                    "AZIMUTH [ELEVATION [DISTANCE]] a line")
+        ->type_name("COUNT|FILE")
+        ->capture_default_str();
+    command.add_option("--source", words.sources, "Place source I; may be repeated")
+        ->type_name("I AZIMUTH ELEVATION DISTANCE")
+        ->type_size(4)
+        ->allow_extra_args(false);
+    command.add_option("--rate", words.rate, "Sample rate of the output")->type_name("HZ");
+    command.add_option("--format", words.format, "pcm16, pcm24, float or flac [float, or flac for a name in .flac]")
+        ->type_name("NAME");
+    command.add_option("--preset", words.preset, "A room: a file with one NAME VALUE... a line")->type_name("FILE");
+    command.add_option("--set", words.settings, "Set a control of the room, over the preset; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    command
+        .add_option("--tail", words.tail,
+                    "Time behind the end of the input, or auto: until the output has stayed 60 dB\n"
+                    "below its peak for a second, at most 120 seconds [auto]")
+        ->type_name("SECONDS|auto");
+    command.add_option("--vector", words.vector, "Samples of one run of the engine, a power of two from 16 on [64]")
+        ->type_name("COUNT");
+    command.footer(footer);
+}
+
+std::vector<Options::SourcePlace> ParseSources(std::vector<std::string> const& words) {
+    std::vector<Options::SourcePlace> places;
+    for (std::size_t i = 0; i + 4 <= words.size(); i += 4) {
+        Options::SourcePlace place;
+        const std::optional<unsigned int> number = ParseCount(words[i]);
+        if (!number || *number < 1 || *number > maxSources)
+            throw UsageError("--source: '" + words[i] + "' is no source number from 1 to " +
+                             std::to_string(maxSources));
+        place.number = *number;
+        try {
+            place.position = ParseListenerPosition(std::span(words).subspan(i + 1, 3));
+        } catch (std::invalid_argument const& error) {
+            throw UsageError("--source " + words[i] + ": " + error.what());
+        }
+        places.push_back(place);
+    }
+    return places;
+}
+
+std::vector<Options::Setting> ParseSettings(std::vector<std::string> const& words) {
+    std::vector<Options::Setting> settings;
+    for (std::string const& word : words) {
+        const std::size_t equals = word.find('=');
+        if (equals == std::string::npos || equals == 0) throw UsageError("--set: '" + word + "' is no NAME=VALUE");
+        settings.push_back({word.substr(0, equals), SplitWords(word.substr(equals + 1), ",")});
+    }
+    return settings;
+}
+
+unsigned int ParseVectorSize(std::string const& word) {
+    const std::optional<unsigned int> size = ParseCount(word);
+    if (!size || *size < minVectorSize || *size > maxVectorSize || !std::has_single_bit(*size))
+        throw UsageError("--vector: '" + word + "' is no power of two from " + std::to_string(minVectorSize) + " to " +
+                         std::to_string(maxVectorSize));
+    return *size;
+}
+
+int ParseRate(std::string const& word) {
+    const std::optional<unsigned int> rate = ParseCount(word);
+    if (!rate || *rate < minRate || *rate > maxRate)
+        throw UsageError("--rate: '" + word + "' is no sample rate from " + std::to_string(minRate) + " to " +
+                         std::to_string(maxRate) + " Hz");
+    return static_cast<int>(*rate);
+}
+
+double ParseGap(std::string const& word) {
+    constexpr float longest = 3600.0f;
+    const std::optional<float> seconds = ParseNumber(word);
+    if (!seconds || *seconds < 0.0f || *seconds > longest)
+        throw UsageError("--in-turn: '" + word + "' is no time from 0 to " + NumberText(longest) + " seconds");
+    return static_cast<double>(*seconds);
+}
+
+void TakeMeaning(Words const& words, Options& options) {
+    if (options.output.empty()) throw UsageError("--output: needs a name");
+    options.sources = ParseSources(words.sources);
+    options.settings = ParseSettings(words.settings);
+    if (!words.preset.empty()) options.preset = words.preset;
+    if (!words.rate.empty()) options.rate = ParseRate(words.rate);
+    if (!words.tail.empty()) options.tail = Tail::Parse(words.tail);
+    if (!words.vector.empty()) options.vectorSize = ParseVectorSize(words.vector);
+    if (!words.inTurn.empty()) options.inTurnSeconds = ParseGap(words.inTurn);
+    if (!words.format.empty()) {
+        options.format = ParseSampleFormat(words.format);
+        if (!options.format)
+            throw UsageError("--format: '" + words.format + "' is none of pcm16, pcm24, float and flac");
+    }
+}
+
+}  // namespace
+
+std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
+    CLI::App app("Puts recordings into a room and writes what loudspeakers or headphones play.", "orvanverb");
+    app.set_version_flag("--version", "orvanverb " ORVANVERB_VERSION);
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(36);
+
+    Options options;
+    Words words;
+    CLI::App* render = app.add_subcommand("render", "Render recordings (WAV, AIFF, FLAC, Ogg) in a room");
+    render->add_option("inputs", options.inputs, "Recordings; every channel is a source")
+        ->required()
+        ->type_name("FILE");
+    AddCommonOptions(*render, options, words);
+    render->add_option("--in-turn", words.inTurn, "Let the recordings sound one after the other, with this pause")
+        ->type_name("SECONDS");
+    CLI::App* ir = app.add_subcommand("ir", "Write the impulse response from one source to all loudspeakers");
+    AddCommonOptions(*ir, options, words);
+
+    try {
+        app.parse(argc, argv);
+    } catch (CLI::Success const& success) {  // --help or --version
+        app.exit(success);
+        return std::nullopt;
+    } catch (CLI::ParseError const& error) {
+        std::string message = error.what();
+        std::replace(message.begin(), message.end(), '\n', ' ');
+        throw UsageError(message + " (orvanverb --help tells more)");
+    }
+    options.command = ir->parsed() ? Options::Command::ImpulseResponse : Options::Command::Render;
+    TakeMeaning(words, options);
+    return options;
+}
+
+}  // namespace program

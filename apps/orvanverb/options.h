@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "orvanverb/audio_output.h"
+#include "orvanverb/limits.h"
+#include "orvanverb/listener_position.h"
+#include "orvanverb/tail.h"
+
+namespace program {
+
+/// What the user asked for: every word checked on its own, nothing opened yet.
+struct Options {
+    enum class Command { Render, ImpulseResponse };
+    struct SourcePlace {
+        unsigned int number = 1;  // counted from 1
+        ListenerPosition position;
+    };
+    struct Setting {
+        std::string name;
+        std::vector<std::string> values;
+    };
+
+    Command command = Command::Render;
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string speakers = "6";
+    std::vector<SourcePlace> sources;
+    std::optional<int> rate;             // [Hz]
+    std::optional<SampleFormat> format;  // none: what the output's name suggests
+    std::optional<std::string> preset;
+    std::vector<Setting> settings;
+    Tail tail{std::nullopt};
+    std::optional<double> inTurnSeconds;
+    unsigned int vectorSize = defaultVectorSize;
+};
+
+}  // namespace program

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+
+namespace program {
+
+/// One line on a terminal that says how far the work is, rewritten a few times a second and wiped at the end. Where the
+/// stream is no terminal it stays silent.
+class ProgressLine {
+public:
+    explicit ProgressLine(std::FILE* stream);
+    ~ProgressLine() { Wipe(); }
+    ProgressLine(ProgressLine const&) = delete;
+    ProgressLine& operator=(ProgressLine const&) = delete;
+
+    /// @param seconds   rendered so far
+    /// @param expected  in all, 0 if not known; behind it the tail runs
+    void Show(double seconds, double expected);
+
+    void Wipe();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    std::FILE* stream;  // null: not a terminal
+    Clock::time_point begin = Clock::now();
+    Clock::time_point next = begin;
+    bool shown = false;
+};
+
+}  // namespace program

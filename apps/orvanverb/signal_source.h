@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+namespace program {
+
+/// What sounds in the room: planar blocks of source signals, until they end.
+class SignalSource {
+public:
+    virtual ~SignalSource() = default;
+
+    virtual unsigned int NumChannels() const = 0;
+
+    /// Writes `frames` samples to each channel, silence behind the end.
+    /// @return frames before the end; fewer than asked: it's over
+    virtual std::size_t Read(float* const* channels, std::size_t frames) = 0;
+
+    /// Expected length [frames], 0 where it isn't known. For the progress line alone.
+    virtual double ExpectedFrames() const = 0;
+};
+
+}  // namespace program

@@ -1,0 +1,91 @@
+#include "orvanverb/speaker_layout.h"
+
+#include <sndfile.h>
+
+#include <cmath>
+#include <numeric>
+#include <optional>
+
+#include "geometry/azimuth.h"
+#include "geometry/speakers.h"
+#include "geometry/spherical_vector.h"
+#include "orvanverb/limits.h"
+#include "orvanverb/position_file.h"
+#include "orvanverb/program_error.h"
+#include "orvanverb/text.h"
+
+namespace program {
+
+namespace {
+
+std::string Allowed() {
+    return std::to_string(minSpeakers) + " to " + std::to_string(maxSpeakers);
+}
+
+/// The standard layouts, without their low-frequency channel: the room has no use for one.
+void NameStandardChannels(SpeakerLayout& layout) {
+    switch (layout.positions.size()) {
+        case 2:
+            layout.channelMap = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT};
+            break;
+        case 5:  // of 5.1: the engine goes round from the left, the file by pairs
+            layout.fileOrder = {0, 2, 1, 4, 3};
+            layout.channelMap = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT, SF_CHANNEL_MAP_CENTER,
+                                 SF_CHANNEL_MAP_SIDE_LEFT, SF_CHANNEL_MAP_SIDE_RIGHT};
+            break;
+        case 7:  // of 7.1
+            layout.fileOrder = {0, 2, 1, 5, 4, 6, 3};
+            layout.channelMap = {SF_CHANNEL_MAP_LEFT,      SF_CHANNEL_MAP_RIGHT,      SF_CHANNEL_MAP_CENTER,
+                                 SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT, SF_CHANNEL_MAP_SIDE_LEFT,
+                                 SF_CHANNEL_MAP_SIDE_RIGHT};
+            break;
+        default:
+            break;
+    }
+}
+
+SpeakerLayout InEngineOrder(std::vector<Lume::CartesianVector> positions) {
+    SpeakerLayout layout;
+    layout.positions = std::move(positions);
+    layout.fileOrder.resize(layout.positions.size());
+    std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
+    return layout;
+}
+
+}  // namespace
+
+Lume::CartesianVector ToCartesian(ListenerPosition const& position) {
+    Lume::SphericalVector spherical;
+    spherical.azimuth = Lume::SwapAzimuthConvention(position.azimuthDeg) * Lume::DegreesToRadians;
+    spherical.distance = position.distanceM;
+    spherical.elevation = position.elevationDeg * Lume::DegreesToRadians;
+    Lume::CartesianVector cartesian;
+    cartesian = spherical;
+    return cartesian;
+}
+
+SpeakerLayout SpeakerLayout::Parse(std::string const& text) {
+    std::vector<Lume::CartesianVector> positions;
+    if (ParseNumber(text)) {
+        const std::optional<unsigned int> count = ParseCount(text);
+        if (!count || *count < minSpeakers || *count > maxSpeakers)
+            throw UsageError("--speakers: " + text + " is no number of loudspeakers from " + Allowed());
+        Lume::Speakers::GetDefaultForChannels(positions, *count);
+        SpeakerLayout layout = InEngineOrder(std::move(positions));
+        NameStandardChannels(layout);
+        return layout;
+    }
+    for (ListenerPosition const& position : ReadPositionFile(text, maxSpeakers))
+        positions.push_back(ToCartesian(position));
+    if (positions.size() < minSpeakers)
+        throw WorkError(text + ": holds " + std::to_string(positions.size()) + " positions; a room takes " + Allowed() +
+                        " loudspeakers");
+    return InEngineOrder(std::move(positions));
+}
+
+float SpeakerLayout::AzimuthDeg(std::size_t fileChannel) const {
+    Lume::CartesianVector const& position = positions[fileOrder[fileChannel]];
+    return Lume::SwapAzimuthConvention(std::atan2(position.y, position.x) * Lume::RadiansToDegrees);
+}
+
+}  // namespace program

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Small readers and writers of text that do not depend on the user's locale.
+namespace program {
+
+/// The words of a line: blanks, tabs, carriage returns and the characters of `alsoSeparators` part them.
+std::vector<std::string> SplitWords(std::string_view line, std::string_view alsoSeparators = {});
+
+/// A whole word as a finite number, with an optional sign; nothing if it is anything else.
+std::optional<float> ParseNumber(std::string_view word);
+
+/// A whole word as a whole number without sign; nothing if it is anything else.
+std::optional<unsigned int> ParseCount(std::string_view word);
+
+/// The shortest text that reads back as the same number: 0.1, 30, -7.5.
+std::string NumberText(float value);
+
+/// A number with a fixed count of decimals.
+std::string FixedText(double value, int decimals);
+
+}  // namespace program

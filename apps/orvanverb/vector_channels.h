@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace program {
+
+/// Silent channels of one length, planar, reached as the engine wants them.
+class VectorChannels {
+public:
+    VectorChannels(std::size_t channels, std::size_t numSamples);
+    float** Pointers() noexcept { return pointers.data(); }
+
+private:
+    std::vector<float> samples;
+    std::vector<float*> pointers;
+};
+
+}  // namespace program
