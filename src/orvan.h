@@ -62,6 +62,7 @@
 #include "reverb/early_gains.h"
 #include "reverb/fdens.h"
 #include "reverb/recommended_delays_distribution.h"
+#include "reverb/reverb.h"
 #include "reverb/shuffle.h"
 
 // pan
