@@ -21,13 +21,21 @@ float LinearFromDb(float dB) {
     return std::pow(10.0f, dB * 0.05f);
 }
 
-/// First-order low shelf k (1 + zero q) / (1 + pole q) with gain `ratio` at 0 Hz and 1 at half the sample rate.
+/// Limits of a section. A short decay far below that of the next band asks the late field's filters for steps of
+/// thousands of decibels, whose ratio would be zero or infinite and the taps not a number. Nothing audible is limited:
+/// 600 dB, and a factor that only a crossover at half the sample rate reaches.
+constexpr float minRatio = 1e-30f;
+constexpr float maxRatio = 1e30f;
+constexpr float maxFactor = 1e18f;
+
+/// First-order low shelf k (1 + zero q) / (1 + pole q) with gain `wantedRatio` at 0 Hz and 1 at half the sample rate.
 struct Section {
-    Section(float ratio, float freq, float samplerate) {
+    Section(float wantedRatio, float freq, float samplerate) {
+        const float ratio = std::min(std::max(wantedRatio, minRatio), maxRatio);
         const float t = std::tan(std::min((pi / samplerate) * freq, maxTanArgument)) / std::sqrt(ratio);
         pole = (t - 1.0f) / (1.0f + t);
         zero = (ratio * t - 1.0f) / (1.0f + ratio * t);
-        k = (1.0f + ratio * t) / (1.0f + t);
+        k = std::min((1.0f + ratio * t) / (1.0f + t), maxFactor);
     }
     float pole, zero, k;
 };

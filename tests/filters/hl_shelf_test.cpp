@@ -79,6 +79,19 @@ TEST(HLShelf, StaysStableAtExtremeCrossovers) {
     }
 }
 
+// What a decay time of 0.1 s asks of a long delay. Red if the ratio of two bands becomes zero or infinite.
+TEST(HLShelf, StaysFiniteBetweenBandsThatAreThousandsOfDecibelsApart) {
+    for (const float low : {-10.0f, -300.0f, -9000.0f})
+        for (const float medium : {-10.0f, -900.0f, -9000.0f})
+            for (const float high : {-10.0f, -1500.0f, -9000.0f})
+                for (const float crossover : {250.0f, 22050.0f}) {
+                    HLShelf shelf;
+                    shelf.SetAll(0.0f, low, medium, high, crossover, 22050.0f);
+                    for (const float sample : ImpulseResponse(shelf, 1000))
+                        ASSERT_LT(std::abs(sample), 1.0f) << low << " " << medium << " " << high;
+                }
+}
+
 // The parameters that GetCoefficients returns are those given, not those in force: users see what they set.
 TEST(HLShelf, RemembersTheParametersThatItWasGiven) {
     HLShelf shelf, swapped;
