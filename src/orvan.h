@@ -75,5 +75,6 @@
 #include "pan/vbap2d_panning.h"
 
 // engine
+#include "engine/orvan_verb.h"
 
 // decoders

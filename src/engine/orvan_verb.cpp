@@ -1,0 +1,268 @@
+#include "engine/orvan_verb.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "dsp/constants.h"
+#include "dsp/orvan_dsp_exception.h"
+#include "geometry/speakers.h"
+
+namespace Lume {
+
+using orvandsp::allActiveInputs;
+using orvandsp::AudioBuffer;
+using Defaults = LumeDefaultParameters;
+
+namespace {
+
+constexpr unsigned int StructuralChannels = 6;  // sources and loudspeakers of an engine without a configuration
+constexpr unsigned int StructuralBlockSize = 512;
+constexpr unsigned int MaxNumInternals = 16;
+constexpr unsigned int MinNumInternals = 2;
+constexpr float DistanceRampTime = 30.0f;  // [ms]
+constexpr float HalfDegreeToRadians = 0.008726646f;
+
+Pan::Type TypeFor(unsigned int numSpeakers) {
+    return numSpeakers == 2 ? Pan::binaural : Pan::vbap2d;
+}
+
+std::unique_ptr<AudioBuffer> MakeBus(unsigned int numChannels) {
+    auto bus = std::make_unique<AudioBuffer>(numChannels, StructuralBlockSize);
+    bus->Clear();
+    return bus;
+}
+
+std::unique_ptr<Pan> MakePan(unsigned int numInputs, unsigned int numSpeakers, Pan::SubType role) {
+    return std::unique_ptr<Pan>(Pan::factory(numInputs, numSpeakers, TypeFor(numSpeakers), role));
+}
+
+/// Turns a position about the vertical axis, counter-clockwise seen from above.
+CartesianVector Turned(CartesianVector const& p, float radians) {
+    const float c = std::cos(radians);
+    const float s = std::sin(radians);
+    return {c * p.x - s * p.y, s * p.x + c * p.y, p.z};
+}
+
+}  // namespace
+
+OrvanVerb::OrvanVerb(unsigned int newNumInternals)
+    : numInternals(newNumInternals),
+      early(std::make_unique<Early>(numInternals, 1, DefaultSampleRate)),
+      cluster(std::make_unique<Cluster>(numInternals, DefaultSampleRate)),
+      reverb(Reverb::Create(numInternals, DefaultSampleRate)),
+      directShelf(StructuralChannels),
+      roomShelf(1),
+      earlyShelf(2),
+      clusterShelf(numInternals),
+      sourceBus(MakeBus(StructuralChannels)),
+      roomBus(MakeBus(1)),
+      earlyMixBus(MakeBus(2)),
+      lateMixBus(MakeBus(numInternals)),
+      earlyBus(MakeBus(numInternals)),
+      clusterBus(MakeBus(numInternals)),
+      reverbBus(MakeBus(numInternals)),
+      earlyDelgen(numInternals, Delgen::DefaultMinimum, Delgen::DefaultMaximum, Delgen::DefaultDistribution),
+      clusterDelgen(numInternals, Delgen::DefaultMinimum, Delgen::DefaultMaximum, Delgen::DefaultDistribution),
+      spareDelgen(numInternals, Delgen::DefaultMinimum, Delgen::DefaultMaximum, Delgen::DefaultDistribution),
+      directDistanceRamps(StructuralChannels),
+      roomSendRamps(StructuralChannels),
+      sourcePositions(StructuralChannels),
+      speakerPositions(StructuralChannels),
+      earlyGains(numInternals, 1.0f) {
+    if (!reverb)
+        throw orvandsp::OrvanDspException(
+            "OrvanVerb: the number of internal channels must be from 2 to 16, not " + std::to_string(newNumInternals),
+            __FILE__, __LINE__);
+    numInputs = StructuralChannels;
+    numOutputs = StructuralChannels;
+    reverb->UseAirAbsorption(Defaults::DefaultReverbAirAbsorption);
+}
+
+OrvanVerb::~OrvanVerb() {
+    early.reset();
+    cluster.reset();
+    reverb.reset();
+    directPan.reset();
+    earlyPan.reset();
+    diffusePan.reset();
+    sourceBus.reset();
+    roomBus.reset();
+    earlyMixBus.reset();
+    lateMixBus.reset();
+    earlyBus.reset();
+    clusterBus.reset();
+    reverbBus.reset();
+}
+
+bool OrvanVerb::SupportsConfiguration(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals) {
+    return numSources >= 1 && numSources <= orvandsp::MaxNumChannels && numSpeakers >= 1 &&
+           numSpeakers <= orvandsp::MaxNumChannels && numInternals >= MinNumInternals &&
+           numInternals <= MaxNumInternals && Pan::SupportsConfiguration(TypeFor(numSpeakers), numSpeakers);
+}
+
+void OrvanVerb::Configure(float newSamplerate, unsigned int maxBlockSize, unsigned int numSources,
+                          unsigned int numSpeakers) {
+    if (!initialized) {
+        numInputs = numSources;
+        numOutputs = numSpeakers;
+        sourcePositions.resize(numSources);
+        speakerPositions.resize(numSpeakers);
+        directDistanceRamps.resize(numSources);
+        roomSendRamps.resize(numSources);
+        earlyGains.resize(numInternals, 1.0f);
+        if (!CreatePanners(numSources, numSpeakers)) return;
+
+        std::vector<CartesianVector> positions;
+        Speakers::GetDefaultForChannels(positions, numSources);
+        for (unsigned int i = 0; i < numSources; ++i) SetSourcePosition(i, positions[i]);
+        if (TypeFor(numSpeakers) != Pan::binaural) {
+            Speakers::GetDefaultForChannels(positions, numSpeakers);
+            SetSpeakersPositions(positions.data());
+        }
+        directShelf.SetNumChannels(numSources);
+        roomShelf.SetNumChannels(1);
+        earlyShelf.SetNumChannels(2);
+        clusterShelf.SetNumChannels(numInternals);
+        UpdateEarlyGains();
+        initialized = true;
+    }
+    SetSamplerate(newSamplerate);
+    SetMaxBlockSize(maxBlockSize);
+    Clear();
+}
+
+bool OrvanVerb::CreatePanners(unsigned int numSources, unsigned int numSpeakers) {
+    directPan = MakePan(numSources, numSpeakers, Pan::direct);
+    earlyPan = MakePan(2, numSpeakers, Pan::early);
+    diffusePan = MakePan(numInternals, numSpeakers, Pan::diffuse);
+    if (directPan && earlyPan && diffusePan) return true;
+    directPan.reset();
+    earlyPan.reset();
+    diffusePan.reset();
+    return false;
+}
+
+void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) {
+    const float internalScale = std::sqrt(1.0f / static_cast<float>(numInternals));
+    const float sourceScale = std::sqrt(static_cast<float>(numInputs));
+    // The gains are constant within a block and step from block to block along their ramps.
+    const float directGain = directGainRamp.Advance(numSamples);
+    const float earlyGain = earlyGainRamp.Advance(numSamples);
+    const float clusterGain = clusterGainRamp.Advance(numSamples);
+    const float reverbLayerGain = reverbGainRamp.Advance(numSamples);
+
+    directShelf.Process(sourceBus->GetChannels(), inputs, numSamples, allActiveInputs);
+    ProcessRoom(numSamples);
+
+    AudioBuffer(outputs, numOutputs, static_cast<unsigned int>(numSamples), 0).Clear();
+    AddDirectLayer(outputs, numSamples, sourceScale * internalScale * directGain);
+    AddEarlyLayer(outputs, numSamples, earlyGain * internalScale);
+    AddLateLayer(outputs, numSamples, clusterGain * internalScale, reverbLayerGain * internalScale);
+}
+
+/// Fills the buses of the three room blocks from the filtered sources. The blocks stand in series, each on the raw
+/// output of the one before: gains and shelves of the layers come behind all of them.
+void OrvanVerb::ProcessRoom(unsigned long numSamples) {
+    roomBus->Clear();
+    for (unsigned int i = 0; i < numInputs; ++i)
+        roomBus->AddFrom(0, 0, *sourceBus, i, 0, roomSendRamps[i].Advance(numSamples));
+    roomShelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
+    early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
+    cluster->Process(clusterBus->GetChannels(), earlyBus->GetChannels(), numSamples, allActiveInputs);
+    reverb->Process(reverbBus->GetChannels(), clusterBus->GetChannels(), numSamples, allActiveInputs);
+}
+
+void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float gain) {
+    for (unsigned int i = 0; i < numInputs; ++i)
+        sourceBus->ApplyGain(i, directDistanceRamps[i].Advance(numSamples) * gain);
+    directPan->ProcessAdding(outputs, sourceBus->GetChannels(), numSamples, allActiveInputs);
+}
+
+void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float gain) {
+    for (unsigned int c = 0; c < numInternals; ++c) earlyBus->ApplyGain(c, earlyGains[c]);
+    // Even taps to the first virtual source, odd ones to the second.
+    orvandsp::Merge(*earlyMixBus, *earlyBus, gain);
+    earlyShelf.Process(earlyMixBus->GetChannels(), earlyMixBus->GetChannels(), numSamples, allActiveInputs);
+    earlyPan->ProcessAdding(outputs, earlyMixBus->GetChannels(), numSamples, allActiveInputs);
+}
+
+/// The late field is added behind the cluster's shelf: its only shelf is that of the room.
+void OrvanVerb::AddLateLayer(float** outputs, unsigned long numSamples, float clusterScale, float reverbScale) {
+    lateMixBus->CopyFrom(*clusterBus, clusterScale);
+    clusterShelf.Process(lateMixBus->GetChannels(), lateMixBus->GetChannels(), numSamples, allActiveInputs);
+    lateMixBus->AddFrom(*reverbBus, reverbScale);
+    diffusePan->ProcessAdding(outputs, lateMixBus->GetChannels(), numSamples, allActiveInputs);
+}
+
+void OrvanVerb::SetSamplerate(float newSamplerate) {
+    samplerate = newSamplerate;
+    for (std::size_t i = 0; i < roomSendRamps.size(); ++i) {
+        roomSendRamps[i].SetSamplerate(newSamplerate);
+        directDistanceRamps[i].SetSamplerate(newSamplerate);
+    }
+    for (orvandsp::Ramp* ramp : {&directGainRamp, &earlyGainRamp, &clusterGainRamp, &reverbGainRamp})
+        ramp->SetSamplerate(newSamplerate);
+    early->SetSamplerate(newSamplerate);
+    cluster->SetSamplerate(newSamplerate);
+    reverb->SetSamplerate(newSamplerate);
+    for (MultiFadedHLShelf* shelf : {&directShelf, &earlyShelf, &clusterShelf, &roomShelf})
+        shelf->SetSamplerate(newSamplerate);
+    for (Pan* pan : {directPan.get(), earlyPan.get(), diffusePan.get()}) pan->SetSamplerate(newSamplerate);
+}
+
+void OrvanVerb::SetMaxBlockSize(unsigned int blockSize) {
+    buffersize = blockSize;
+    early->SetMaxBlockSize(blockSize);
+    cluster->SetMaxBlockSize(blockSize);
+    reverb->SetMaxBlockSize(blockSize);
+    for (Pan* pan : {directPan.get(), earlyPan.get(), diffusePan.get()}) pan->SetMaxBlockSize(blockSize);
+    earlyBus->Resize(numInternals, blockSize);
+    clusterBus->Resize(numInternals, blockSize);
+    reverbBus->Resize(numInternals, blockSize);
+    sourceBus->Resize(numInputs, blockSize);
+    roomBus->Resize(1, blockSize);
+    earlyMixBus->Resize(2, blockSize);
+    lateMixBus->Resize(numInternals, blockSize);
+    // Whole-bus operations read beyond the samples of a short block: nobody uses what is there, but it must be defined.
+    for (AudioBuffer* bus : {earlyBus.get(), clusterBus.get(), reverbBus.get(), sourceBus.get(), roomBus.get(),
+                             earlyMixBus.get(), lateMixBus.get()})
+        bus->Clear();
+}
+
+void OrvanVerb::Clear() {
+    early->Clear();
+    cluster->Clear();
+    reverb->Clear();
+    directPan->Clear();
+    earlyPan->Clear();
+    diffusePan->Clear();
+    directShelf.Clear();
+    earlyShelf.Clear();
+    clusterShelf.Clear();
+    roomShelf.Clear();
+}
+
+void OrvanVerb::SetSourcePosition(unsigned int source, CartesianVector const& position) {
+    if (source >= sourcePositions.size()) return;
+    // A copy: the argument may be an entry of the vector.
+    const CartesianVector p = position;
+    sourcePositions[source] = p;
+    if (directPan) directPan->SetSourcePosition(source, p, false);
+    if (earlyPan) {
+        const float halfWidth = HalfDegreeToRadians * earlyWidth;
+        earlyPan->SetSourcePosition(0, halfWidth != 0.0f ? Turned(p, halfWidth) : p, false);
+        earlyPan->SetSourcePosition(1, halfWidth != 0.0f ? Turned(p, -halfWidth) : p, false);
+    }
+    const float distance = std::min(std::max(Defaults::minSourceDistance, p.radius()), Defaults::maxSourceDistance);
+    directDistanceRamps[source].Start(1.0f / (distance * distance), DistanceRampTime);
+    roomSendRamps[source].Start(1.0f / distance, DistanceRampTime);
+}
+
+void OrvanVerb::SetSpeakersPositions(CartesianVector const* positions) {
+    std::copy_n(positions, speakerPositions.size(), speakerPositions.begin());
+    // The diffuse field takes no account of where the loudspeakers stand.
+    if (directPan) directPan->SetLoudspeakerPositions(speakerPositions.data());
+    if (earlyPan) earlyPan->SetLoudspeakerPositions(speakerPositions.data());
+}
+
+}  // namespace Lume

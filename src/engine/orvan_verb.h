@@ -1,0 +1,309 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "dsp/audio_buffer.h"
+#include "dsp/ramp.h"
+#include "dsp/signal_processing.h"
+#include "filters/multi_faded_hl_shelf.h"
+#include "geometry/cartesian_vector.h"
+#include "pan/pan.h"
+#include "parameters/hl_shelf_parameters.h"
+#include "parameters/lume_default_parameters.h"
+#include "parameters/reverb_dsp_parameters.h"
+#include "reverb/cluster.h"
+#include "reverb/delgen.h"
+#include "reverb/early.h"
+#include "reverb/reverb.h"
+
+namespace Lume {
+
+/// The room reverberator and spatialiser: N source signals in, M loudspeaker signals (or two binaural ones) out.
+///
+///     inputs -> direct shelf --+--> x 1/d^2, direct gain ------------------------------> direct panner --+
+///                              |                                                                        |
+///                              +--> x 1/d, summed -> room shelf -> early -> cluster -> late             |
+///                                                                    |         |         |              +-> outputs
+///                                   early gains, early gain, shelf <-+         |         |              |
+///                                        |                                     |         |              |
+///                                        +--> early panner (2 virtual sources) ----------------------->-+
+///                                             cluster gain, cluster shelf <----+         |              |
+///                                                           |       reverb gain <--------+              |
+///                                                           +--> sum, diffuse panner ----------------->-+
+///
+/// Between them C internal channels carry the room. Early, cluster and late block stand in series, each fed with the
+/// raw output of the one before it. The room hears the sources behind the direct shelf and before the direct gain. More
+/// than two outputs are panned over a horizontal ring of loudspeakers, two are binaural.
+///
+/// Life: construct, Configure (this builds the panners and fixes N and M), then set parameters and call Process. Before
+/// the first Configure only Configure, the parameter setters and SupportsConfiguration may be called. Until the layer
+/// gains (SetDirectGain, SetEarlyGain, SetClusterGain, SetReverbGain) are set for the first time they stand at zero and
+/// the outputs are silent.
+///
+/// Setters neither check nor report: a value outside its range is taken as it comes, except where a clamp is named.
+/// They start ramps, crossfades and glides; the times below say how long a change takes to be complete. Nothing is
+/// synchronised: call them on the audio thread between two blocks, or accept that a setter on another thread may be
+/// heard in two pieces. Two of them may touch the memory that Process works on: a larger early time (SetEarlyStart,
+/// SetEarlyEnd) grows the early delay line, a longer one than ever before allocates; and a large change of the decay
+/// clears the late field. Configure and SetMaxBlockSize must not overlap Process.
+class OrvanVerb : public orvandsp::SignalProcessing {
+public:
+    /// Time in which a layer gain reaches its new value [ms].
+    static constexpr float DefaultRampTime = 100.0f;
+
+    /// @param numInternals  channels of the room, 2 to 16; more of them give a denser room and cost more
+    /// @throws OrvanDspException if the late reverberator can't be built with that number (1, or above 64)
+    explicit OrvanVerb(unsigned int numInternals);
+    ~OrvanVerb() override;
+
+    OrvanVerb(OrvanVerb const&) = delete;
+    OrvanVerb& operator=(OrvanVerb const&) = delete;
+
+    /// Whether an engine of that shape works: 1 to 64 sources, 1 to 64 loudspeakers that the panning method serves (two
+    /// are binaural; on a ring at least three), 2 to 16 internal channels. Configure doesn't ask: ask first.
+    static bool SupportsConfiguration(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals);
+
+    using SignalProcessing::Configure;
+
+    /// The first call fixes the shape and puts sources and loudspeakers at the default layouts for their numbers; the
+    /// sources' level rises from zero in 30 ms. Each later call announces rate and block size, clears all audio memory
+    /// and ignores the shape.
+    /// @param newSamplerate  [Hz]
+    /// @param maxBlockSize   largest number of samples of one call to Process. Blocks of a steady size, a power of two
+    ///                       from 16 on, keep the late field's loop lengths steady
+    void Configure(float newSamplerate, unsigned int maxBlockSize, unsigned int numSources, unsigned int numSpeakers);
+
+    /// Whether a first Configure has succeeded.
+    bool IsInitialized() const noexcept { return initialized; }
+
+    /// @name Frame
+    /// @{
+    /// Real-time safe. The outputs may be the inputs.
+    /// @param activeInputs  not read: an unconnected input is a silent signal
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    void SetSamplerate(float newSamplerate) override;
+    void SetMaxBlockSize(unsigned int blockSize) override;
+    /// Returns to silence; parameters, positions and running ramps stay.
+    void Clear() override;
+    /// @}
+
+    /// @name Positions
+    /// @{
+    /// Places a source; the default layouts are those of Speakers. Its direct sound falls with the square of its
+    /// distance, deliberately steeper than its share of the room, which falls with the distance: 1 m has gain 1 in
+    /// both. Levels take 30 ms, directions the panner's 30 ms cycle. The early reflections follow the source that was
+    /// placed last: two virtual sources stand on either side of it (SetEarlyWidth).
+    /// @param source    below the number of sources (6 before Configure); others are ignored
+    /// @param position  [m]; the distance counts as 0.3 to 100 m
+    void SetSourcePosition(unsigned int source, CartesianVector const& position);
+
+    /// Places the loudspeakers: what they play of direct sound and early reflections changes within 30 ms. The diffuse
+    /// field doesn't know where loudspeakers stand. Without effect on the two channels of a binaural engine.
+    /// @param positions  one per loudspeaker [m]
+    void SetSpeakersPositions(CartesianVector const* positions);
+
+    /// Lifts all sources to one elevation, for good: azimuth and distance stay. 30 ms.
+    /// @param degrees  -90 to 90, default 0
+    void SetElevation(float degrees);
+    /// @}
+
+    /// @name Direct sound
+    /// The shelf colours the room as well, which hears the sources behind it; the gain doesn't.
+    ///
+    /// All gains of this class are in dB, default 0. Shelf gains and crossovers crossfade in 30 ms. That of the direct
+    /// layer takes 5 ms for the seventh source and later ones.
+    /// @{
+    /// All six at once, gain included.
+    void SetDirectParameters(HLShelfParameters const& parameters);
+    /// Level of the direct sound, -60 to 10 dB, in 100 ms.
+    void SetDirectGain(float gainDb);
+    /// Band below the low crossover, -30 to 30 dB.
+    void SetDirectGainLow(float gainDb);
+    /// Band between the crossovers, -30 to 30 dB.
+    void SetDirectGainMedium(float gainDb);
+    /// Band above the high crossover, -30 to 30 dB.
+    void SetDirectGainHigh(float gainDb);
+    /// 20 to 20000 Hz, default 250.
+    void SetDirectCrossoverFrequencyLow(float frequencyHz);
+    /// 20 to 20000 Hz, default 4000.
+    void SetDirectCrossoverFrequencyHigh(float frequencyHz);
+    /// @}
+
+    /// @name Room
+    /// Colours all that the room answers: early, cluster and late field. Ranges as for the direct sound.
+    /// @{
+    void SetRoomParameters(HLShelfParameters const& parameters);
+    /// Level of the whole room, -60 to 10 dB. A part of the shelf, and so in 30 ms.
+    void SetRoomGain(float gainDb);
+    void SetRoomGainLow(float gainDb);
+    void SetRoomGainMedium(float gainDb);
+    void SetRoomGainHigh(float gainDb);
+    void SetRoomCrossoverFrequencyLow(float frequencyHz);
+    void SetRoomCrossoverFrequencyHigh(float frequencyHz);
+    /// @}
+
+    /// @name Early reflections
+    /// Gain and shelf act on what is heard of the early reflections, not on what they feed into the cluster. Ranges as
+    /// for the direct sound.
+    /// @{
+    void SetEarlyParameters(HLShelfParameters const& parameters);
+    /// Level of the early reflections, -60 to 10 dB, in 100 ms.
+    void SetEarlyGain(float gainDb);
+    void SetEarlyGainLow(float gainDb);
+    void SetEarlyGainMedium(float gainDb);
+    void SetEarlyGainHigh(float gainDb);
+    void SetEarlyCrossoverFrequencyLow(float frequencyHz);
+    void SetEarlyCrossoverFrequencyHigh(float frequencyHz);
+
+    /// Time of the first early reflection [ms], clamped to 1 to 120, default 22.22. Delays glide in 50 ms, which shifts
+    /// their pitch; the cluster, whose times are absolute, is moved along. So do the next two.
+    void SetEarlyStart(float milliseconds);
+    /// Time of the last early reflection [ms], clamped to 1 to 120 and not before the first, default 39.71. A range
+    /// below 3.288 ms is widened to that.
+    void SetEarlyEnd(float milliseconds);
+    /// Whether reflections crowd at the start (low) or at the end (high) of their range, clamped to 0.1 to 0.9, default
+    /// 0.5.
+    void SetEarlyDistribution(float distribution);
+    /// Envelope of the reflections, clamped to 0 to 1: falling below 0.5, flat at 0.5 (the default), rising above; at 0
+    /// and 1 a single reflection remains. The gains change with the next block, without a ramp. With more than 8
+    /// internal channels each call draws a new slight spread of the gains.
+    void SetEarlyShape(float shape);
+    /// Angle between the two virtual sources that play the early reflections, on either side of the source that was
+    /// placed last: 10 to 180 degrees, default 30. 30 ms. Places every source again, so that the last one counts.
+    void SetEarlyWidth(float degrees);
+    /// @}
+
+    /// @name Cluster: the dense reflections between early ones and late field
+    /// Gain and shelf act on what is heard of the cluster, not on what it feeds into the late field. Ranges as for the
+    /// direct sound.
+    /// @{
+    void SetClusterParameters(HLShelfParameters const& parameters);
+    /// Level of the cluster, -60 to 10 dB, in 100 ms.
+    void SetClusterGain(float gainDb);
+    void SetClusterGainLow(float gainDb);
+    void SetClusterGainMedium(float gainDb);
+    void SetClusterGainHigh(float gainDb);
+    void SetClusterCrossoverFrequencyLow(float frequencyHz);
+    void SetClusterCrossoverFrequencyHigh(float frequencyHz);
+
+    /// Time of the first cluster reflection [ms], 1 to 300, default 42.47. What counts is its distance from the early
+    /// start, clamped to 1 to 300. Delays glide in 50 ms, and the late field, whose start is absolute, is retuned at
+    /// once, with the jump that SetReverbStart describes. So do the next two.
+    void SetClusterStart(float milliseconds);
+    /// Time of the last cluster reflection [ms], 1 to 300, default 105.64. What counts is its distance from the early
+    /// end, not below that of the starts, and clamped to 300.
+    void SetClusterEnd(float milliseconds);
+    /// Whether reflections crowd at the start (low) or at the end (high) of their range, clamped to 0.1 to 0.9, default
+    /// 0.5.
+    void SetClusterDistribution(float distribution);
+    /// @}
+
+    /// @name Late field
+    /// @{
+    /// All seven at once, gain included.
+    void SetReverbParameters(ReverbDspParameters const& parameters);
+    /// Level of the late field, -30 to 30 dB, default 0, in 100 ms.
+    void SetReverbGain(float gainDb);
+    /// Time in which the late field falls by 60 dB [s], 0.1 to 10, default 1.995. The filters of the network change at
+    /// once, its input gain in 30 ms; a change of that gain by more than 10 dB empties the network and jumps. So do the
+    /// other decay settings.
+    void SetDecayTime(float seconds);
+    /// Decay below the low crossover as a factor of the decay time, 0.1 to 10, default 1.
+    void SetRelativeDecayLow(float factor);
+    /// Decay between the crossovers as a factor of the decay time, 0.1 to 10, default 1.
+    void SetRelativeDecayMedium(float factor);
+    /// Decay above the high crossover as a factor of the decay time, 0.1 to 1, default 0.5.
+    void SetRelativeDecayHigh(float factor);
+    /// 20 to 20000 Hz, default 250.
+    void SetReverbCrossoverFrequencyLow(float frequencyHz);
+    /// 20 to 20000 Hz, default 8000.
+    void SetReverbCrossoverFrequencyHigh(float frequencyHz);
+    /// Start of the late field [ms], 1 to 500, default 95.37. What counts is its distance from the cluster start,
+    /// clamped to 0 to 500. The delays of the network jump: a sounding tail is torn.
+    void SetReverbStart(float milliseconds);
+    /// Sum of the network's delays [s], clamped to 0.2 to 4, default 0.86: more gives a smoother, slower room. Jumps as
+    /// SetReverbStart does.
+    void SetReverbModalDensity(float seconds);
+    /// Holds the tail for ever (air absorption, if on, still takes its highs). Default false; at once.
+    void SetInfinite(bool infinite);
+    /// Whether the late field loses highs to the air. Default true; at once.
+    void UseAirAbsorption(bool use);
+    /// Frequency from which on the air absorbs [Hz], 20 to 20000, default 10000; at once.
+    void SetAirAbsorptionRolloffFrequency(float frequencyHz);
+    /// @}
+
+protected:
+    bool CreatePanners(unsigned int numSources, unsigned int numSpeakers);
+    void ProcessRoom(unsigned long numSamples);
+    void AddDirectLayer(float** outputs, unsigned long numSamples, float gain);
+    void AddEarlyLayer(float** outputs, unsigned long numSamples, float gain);
+    void AddLateLayer(float** outputs, unsigned long numSamples, float clusterScale, float reverbScale);
+    void UpdateEarlyDelays();
+    void UpdateEarlyGains();
+    void UpdateClusterDelays();
+    void UpdateReverbDelays();
+    void UpdateDirectShelf();
+    void UpdateRoomShelf();
+    void UpdateEarlyShelf();
+    void UpdateClusterShelf();
+
+    std::uint32_t numInternals;
+    HLShelfParameters directParameters;
+    HLShelfParameters roomParameters;
+    float earlyStart = LumeDefaultParameters::DefaultEarlyStart;  // [ms]
+    float earlyEnd = LumeDefaultParameters::DefaultEarlyEnd;      // [ms]
+    float earlyDistribution = LumeDefaultParameters::DefaultEarlyDistr;
+    float earlyWidth = LumeDefaultParameters::DefaultEarlyWidth;  // [degrees]
+    float earlyShape = LumeDefaultParameters::DefaultEarlyShape;
+    HLShelfParameters earlyParameters;
+    float clusterStart = LumeDefaultParameters::DefaultClusterStart;  // absolute [ms]
+    float clusterEnd = LumeDefaultParameters::DefaultClusterEnd;      // absolute [ms]
+    float clusterDistribution = LumeDefaultParameters::DefaultClusterDistr;
+    HLShelfParameters clusterParameters;
+    float decayTime = LumeDefaultParameters::DefaultDecayTime;      // [s]
+    float reverbStart = LumeDefaultParameters::DefaultReverbStart;  // absolute [ms]
+    float modalDensity = LumeDefaultParameters::DefaultReverbModalDensity;
+    float reverbGain = LumeDefaultParameters::DefaultReverbGain;  // [dB]
+    float relativeDecayLow = LumeDefaultParameters::DefaultRelativeDecayLow;
+    float relativeDecayMedium = LumeDefaultParameters::DefaultRelativeDecayMedium;
+    float relativeDecayHigh = LumeDefaultParameters::DefaultRelativeDecayHigh;
+    float crossoverLow = LumeDefaultParameters::DefaultReverbCrossoverFrequencyLow;    // [Hz]
+    float crossoverHigh = LumeDefaultParameters::DefaultReverbCrossoverFrequencyHigh;  // [Hz]
+    bool useAirAbsorption = LumeDefaultParameters::DefaultReverbAirAbsorption;
+    float elevation = 0.0f;  // [degrees]
+
+    std::unique_ptr<Early> early;
+    std::unique_ptr<Cluster> cluster;
+    std::unique_ptr<Reverb> reverb;
+    std::unique_ptr<Pan> directPan;   // N to M
+    std::unique_ptr<Pan> earlyPan;    // 2 to M
+    std::unique_ptr<Pan> diffusePan;  // C to M
+    MultiFadedHLShelf directShelf;
+    MultiFadedHLShelf roomShelf;
+    MultiFadedHLShelf earlyShelf;
+    MultiFadedHLShelf clusterShelf;
+    orvandsp::Ramp directGainRamp;
+    orvandsp::Ramp earlyGainRamp;
+    orvandsp::Ramp clusterGainRamp;
+    orvandsp::Ramp reverbGainRamp;
+    std::unique_ptr<orvandsp::AudioBuffer> sourceBus;    // N channels
+    std::unique_ptr<orvandsp::AudioBuffer> roomBus;      // 1 channel
+    std::unique_ptr<orvandsp::AudioBuffer> earlyMixBus;  // 2 channels
+    std::unique_ptr<orvandsp::AudioBuffer> lateMixBus;   // C channels, as the next three
+    std::unique_ptr<orvandsp::AudioBuffer> earlyBus;
+    std::unique_ptr<orvandsp::AudioBuffer> clusterBus;
+    std::unique_ptr<orvandsp::AudioBuffer> reverbBus;
+    Delgen earlyDelgen;
+    Delgen clusterDelgen;
+    Delgen spareDelgen;  // for the late field, which has come to own its generator; nothing uses it
+    bool initialized = false;
+    std::vector<orvandsp::Ramp> directDistanceRamps;  // 1/d^2 of each source
+    std::vector<orvandsp::Ramp> roomSendRamps;        // 1/d of each source
+    std::vector<CartesianVector> sourcePositions;
+    std::vector<CartesianVector> speakerPositions;
+    std::vector<float> earlyGains;  // one signed gain per early tap
+};
+
+}  // namespace Lume

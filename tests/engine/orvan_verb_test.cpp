@@ -1,0 +1,219 @@
+#include "engine/orvan_verb.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+
+#include "dsp/orvan_dsp_exception.h"
+#include "engine/engine_rig.h"
+#include "support/allocation_count.h"
+
+namespace {
+
+using Lume::OrvanVerb;
+
+/// Noise that depends on nothing but channel and time.
+float Noise(unsigned int channel, std::size_t t) {
+    std::uint32_t x = static_cast<std::uint32_t>(t) * 2654435761u + channel * 40503u + 1u;
+    x ^= x >> 15;
+    x *= 0x85ebca6bu;
+    x ^= x >> 13;
+    x *= 0xc2b2ae35u;
+    x ^= x >> 16;
+    return static_cast<float>(static_cast<std::int32_t>(x)) * 4.656613e-10f;
+}
+
+void SetAllLayers(OrvanVerb& engine, float direct, float early, float cluster, float reverb) {
+    engine.SetDirectGain(direct);
+    engine.SetEarlyGain(early);
+    engine.SetClusterGain(cluster);
+    engine.SetReverbGain(reverb);
+}
+
+void ExpectSameBits(EngineRig::Recording const& a, EngineRig::Recording const& b) {
+    ASSERT_EQ(a.size(), b.size());
+    for (std::size_t c = 0; c < a.size(); ++c) {
+        ASSERT_EQ(a[c].size(), b[c].size());
+        for (std::size_t t = 0; t < a[c].size(); ++t)
+            ASSERT_EQ(std::bit_cast<std::uint32_t>(a[c][t]), std::bit_cast<std::uint32_t>(b[c][t])) << c << " " << t;
+    }
+}
+
+TEST(OrvanVerb, SupportsConfiguration) {
+    const struct {
+        unsigned int sources, speakers, internals;
+        bool supported;
+    } cases[] = {{1, 2, 2, true},   {64, 64, 16, true}, {6, 3, 8, true},  {1, 1, 2, false}, {0, 2, 2, false},
+                 {65, 2, 2, false}, {1, 65, 2, false},  {1, 0, 8, false}, {1, 2, 1, false}, {1, 2, 17, false}};
+    for (auto const& c : cases)
+        EXPECT_EQ(OrvanVerb::SupportsConfiguration(c.sources, c.speakers, c.internals), c.supported)
+            << c.sources << " " << c.speakers << " " << c.internals;
+    testing::internal::CaptureStderr();  // the exception leaves a line there
+    EXPECT_THROW(OrvanVerb(1), orvandsp::OrvanDspException);
+    testing::internal::GetCapturedStderr();
+}
+
+// Red if the direct sound doesn't fall with the square of the distance, if the distance isn't limited to 0.3 to 100 m,
+// or if the scale isn't sqrt(N/C).
+TEST(OrvanVerb, DirectSoundFallsWithTheSquareOfTheDistance) {
+    EngineRig rig(2, 6, 8);
+    rig.engine.SetDirectGain(0.0f);
+    const struct {
+        double distance, gain;
+    } cases[] = {{1.0, 1.0}, {2.0, 0.25}, {0.5, 4.0}, {0.1, 1.0 / 0.09}, {100.0, 1e-4}, {900.0, 1e-4}};
+    for (auto const& c : cases) {
+        rig.engine.SetSourcePosition(0, At(90.0, c.distance));
+        rig.engine.SetSourcePosition(1, At(-90.0, 1.0));
+        const auto levels = rig.ConstantLevels();
+        // The ramp ends beside its target by a rounding of where it came from.
+        EXPECT_NEAR(levels[2], 0.5 * c.gain, 0.5e-4 * c.gain + 1e-6) << c.distance;
+        EXPECT_NEAR(levels[5], 0.5, 0.5e-4);
+    }
+}
+
+// Red if a source comes out elsewhere than where it stands, if left and right are mirrored, if two loudspeakers don't
+// share a source between them at constant power, or if the loudspeakers' positions don't reach the panner.
+TEST(OrvanVerb, SourcesSoundWhereTheyStand) {
+    EngineRig rig(1, 6, 4);
+    rig.engine.SetDirectGain(0.0f);
+    const double azimuths[] = {-45, 45, 90, 135, -135, -90};  // the default layout: front left first
+    for (std::size_t speaker = 0; speaker < 6; ++speaker) {
+        rig.engine.SetSourcePosition(0, At(azimuths[speaker], 1.0));
+        const auto levels = rig.ConstantLevels();
+        for (std::size_t c = 0; c < 6; ++c) EXPECT_NEAR(levels[c], c == speaker ? 0.5 : 0.0, 1e-4) << speaker << c;
+    }
+    for (double azimuth = -180.0; azimuth < 180.0; azimuth += 10.0) {
+        rig.engine.SetSourcePosition(0, At(azimuth, 1.0));
+        const auto levels = rig.ConstantLevels();
+        double power = 0.0;
+        for (const float level : levels) power += static_cast<double>(level * level);
+        EXPECT_NEAR(power, 0.25, 1e-4) << azimuth;
+    }
+    std::vector<Lume::CartesianVector> ring;
+    for (int i = 0; i < 6; ++i) ring.push_back(At(60.0 * i + 10.0, 2.0));
+    rig.engine.SetSpeakersPositions(ring.data());
+    rig.engine.SetSourcePosition(0, At(130.0, 1.0));
+    EXPECT_NEAR(rig.ConstantLevels()[2], 0.5, 1e-4);
+}
+
+// Red if the room send doesn't fall with the distance itself, or if the distance of the origin isn't limited.
+TEST(OrvanVerb, RoomSendFallsWithTheDistance) {
+    EngineRig rig(1, 4, 8);
+    rig.engine.SetEarlyGain(0.0f);
+    const auto energyAt = [&](double distance) {
+        rig.engine.SetSourcePosition(0, At(0.0, distance));
+        rig.Settle();
+        return Energy(rig.ImpulseResponse(0.1));
+    };
+    const double reference = energyAt(1.0);
+    EXPECT_GT(reference, 0.1);
+    for (const double distance : {2.0, 0.5, 100.0, 10000.0, 0.01}) {
+        const double limited = std::min(std::max(distance, 0.3), 100.0);
+        EXPECT_NEAR(energyAt(distance) * limited * limited / reference, 1.0, 1e-4) << distance;
+    }
+}
+
+// Red if the room hears the direct gain, or doesn't hear the direct shelf; if a layer's gain or shelf acts on the next
+// block's feed; if the late field passes the cluster's shelf.
+TEST(OrvanVerb, ControlsOfALayerReachWhatTheyShould) {
+    struct Layers {
+        bool direct, early, cluster, reverb;
+    };
+    const auto record = [](Layers heard, auto change) {
+        EngineRig rig(1, 4, 8);
+        SetAllLayers(rig.engine, 0.0f, 0.0f, 0.0f, 0.0f);
+        // A layer that isn't heard is 400 dB down: no more than a rounding is left of it.
+        if (!heard.direct) rig.engine.SetDirectGain(-800.0f);
+        if (!heard.early) rig.engine.SetEarlyGain(-800.0f);
+        if (!heard.cluster) rig.engine.SetClusterGain(-800.0f);
+        if (!heard.reverb) rig.engine.SetReverbGain(-800.0f);
+        change(rig.engine);
+        rig.Settle();
+        return rig.ImpulseResponse(0.4);
+    };
+    const auto nothing = [](OrvanVerb&) {};
+    const Layers direct{true, false, false, false}, early{false, true, false, false};
+    const Layers cluster{false, false, true, false}, reverb{false, false, false, true};
+
+    const auto directGain = [](OrvanVerb& e) { e.SetDirectGain(-900.0f); };
+    for (const Layers layer : {early, cluster, reverb})
+        ExpectSameBits(record(layer, nothing), record(layer, directGain));
+
+    const auto directShelf = [](OrvanVerb& e) { e.SetDirectGainMedium(-20.0f); };
+    const auto roomShelf = [](OrvanVerb& e) { e.SetRoomGain(-20.0f); };
+    for (const Layers layer : {early, cluster, reverb}) {
+        EXPECT_LT(Energy(record(layer, directShelf)), 0.8 * Energy(record(layer, nothing)));
+        EXPECT_NEAR(Energy(record(layer, roomShelf)) / Energy(record(layer, nothing)), 0.01, 2e-4);
+    }
+    ExpectSameBits(record(direct, nothing), record(direct, roomShelf));
+
+    const auto earlyLayer = [](OrvanVerb& e) {
+        e.SetEarlyGainMedium(-20.0f);
+        e.SetEarlyShape(0.0f);
+        e.SetEarlyWidth(90.0f);
+    };
+    for (const Layers layer : {cluster, reverb}) ExpectSameBits(record(layer, nothing), record(layer, earlyLayer));
+    const auto clusterLayer = [](OrvanVerb& e) {
+        e.SetClusterParameters({-800.0f, 0.0f, -20.0f, 0.0f, 300.0f, 3000.0f});
+    };
+    ExpectSameBits(record(early, nothing), record(early, clusterLayer));
+    ExpectSameBits(record(reverb, nothing), record(reverb, clusterLayer));
+}
+
+// Red if layers sound before their gain is set, or if the first configuration starts at full level.
+TEST(OrvanVerb, BeginsSilentAndRises) {
+    EngineRig rig(1, 4, 4);
+    EXPECT_EQ(Energy(rig.Run(9600, Noise)), 0.0);
+
+    EngineRig other(1, 4, 4);
+    other.engine.SetDirectGain(0.0f);
+    const auto recording = other.Run(9600, [](unsigned int, std::size_t) { return 1.0f; });
+    const auto levelAt = [&](std::size_t t) { return std::hypot(recording[0][t], recording[1][t]); };
+    EXPECT_EQ(levelAt(63), 0.0f);
+    EXPECT_NEAR(levelAt(9000), 0.5f, 1e-4f);
+    EXPECT_LT(levelAt(2400), 0.35f);  // half of the 100 ms of the layer's gain
+}
+
+TEST(OrvanVerb, SecondConfigureKeepsTheShapeAndClears) {
+    EngineRig rig(2, 4, 8);
+    SetAllLayers(rig.engine, 0.0f, 0.0f, 0.0f, 0.0f);
+    rig.engine.UseAirAbsorption(false);
+    rig.Settle();
+    rig.Run(24000, Noise);
+    rig.engine.Configure(48000.0f, 64, 5, 3);
+    EXPECT_EQ(rig.engine.GetNumInputs(), 2u);
+    EXPECT_EQ(rig.engine.GetNumOutputs(), 4u);
+    EXPECT_TRUE(rig.engine.IsInitialized());
+    EXPECT_EQ(Energy(rig.Silence(1.0)), 0.0);
+}
+
+// Red if the flags reach a block, or if an output is written before all inputs are read.
+TEST(OrvanVerb, EveryInputCountsAndOutputsMayBeInputs) {
+    const auto record = [](auto prepare) {
+        EngineRig rig(4, 4, 8);
+        SetAllLayers(rig.engine, 0.0f, 0.0f, 0.0f, 0.0f);
+        prepare(rig);
+        return rig.Run(9600, Noise);
+    };
+    const auto reference = record([](EngineRig&) {});
+    const short inactive[orvandsp::MaxNumChannels] = {};
+    ExpectSameBits(reference, record([&](EngineRig& rig) { rig.activeInputs = inactive; }));
+    ExpectSameBits(reference, record([](EngineRig& rig) { rig.outputs = rig.inputs; }));
+}
+
+TEST(OrvanVerb, ProcessAllocatesNothing) {
+    for (const unsigned int block : {64u, 512u}) {
+        EngineRig rig(6, 6, 8, 48000.0f, block);
+        SetAllLayers(rig.engine, 0.0f, 0.0f, 0.0f, 0.0f);
+        rig.Run(24000, Noise);
+        rig.engine.SetSourcePosition(3, At(-20.0, 3.0));
+        rig.engine.SetRoomGainLow(-6.0f);
+        rig.engine.SetDecayTime(1.0f);
+        const long before = AllocationCount();
+        for (int i = 0; i < 100; ++i)
+            rig.engine.Process(rig.outputs.data(), rig.inputs.data(), block, orvandsp::allActiveInputs);
+        EXPECT_EQ(AllocationCount(), before) << block;
+    }
+}
+
+}  // namespace
