@@ -7,9 +7,11 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
+#include "orvanverb/channel_mask.h"
 #include "orvanverb/program_error.h"
 
 namespace program {
@@ -54,8 +56,8 @@ char const* Describe(SampleFormat format) {
 }
 
 AudioOutput::AudioOutput(std::string newPath, SampleFormat newFormat, int samplerate, unsigned int channels,
-                         std::vector<int> channelMap)
-    : path(std::move(newPath)), format(newFormat), numChannels(channels) {
+                         std::uint32_t newChannelMask)
+    : path(std::move(newPath)), format(newFormat), numChannels(channels), channelMask(newChannelMask) {
     if (format == SampleFormat::Flac && channels > maxFlacChannels)
         throw UsageError("--format flac: holds at most " + std::to_string(maxFlacChannels) + " channels, there are " +
                          std::to_string(channels));
@@ -85,9 +87,6 @@ AudioOutput::AudioOutput(std::string newPath, SampleFormat newFormat, int sample
     sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
     // The peak chunk holds the time of day: without it the same rendering gives the same bytes.
     sf_command(file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
-    if (!channelMap.empty())
-        sf_command(file.get(), SFC_SET_CHANNEL_MAP_INFO, channelMap.data(),
-                   static_cast<int>(channelMap.size() * sizeof(int)));
 }
 
 AudioOutput::~AudioOutput() {
@@ -122,6 +121,13 @@ void AudioOutput::Commit() {
     Flush();
     errno = 0;
     if (const int error = sf_close(file.release())) Fail(errno != 0 ? SystemMessage() : sf_error_number(error));
+    if (format != SampleFormat::Flac) {
+        try {
+            SetChannelMask(partialPath, channelMask);
+        } catch (std::runtime_error const& error) {
+            Fail(error.what());
+        }
+    }
     if (std::rename(partialPath.c_str(), finalPath.c_str()) != 0) Fail(SystemMessage());
     partialPath.clear();
 }

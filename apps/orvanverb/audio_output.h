@@ -26,11 +26,12 @@ char const* Describe(SampleFormat format);
 /// WAV files past 4 GiB become RF64, shorter ones stay plain RIFF.
 class AudioOutput {
 public:
-    /// @param channelMap  libsndfile's name of each channel (SF_CHANNEL_MAP_...), in the order of the channel mask;
-    ///                    empty: mask 0, the channels belong to no particular loudspeakers
+    /// @param channelMask  ChannelMask of the loudspeakers, or 0 for such without a name. FLAC has no mask: players
+    /// take
+    ///                     its channels for a standard layout
     /// @throws UsageError for more channels than the format holds, WorkError for an output that can't be written
     AudioOutput(std::string path, SampleFormat format, int samplerate, unsigned int channels,
-                std::vector<int> channelMap);
+                std::uint32_t channelMask);
 
     /// Removes the file unless it was committed.
     ~AudioOutput();
@@ -58,6 +59,7 @@ private:
     std::string partialPath;  // empty when there is nothing to remove
     SampleFormat format;
     unsigned int numChannels;
+    std::uint32_t channelMask;
     SoundFile file;
     std::vector<float> interleaved;  // what waits to be written
     std::uint64_t numFrames = 0;

@@ -32,21 +32,25 @@ constexpr char const* footer =
     "Distances are in metres. Sources are counted from 1, through all channels of all inputs.";
 
 void AddCommonOptions(CLI::App& command, Options& options, Words& words) {
-    command.add_option("-o,--output", options.output, "File to write")->required()->type_name("FILE");
+    command.add_option("-o,--output", options.output, "File to write")->required()->type_name("FILE")->take_last();
     command
         .add_option("--speakers", options.speakers,
                     "Loudspeakers: a count from 2 to 64 (2 is headphones), or a file with one\n"
                     "AZIMUTH [ELEVATION [DISTANCE]] a line")
         ->type_name("COUNT|FILE")
+        ->take_last()
         ->capture_default_str();
     command.add_option("--source", words.sources, "Place source I; may be repeated")
         ->type_name("I AZIMUTH ELEVATION DISTANCE")
         ->type_size(4)
         ->allow_extra_args(false);
-    command.add_option("--rate", words.rate, "Sample rate of the output")->type_name("HZ");
+    command.add_option("--rate", words.rate, "Sample rate of the output")->type_name("HZ")->take_last();
     command.add_option("--format", words.format, "pcm16, pcm24, float or flac [float, or flac for a name in .flac]")
-        ->type_name("NAME");
-    command.add_option("--preset", words.preset, "A room: a file with one NAME VALUE... a line")->type_name("FILE");
+        ->type_name("NAME")
+        ->take_last();
+    command.add_option("--preset", words.preset, "A room: a file with one NAME VALUE... a line")
+        ->type_name("FILE")
+        ->take_last();
     command.add_option("--set", words.settings, "Set a control of the room, over the preset; may be repeated")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
@@ -54,9 +58,11 @@ void AddCommonOptions(CLI::App& command, Options& options, Words& words) {
         .add_option("--tail", words.tail,
                     "Time behind the end of the input, or auto: until the output has stayed 60 dB\n"
                     "below its peak for a second, at most 120 seconds [auto]")
-        ->type_name("SECONDS|auto");
+        ->type_name("SECONDS|auto")
+        ->take_last();
     command.add_option("--vector", words.vector, "Samples of one run of the engine, a power of two from 16 on [64]")
-        ->type_name("COUNT");
+        ->type_name("COUNT")
+        ->take_last();
     command.footer(footer);
 }
 
@@ -129,6 +135,12 @@ void TakeMeaning(Words const& words, Options& options) {
     }
 }
 
+std::string OneLine(CLI::ParseError const& error) {
+    std::string message = error.what();
+    std::replace(message.begin(), message.end(), '\n', ' ');
+    return message + " (orvanverb --help tells more)";
+}
+
 }  // namespace
 
 std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
@@ -145,7 +157,8 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
         ->type_name("FILE");
     AddCommonOptions(*render, options, words);
     render->add_option("--in-turn", words.inTurn, "Let the recordings sound one after the other, with this pause")
-        ->type_name("SECONDS");
+        ->type_name("SECONDS")
+        ->take_last();
     CLI::App* ir = app.add_subcommand("ir", "Write the impulse response from one source to all loudspeakers");
     AddCommonOptions(*ir, options, words);
 
@@ -154,10 +167,12 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
     } catch (CLI::Success const& success) {  // --help or --version
         app.exit(success);
         return std::nullopt;
+    } catch (CLI::RequiredError const& error) {
+        if (!render->parsed() && !ir->parsed() && argc > 1)
+            throw UsageError("'" + std::string(argv[1]) + "' is no command; there are render and ir");
+        throw UsageError(OneLine(error));
     } catch (CLI::ParseError const& error) {
-        std::string message = error.what();
-        std::replace(message.begin(), message.end(), '\n', ' ');
-        throw UsageError(message + " (orvanverb --help tells more)");
+        throw UsageError(OneLine(error));
     }
     options.command = ir->parsed() ? Options::Command::ImpulseResponse : Options::Command::Render;
     TakeMeaning(words, options);

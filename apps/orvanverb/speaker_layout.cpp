@@ -1,7 +1,5 @@
 #include "orvanverb/speaker_layout.h"
 
-#include <sndfile.h>
-
 #include <cmath>
 #include <numeric>
 #include <optional>
@@ -9,6 +7,7 @@
 #include "geometry/azimuth.h"
 #include "geometry/speakers.h"
 #include "geometry/spherical_vector.h"
+#include "orvanverb/channel_mask.h"
 #include "orvanverb/limits.h"
 #include "orvanverb/position_file.h"
 #include "orvanverb/program_error.h"
@@ -26,18 +25,15 @@ std::string Allowed() {
 void NameStandardChannels(SpeakerLayout& layout) {
     switch (layout.positions.size()) {
         case 2:
-            layout.channelMap = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT};
+            layout.channelMask = frontLeft | frontRight;
             break;
         case 5:  // of 5.1: the engine goes round from the left, the file by pairs
             layout.fileOrder = {0, 2, 1, 4, 3};
-            layout.channelMap = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT, SF_CHANNEL_MAP_CENTER,
-                                 SF_CHANNEL_MAP_SIDE_LEFT, SF_CHANNEL_MAP_SIDE_RIGHT};
+            layout.channelMask = frontLeft | frontRight | frontCentre | sideLeft | sideRight;
             break;
         case 7:  // of 7.1
             layout.fileOrder = {0, 2, 1, 5, 4, 6, 3};
-            layout.channelMap = {SF_CHANNEL_MAP_LEFT,      SF_CHANNEL_MAP_RIGHT,      SF_CHANNEL_MAP_CENTER,
-                                 SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT, SF_CHANNEL_MAP_SIDE_LEFT,
-                                 SF_CHANNEL_MAP_SIDE_RIGHT};
+            layout.channelMask = frontLeft | frontRight | frontCentre | backLeft | backRight | sideLeft | sideRight;
             break;
         default:
             break;
@@ -65,6 +61,7 @@ Lume::CartesianVector ToCartesian(ListenerPosition const& position) {
 }
 
 SpeakerLayout SpeakerLayout::Parse(std::string const& text) {
+    if (text.empty()) throw UsageError("--speakers: needs a count or the name of a file");
     std::vector<Lume::CartesianVector> positions;
     if (ParseNumber(text)) {
         const std::optional<unsigned int> count = ParseCount(text);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -28,8 +29,8 @@ struct SpeakerLayout {
     /// in the order of that mask, or they would come out of the wrong loudspeakers; all others as the engine has them.
     std::vector<std::size_t> fileOrder;
 
-    /// libsndfile's name of each channel of the file; empty for loudspeakers that a channel mask can't name.
-    std::vector<int> channelMap;
+    /// ChannelMask of the file, or 0 for loudspeakers that it can't name.
+    std::uint32_t channelMask = 0;
 };
 
 }  // namespace program

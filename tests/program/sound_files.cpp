@@ -6,8 +6,9 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
-#include <numbers>
 #include <sstream>
+
+#include "support/signals.h"
 
 TemporaryDirectory::TemporaryDirectory() {
     std::string pattern = (std::filesystem::temp_directory_path() / "orvanverb-test-XXXXXX").string();
@@ -23,18 +24,18 @@ std::size_t TemporaryDirectory::NumFiles() const {
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(path), {}));
 }
 
-void WriteSound(std::string const& path, Sound const& sound, int format) {
+void WriteSound(std::string const& path, Sound const& sound, int format, int times) {
     SF_INFO info{};
     info.samplerate = sound.samplerate;
     info.channels = static_cast<int>(sound.samples.size());
     info.format = format;
     SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
     ASSERT_NE(file, nullptr) << path << ": " << sf_strerror(nullptr);
-    std::vector<float> frame(sound.samples.size());
-    for (std::size_t i = 0; i < sound.NumFrames(); ++i) {
-        for (std::size_t c = 0; c < frame.size(); ++c) frame[c] = sound.samples[c][i];
-        sf_writef_float(file, frame.data(), 1);
-    }
+    std::vector<float> interleaved;
+    for (std::size_t i = 0; i < sound.NumFrames(); ++i)
+        for (std::vector<float> const& channel : sound.samples) interleaved.push_back(channel[i]);
+    for (int i = 0; i < times; ++i)
+        sf_write_float(file, interleaved.data(), static_cast<sf_count_t>(interleaved.size()));
     sf_close(file);
 }
 
@@ -47,9 +48,10 @@ Sound ReadSound(std::string const& path) {
     sound.samplerate = info.samplerate;
     sound.format = info.format;
     sound.samples.resize(static_cast<std::size_t>(info.channels));
-    std::vector<float> frame(sound.samples.size());
-    while (sf_readf_float(file, frame.data(), 1) == 1)
-        for (std::size_t c = 0; c < frame.size(); ++c) sound.samples[c].push_back(frame[c]);
+    std::vector<float> interleaved(sound.samples.size() * static_cast<std::size_t>(info.frames));
+    const sf_count_t frames = sf_readf_float(file, interleaved.data(), info.frames);
+    for (std::size_t i = 0; i < sound.samples.size() * static_cast<std::size_t>(frames); ++i)
+        sound.samples[i % sound.samples.size()].push_back(interleaved[i]);
     sf_close(file);
     return sound;
 }
@@ -65,15 +67,13 @@ std::string ReadText(std::string const& path) {
 }
 
 Sound MakeTone(double hertz, double seconds, int samplerate) {
-    Sound sound{{std::vector<float>(static_cast<std::size_t>(std::lround(seconds * samplerate)))}, samplerate};
-    for (std::size_t i = 0; i < sound.NumFrames(); ++i)
-        sound.samples[0][i] =
-            static_cast<float>(0.5 * std::sin(2.0 * std::numbers::pi * hertz * static_cast<double>(i) / samplerate));
-    return sound;
+    return {{MakeSine(hertz, samplerate, static_cast<std::size_t>(std::lround(seconds * samplerate)), 0.5)},
+            samplerate};
 }
 
 unsigned int ReadChannelMask(std::string const& path) {
-    const std::string text = ReadText(path);
+    std::string text(256, '\0');
+    std::ifstream(path, std::ios::binary).read(text.data(), static_cast<std::streamsize>(text.size()));
     const std::size_t chunk = text.find("fmt ");
     unsigned int mask = 0;
     if (chunk != std::string::npos) std::memcpy(&mask, text.data() + chunk + 28, sizeof mask);

@@ -31,7 +31,9 @@ private:
     std::filesystem::path path;
 };
 
-void WriteSound(std::string const& path, Sound const& sound, int format = SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+/// @param times  how often the sound stands in the file
+void WriteSound(std::string const& path, Sound const& sound, int format = SF_FORMAT_WAV | SF_FORMAT_FLOAT,
+                int times = 1);
 Sound ReadSound(std::string const& path);
 
 void WriteText(std::string const& path, std::string const& text);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace program {
+
+/// Loudspeakers that a channel mask names, in the order of their channels in a file (Microsoft, "Multiple channel audio
+/// data and WAVE files", 2001).
+enum ChannelMask : std::uint32_t {
+    frontLeft = 0x1,
+    frontRight = 0x2,
+    frontCentre = 0x4,
+    backLeft = 0x10,
+    backRight = 0x20,
+    sideLeft = 0x200,
+    sideRight = 0x400,
+};
+
+/// Writes the channel mask into the header of a finished WAV or RF64 file with an extensible format. libsndfile guesses
+/// a mask from the number of channels, where 0 would say that they belong to no loudspeaker that has a name.
+/// @throws std::runtime_error for another file, or one that can't be changed
+void SetChannelMask(std::string const& path, std::uint32_t mask);
+
+}  // namespace program

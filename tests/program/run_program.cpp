@@ -1,0 +1,49 @@
+#include "program/run_program.h"
+
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+#include <stdexcept>
+
+#include "program/sound_files.h"
+
+namespace {
+
+std::string Quote(std::string const& word) {
+    std::string quoted("'");
+    for (const char letter : word) {
+        if (letter == '\'')
+            quoted.append("'\\''");
+        else
+            quoted.push_back(letter);
+    }
+    quoted.push_back('\'');
+    return quoted;
+}
+
+}  // namespace
+
+RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before) {
+    const TemporaryDirectory directory;
+    // Appended, not added: g++ 12 sees overlapping copies in `"text" + string` and warns.
+    std::string command = before;
+    command.append(before.empty() ? "exec " : " ").append(Quote(ORVANVERB_PROGRAM));
+    for (std::string const& argument : arguments) command.append(" ").append(Quote(argument));
+    command.append(" </dev/null >").append(Quote(directory / "out")).append(" 2>").append(Quote(directory / "err"));
+
+    std::string shell = "sh", flag = "-c";
+    char* words[] = {shell.data(), flag.data(), command.data(), nullptr};
+    pid_t process = 0;
+    if (posix_spawnp(&process, "sh", nullptr, nullptr, words, environ) != 0) throw std::runtime_error("no shell");
+    int status = 0;
+    rusage usage{};
+    wait4(process, &status, 0, &usage);
+
+    RunResult result;
+    if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+    result.out = ReadText(directory / "out");
+    result.err = ReadText(directory / "err");
+    result.peakMemoryKb = usage.ru_maxrss;
+    return result;
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What became of one run of the program.
+struct RunResult {
+    int status = -1;       // exit status
+    std::string out, err;  // standard output and standard error
+    long peakMemoryKb = 0;
+};
+
+/// Runs the real program.
+/// @param before  shell words in front of it: "ulimit -f 8;", "timeout -s INT 1"
+RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before = {});
