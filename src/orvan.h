@@ -33,6 +33,7 @@
 
 // geometry
 #include "geometry/azimuth.h"
+#include "geometry/azimuth_distance_elevation.h"
 #include "geometry/cartesian_vector.h"
 #include "geometry/convex_hull_2d.h"
 #include "geometry/plane_geometry.h"
@@ -54,6 +55,18 @@
 #include "filters/unitary_hl_shelf.h"
 
 // hrtf
+#include "hrtf/builtin_sets.h"
+#include "hrtf/coll_file.h"
+#include "hrtf/hrtf.h"
+#include "hrtf/hrtf_data.h"
+#include "hrtf/hrtf_header_infos.h"
+#include "hrtf/hrtf_info.h"
+#include "hrtf/hrtf_point.h"
+#include "hrtf/max_msp_coll_file_parser.h"
+#include "hrtf/nearfield_compensation_filters.h"
+#include "hrtf/sdif_access.h"
+#include "hrtf/sdif_reader.h"
+#include "hrtf/sdif_set.h"
 
 // reverb
 #include "reverb/cluster.h"

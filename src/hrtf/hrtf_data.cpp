@@ -1,0 +1,43 @@
+#include "hrtf/hrtf_data.h"
+
+#include <utility>
+
+#include "hrtf/sdif_set.h"
+
+namespace Lume {
+
+void HrtfData::LoadFromHRTF(std::string const& fileName) {
+    SdifSet set = ReadSdifSet(fileName, 1);
+    std::vector<HrtfPoint> newPoints(set.points.size());
+    for (std::size_t i = 0; i < newPoints.size(); ++i) {
+        HrtfPoint& point = newPoints[i];
+        if (!set.points[i].positions.empty()) point.position = set.points[i].positions[0];
+        point.itd = set.points[i].itd;
+        point.numCoefficients = set.header.numCoefficients;
+        point.numChannels = set.header.numChannels;
+        point.coefficients = std::move(set.points[i].coefficients);
+        point.index = static_cast<unsigned int>(i);
+    }
+    points = std::move(newPoints);
+    header = std::move(set.header);
+}
+
+HrtfPoint const& HrtfData::GetNearestHrtfPoint(CartesianVector const& position) const {
+    static const HrtfPoint defaultPoint;
+    if (points.empty()) return defaultPoint;
+    HrtfPoint const* nearest = &points[0];
+    float least = 0.0f;
+    for (HrtfPoint const& point : points) {
+        const float dx = point.position.x - position.x;
+        const float dy = point.position.y - position.y;
+        const float dz = point.position.z - position.z;
+        const float squared = dx * dx + dy * dy + dz * dz;
+        if (&point == &points[0] || squared < least) {
+            nearest = &point;
+            least = squared;
+        }
+    }
+    return *nearest;
+}
+
+}  // namespace Lume
