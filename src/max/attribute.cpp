@@ -32,16 +32,20 @@ bool ChecksTypes(t_attr const& attribute) {
     return attribute.setter == nullptr || attribute.size == 1 || attribute.offsetCount != 0;
 }
 
+/// Size of a field's value [bytes]. It may be a symbol, which is a pointer.
+template <class Value>
+constexpr std::size_t valueBytes = sizeof(Value);  // NOLINT(bugprone-sizeof-expression)
+
 template <class Value>
 Value Load(void* x, long offset, long index = 0) {
     Value value;
-    std::memcpy(&value, static_cast<char*>(x) + offset + index * long{sizeof(Value)}, sizeof(Value));
+    std::memcpy(&value, static_cast<char*>(x) + offset + index * long{valueBytes<Value>}, valueBytes<Value>);
     return value;
 }
 
 template <class Value>
 void Store(void* x, long offset, long index, Value const& value) {
-    std::memcpy(static_cast<char*>(x) + offset + index * long{sizeof(Value)}, &value, sizeof(Value));
+    std::memcpy(static_cast<char*>(x) + offset + index * long{valueBytes<Value>}, &value, valueBytes<Value>);
 }
 
 long Length(void* x, t_attr const& attribute) {
@@ -80,7 +84,7 @@ void Write(void* x, t_attr const& attribute, long index, t_atom const& atom) {
 
 template <class Value>
 Value* NewArray(std::size_t size) {
-    return static_cast<Value*>(sysmem_newptr(static_cast<long>(size * sizeof(Value))));
+    return static_cast<Value*>(sysmem_newptr(static_cast<long>(size * valueBytes<Value>)));
 }
 
 /// Hands out a copy of the atoms, in the caller's memory if there is some.

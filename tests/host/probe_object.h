@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/orvan_msp_object.h"
+#include "max/box.h"
+
+/// A small object with a dump outlet and one attribute of every kind that the host services tell apart:
+///
+///     bypass, mute, gains (two floats with a default), level (clipped, with everything that it can say about itself),
+///     mode (a symbol with choices), table (counted), seed (not to be reset)            -- what a user sees
+///     broken (can't be read), odd (holds an object)                                    -- trouble on demand
+///     void (counted, empty), invisible, hush (invisible by a float), varname (of the box), opaque1 to opaque512
+struct Probe {
+    t_pxobject ob;
+    void* box;
+    t_symbol* classdescription;
+    t_symbol* externalversion;
+    std::int32_t mute;
+    std::int32_t bypass;
+    float level, gains[2], table[4], nothing[2], other;
+    std::int32_t seed, tableCount, voidCount;
+    t_symbol* mode;
+    void* outlet;
+};
+
+/// Error that reading the attribute "broken" gives; MAX_ERR_NONE: it reads as a long.
+inline t_max_err probeError = MAX_ERR_NONE;
+/// Whether reading the attribute "odd" gives an object; otherwise it reads as a long.
+inline bool probeOdd = false;
+/// What the setter of "gains" and "level" was called with.
+inline std::string probeJournal;
+
+/// Registers the class probe~, once.
+void RegisterProbe();
+
+/// A box and all that it said.
+class ProbeBox {
+public:
+    explicit ProbeBox(std::string const& text = "probe~");
+
+    Probe* Record() { return reinterpret_cast<Probe*>(box.Object()); }
+    t_object* Object() { return box.Object(); }
+    /// Sends a message and returns the lines that came, "level: text|level: text|".
+    std::string Send(std::string const& message);
+    /// The same for what was sent out of the outlet.
+    std::string Output();
+    std::string Lines();
+
+private:
+    std::string lines, output;
+
+public:
+    max::Box box;
+};

@@ -1,0 +1,263 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "host/attribute_actions.h"
+#include "host/attribute_reflection.h"
+#include "host/console_lines.h"
+#include "host/object_state.h"
+#include "host/probe_object.h"
+#include "host/xml_reference.h"
+
+namespace {
+
+using namespace orvanmax;
+
+class Services : public testing::Test {
+protected:
+    void SetUp() override {
+        probeError = MAX_ERR_NONE;
+        probeOdd = false;
+        probeJournal.clear();
+    }
+    ProbeBox probe;
+};
+
+const std::vector<std::string> userAttributes{"broken", "bypass", "gains", "hush", "level",
+                                              "mode",   "mute",   "odd",   "seed"};
+
+// Red if one of the five reasons to hide an attribute fails, or if the order isn't that of the names.
+TEST_F(Services, UsersSeeWhatIsTheirs) {
+    EXPECT_EQ(GetListOfUserAttributes(probe.Object()), userAttributes);
+    EXPECT_NE(probe.Send("postattributes").find("post: error attribute invisible not typed long ??|"),
+              std::string::npos);
+    probe.Send("table 1 2 3");
+    const auto names = GetListOfUserAttributes(probe.Object());
+    EXPECT_EQ(names.back(), "table");
+    EXPECT_EQ(GetNumberOfAtomsToStoreTheseAttributes(probe.Object(), names), 13u);
+    EXPECT_EQ(GetNumberOfAttributes(probe.Object()), 19u);
+    EXPECT_EQ(GetNumberOfVisibleAttributes(probe.Object()), 16u);
+    EXPECT_TRUE(IsAttributeInvisible(probe.Object(), "externalversion"));
+    EXPECT_FALSE(IsAttributeInvisible(probe.Object(), "nobody"));
+}
+
+TEST_F(Services, AttributesTellAboutThemselves) {
+    t_attr* const level = GetAttributeByName(probe.Object(), "level");
+    ASSERT_NE(level, nullptr);
+    const auto text = [](t_attr* attribute, void (*getter)(t_attr*, std::string&, std::string const&)) {
+        std::string result = "untouched";
+        getter(attribute, result, "-");
+        return result;
+    };
+    EXPECT_EQ(text(level, GetAttributeDescription), "turns it up");
+    EXPECT_EQ(text(level, GetAttributeCategory), "sound");
+    EXPECT_EQ(text(level, GetAttributeUnits), "dB");
+    EXPECT_EQ(text(level, GetAttributeLabel), "how loud");
+    EXPECT_EQ(text(level, GetAttributeMinValue), "-6.00");
+    EXPECT_EQ(text(level, GetAttributeMaxValue), "6");
+    EXPECT_EQ(text(GetAttributeByName(probe.Object(), "gains"), GetAttributeDefaultValue), "0.25");
+    EXPECT_EQ(text(GetAttributeByName(probe.Object(), "mute"), GetAttributeUnits), "-");
+    std::string value, type;
+    GetAttributeDefaultValue(probe.Object(), "nobody", value, "none");
+    EXPECT_EQ(value, "none");
+    GetAttributeType(level, type);
+    EXPECT_EQ(type, "float32");
+
+    std::vector<std::string> choices;
+    GetAttributeEnumChoices(GetAttributeByName(probe.Object(), "mode"), choices, "-");
+    EXPECT_EQ(choices, (std::vector<std::string>{"soft", "hard", ""}));
+    GetAttributeEnumChoices(level, choices, "-");
+    EXPECT_EQ(choices, std::vector<std::string>{"-"});
+}
+
+TEST_F(Services, AttributesArePosted) {
+    probe.Send("table 1 2");
+    EXPECT_EQ(probe.Send("postattributes level"), "post: level : 1.500000 |");
+    EXPECT_EQ(probe.Send("postattributes void"), "");
+    EXPECT_EQ(probe.Send("postattributes nobody"), "error: no attribute nobody|");
+    EXPECT_EQ(probe.Send("postattributes level mode"), "error: invalid postattributes message : level mode |");
+    EXPECT_EQ(probe.Send("postattributes 7"), "error: invalid postattributes message : 7 |");
+    const std::string all = probe.Send("postattributes");
+    EXPECT_NE(all.find("post: found 10 attributes|post: broken : 1 |post: bypass : 0 |post: gains : 0.250000 -2.000000 "
+                       "|post: hush : 3.000000 |post: level : 1.500000 |post: mode : soft |post: mute : 0 |post: odd : "
+                       "1 |post: seed : 6 |post: table : 1.000000 2.000000 |"),
+              std::string::npos)
+        << all;
+    probeError = -2;
+    EXPECT_EQ(probe.Send("postattributes broken"),
+              "bug: PostValueOfAttribute : MAX_ERR_INVALID_PTR in object_attr_getvalueof (broken)|");
+}
+
+TEST_F(Services, VersionAndStatusFollowTheOrderOfTheCallback) {
+    EXPECT_EQ(probe.Send("version"), "post: Version 1.2.3|");
+    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is enabled|");
+    probe.Send("bypass 1");
+    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is bypassed|");
+    probe.Record()->ob.z_disabled = 1;
+    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is muted|");
+    probe.Record()->ob.z_disabled = 0;
+    probe.Send("mute 1");
+    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is muted|");
+}
+
+TEST_F(Services, DumpsLeaveInOneList) {
+    probe.Send("dump");
+    EXPECT_EQ(
+        probe.Output(),
+        "list broken 1 , bypass 0 , gains 0.250000 -2.000000 , hush 3.000000 , level 1.500000 , mode soft , mute 0 , "
+        "odd 1 , seed 6 , |");
+    EXPECT_EQ(probe.Send("dump invisible"), "");
+    EXPECT_EQ(probe.Output(), "list invisible 3.000000 |");
+    EXPECT_EQ(probe.Send("dump nobody"), "error: no attribute nobody|");
+    EXPECT_EQ(probe.Send("dump 1"), "error: invalid dump message : 1 |");
+    const float values[] = {1.0f, 0.5f};
+    dump_float_array(probe.Object(), gensym("weights"), 2, values);
+    EXPECT_EQ(probe.Output(), "weights 1.000000 0.500000 |");
+    DumpAllAttributes(probe.Object(), nullptr);
+    EXPECT_EQ(probe.Lines(), "error: no dump outlet|");
+
+    probeOdd = true;
+    EXPECT_EQ(probe.Send("dump odd"),
+              "warn: unknown atom type in orvanmax_dumpattributes|error: 2 atoms allocated but 1 atoms dumped|");
+    probeError = MAX_ERR_OUT_OF_MEM;
+    EXPECT_EQ(probe.Send("dump broken"), "bug: DumpAttribute : MAX_ERR_OUT_OF_MEM in object_attr_getvalueof (broken)|");
+}
+
+TEST_F(Services, ResetGoesThroughTheSettersInTheOrderOfNames) {
+    probe.Send("level 3");
+    probe.Send("seed 9");
+    probe.Send("mute 1");
+    probeJournal.clear();
+    probe.Send("reset");
+    EXPECT_EQ(probeJournal, "gains 0.250000 -2.000000 level 1.500000 ");
+    EXPECT_EQ(probe.Record()->mute, 1);
+    EXPECT_EQ(probe.Record()->seed, 9);
+    EXPECT_EQ(probe.Send("reset seed"), "");
+    EXPECT_EQ(probe.Send("reset mute"), "warn: attribute mute doesnt have a default value|");
+    EXPECT_EQ(probe.Send("reset hush"), "post: bug ? AttributeCanBeReset|");
+    EXPECT_EQ(probe.Send("reset foo"), "error: no attribute foo|");
+    EXPECT_EQ(probe.Send("reset a b"), "error: invalid reset message : a b |");
+    ResetAttributeToDefault(probe.Object(), "seed", true, true);
+    EXPECT_EQ(probe.Record()->seed, 6);
+}
+
+// What one object saves, another of its shape takes; one of another shape takes nothing of it.
+TEST_F(Services, StateGoesFromObjectToObject) {
+    for (char const* const message : {"level 4.1", "gains 1 2", "mode hard", "seed 3", "table 5 6"})
+        probe.Send(message);
+    const std::vector<t_atom> state = probe.box.GetState();
+    ProbeBox other;
+    EXPECT_EQ(other.box.SetState(state), -1);
+    EXPECT_NE(other.Lines().find("error: setvalueof error (received 12 atoms. 10 atoms were expected)|"),
+              std::string::npos);
+    EXPECT_FLOAT_EQ(other.Record()->level, 1.5f);
+
+    other.Send("table 0 0");
+    EXPECT_EQ(other.box.SetState(state), 0);
+    EXPECT_NE(other.Lines().find("post: 10 attributes (12 atoms) restored from the pattrstorage|"), std::string::npos);
+    EXPECT_EQ(other.Record()->level, probe.Record()->level);
+    EXPECT_STREQ(other.Record()->mode->s_name, "hard");
+    EXPECT_EQ(other.Record()->table[1], 6.0f);
+    EXPECT_EQ(other.box.SetState({}), 0);
+    EXPECT_EQ(other.Lines(), "");
+}
+
+TEST_F(Services, RestoringGoesOnBehindWhatFails) {
+    std::vector<t_atom> state = probe.box.GetState();
+    probe.Lines();
+    atom_setsym(&state[2], gensym("word"));  // gains take what they get
+    atom_setfloat(&state[5], 99.0);          // level, through its filter
+    atom_setsym(&state[7], gensym("loud"));  // mute
+    EXPECT_EQ(probe.box.SetState(state), 0);
+    EXPECT_EQ(probe.Record()->level, 6.0f);
+    const std::string lines = probe.Lines();
+    EXPECT_NE(lines.find("error: MAX_ERR_GENERIC in object_attr_setvalueof mute|"), std::string::npos) << lines;
+    EXPECT_NE(lines.find("post: 9 attributes (10 atoms) restored"), std::string::npos) << lines;
+
+    // An atom that no state holds moves all others up, until the list runs dry.
+    atom_setobj(&state[0], nullptr);
+    EXPECT_EQ(probe.box.SetState(state), -1);
+    const std::string dry = probe.Lines();
+    EXPECT_NE(dry.find("warn: unknown atom type in orvanmax_setvalueof|"), std::string::npos) << dry;
+    EXPECT_NE(dry.find("error: error reading atoms in orvanmax_setvalueof|"), std::string::npos) << dry;
+}
+
+TEST_F(Services, SavingSaysWhatItCouldNotStore) {
+    orvanmax_getvalueof(probe.Object(), nullptr, nullptr);
+    EXPECT_EQ(probe.Lines(), "bug: orvanmax_getvalueof : there is a problem|");
+    probeOdd = true;
+    t_atom memory[10];
+    t_atom* atoms = memory;
+    long count = 10;
+    EXPECT_EQ(orvanmax_getvalueof(probe.Object(), &count, &atoms), 0);
+    EXPECT_EQ(atoms, memory);
+    const std::string lines = probe.Lines();
+    for (char const* const line :
+         {"warn: orvanmax_getvalueof : memory passed in|", "bug: orvanmax_getvalueof : unknown atom type|",
+          "error: 10 atoms allocated but 9 atoms stored by the pattrstorage|"})
+        EXPECT_NE(lines.find(line), std::string::npos) << lines;
+    EXPECT_EQ(atom_getlong(&memory[8]), 6);
+}
+
+TEST_F(Services, PresetsComeBackAsMessages) {
+    probe.Send("level 2");
+    const std::vector<t_atom> preset = probe.box.StorePreset();
+    ASSERT_EQ(preset.size(), 13u);
+    EXPECT_STREQ(atom_getsym(&preset[1])->s_name, "probe~");
+    EXPECT_STREQ(atom_getsym(&preset[2])->s_name, "recallpreset");
+    probe.Send("level 5");
+    EXPECT_TRUE(probe.box.RecallPreset(preset));
+    EXPECT_EQ(probe.Record()->level, 2.0f);
+    ProbeBox other;
+    EXPECT_FALSE(other.box.RecallPreset(preset));
+    EXPECT_EQ(other.Lines(), "error: no preset of this object|");
+    EXPECT_EQ(probe.Send("recallpreset"), "");
+    probe.Send("preset");  // into no buffer
+}
+
+TEST_F(Services, ErrorsHaveNames) {
+    EXPECT_STREQ(HostErrorName(-1), "MAX_ERR_GENERIC");
+    EXPECT_STREQ(HostErrorName(-3), "MAX_ERR_DUPLICATE");
+    EXPECT_STREQ(HostErrorName(-5), "unknown MAX_ERR");
+    const double values[] = {1.0, 2.5};
+    post_double_array(probe.Object(), values, 2, "pair");
+    EXPECT_EQ(probe.Lines(), "post: pair : 1.000000 2.500000 |");
+}
+
+// The whole file of a small class, as text: order, blank lines and all.
+TEST_F(Services, ReferenceFileHoldsTheClass) {
+    const auto directory = std::filesystem::temp_directory_path() / "orvan_reference_test";
+    const auto before = std::filesystem::current_path();
+    std::filesystem::create_directories(directory);
+    std::filesystem::current_path(directory);
+    probe.Send("generatexml");
+    std::filesystem::current_path(before);
+    std::ifstream file(directory / "probe~.ref.xml");
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    std::filesystem::remove_all(directory);
+
+    EXPECT_EQ(text.substr(0, text.find("<attribute>")),
+              "<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\"?>\n"
+              "<?xml-stylesheet type=\"text/xsl\" href=\"orvan.xsl\"?>\n"
+              "<external>\n<name>probe~</name>\n\n<version>1.2.3</version>\n\n"
+              "<copyright>Copyright (c) 2026 The orvanverb~ developers</copyright>\n\n<brief>A probe</brief>\n\n");
+    EXPECT_NE(text.find("<attribute>\n<name>level</name>\n<brief>how loud</brief>\n<type>float32</type>\n"
+                        "<default>1.50</default>\n<min>-6.00</min>\n<max>6</max>\n<units>dB</units>\n<enum></enum>\n"
+                        "<category>sound</category>\n<description>turns it up</description>\n</attribute>\n\n"
+                        "<attribute>\n<name>mode</name>"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("<enum>soft hard  </enum>"), std::string::npos);
+    EXPECT_EQ(
+        text.substr(text.find("<method>")),
+        "<method>\n<name>version</name>\n</method>\n<method>\n<name>postattributes</name>\n</method>\n"
+        "<method>\n<name>dump</name>\n</method>\n<method>\n<name>reset</name>\n</method>\n"
+        "<method>\n<name>postdspstatus</name>\n</method>\n<method>\n<name>clear</name>\n</method>\n</external>\n");
+}
+
+}  // namespace
