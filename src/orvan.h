@@ -80,12 +80,25 @@
 
 // pan
 #include "pan/amplitude_panning.h"
+#include "pan/angular_panning.h"
+#include "pan/dbap_panning.h"
+#include "pan/dbap_panning_2d.h"
+#include "pan/dbap_panning_3d.h"
 #include "pan/gain_cycle.h"
 #include "pan/null_panning.h"
 #include "pan/pan.h"
+#include "pan/panr.h"
+#include "pan/recursive_panning.h"
 #include "pan/reverb_panning.h"
 #include "pan/signal_matrix.h"
+#include "pan/stereo_ab_panning.h"
+#include "pan/stereo_law.h"
+#include "pan/stereo_ms_panning.h"
+#include "pan/stereo_xy_panning.h"
+#include "pan/surround_panning.h"
 #include "pan/vbap2d_panning.h"
+#include "pan/vbap_panning.h"
+#include "pan/vdbap_panning.h"
 
 // engine
 #include "engine/orvan_verb.h"

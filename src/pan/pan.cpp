@@ -4,9 +4,19 @@
 #include <cmath>
 #include <map>
 
+#include "pan/angular_panning.h"
+#include "pan/dbap_panning_2d.h"
+#include "pan/dbap_panning_3d.h"
 #include "pan/null_panning.h"
+#include "pan/recursive_panning.h"
 #include "pan/reverb_panning.h"
+#include "pan/stereo_ab_panning.h"
+#include "pan/stereo_ms_panning.h"
+#include "pan/stereo_xy_panning.h"
+#include "pan/surround_panning.h"
 #include "pan/vbap2d_panning.h"
+#include "pan/vbap_panning.h"
+#include "pan/vdbap_panning.h"
 
 namespace Lume {
 
@@ -26,22 +36,22 @@ using Maker = Pan* (*)(unsigned int numInputs, unsigned int numOutputs);
 
 /// By method, for every role that has no maker of its own.
 constexpr Maker methodMakers[numTypes] = {
-    NullPanning::Create,    // binaural
-    NullPanning::Create,    // xy
-    NullPanning::Create,    // ms
-    NullPanning::Create,    // ab
-    NullPanning::Create,    // surround
-    NullPanning::Create,    // panr
-    NullPanning::Create,    // angular
-    Vbap2DPanning::Create,  // vbap2d
-    NullPanning::Create,    // vbap
-    NullPanning::Create,    // dbap
-    NullPanning::Create,    // dbap3d
-    NullPanning::Create,    // bformat
-    NullPanning::Create,    // hoa2d
-    NullPanning::Create,    // hoa3d
-    NullPanning::Create,    // vdbap
-    NullPanning::Create,    // null
+    NullPanning::Create,       // binaural
+    StereoXYPanning::Create,   // xy
+    StereoMSPanning::Create,   // ms
+    StereoABPanning::Create,   // ab
+    SurroundPanning::Create,   // surround
+    RecursivePanning::Create,  // panr
+    AngularPanning::Create,    // angular
+    Vbap2DPanning::Create,     // vbap2d
+    VbapPanning::Create,       // vbap
+    DbapPanning2D::Create,     // dbap
+    DbapPanning3D::Create,     // dbap3d
+    NullPanning::Create,       // bformat
+    NullPanning::Create,       // hoa2d
+    NullPanning::Create,       // hoa3d
+    VDbapPanning::Create,      // vdbap
+    NullPanning::Create,       // null
 };
 
 /// The diffuse role of every method but the binaural one.

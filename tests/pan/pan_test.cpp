@@ -36,6 +36,44 @@ TEST(Pan, SupportsConfigurationByNumberOfOutputs) {
     expect({15, 16, 1000, -1}, isOneOf({}));
 }
 
+bool Builds(unsigned int numInputs, unsigned int numOutputs, int type, int subType) {
+    const std::unique_ptr<Pan> pan(
+        Pan::factory(numInputs, numOutputs, static_cast<Pan::Type>(type), static_cast<Pan::SubType>(subType)));
+    const bool isNull = dynamic_cast<Lume::NullPanning*>(pan.get()) != nullptr;
+    EXPECT_EQ(pan->GetNumOutputs(), isNull ? 0u : numOutputs) << "type " << type;
+    return !isNull;
+}
+
+// Red if a bound of a maker moves by one, or if a role changes the ordinary panner of its method. The makers differ
+// from SupportsConfiguration for 0, 1 and 2 outputs of some methods, on purpose.
+TEST(Pan, FactoryByNumberOfOutputs) {
+    const auto expect = [](std::vector<int> const& types, auto&& rule) {
+        for (const int type : types) {
+            for (unsigned int outputs = 0; outputs <= 70; ++outputs) {
+                for (const int role : {0, 1, 9})
+                    EXPECT_EQ(Builds(2, outputs, type, role), rule(outputs)) << "type " << type << ", " << outputs;
+                EXPECT_TRUE(Builds(2, outputs, type, Pan::diffuse));
+            }
+        }
+    };
+    expect({1, 2, 3}, [](unsigned int n) { return n == 2; });
+    expect({4}, [](unsigned int n) { return n == 3 || n == 4; });
+    expect({5}, [](unsigned int n) { return (n >= 4 && n <= 8) || n == 12; });
+    expect({6}, [](unsigned int) { return true; });
+    expect({7}, [](unsigned int n) { return n >= 2; });
+    expect({8, 14}, [](unsigned int n) { return n >= 3; });
+    expect({9, 10}, [](unsigned int n) { return n != 0; });
+    expect({15, 16, -1}, [](unsigned int) { return false; });
+    EXPECT_FALSE(Builds(1, 1, Pan::hoa3d, Pan::direct));
+    for (int role = 0; role < 7; ++role) EXPECT_FALSE(Builds(2, 3, Pan::binaural, role));
+    EXPECT_FALSE(Builds(1, 2, Pan::binaural, Pan::diffuse));
+}
+
+// Red if a construction that fails reaches the caller: this one asks for more memory than there can be.
+TEST(Pan, FactorySwallowsFailures) {
+    EXPECT_FALSE(Builds(0xffffffffu, 0xffffffffu, Pan::vbap2d, Pan::direct));
+}
+
 // Red if a synonym is lost, if "null" becomes a key, or if a look-up enters the name that it looks for.
 TEST(Pan, NamesAndSynonyms) {
     const std::vector<std::pair<char const*, int>> synonyms = {{"vbap3d", 8},   {"dbap2d", 9}, {"hoa2D", 12},

@@ -1,0 +1,227 @@
+#include "pan/vbap_panning.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "geometry/speakers.h"
+#include "pan/panning_support.h"
+
+namespace {
+
+using Lume::CartesianVector;
+using Lume::VbapPanning;
+using Layout = std::vector<CartesianVector>;
+
+void AddRing(Layout& layout, std::vector<double> const& azimuths, double elevation) {
+    for (const double azimuth : azimuths) layout.push_back(At(azimuth, elevation));
+}
+
+std::vector<double> Regular(int n, double offset = 0.0) {
+    std::vector<double> azimuths;
+    for (int i = 0; i < n; ++i) azimuths.push_back(offset + 360.0 * i / n);
+    return azimuths;
+}
+
+/// (+-a, +-b, +-c) and its two rotations, without repetitions for coordinates of 0.
+void AddSigned(Layout& layout, float a, float b, float c) {
+    for (int signs = 0; signs < 8; ++signs) {
+        if ((a == 0.0f && (signs & 1)) || (b == 0.0f && (signs & 2)) || (c == 0.0f && (signs & 4))) continue;
+        const float x = signs & 1 ? -a : a, y = signs & 2 ? -b : b, z = signs & 4 ? -c : c;
+        layout.push_back({x, y, z});
+        layout.push_back({y, z, x});
+        layout.push_back({z, x, y});
+    }
+}
+
+struct NamedLayout {
+    std::string name;
+    Layout positions;
+    unsigned int numTriplets;  // by Euler's formula for closed layouts, 0 where it says nothing
+};
+
+/// Layouts that people have, and designs that sample the sphere evenly.
+std::vector<NamedLayout> Layouts() {
+    std::vector<NamedLayout> layouts(10);
+    layouts[0] = {"cube", Layout(std::begin(Lume::Speakers::cube), std::end(Lume::Speakers::cube)), 12};
+    layouts[1] = {"5.0.4", {}, 0};
+    AddRing(layouts[1].positions, {-30, 30, 0, -110, 110}, 0);
+    AddRing(layouts[1].positions, {-45, 45, -135, 135}, 45);
+    layouts[2] = {"7.0.4", {}, 0};
+    AddRing(layouts[2].positions, {-30, 30, 0, -90, 90, -135, 135}, 0);
+    AddRing(layouts[2].positions, {-45, 45, -135, 135}, 45);
+    layouts[3] = {"9.1.6 without the subwoofer", {}, 0};
+    AddRing(layouts[3].positions, {-30, 30, 0, -110, 110, -150, 150, -60, 60}, 0);
+    AddRing(layouts[3].positions, {-45, 45, -90, 90, -135, 135}, 45);
+    layouts[4] = {"dome of 24", {}, 0};
+    AddRing(layouts[4].positions, Regular(12), 0);
+    AddRing(layouts[4].positions, Regular(8, 10.0), 35);
+    AddRing(layouts[4].positions, Regular(3), 65);
+    AddRing(layouts[4].positions, {0}, 90);
+    layouts[5] = {"tetrahedron", {{1, 1, 1}, {1, -1, -1}, {-1, 1, -1}, {-1, -1, 1}}, 4};
+    layouts[6] = {"octahedron", {}, 8};
+    AddSigned(layouts[6].positions, 1, 0, 0);
+    constexpr auto golden = std::numbers::phi_v<float>;
+    layouts[7] = {"icosahedron", {}, 20};
+    AddSigned(layouts[7].positions, 0, 1, golden);
+    layouts[8] = {"dodecahedron", layouts[0].positions, 36};
+    AddSigned(layouts[8].positions, 0, 1 / golden, golden);
+    // McLaren's improved snub cube, a 7-design: even permutations with an even number of signs, odd with odd.
+    layouts[9] = {"snub cube", {}, 44};
+    const float u = 0.8662468f, v = 0.4225187f, w = 0.2666354f;
+    Layout even, odd;
+    AddSigned(even, u, v, w);
+    AddSigned(odd, v, u, w);
+    for (CartesianVector const& p : even)
+        if (p.x * p.y * p.z > 0) layouts[9].positions.push_back(p);
+    for (CartesianVector const& p : odd)
+        if (p.x * p.y * p.z < 0) layouts[9].positions.push_back(p);
+    return layouts;
+}
+
+double Determinant(CartesianVector const& a, CartesianVector const& b, CartesianVector const& c) {
+    const auto d = [](float x) { return static_cast<double>(x); };
+    return d(a.x) * (d(b.y) * d(c.z) - d(b.z) * d(c.y)) + d(a.y) * (d(b.z) * d(c.x) - d(b.x) * d(c.z)) +
+           d(a.z) * (d(b.x) * d(c.y) - d(b.y) * d(c.x));
+}
+
+/// Whether any three loudspeakers at all enclose a direction: the convex hull, by brute force and Cramer's rule.
+bool IsInHull(Layout const& p, CartesianVector const& s) {
+    for (std::size_t i = 0; i < p.size(); ++i) {
+        for (std::size_t j = i + 1; j < p.size(); ++j) {
+            for (std::size_t k = j + 1; k < p.size(); ++k) {
+                const double whole = Determinant(p[i], p[j], p[k]);
+                if (std::abs(whole) > 1e-4 && Determinant(s, p[j], p[k]) / whole > 1e-4 &&
+                    Determinant(p[i], s, p[k]) / whole > 1e-4 && Determinant(p[i], p[j], s) / whole > 1e-4)
+                    return true;
+            }
+        }
+    }
+    return false;
+}
+
+std::vector<float> Gains(VbapPanning& panner, CartesianVector const& source) {
+    std::vector<float> gains(panner.GetNumOutputs(), 9.0f);
+    panner.convert(source, gains.data(), 0);
+    return gains;
+}
+
+// Ground truth: closed layouts fall into exactly the triangles of their hull; and wherever the hull is, three
+// loudspeakers share the source with constant power and no gain below the tolerance, so that their vectors point at it.
+TEST(VbapPanning, TripletsCoverTheHullAndPointAtTheSource) {
+    Uniform uniform(5);
+    for (auto const& [name, positions, numTriplets] : Layouts()) {
+        const auto count = static_cast<unsigned int>(positions.size());
+        VbapPanning panner(1, count);
+        panner.SetLoudspeakerPositions(positions.data());
+        EXPECT_EQ(numTriplets == 0 ? 0 : panner.GetNumTriplets(), numTriplets) << name;
+        int numInside = 0;
+        for (int i = 0; i < 1000; ++i) {
+            const double distance = uniform(0.5, 8.0);
+            const CartesianVector source =
+                At(uniform(-180, 180), std::asin(uniform(-1, 1)) * 180 / std::numbers::pi, distance);
+            if (!IsInHull(positions, source)) continue;
+            ++numInside;
+            const std::vector<float> gains = Gains(panner, source);
+            CartesianVector velocity;
+            for (unsigned int j = 0; j < count; ++j) {
+                EXPECT_GE(gains[j], -0.01f);
+                velocity.x += gains[j] * positions[j].x;
+                velocity.y += gains[j] * positions[j].y;
+                velocity.z += gains[j] * positions[j].z;
+            }
+            EXPECT_NEAR(Power(gains), 1.0, 1e-5) << name;
+            EXPECT_LE(std::count_if(gains.begin(), gains.end(), [](float g) { return g != 0.0f; }), 3);
+            EXPECT_LT(Lume::angle(velocity, source) * 180.0f / std::numbers::pi_v<float>, 1.0f) << name;
+        }
+        EXPECT_GT(numInside, 450) << name;
+    }
+}
+
+// Red if output channels follow another order than the caller's, or if the first of equal triplets doesn't win.
+TEST(VbapPanning, ASourceOnALoudspeakerIsItsAlone) {
+    for (auto const& [name, positions, numTriplets] : Layouts()) {
+        VbapPanning panner(1, static_cast<unsigned int>(positions.size()));
+        panner.SetLoudspeakerPositions(positions.data());
+        for (unsigned int i = 0; i < positions.size(); ++i) {
+            const std::vector<float> gains = Gains(panner, positions[i]);
+            for (unsigned int j = 0; j < gains.size(); ++j) EXPECT_NEAR(gains[j], i == j ? 1.0f : 0.0f, 2e-3f) << name;
+            unsigned int active[3];
+            panner.GetActiveTriplet(positions[i], active);
+            EXPECT_TRUE(std::find(active, active + 3, i) != active + 3) << name;
+        }
+    }
+}
+
+// Red if the tolerance is scaled with the distance or applied on the wrong side: just below a dome the top keeps its
+// small negative gain, further below it is silent.
+TEST(VbapPanning, SlightlyNegativeGainsStay) {
+    const Layout dome = {{0, 1, 0}, {1, 0, 0}, {0, -1, 0}, {-1, 0, 0}, {0, 0, 1}};
+    VbapPanning panner(1, 5);
+    panner.SetLoudspeakerPositions(dome.data());
+    EXPECT_NEAR(Gains(panner, At(45, -0.5))[4], -std::sin(0.5 * std::numbers::pi / 180), 1e-4);
+    EXPECT_EQ(Gains(panner, At(45, -0.7))[4], 0.0f);
+    EXPECT_EQ(Gains(panner, At(45, -0.5, 2.0))[4], 0.0f);
+    EXPECT_NEAR(Power(Gains(panner, At(45, -30))), 1.0, 1e-6);
+    EXPECT_EQ(Power(Gains(panner, {0, 0, -1})), 0.0);
+}
+
+// Red if arcs that meet in a loudspeaker, or the far sides of two great circles, count as crossing.
+TEST(VbapPanning, ArcsCross) {
+    const Layout points = {At(-20), At(20), At(0, -20), At(0, 20), At(180, 20), At(180, -20)};
+    VbapPanning panner(1, 6);
+    panner.SetLoudspeakerPositions(points.data());
+    EXPECT_TRUE(panner.lines_intersect(0, 1, 2, 3));
+    EXPECT_FALSE(panner.lines_intersect(0, 1, 4, 5));
+    EXPECT_FALSE(panner.lines_intersect(0, 3, 1, 2));
+    EXPECT_FALSE(panner.lines_intersect(0, 1, 1, 3));
+}
+
+// Layouts that can't be served end in silence, whatever is asked of them, and never in a crash or a hang.
+TEST(VbapPanning, BadLayoutsAreSilent) {
+    const float nan = std::nanf("");
+    const Layout layouts[] = {
+        {At(0), At(72), At(144), At(216), At(288)},                         // a ring
+        {{1, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 0, 0}},                       // one place
+        {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}},                                  // the listener's place
+        {{nan, 0, 0}, {0, nan, 0}, {0, 0, nan}, {nan, nan, nan}},           // nowhere
+        {{1, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 1}}  // each loudspeaker twice
+    };
+    for (Layout const& layout : layouts) {
+        VbapPanning panner(1, static_cast<unsigned int>(layout.size()));
+        panner.SetLoudspeakerPositions(layout.data());
+        EXPECT_EQ(panner.GetNumTriplets(), 0u);
+        EXPECT_EQ(Power(Gains(panner, {1, 1, 1})), 0.0);
+        std::array<unsigned int, 3> active = {7, 7, 7};
+        panner.GetActiveTriplet({1, 1, 1}, active.data());
+        EXPECT_EQ(active, (std::array<unsigned int, 3>{0, 0, 0}));
+    }
+    for (unsigned int outputs = 0; outputs < 3; ++outputs) {
+        const std::unique_ptr<Lume::Pan> none(VbapPanning::Create(1, outputs));
+        EXPECT_EQ(none->GetNumOutputs(), 0u);
+    }
+}
+
+// The provisional layout serves a source before any loudspeaker is set, and lowered outputs are left out.
+TEST(VbapPanning, WorksBeforeLoudspeakersAreSet) {
+    VbapPanning panner(1, 8);
+    EXPECT_NEAR(Power(Gains(panner, At(20, 10))), 1.0, 1e-5);
+    EXPECT_NEAR(Gains(panner, At(90, 45))[2], 1.0f, 1e-3f);
+    std::vector<unsigned int> indices(3 * panner.GetNumTriplets());
+    panner.GetTriplets(indices.data());
+    for (std::size_t i = 0; i < indices.size(); i += 3) {
+        EXPECT_LT(indices[i], indices[i + 1]);
+        EXPECT_LT(indices[i + 1], indices[i + 2]);
+        EXPECT_LT(indices[i + 2], 8u);
+    }
+    panner.SetNumOutputs(2);
+    panner.SetSourcePosition(0, At(90, 45), false);
+}
+
+}  // namespace
