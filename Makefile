@@ -1,37 +1,53 @@
-# make demo   renders real recordings into a room and says how to listen to them
-# make test   builds and runs every test
+# make demo   renders real recordings into three rooms and says how to listen to them
+# make test   builds and runs the tests
+# make slow   runs the tests that take minutes
+# make asan   builds and runs the tests with address and undefined-behaviour sanitizers
 # make bench  builds and runs the benchmarks
 # make check  layout, layers and static analysis
+# make format lays out every file
 BUILD := build/release
 WERROR ?= $(if $(CI),ON,OFF)
+# Compilers take up to 1 GB each; a machine without nproc gets two.
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup build test asan bench check format clean
+.PHONY: all setup configure build demo test slow asan bench check format clean
 all: build
 
 setup:
 	@tools/setup
 
-build: setup
+configure: setup
 	@cmake --preset release -DORVAN_WERROR=$(WERROR) >/dev/null
-	@cmake --build --preset release -j2
+
+build: configure
+	@cmake --build --preset release -j$(JOBS)
+
+demo: configure
+	@cmake --build --preset release -j$(JOBS) --target orvanverb
+	@tools/demo $(BUILD)/apps/orvanverb/orvanverb
 
 test: build
 	ctest --preset release
 
+slow: build
+	ctest --preset slow
+
 asan: setup
 	@cmake --preset asan >/dev/null
-	@cmake --build --preset asan -j2
+	@cmake --build --preset asan -j$(JOBS)
 	ctest --preset asan
 
 bench: build
 	$(BUILD)/bench/orvan_bench
 
 check: build
+	@tools/setup check
 	tools/format --check
 	tools/check_layers
 	tools/tidy
 
 format:
+	@tools/setup check
 	tools/format
 
 clean:
