@@ -1,0 +1,193 @@
+#include "hrtf/hrtf.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "dsp/orvan_dsp_exception.h"
+#include "hrtf/builtin_sets.h"
+#include "hrtf/coll_file.h"
+#include "hrtf/max_msp_coll_file_parser.h"
+#include "hrtf/nearfield_compensation_filters.h"
+#include "support/temporary_file.h"
+
+namespace {
+
+using Lume::Hrtf;
+
+/// Rows whose first value is the number of the row and whose others are tenths of it.
+std::string Rows(int numRows, int numValues) {
+    std::ostringstream text;
+    for (int row = 1; row <= numRows; ++row) {
+        text << row << ", " << row;
+        for (int i = 1; i < numValues; ++i) text << ' ' << static_cast<double>(row) * 0.1;
+        text << ";\n";
+    }
+    return text.str();
+}
+
+/// What loading a .coll file says.
+std::string Failure(std::string const& content) {
+    const TemporaryFile file(".coll", content);
+    testing::internal::CaptureStderr();
+    std::string message;
+    try {
+        Hrtf loaded(file.name);
+    } catch (orvandsp::OrvanDspException const& failure) {
+        message = failure.what();
+    }
+    testing::internal::GetCapturedStderr();
+    return message;
+}
+
+void ExpectPosition(Lume::CartesianVector const& position, double azimuthToTheLeft, double elevation) {
+    const double a = azimuthToTheLeft * std::numbers::pi / 180.0, e = elevation * std::numbers::pi / 180.0;
+    EXPECT_NEAR(position.x, -std::sin(a) * std::cos(e), 1e-6) << azimuthToTheLeft << " " << elevation;
+    EXPECT_NEAR(position.y, std::cos(a) * std::cos(e), 1e-6) << azimuthToTheLeft << " " << elevation;
+    EXPECT_NEAR(position.z, std::sin(e), 1e-6) << azimuthToTheLeft << " " << elevation;
+}
+
+// Red if rings run clockwise, the mirrored row is off by one, or the ears change places.
+TEST(Hrtf, RowsOfOneEarBecomePointsOfTwo) {
+    const TemporaryFile file("-S12-44100.coll", Rows(710, 26));
+    const Hrtf set(file.name);
+    ASSERT_EQ(set.GetNumPoints(), 710u);
+    EXPECT_EQ(set.GetNumCoefficients(), 25u);
+    EXPECT_EQ(set.GetSamplingRate(), 44100u);
+    EXPECT_EQ(set.GetFlagItdExtracted(), Lume::itdExtracted);
+    EXPECT_EQ(set.GetHrtfHeaderInfos().owner, "ORVAN");
+
+    const struct {
+        unsigned int row, mirrored;
+        double azimuthToTheLeft, elevation;
+    } cases[] = {{0, 0, 0, -40},     {260, 260, 0, 0},  {278, 314, 90, 0},
+                 {296, 296, 180, 0}, {261, 331, 5, 0},  {592, 592, 0, 50},
+                 {593, 636, 8, 50},  {709, 709, 0, 90}, {55, 1, 55 * 360.0 / 56, -40}};
+    for (auto const& expected : cases) {
+        Lume::HrtfPoint const& point = set.GetHrtfPoint(expected.row);
+        EXPECT_EQ(point.index, expected.row);
+        ExpectPosition(point.position, expected.azimuthToTheLeft, expected.elevation);
+        EXPECT_EQ(point.itd, static_cast<float>(expected.row) - static_cast<float>(expected.mirrored));
+        ASSERT_EQ(point.coefficients.size(), 50u);
+        EXPECT_NEAR(point.coefficients[24], 0.1 * (expected.row + 1.0), 1e-5) << expected.row;
+        EXPECT_NEAR(point.coefficients[25], 0.1 * (expected.mirrored + 1.0), 1e-5) << expected.row;
+    }
+    EXPECT_EQ(set.GetNearestHrtfPoint({-9.0f, 0.2f, 0.1f}).index, 278u);
+}
+
+TEST(Hrtf, AnyOtherNameIsTheBuiltInSet) {
+    for (char const* const name : {"", "kemar", "KEMAR", "a.wav"}) {
+        const Hrtf set(name);
+        ASSERT_EQ(set.GetNumPoints(), 710u);
+        EXPECT_EQ(set.GetHrtfHeaderInfos().subject, "KEMAR");
+        EXPECT_EQ(set.GetFlagItdExtracted(), Lume::itdNotExtracted);
+        for (unsigned int i = 0; i < 50; ++i)
+            EXPECT_EQ(set.GetHrtfPoint(279).coefficients[i], Lume::hrtf_2b_KEMAR_44100[i < 25 ? 279 : 313][i % 25 + 1]);
+    }
+}
+
+TEST(Hrtf, BadTextsAreRefusedAndLeaveTheSetAsItWas) {
+    EXPECT_EQ(Failure(Rows(709, 26)), "not enough measures");
+    EXPECT_EQ(Failure(Rows(711, 26)), "not enough measures");
+    EXPECT_EQ(Failure(Rows(710, 27)), "the number of coefficients doesn't match");
+    EXPECT_EQ(Failure(""), "the number of coefficients doesn't match");
+    for (char const* const bad : {"700, 1 2 3;\n", "700, nan 1e99;\n"}) {
+        std::string text = Rows(710, 26);
+        const std::size_t begin = text.find("\n700,") + 1;
+        text.replace(begin, text.find('\n', begin) + 1 - begin, bad);
+        EXPECT_EQ(Failure(text), "the number of coefficients doesn't match");
+    }
+    testing::internal::CaptureStderr();
+    Hrtf set("");
+    EXPECT_THROW(set.LoadFromFile("no/such/file.coll"), orvandsp::OrvanDspException);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("can't open the file no/such/file.coll\n"),
+              std::string::npos);
+    EXPECT_EQ(set.GetNumPoints(), 710u);
+    // The name of both forms counts as the text.
+    testing::internal::CaptureStderr();
+    EXPECT_THROW(set.LoadFromFile("no.coll.hrtf"), orvandsp::OrvanDspException);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("can't open"), std::string::npos);
+}
+
+TEST(MaxMSPCollFileParser, OnlyRowsInOrderCount) {
+    std::istringstream text(
+        "  1 , 0.5 -2e0\t+3 ; 9\r\n3, 1 1 1;\nfoo\n2x, 1;\n2, 4 5 6 7;\r3, 8;4, 9;\n4, 1 x 2;\n5, 3");
+    const Lume::MaxMSPCollFileParser parser(text);
+    EXPECT_EQ(parser.numRows, 4u);
+    EXPECT_EQ(parser.numValuesPerRow, 3u);
+    EXPECT_EQ(parser.rows.at(1), (std::vector<float>{0.5f, -2.0f, 3.0f}));
+    EXPECT_EQ(parser.rows.at(2), (std::vector<float>{4.0f, 5.0f, 6.0f}));
+    EXPECT_EQ(parser.rows.at(3), (std::vector<float>{8.0f}));
+    EXPECT_EQ(parser.rows.at(4), (std::vector<float>{1.0f}));
+    EXPECT_FALSE(parser.HasEqualRows());
+}
+
+TEST(CollFile, NamesCarryData) {
+    EXPECT_EQ(Lume::GetSubjectFromCollFilename("abc-KEM-44100.coll", "x"), "KEM");
+    EXPECT_EQ(Lume::GetSubjectFromCollFilename("a-KEM-44100.coll", "x"), "K");
+    EXPECT_EQ(Lume::GetSubjectFromCollFilename("abcdefghi-KEM", "x"), "KEM");
+    EXPECT_EQ(Lume::GetSubjectFromCollFilename("abc", "x"), "x");
+    EXPECT_EQ(Lume::GetSamplingRateFromCollFileName("abc-KEM-48000.coll", 1), 48000u);
+    EXPECT_EQ(Lume::GetSamplingRateFromCollFileName("abc-KEM.coll", 1), 1u);
+    EXPECT_EQ(Lume::GetSamplingRateFromCollFileName("x.coll-48000", 1), 1u);
+}
+
+TEST(CollFile, PositionsAreReadFromATable) {
+    std::vector<Lume::CartesianVector> positions(3);
+    const TemporaryFile good(".txt", "\n# xyz\r\n 1 2 3 \n\n-1 0.5 0 surplus\n");
+    EXPECT_TRUE(Lume::ReadPositionsFromTextFile(good.name, positions));
+    ASSERT_EQ(positions.size(), 2u);
+    EXPECT_EQ(positions[1].y, 0.5f);
+    for (char const* const bad : {"", "1 2 3\n", "xyz\n1 2\n", "xyz\n1 2 x\n"}) {
+        const TemporaryFile file(".txt", bad);
+        EXPECT_FALSE(Lume::ReadPositionsFromTextFile(file.name, positions)) << bad;
+    }
+}
+
+TEST(NearfieldCompensationFilters, EmptyNameIsAnEmptySet) {
+    const Lume::NearfieldCompensationFilters set("");
+    EXPECT_EQ(set.GetMaxDistance(), 0.0f);
+    EXPECT_EQ(set.GetHrtfHeaderInfos().hrtfType, 1);
+    EXPECT_EQ(set.GetNearestHrtfPoint({1.0f, 0.0f, 0.0f}).position.y, 1.0f);
+    testing::internal::CaptureStderr();
+    EXPECT_THROW(Lume::NearfieldCompensationFilters("a.hrtf"), orvandsp::OrvanDspException);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("invalid file extension a.hrtf\n"), std::string::npos);
+}
+
+/// A set of given positions.
+class PositionSet : public Lume::HrtfData {
+public:
+    explicit PositionSet(std::vector<Lume::CartesianVector> const& positions) {
+        for (auto const& position : positions) {
+            points.emplace_back().position = position;
+            points.back().index = static_cast<unsigned int>(points.size()) - 1;
+        }
+    }
+    void LoadFromFile(std::string const&) override {}
+};
+
+// Red if the last of equals wins, or if angles are compared.
+TEST(HrtfData, NearestPointIsTheFirstOfEquals) {
+    const PositionSet set({{0, 1, 0}, {1, 0, 0}, {1, 0, 0}, {0.4f, 0, 0}});
+    EXPECT_EQ(set.GetNearestHrtfPoint({1, 0, 0}).index, 1u);
+    EXPECT_EQ(set.GetNearestHrtfPoint({0.1f, 0, 0}).index, 3u);
+    EXPECT_EQ(set.GetNearestHrtfPoint({std::nanf(""), 0, 0}).index, 0u);
+}
+
+TEST(HrtfTypes, NamesAndNumbersBelongTogether) {
+    for (int type = 0; type <= 8; ++type)
+        EXPECT_EQ(Lume::GetHrtfType(Lume::GetHrtfTypeName(static_cast<Lume::HrtfType>(type))), type);
+    for (int type = 0; type <= 5; ++type)
+        EXPECT_EQ(Lume::GetHrtfFilterType(Lume::GetHrtfFilterTypeName(static_cast<Lume::HrtfFilterType>(type))), type);
+    EXPECT_EQ(Lume::GetHrtfFilterType("BIQUAD"), Lume::hrtfBiquadCells);
+    EXPECT_EQ(Lume::GetHrtfFilterTypeName(Lume::hrtfBiquadCells), "BiquadCells");
+    EXPECT_EQ(Lume::GetHrtfTypeName(static_cast<Lume::HrtfType>(9)), "");
+    EXPECT_EQ(Lume::GetFlagItdExtracted(static_cast<Lume::FlagItdExtracted>(2)), "unknown itd flag");
+}
+
+}  // namespace

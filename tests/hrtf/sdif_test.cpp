@@ -1,0 +1,248 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <numbers>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "dsp/orvan_dsp_exception.h"
+#include "hrtf/hrtf.h"
+#include "hrtf/nearfield_compensation_filters.h"
+#include "hrtf/sdif_access.h"
+#include "support/memory_file.h"
+#include "support/sdif_writer.h"
+#include "support/temporary_file.h"
+
+namespace {
+
+using Lume::Hrtf;
+
+constexpr char types[] = "{ 1MTD XPOS {x, y, z} 1MTD XIIR {c} 1FTD HRTF { XPOS position; XIIR filter; } }";
+
+/// The lines of a header for 2 points of 2 x 2 coefficients, with one key given another value, or none if that is "-".
+std::string Header(std::string const& key = "", std::string const& value = "", char const* separator = "\t",
+                   char const* end = "\n") {
+    const std::pair<char const*, char const*> pairs[] = {
+        {"TableName", "HrtfInfos"},   {"Owner", "Some Institute"},  {"Author", "A. N. Other"},
+        {"Subject", "S 12"},          {"Copyright", "free"},        {"DataType", "Binaural"},
+        {"FiltersType", "Biquads"},   {"ITDExtracted", "1"},        {"SpatialInterpolation", "0"},
+        {"MeasurementSet", "Full"},   {"InterpolationSet", "none"}, {"FiltersLength", "2"},
+        {"NumChannels", "2"},         {"SamplingRate", "48000"},    {"NumPoints", "2"},
+        {"Generated", "1 April 2004"}};
+    std::string text;
+    for (auto const& [name, standard] : pairs) {
+        const std::string own = key == name ? value : standard;
+        if (own != "-") text += std::string(name) + separator + own + end;
+    }
+    return text;
+}
+
+SdifMatrix Position(double x, double y, double z, char const* signature = "XPOS") {
+    return {signature, 8, 1, 3, {x, y, z}};
+}
+
+SdifMatrix Filter(double first, std::uint32_t dataType = 8, char const* signature = "XIIR") {
+    return {signature, dataType, 2, 2, {first, first + 1, first + 2, first + 3}};
+}
+
+SdifMatrix Delay(double value) {
+    return {"XITD", 8, 1, 1, {value}};
+}
+
+/// A right file: its points come in reverse order, with strangers in between.
+SdifWriter GoodSet(std::string const& header = Header()) {
+    SdifWriter writer;
+    writer.TextFrame("1NVT", "Maker\tsomebody\n");
+    writer.TextFrame("1NVT", header);
+    writer.TextFrame("1TYP", types);
+    writer.BareChunk("1IDS", "{ 1 x:y; }");
+    // Three bytes of a matrix nobody knows: red if its padding isn't read.
+    writer.Frame("HRTF", 2, {{"XXXX", 0x101, 3, 1, {1, 2, 3}}, Filter(10, 4), Delay(-0.25), Position(-1, 0, 0)});
+    writer.Frame("WHAT", 7, {Position(5, 5, 5)});
+    writer.Frame("HRTF", 1, {Position(0, 0, 1), Filter(20)});
+    return writer;
+}
+
+/// What loading a file says, or "" if it loads.
+std::string Failure(std::string const& content, std::string const& end = ".hrtf") {
+    const TemporaryFile file(end, content);
+    testing::internal::CaptureStderr();
+    std::string message;
+    try {
+        if (end == ".near")
+            Lume::NearfieldCompensationFilters loaded(file.name);
+        else
+            Hrtf loaded(file.name);
+    } catch (orvandsp::OrvanDspException const& failure) {
+        message = failure.what();
+        if (const std::size_t at = message.find(file.name); at != std::string::npos)
+            message.replace(at, file.name.size(), "NAME");
+    }
+    testing::internal::GetCapturedStderr();
+    return message;
+}
+
+TEST(Sdif, SetIsReadWithStrangersSkipped) {
+    SdifWriter bare;
+    bare.BareChunk("1NVT", "1NVT { Maker x; }");
+    bare.BareChunk("1NVT", "{\n" + Header("", "", "  ", ";\n") + "}");
+    const std::string good = GoodSet().bytes;
+    const std::string frames = good.substr(good.find("HRTF", good.find("1IDS")));
+    for (std::string const& content : {good, bare.bytes + frames}) {
+        const TemporaryFile file(".hrtf", content);
+        testing::internal::CaptureStderr();
+        const Hrtf set(file.name);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "unexpected frames WHAT\n");
+        ASSERT_EQ(set.GetNumPoints(), 2u);
+        EXPECT_EQ(set.GetHrtfHeaderInfos().owner, "Some Institute");
+        EXPECT_EQ(set.GetHrtfHeaderInfos().date, "1 April 2004");
+        EXPECT_EQ(set.GetHrtfHeaderInfos().filterType, Lume::hrtfBiquadCells);
+        EXPECT_EQ(set.GetFlagItdExtracted(), Lume::itdExtracted);
+        EXPECT_EQ(set.GetSamplingRate(), 48000u);
+        EXPECT_EQ(set.GetHrtfPoint(1).coefficients, (std::vector<float>{10, 11, 12, 13}));
+        EXPECT_EQ(set.GetHrtfPoint(1).itd, -0.25f);
+        EXPECT_EQ(set.GetHrtfPoint(1).position.x, -1.0f);
+        EXPECT_EQ(set.GetHrtfPoint(0).coefficients, (std::vector<float>{20, 21, 22, 23}));
+        EXPECT_EQ(set.GetHrtfPoint(0).position.z, 1.0f);
+        EXPECT_EQ(set.GetHrtfPoint(0).numChannels, 2u);
+    }
+}
+
+TEST(Sdif, WhatIsWrongIsSaid) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const auto frames = [](std::vector<SdifMatrix> const& matrices, std::string const& header = Header()) {
+        SdifWriter writer;
+        writer.TextFrame("1NVT", header);
+        writer.Frame("HRTF", 1, matrices);
+        writer.Frame("HRTF", 2, {});
+        return writer.bytes;
+    };
+    const std::string fir = Header("FiltersType", "FIR");
+    SdifWriter oldVersion(2), more = GoodSet(), stranger = GoodSet();
+    oldVersion.TextFrame("1NVT", Header());
+    more.Frame("HRTF", 1, {});
+    stranger.Frame("HRTF", 0, {});
+    const std::pair<std::string, std::string> cases[] = {
+        {frames({}), ""},
+        {"RIFF", "invalid file NAME"},
+        {oldVersion.bytes, "invalid header NAME"},
+        {GoodSet(Header("Author", "-")).bytes, "invalid header NAME"},
+        {GoodSet(Header("NumPoints", "-3")).bytes, "invalid header NAME"},
+        {GoodSet(Header("NumPoints", "2000000000")).bytes, "invalid header NAME"},
+        {GoodSet(Header("FiltersLength", "99999999999")).bytes, "invalid header NAME"},
+        {GoodSet(Header("TableName", "Infos")).bytes, "invalid header NAME"},
+        {GoodSet(Header("DataType", "Stereo")).bytes, "unknown hrtf type Stereo"},
+        {GoodSet(Header("FiltersType", "IIR")).bytes, "unknown hrtf filter type IIR"},
+        {stranger.bytes, "too many HRTF frames ? NAME"},
+        {more.bytes, "invalid number of HRTF frames ? NAME"},
+        {frames({{"XPOS", 4, 1, 3, {1, 2, 3}}}), "Invalid XPOS matrix"},
+        {frames({Position(1, infinity, 0)}), "Invalid XPOS matrix"},
+        {frames({{"XPOS", 8, 0xffffffff, 3, {}}}), "Invalid XPOS matrix"},
+        {frames({{"XAED", 8, 1, 2, {1, 2}}}), "Invalid XAED matrix"},
+        {frames({Position(1e30, 0, 1, "XAED")}), "Invalid XAED matrix"},
+        {frames({{"XPOS", 8, 2, 3, {1, 2, 3, 4, 5, 6}}}), "exception reading XPOS matrix NAME"},
+        {frames({{"XAED", 8, 0, 3, {}}}), "exception reading XAED matrix NAME"},
+        {frames({{"XITD", 8, 2, 1, {1, 2}}}), "Invalid ITD matrix"},
+        {frames({{"XIIR", 8, 5, 1, {1, 2, 3, 4, 5}}}), "Invalid Filter matrix ! "},
+        {frames({Filter(std::nan(""))}), "Invalid Filter matrix ! "},
+        {frames({{"XIIR", 0x701, 4, 1, {1, 2, 3, 4}}}), "error reading file NAME"},
+        {frames({{"XXXX", 0xff, 0xffffffff, 0xffffffff, {}}}), "error reading file NAME"},
+        {frames({Filter(1, 8, "XFIR")}), "unexpected XFIR matrix ? NAME"},
+        {frames({Filter(1, 8, "XFIR")}, fir), ""},
+        {frames({Filter(1)}, fir), "XIIR matrix with FIR filters ? NAME"},
+        {frames({Delay(1)}, fir), "XITD matrix with FIR filters ? NAME"},
+    };
+    for (auto const& [content, message] : cases) EXPECT_EQ(Failure(content), message);
+    for (auto const& [content, message] : cases) EXPECT_EQ(Failure(content, ".near"), message);
+}
+
+// Red if any size is trusted, or if half a file replaces what was loaded. Under the sanitizers this covers over-reads.
+TEST(Sdif, TruncatedAndCorruptedFilesLeaveTheSetAsItWas) {
+    const std::string good = GoodSet().bytes;
+    const TemporaryFile whole(".hrtf", good);
+    const MemoryFile file;
+    testing::internal::CaptureStderr();
+    Hrtf set(whole.name);
+    for (std::size_t length = 0; length < good.size(); ++length) {
+        ASSERT_TRUE(file.Write(good.substr(0, length)));
+        EXPECT_THROW(set.LoadFromHRTF(file.name), orvandsp::OrvanDspException) << length;
+    }
+    EXPECT_EQ(set.GetHrtfPoint(1).coefficients[0], 10.0f);
+    EXPECT_EQ(set.GetHrtfHeaderInfos().owner, "Some Institute");
+
+    std::mt19937 random(4);
+    for (int round = 0; round < 3000; ++round) {
+        std::string bad = good;
+        for (unsigned int i = 0; i <= random() % 3; ++i) bad[random() % bad.size()] = static_cast<char>(random());
+        ASSERT_TRUE(file.Write(bad));
+        try {
+            set.LoadFromHRTF(file.name);
+        } catch (orvandsp::OrvanDspException const&) {
+        }
+        ASSERT_EQ(set.GetHrtfPoint(0).coefficients.size(), set.GetNumCoefficients() * set.GetNumChannels());
+    }
+    testing::internal::GetCapturedStderr();
+}
+
+// Closed forms. Red if the azimuth turns the wrong way, the fold goes over the pole instead of about it, or a negative
+// distance only flips the sign.
+TEST(Sdif, AnglesBecomePositions) {
+    struct Case {
+        double azimuth, elevation, distance, x, y, z;
+    };
+    const double c = std::cos(std::numbers::pi / 18), s = std::sin(std::numbers::pi / 18);  // 10 degrees
+    for (const Case& expected : {Case{90, 0, 2, 2, 0, 0}, Case{-450, 0, 1, -1, 0, 0}, Case{0, 10, 1, 0, c, s},
+                                 Case{0, 100, 1, 0, -c, -s}, Case{0, -100, 1, 0, -c, s}, Case{0, 10, -1, 0, -c, -s}}) {
+        SdifWriter writer;
+        writer.TextFrame("1NVT", Header());
+        writer.Frame("HRTF", 1, {Position(expected.azimuth, expected.elevation, expected.distance, "XAED")});
+        writer.Frame("HRTF", 2, {});
+        const TemporaryFile file(".hrtf", writer.bytes);
+        const Lume::CartesianVector position = Hrtf(file.name).GetHrtfPoint(0).position;
+        EXPECT_NEAR(position.x, expected.x, 1e-6) << expected.azimuth << " " << expected.elevation;
+        EXPECT_NEAR(position.y, expected.y, 1e-6) << expected.azimuth << " " << expected.elevation;
+        EXPECT_NEAR(position.z, expected.z, 1e-6) << expected.azimuth << " " << expected.elevation;
+    }
+}
+
+TEST(Sdif, TablesAreFoundByTheirName) {
+    SdifWriter writer;
+    writer.BareChunk("1NVT", "{ TableName Other; } { TableName HrtfInfos; Owner me  and you ; }");
+    writer.TextFrame("1TYP", types);
+    writer.Frame("HRTF", 1, {});
+    const TemporaryFile content(".hrtf", writer.bytes);
+    Lume::SdifGenInitCond("");
+    const Lume::SdifFilePointer file(Lume::SdifFOpen(content.name.c_str(), Lume::SdifReadFile));
+    ASSERT_NE(file, nullptr);
+    Lume::SdifFReadGeneralHeader(file.get());
+    Lume::SdifFReadAllASCIIChunks(file.get());
+
+    std::vector<std::string> names;
+    Lume::GetListOfNVTTableNames(file.get(), names);
+    EXPECT_EQ(names, (std::vector<std::string>{"Other", "HrtfInfos"}));
+    EXPECT_EQ(Lume::GetIndexOfNVTByName(file.get(), "HrtfInfos"), 2u);
+    EXPECT_EQ(Lume::GetIndexOfNVTByName(file.get(), "None"), 0u);
+    testing::internal::CaptureStderr();
+    std::string text = "kept";
+    EXPECT_FALSE(Lume::GetValueFromNVT(text, file.get(), "None", "Owner"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(Lume::GetValueFromNVT(text, file.get(), "Other", "Owner"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr().find("No field Owner in NVT Other"), 0u);
+    EXPECT_EQ(text, "kept");
+    EXPECT_TRUE(Lume::GetOwner(file.get(), text));
+    EXPECT_EQ(text, "me  and you");
+    EXPECT_TRUE(Lume::ContainsHrtfInfosHeader(content.name));
+    EXPECT_TRUE(Lume::SdifFIsTypeKnown(file.get(), Lume::SdifSignatureOf("XIIR")));
+    EXPECT_FALSE(Lume::SdifFIsTypeKnown(file.get(), Lume::SdifSignatureOf("XFIR")));
+    EXPECT_EQ(Lume::SdifFOpen(content.name.c_str(), 1), nullptr);
+    Lume::HrtfHeaderInfos header;
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(Lume::GetHrtfHeaderInfos("no such file", header));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "error reading no such file\n");
+}
+
+}  // namespace
