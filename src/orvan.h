@@ -81,6 +81,8 @@
 // pan
 #include "pan/amplitude_panning.h"
 #include "pan/angular_panning.h"
+#include "pan/binaural_panning.h"
+#include "pan/binaural_panning_itd.h"
 #include "pan/dbap_panning.h"
 #include "pan/dbap_panning_2d.h"
 #include "pan/dbap_panning_3d.h"

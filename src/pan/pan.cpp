@@ -5,6 +5,7 @@
 #include <map>
 
 #include "pan/angular_panning.h"
+#include "pan/binaural_panning_itd.h"
 #include "pan/dbap_panning_2d.h"
 #include "pan/dbap_panning_3d.h"
 #include "pan/null_panning.h"
@@ -60,7 +61,7 @@ constexpr Maker diffuseMaker = ReverbPanning::Create;
 /// The roles of the binaural method.
 constexpr Maker binauralMakers[] = {
     methodMakers[Pan::binaural],  // direct
-    NullPanning::Create,          // early
+    BinauralPanningITD::Create,   // early
     NullPanning::Create,          // diffuse
     NullPanning::Create,          // nearfield
     NullPanning::Create,          // sphericalharmonics

@@ -1,0 +1,161 @@
+#include "pan/binaural_panning_itd.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "pan/null_panning.h"
+
+namespace Lume {
+
+namespace {
+
+/// What a source at the side adds to the delay of the far ear [ms], and takes from its gain.
+constexpr float sideEffect = -0.35f;
+
+void Multiply(float* out, float const* signal, float const* gain, unsigned long numSamples) {
+    for (unsigned long i = 0; i < numSamples; ++i) out[i] = signal[i] * gain[i];
+}
+
+void MultiplyAdding(float* out, float const* signal, float const* gain, unsigned long numSamples) {
+    for (unsigned long i = 0; i < numSamples; ++i) out[i] += signal[i] * gain[i];
+}
+
+}  // namespace
+
+BinauralPanningITD::BinauralPanningITD(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : BinauralPanning(numberOfInputs, numberOfOutputs) {
+    BinauralPanningITD::SetNumInputs(numberOfInputs);
+}
+
+Pan* BinauralPanningITD::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+    if (requestedOutputs != 2) return new NullPanning;
+    return new BinauralPanningITD(requestedInputs, requestedOutputs);
+}
+
+bool BinauralPanningITD::LoadFromFile(char const* /*path*/) {
+    return false;
+}
+
+void BinauralPanningITD::SetFilterCrossFadeTime(float /*milliseconds*/) {}
+
+void BinauralPanningITD::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation /*implementation*/) {}
+
+HrtfHeaderInfos const* BinauralPanningITD::GetHrtfHeaderInfos() const {
+    return nullptr;
+}
+
+void BinauralPanningITD::SetListenerHeadRadius(float metres) {
+    headRadius = metres;
+}
+
+void BinauralPanningITD::setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) {
+    const float distance = std::sqrt(position.x * position.x + position.y * position.y + position.z * position.z);
+    const float elevation = distance > 0.0f ? std::asin(position.z / distance) : 0.0f;
+    const float nearness = std::clamp(distance, -1.0f, 1.0f);
+    const float side = std::sin(1.5707964f - std::atan2(position.y, position.x));  // of the listener's azimuth
+    const float v = std::cos(elevation) * side * sideEffect * nearness;
+    Voice& voice = voices[index];
+    voice.leftDelay.SetDelay(1.0f - v, flag);
+    voice.rightDelay.SetDelay(1.0f + v, flag);
+    voice.leftGain.SetValue(0.70710678f + v, flag);
+    voice.rightGain.SetValue(0.70710678f - v, flag);
+}
+
+void BinauralPanningITD::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
+    if (numInputs != 1) {
+        ProcessOntoSilence(outputs, inputs, numSamples, activeInputs);
+        return;
+    }
+    if (activeInputs[0] == 0) return;
+    if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
+    if (signalBuffer.size() != numSamples) signalBuffer.resize(numSamples);
+    Voice& voice = voices[0];
+    const int count = static_cast<int>(numSamples);
+    // Both ears read before either is written: an output may be the input.
+    voice.leftDelay.Process(signalBuffer.data(), inputs[0], count);
+    voice.rightDelay.Process(outputs[1], inputs[0], count);
+    voice.leftGain.Process(gainBuffer.data(), count);
+    Multiply(outputs[0], signalBuffer.data(), gainBuffer.data(), numSamples);
+    voice.rightGain.Process(gainBuffer.data(), count);
+    Multiply(outputs[1], outputs[1], gainBuffer.data(), numSamples);
+}
+
+void BinauralPanningITD::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
+                                       short const* activeInputs) {
+    if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
+    if (signalBuffer.size() != numSamples) signalBuffer.resize(numSamples);
+    const int count = static_cast<int>(numSamples);
+    for (unsigned int i = 0; i < numInputs; ++i) {
+        if (activeInputs[i] == 0) continue;
+        Voice& voice = voices[i];
+        voice.leftDelay.Process(signalBuffer.data(), inputs[i], count);
+        voice.leftGain.Process(gainBuffer.data(), count);
+        MultiplyAdding(outputs[0], signalBuffer.data(), gainBuffer.data(), numSamples);
+        voice.rightDelay.Process(signalBuffer.data(), inputs[i], count);
+        voice.rightGain.Process(gainBuffer.data(), count);
+        MultiplyAdding(outputs[1], signalBuffer.data(), gainBuffer.data(), numSamples);
+    }
+}
+
+void BinauralPanningITD::SetSamplerate(float newSamplerate) {
+    samplerate = newSamplerate;
+    for (Voice& voice : voices) {
+        voice.leftDelay.SetSamplerate(newSamplerate);
+        voice.rightDelay.SetSamplerate(newSamplerate);
+        voice.leftGain.SetSamplerate(newSamplerate);
+        voice.rightGain.SetSamplerate(newSamplerate);
+    }
+}
+
+void BinauralPanningITD::SetMaxBlockSize(unsigned int blockSize) {
+    StoreMaxBlockSize(blockSize);
+    gainBuffer.resize(blockSize);
+    signalBuffer.resize(blockSize);
+    for (Voice& voice : voices) {
+        voice.leftDelay.SetMaxBlockSize(blockSize);
+        voice.rightDelay.SetMaxBlockSize(blockSize);
+    }
+}
+
+void BinauralPanningITD::Clear() {
+    gainBuffer.clear();
+    signalBuffer.clear();
+    for (Voice& voice : voices) {
+        voice.leftDelay.Clear();
+        voice.rightDelay.Clear();
+    }
+}
+
+void BinauralPanningITD::SetNumInputs(unsigned int newNumInputs) {
+    BinauralPanning::SetNumInputs(newNumInputs);
+    const std::size_t numBefore = voices.size();
+    voices.resize(newNumInputs);
+    for (std::size_t i = numBefore; i < voices.size(); ++i) {
+        Voice& voice = voices[i];
+        voice.leftDelay.Configure(samplerate, buffersize, false);
+        voice.rightDelay.Configure(samplerate, buffersize, false);
+        voice.leftGain.SetSamplerate(samplerate);
+        voice.rightGain.SetSamplerate(samplerate);
+    }
+    SetInterpolationTime(interpolationTime);
+    SetInterpolationMode(DefaultInterpolationModeForDelayLines);
+}
+
+void BinauralPanningITD::SetInterpolationTime(float milliseconds) {
+    interpolationTime = milliseconds;
+    for (Voice& voice : voices) {
+        voice.leftGain.SetTimeConstant(milliseconds);
+        voice.rightGain.SetTimeConstant(milliseconds);
+        voice.leftDelay.SetInterpolationTime(milliseconds);
+        voice.rightDelay.SetInterpolationTime(milliseconds);
+    }
+}
+
+void BinauralPanningITD::SetInterpolationMode(Delay::InterpolationMode mode) {
+    for (Voice& voice : voices) {
+        voice.leftDelay.SetInterpolationMode(mode);
+        voice.rightDelay.SetInterpolationMode(mode);
+    }
+}
+
+}  // namespace Lume
