@@ -17,6 +17,7 @@
 #include "dsp/vector_statistics.h"
 
 // math
+#include "math/fft.h"
 #include "math/gauss_jordan_elimination.h"
 #include "math/lu.h"
 #include "math/matrix.h"
@@ -44,13 +45,27 @@
 
 // filters
 #include "filters/air_absorption.h"
+#include "filters/biquad_cascade.h"
 #include "filters/delay.h"
+#include "filters/direct_convolution.h"
+#include "filters/faded_biquad_cascade.h"
 #include "filters/faded_filters.h"
+#include "filters/faded_fir_filter.h"
+#include "filters/faded_fir_time_domain_filter.h"
 #include "filters/faded_hl_shelf.h"
+#include "filters/faded_iir_filter.h"
+#include "filters/faded_low_pass.h"
+#include "filters/fir_filter.h"
+#include "filters/fir_time_domain_filter.h"
 #include "filters/hl_shelf.h"
+#include "filters/iir_filter.h"
+#include "filters/low_pass.h"
 #include "filters/multi_delay.h"
 #include "filters/multi_faded_hl_shelf.h"
+#include "filters/multi_faded_low_pass.h"
 #include "filters/multi_hl_shelf.h"
+#include "filters/multi_low_pass.h"
+#include "filters/partitioned_convolution.h"
 #include "filters/tap_out.h"
 #include "filters/unitary_hl_shelf.h"
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <utility>
 
 namespace orvandsp {
 
@@ -29,12 +28,6 @@ void BitReversal::initBitReverseTable() {
 
 void BitReversal::GetBitReverseTable(unsigned int* out) const {
     std::copy_n(table.begin(), size, out);
-}
-
-void BitReversal::Reorder(float* data, unsigned int count) const noexcept {
-    const unsigned int last = std::min(count, size);
-    for (unsigned int i = 0; i < last; ++i)
-        if (table[i] < i) std::swap(data[i], data[table[i]]);
 }
 
 }  // namespace orvandsp

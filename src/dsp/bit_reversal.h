@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace orvandsp {
@@ -18,7 +20,12 @@ public:
 
     /// Exchanges the values whose indices are each other's reversal, among the first count values and as far as the
     /// table goes. Real-time safe.
-    void Reorder(float* data, unsigned int count) const noexcept;
+    template <typename T>
+    void Reorder(T* data, unsigned int count) const noexcept {
+        const unsigned int last = std::min(count, size);
+        for (unsigned int i = 0; i < last; ++i)
+            if (table[i] < i) std::swap(data[i], data[table[i]]);
+    }
 
 private:
     void initBitReverseTable();
