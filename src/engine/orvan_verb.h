@@ -189,8 +189,8 @@ public:
     void SetClusterCrossoverFrequencyHigh(float frequencyHz);
 
     /// Time of the first cluster reflection [ms], 1 to 300, default 42.47. What counts is its distance from the early
-    /// start, clamped to 1 to 300. Delays glide in 50 ms, and the late field, whose start is absolute, is retuned at
-    /// once, with the jump that SetReverbStart describes. So do the next two.
+    /// start, clamped to 1 to 300. Delays glide in 50 ms, here and in the next two; the late field, whose start is
+    /// absolute, moves against the cluster's at once, with the jump that SetReverbStart describes.
     void SetClusterStart(float milliseconds);
     /// Time of the last cluster reflection [ms], 1 to 300, default 105.64. What counts is its distance from the early
     /// end, not below that of the starts, and clamped to 300.

@@ -14,18 +14,17 @@ using Setter = void (OrvanVerb::*)(float);
 
 std::vector<Control> MakeControls() {
     std::vector<Control> controls;
-    const auto add = [&](char const* name, float low, float high, float usual, Setter setter) {
-        controls.push_back({name, low, high, usual, [=](OrvanVerb& e, float value) { (e.*setter)(value); }});
+    const auto add = [&](std::string const& name, float low, float high, float usual, float small, Setter setter) {
+        controls.push_back({name, low, high, usual, small, [=](OrvanVerb& e, float value) { (e.*setter)(value); }});
     };
-    const auto addLayer = [&](char const* layer, Setter gain, Setter low, Setter medium, Setter high, Setter freqLow,
-                              Setter freqHigh) {
-        const std::string name = layer;
-        add((name + " gain").c_str(), MinGain, MaxGain, 0.0f, gain);
-        add((name + " gain low").c_str(), MinBandGain, MaxBandGain, 0.0f, low);
-        add((name + " gain medium").c_str(), MinBandGain, MaxBandGain, 0.0f, medium);
-        add((name + " gain high").c_str(), MinBandGain, MaxBandGain, 0.0f, high);
-        add((name + " crossover low").c_str(), MinFrequency, MaxFrequency, 250.0f, freqLow);
-        add((name + " crossover high").c_str(), MinFrequency, MaxFrequency, 4000.0f, freqHigh);
+    const auto addLayer = [&](std::string const& name, Setter gain, Setter low, Setter medium, Setter high,
+                              Setter freqLow, Setter freqHigh) {
+        add(name + " gain", MinGain, MaxGain, 0.0f, 1.0f, gain);
+        add(name + " gain low", MinBandGain, MaxBandGain, 0.0f, 1.0f, low);
+        add(name + " gain medium", MinBandGain, MaxBandGain, 0.0f, 1.0f, medium);
+        add(name + " gain high", MinBandGain, MaxBandGain, 0.0f, 1.0f, high);
+        add(name + " crossover low", MinFrequency, MaxFrequency, 250.0f, 275.0f, freqLow);
+        add(name + " crossover high", MinFrequency, MaxFrequency, 4000.0f, 4400.0f, freqHigh);
     };
     addLayer("direct", &OrvanVerb::SetDirectGain, &OrvanVerb::SetDirectGainLow, &OrvanVerb::SetDirectGainMedium,
              &OrvanVerb::SetDirectGainHigh, &OrvanVerb::SetDirectCrossoverFrequencyLow,
@@ -42,41 +41,45 @@ std::vector<Control> MakeControls() {
 
     using Defaults = Lume::LumeDefaultParameters;
     add("early start", Defaults::MinEarlyStart, Defaults::MaxEarlyStart, Defaults::DefaultEarlyStart,
-        &OrvanVerb::SetEarlyStart);
-    add("early end", Defaults::MinEarlyEnd, Defaults::MaxEarlyEnd, Defaults::DefaultEarlyEnd, &OrvanVerb::SetEarlyEnd);
-    add("early distribution", 0.1f, 0.9f, 0.5f, &OrvanVerb::SetEarlyDistribution);
-    add("early shape", 0.0f, 1.0f, 0.5f, &OrvanVerb::SetEarlyShape);
-    add("early width", 10.0f, 180.0f, 30.0f, &OrvanVerb::SetEarlyWidth);
+        Defaults::DefaultEarlyStart + 1.0f, &OrvanVerb::SetEarlyStart);
+    add("early end", Defaults::MinEarlyEnd, Defaults::MaxEarlyEnd, Defaults::DefaultEarlyEnd,
+        Defaults::DefaultEarlyEnd + 1.0f, &OrvanVerb::SetEarlyEnd);
+    add("early distribution", 0.1f, 0.9f, 0.5f, 0.52f, &OrvanVerb::SetEarlyDistribution);
+    add("early shape", 0.0f, 1.0f, 0.5f, 0.52f, &OrvanVerb::SetEarlyShape);
+    add("early width", 10.0f, 180.0f, 30.0f, 35.0f, &OrvanVerb::SetEarlyWidth);
     add("cluster start", Defaults::MinClusterStart, Defaults::MaxClusterStart, Defaults::DefaultClusterStart,
-        &OrvanVerb::SetClusterStart);
+        Defaults::DefaultClusterStart + 1.0f, &OrvanVerb::SetClusterStart);
     add("cluster end", Defaults::MinClusterEnd, Defaults::MaxClusterEnd, Defaults::DefaultClusterEnd,
-        &OrvanVerb::SetClusterEnd);
-    add("cluster distribution", 0.1f, 0.9f, 0.5f, &OrvanVerb::SetClusterDistribution);
+        Defaults::DefaultClusterEnd + 1.0f, &OrvanVerb::SetClusterEnd);
+    add("cluster distribution", 0.1f, 0.9f, 0.5f, 0.52f, &OrvanVerb::SetClusterDistribution);
 
-    add("reverb gain", -30.0f, 30.0f, 0.0f, &OrvanVerb::SetReverbGain);
-    add("decay time", 0.1f, 10.0f, Defaults::DefaultDecayTime, &OrvanVerb::SetDecayTime);
-    add("relative decay low", 0.1f, 10.0f, 1.0f, &OrvanVerb::SetRelativeDecayLow);
-    add("relative decay medium", 0.1f, 10.0f, 1.0f, &OrvanVerb::SetRelativeDecayMedium);
-    add("relative decay high", 0.1f, 1.0f, 0.5f, &OrvanVerb::SetRelativeDecayHigh);
-    add("reverb crossover low", MinFrequency, MaxFrequency, 250.0f, &OrvanVerb::SetReverbCrossoverFrequencyLow);
-    add("reverb crossover high", MinFrequency, MaxFrequency, 8000.0f, &OrvanVerb::SetReverbCrossoverFrequencyHigh);
+    add("reverb gain", -30.0f, 30.0f, 0.0f, 1.0f, &OrvanVerb::SetReverbGain);
+    add("decay time", 0.1f, 10.0f, Defaults::DefaultDecayTime, Defaults::DefaultDecayTime + 0.2f,
+        &OrvanVerb::SetDecayTime);
+    add("relative decay low", 0.1f, 10.0f, 1.0f, 1.1f, &OrvanVerb::SetRelativeDecayLow);
+    add("relative decay medium", 0.1f, 10.0f, 1.0f, 1.1f, &OrvanVerb::SetRelativeDecayMedium);
+    add("relative decay high", 0.1f, 1.0f, 0.5f, 0.55f, &OrvanVerb::SetRelativeDecayHigh);
+    add("reverb crossover low", MinFrequency, MaxFrequency, 250.0f, 275.0f, &OrvanVerb::SetReverbCrossoverFrequencyLow);
+    add("reverb crossover high", MinFrequency, MaxFrequency, 8000.0f, 8800.0f,
+        &OrvanVerb::SetReverbCrossoverFrequencyHigh);
     add("reverb start", Defaults::MinReverbStart, Defaults::MaxReverbStart, Defaults::DefaultReverbStart,
-        &OrvanVerb::SetReverbStart);
+        Defaults::DefaultReverbStart + 1.0f, &OrvanVerb::SetReverbStart);
     add("modal density", Defaults::MinReverbModalDensity, Defaults::MaxReverbModalDensity,
-        Defaults::DefaultReverbModalDensity, &OrvanVerb::SetReverbModalDensity);
-    add("air rolloff frequency", MinFrequency, MaxFrequency, 10000.0f, &OrvanVerb::SetAirAbsorptionRolloffFrequency);
+        Defaults::DefaultReverbModalDensity, 0.9f, &OrvanVerb::SetReverbModalDensity);
+    add("air rolloff frequency", MinFrequency, MaxFrequency, 10000.0f, 11000.0f,
+        &OrvanVerb::SetAirAbsorptionRolloffFrequency);
     controls.push_back(
-        {"air absorption", 0.0f, 1.0f, 1.0f, [](OrvanVerb& e, float on) { e.UseAirAbsorption(on >= 0.5f); }});
-    controls.push_back({"infinite", 0.0f, 1.0f, 0.0f, [](OrvanVerb& e, float on) { e.SetInfinite(on >= 0.5f); }});
+        {"air absorption", 0.0f, 1.0f, 1.0f, 0.0f, [](OrvanVerb& e, float on) { e.UseAirAbsorption(on >= 0.5f); }});
+    controls.push_back({"infinite", 0.0f, 1.0f, 0.0f, 1.0f, [](OrvanVerb& e, float on) { e.SetInfinite(on >= 0.5f); }});
 
-    controls.push_back({"source distance", 0.3f, 100.0f, 1.0f, [](OrvanVerb& e, float distance) {
+    controls.push_back({"source distance", 0.3f, 100.0f, 1.0f, 1.1f, [](OrvanVerb& e, float distance) {
                             e.SetSourcePosition(0, At(-45.0, static_cast<double>(distance)));
                         }});
-    controls.push_back({"source azimuth", -180.0f, 180.0f, -45.0f, [](OrvanVerb& e, float degrees) {
+    controls.push_back({"source azimuth", -180.0f, 180.0f, -45.0f, -40.0f, [](OrvanVerb& e, float degrees) {
                             e.SetSourcePosition(0, At(static_cast<double>(degrees), 1.0));
                         }});
-    add("elevation", -80.0f, 80.0f, 0.0f, &OrvanVerb::SetElevation);
-    controls.push_back({"loudspeaker ring", -180.0f, 180.0f, 0.0f, [](OrvanVerb& e, float turn) {
+    add("elevation", -80.0f, 80.0f, 0.0f, 5.0f, &OrvanVerb::SetElevation);
+    controls.push_back({"loudspeaker ring", -180.0f, 180.0f, 0.0f, 5.0f, [](OrvanVerb& e, float turn) {
                             std::vector<Lume::CartesianVector> ring(e.GetNumOutputs());
                             const double step = 360.0 / static_cast<double>(ring.size());
                             for (std::size_t i = 0; i < ring.size(); ++i)

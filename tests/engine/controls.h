@@ -11,6 +11,8 @@ struct Control {
     std::string name;
     float low, high;
     float usual;  // the default
+    float
+        small;  // a small change from it, as one makes by ear: 1 dB, 1 ms, 5 degrees, a tenth of a frequency or factor
     std::function<void(Lume::OrvanVerb&, float)> set;
 };
 
