@@ -5,6 +5,8 @@
 #include <map>
 
 #include "pan/angular_panning.h"
+#include "pan/binaural_panning_direct.h"
+#include "pan/binaural_panning_iacc.h"
 #include "pan/binaural_panning_itd.h"
 #include "pan/dbap_panning_2d.h"
 #include "pan/dbap_panning_3d.h"
@@ -37,22 +39,22 @@ using Maker = Pan* (*)(unsigned int numInputs, unsigned int numOutputs);
 
 /// By method, for every role that has no maker of its own.
 constexpr Maker methodMakers[numTypes] = {
-    NullPanning::Create,       // binaural
-    StereoXYPanning::Create,   // xy
-    StereoMSPanning::Create,   // ms
-    StereoABPanning::Create,   // ab
-    SurroundPanning::Create,   // surround
-    RecursivePanning::Create,  // panr
-    AngularPanning::Create,    // angular
-    Vbap2DPanning::Create,     // vbap2d
-    VbapPanning::Create,       // vbap
-    DbapPanning2D::Create,     // dbap
-    DbapPanning3D::Create,     // dbap3d
-    NullPanning::Create,       // bformat
-    NullPanning::Create,       // hoa2d
-    NullPanning::Create,       // hoa3d
-    VDbapPanning::Create,      // vdbap
-    NullPanning::Create,       // null
+    BinauralPanningDirect::Create,  // binaural
+    StereoXYPanning::Create,        // xy
+    StereoMSPanning::Create,        // ms
+    StereoABPanning::Create,        // ab
+    SurroundPanning::Create,        // surround
+    RecursivePanning::Create,       // panr
+    AngularPanning::Create,         // angular
+    Vbap2DPanning::Create,          // vbap2d
+    VbapPanning::Create,            // vbap
+    DbapPanning2D::Create,          // dbap
+    DbapPanning3D::Create,          // dbap3d
+    NullPanning::Create,            // bformat
+    NullPanning::Create,            // hoa2d
+    NullPanning::Create,            // hoa3d
+    VDbapPanning::Create,           // vdbap
+    NullPanning::Create,            // null
 };
 
 /// The diffuse role of every method but the binaural one.
@@ -62,7 +64,7 @@ constexpr Maker diffuseMaker = ReverbPanning::Create;
 constexpr Maker binauralMakers[] = {
     methodMakers[Pan::binaural],  // direct
     BinauralPanningITD::Create,   // early
-    NullPanning::Create,          // diffuse
+    BinauralPanningIACC::Create,  // diffuse
     NullPanning::Create,          // nearfield
     NullPanning::Create,          // sphericalharmonics
     NullPanning::Create,          // sphericalheadmodel

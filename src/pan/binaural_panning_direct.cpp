@@ -1,0 +1,158 @@
+#include "pan/binaural_panning_direct.h"
+
+#include <algorithm>
+
+#include "dsp/constants.h"
+#include "pan/null_panning.h"
+
+namespace Lume {
+
+namespace {
+
+void Scale(float* out, float const* in, unsigned long numSamples) {
+    for (unsigned long i = 0; i < numSamples; ++i) out[i] = in[i] * orvandsp::sqrt2div2;
+}
+
+void ScaleAdding(float* out, float const* in, unsigned long numSamples) {
+    for (unsigned long i = 0; i < numSamples; ++i) out[i] += orvandsp::sqrt2div2 * in[i];
+}
+
+}  // namespace
+
+template <typename Function>
+void BinauralPanningDirect::ForEachEar(Function function) {
+    for (Voice& voice : voices) {
+        function(voice.left);
+        function(voice.right);
+    }
+}
+
+BinauralPanningDirect::BinauralPanningDirect(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : BinauralPanning(numberOfInputs, numberOfOutputs),
+      hrtf(std::make_unique<Hrtf>("")),
+      leftBuffer(512),
+      rightBuffer(512) {
+    BinauralPanningDirect::SetNumInputs(numberOfInputs);
+}
+
+Pan* BinauralPanningDirect::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+    if (requestedOutputs != 2) return new NullPanning;
+    return new BinauralPanningDirect(requestedInputs, requestedOutputs);
+}
+
+void BinauralPanningDirect::SetNumInputs(unsigned int newNumInputs) {
+    BinauralPanning::SetNumInputs(newNumInputs);
+    const std::size_t numBefore = voices.size();
+    voices.resize(newNumInputs);
+    for (std::size_t i = numBefore; i < voices.size(); ++i)
+        for (HrtfFiltering* ear : {&voices[i].left, &voices[i].right}) {
+            ear->SetFilterType(filterType);
+            ear->SetNumCoefficients(numCoefficients);
+            ear->Configure(samplerate, buffersize, false);
+        }
+}
+
+bool BinauralPanningDirect::LoadFromFile(char const* path) {
+    auto loaded = std::make_unique<Hrtf>(path);
+    HrtfHeaderInfos const& infos = loaded->GetHrtfHeaderInfos();
+    const bool isFir = infos.filterType == hrtfFIR;
+    // A set without points or coefficients has nothing to hear.
+    const bool suits = infos.hrtfType == hrtfBinaural && infos.numChannels == 2 &&
+                       (isFir || infos.filterType == hrtfBiquadCells) && infos.numCoefficients > 0 &&
+                       infos.numPoints > 0;
+    if (!suits) return false;
+
+    setHrtfFilterType(isFir ? firFilter : biquadFilters);
+    hrtf = std::move(loaded);
+    numCoefficients = hrtf->GetNumCoefficients();
+    ForEachEar([this](HrtfFiltering& ear) { ear.SetNumCoefficients(numCoefficients); });
+    forceUpdate(false);
+    return true;
+}
+
+HrtfHeaderInfos const* BinauralPanningDirect::GetHrtfHeaderInfos() const {
+    return &hrtf->GetHrtfHeaderInfos();
+}
+
+void BinauralPanningDirect::SetFilterCrossFadeTime(float milliseconds) {
+    ForEachEar([=](HrtfFiltering& ear) { ear.SetCrossFadeTime(milliseconds); });
+}
+
+void BinauralPanningDirect::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) {
+    ForEachEar([=](HrtfFiltering& ear) { ear.SetFIRFiltersImplementationMethod(implementation); });
+    forceUpdate(false);
+}
+
+void BinauralPanningDirect::SetListenerHeadRadius(float metres) {
+    headRadius = metres;
+}
+
+void BinauralPanningDirect::setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) {
+    HrtfPoint const& point = hrtf->GetNearestHrtfPoint(position);
+    float leftDelay, rightDelay;
+    getMonauralDelays(position, point, leftDelay, rightDelay);
+    Voice& voice = voices[index];
+    voice.left.SetDelay(leftDelay, flag);
+    voice.right.SetDelay(rightDelay, flag);
+    voice.left.SetCoefficients(point.coefficients.data(), flag);
+    voice.right.SetCoefficients(point.coefficients.data() + point.numCoefficients, flag);
+}
+
+void BinauralPanningDirect::updateFiltersCoefficients() {
+    forceUpdate(false);
+}
+
+void BinauralPanningDirect::setHrtfFilterType(HRTFFilterType type) {
+    filterType = type;
+    ForEachEar([=](HrtfFiltering& ear) { ear.SetFilterType(type); });
+}
+
+void BinauralPanningDirect::Process(float** outputs, float** inputs, unsigned long numSamples,
+                                    short const* activeInputs) {
+    if (numInputs != 1) {
+        ProcessOntoSilence(outputs, inputs, numSamples, activeInputs);
+        return;
+    }
+    if (activeInputs[0] == 0) {
+        Mute(outputs, numSamples);
+        return;
+    }
+    // Both ears read before either is written: an output may be the input.
+    voices[0].left.Process(leftBuffer.data(), inputs[0], numSamples);
+    voices[0].right.Process(rightBuffer.data(), inputs[0], numSamples);
+    Scale(outputs[0], leftBuffer.data(), numSamples);
+    Scale(outputs[1], rightBuffer.data(), numSamples);
+}
+
+void BinauralPanningDirect::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
+                                          short const* activeInputs) {
+    for (unsigned int i = 0; i < numInputs; ++i) {
+        if (activeInputs[i] == 0) continue;
+        voices[i].left.Process(leftBuffer.data(), inputs[i], numSamples);
+        voices[i].right.Process(rightBuffer.data(), inputs[i], numSamples);
+        ScaleAdding(outputs[0], leftBuffer.data(), numSamples);
+        ScaleAdding(outputs[1], rightBuffer.data(), numSamples);
+    }
+}
+
+void BinauralPanningDirect::SetSamplerate(float newSamplerate) {
+    samplerate = newSamplerate;
+    ForEachEar([=](HrtfFiltering& ear) { ear.SetSamplerate(newSamplerate); });
+}
+
+void BinauralPanningDirect::SetMaxBlockSize(unsigned int blockSize) {
+    StoreMaxBlockSize(blockSize);
+    leftBuffer.resize(blockSize);
+    rightBuffer.resize(blockSize);
+    ForEachEar([=](HrtfFiltering& ear) { ear.SetMaxBlockSize(blockSize); });
+}
+
+void BinauralPanningDirect::Clear() {
+    ForEachEar([](HrtfFiltering& ear) { ear.Clear(); });
+}
+
+void BinauralPanningDirect::SetInterpolationTime(float milliseconds) {
+    ForEachEar([=](HrtfFiltering& ear) { ear.SetInterpolationTime(milliseconds); });
+}
+
+}  // namespace Lume

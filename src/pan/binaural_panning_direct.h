@@ -1,0 +1,66 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "hrtf/hrtf.h"
+#include "pan/binaural_panning.h"
+#include "pan/hrtf_filtering.h"
+
+namespace Lume {
+
+/// Binaural panner with measured head-related filters: for each source and ear the delay and the filter of the nearest
+/// measured direction. A moving source steps from direction to direction, and a crossfade hides the steps.
+///
+/// It starts with the built-in set.
+class BinauralPanningDirect : public BinauralPanning {
+public:
+    BinauralPanningDirect(unsigned int numInputs, unsigned int numOutputs);
+
+    /// A NullPanning for any number of outputs but two.
+    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+
+    /// Takes a set of binaural filters in biquad or FIR form ("kemar" or an empty name: the built-in one). Reconfigures
+    /// filters that may be running, which can be heard.
+    /// @return whether the set suits; if not, the old one stays
+    /// @throws orvandsp::OrvanDspException for a file that can't be read; the old set stays then, too
+    bool LoadFromFile(char const* path) override;
+    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
+
+    void SetFilterCrossFadeTime(float milliseconds) override;
+    using BinauralPanning::SetFIRFiltersImplementationMethod;
+    void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
+    void SetListenerHeadRadius(float metres) override;
+    void setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) override;
+    /// Gives every source the delays and filters of its position again.
+    void updateFiltersCoefficients();
+    /// Changes how every ear is filtered.
+    void setHrtfFilterType(HRTFFilterType type);
+
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    void SetSamplerate(float newSamplerate) override;
+    void SetMaxBlockSize(unsigned int blockSize) override;
+    void Clear() override;
+    void SetNumInputs(unsigned int newNumInputs) override;
+    /// Glide time of the delays [ms].
+    void SetInterpolationTime(float milliseconds) override;
+
+private:
+    struct Voice {
+        HrtfFiltering left{HrtfFiltering::DefaultHrtfFilterType, true};
+        HrtfFiltering right{HrtfFiltering::DefaultHrtfFilterType, true};
+    };
+    /// Calls function with each ear's filtering.
+    template <typename Function>
+    void ForEachEar(Function function);
+
+    std::unique_ptr<Hrtf> hrtf;         // never null
+    unsigned int numCoefficients = 25;  // per ear
+    HRTFFilterType filterType = biquadFilters;
+    std::vector<Voice> voices;  // one per input
+    std::vector<float> leftBuffer;
+    std::vector<float> rightBuffer;
+};
+
+}  // namespace Lume
