@@ -2,6 +2,7 @@
 # make test   builds and runs the tests
 # make slow   runs the tests that take minutes
 # make asan   builds and runs the tests with address and undefined-behaviour sanitizers
+# make fuzz   throws crafted files at the loaders for a minute each (clang)
 # make bench  builds and runs the benchmarks
 # make check  layout, layers and static analysis
 # make format lays out every file
@@ -10,7 +11,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan bench check format clean
+.PHONY: all setup configure build demo test slow asan fuzz bench check format clean
 all: build
 
 setup:
@@ -36,6 +37,13 @@ asan: setup
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan -j$(JOBS)
 	ctest --preset asan
+
+FUZZ_SECONDS ?= 60
+fuzz: setup
+	@tools/setup fuzz
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz -j$(JOBS)
+	@tools/fuzz build/fuzz $(FUZZ_SECONDS)
 
 bench: build
 	$(BUILD)/bench/orvan_bench
