@@ -144,27 +144,50 @@ TEST(Reverb, FirstArrivalsHaveTheirTimeAndLevel) {
     }
 }
 
+void ExpectDecay(Reverb& reverb, double seconds, std::vector<double> const& bands) {
+    const auto rate = static_cast<double>(reverb.GetSamplerate());
+    const Channels channels = ResponseOf(reverb, 1.2 * seconds);
+    for (const double centre : bands)
+        EXPECT_NEAR(MeasureDecay(channels, rate, centre) / seconds, 1.0, 0.05)
+            << seconds << " s at " << rate << " Hz, band " << centre;
+}
+
 // The promise of the whole block. Each loop is a chunk longer than the delay that its filter is made for, which makes
 // the decay some 2 % long.
 TEST(Reverb, BandsDecayInTheirTime) {
-    struct Case {
-        float rate, decayTime;
-        double last;  // [s] of the response
-    };
-    for (const auto& [rate, decayTime, last] : {Case{44100, 0.5f, 0.6}, {48000, 2.0f, 2.4}, {96000, 1.0f, 1.2}}) {
-        const auto reverb = Make(8, rate, Decay(decayTime));
-        const Channels channels = ResponseOf(*reverb, last);
-        for (const double centre : {250.0, 500.0, 1000.0, 2000.0, 4000.0})
-            EXPECT_NEAR(MeasureDecay(channels, static_cast<double>(rate), centre) / static_cast<double>(decayTime), 1.0,
-                        0.05)
-                << decayTime << " s at " << rate << " Hz, band " << centre;
-    }
+    const std::vector<double> bands = {250.0, 500.0, 1000.0, 2000.0, 4000.0};
+    ExpectDecay(*Make(8, 44100.0f, Decay(0.5f)), 0.5, bands);
+    ExpectDecay(*Make(8, 48000.0f, Decay(2.0f)), 2.0, bands);
+    ExpectDecay(*Make(12, 96000.0f, Decay(1.0f)), 1.0, bands);
+
     Lume::ReverbDspParameters parameters = Decay(2.0f, 1.0f, 0.5f, 0.25f);
     parameters.crossoverFrequencyLow = 80.0f;
     parameters.crossoverFrequencyHigh = 16000.0f;
-    const Channels channels = ResponseOf(*Make(16, 48000.0f, parameters), 2.0);
-    for (const double centre : {1000.0, 2000.0})
-        EXPECT_NEAR(MeasureDecay(channels, 48000.0, centre), 1.0, 0.05) << centre;
+    ExpectDecay(*Make(8, 48000.0f, parameters), 1.0, {1000.0, 2000.0});
+}
+
+// All of it. With other numbers of channels the decay is less exact: few channels have delays beyond the decay time,
+// many have delays hardly longer than a chunk.
+TEST(SLOW_Reverb, BandsDecayInTheirTime) {
+    for (const float rate : {44100.0f, 48000.0f, 96000.0f}) {
+        for (const float seconds : {0.5f, 1.0f, 2.0f, 4.0f, 8.0f}) {
+            const auto wanted = static_cast<double>(seconds);
+            for (const unsigned int n : {8u, 12u})
+                ExpectDecay(*Make(n, rate, Decay(seconds)), wanted, {250.0, 500.0, 1000.0, 2000.0, 4000.0});
+            // The medium band alone, and the low and the high one, away from the crossovers.
+            Lume::ReverbDspParameters parameters = Decay(seconds, 1.0f, 0.6f, 0.3f);
+            parameters.crossoverFrequencyLow = 80.0f;
+            parameters.crossoverFrequencyHigh = 16000.0f;
+            ExpectDecay(*Make(8, rate, parameters), 0.6 * wanted, {1000.0, 2000.0});
+            parameters = Decay(seconds, 0.6f, 1.0f, 0.8f);
+            parameters.crossoverFrequencyLow = 2000.0f;
+            parameters.crossoverFrequencyHigh = 16000.0f;
+            ExpectDecay(*Make(8, rate, parameters), 0.6 * wanted, {250.0});
+            parameters = Decay(seconds, 1.0f, 1.0f, 0.8f);
+            parameters.crossoverFrequencyHigh = 1000.0f;
+            ExpectDecay(*Make(8, rate, parameters), 0.8 * wanted, {4000.0});
+        }
+    }
 }
 
 // Over windows of 4 s: the energy that leaves in less fluctuates with what the lines hold.

@@ -69,6 +69,10 @@ TEST(Shuffle, EachKindIsItsMatrix) {
     Shuffle two(2);
     const float r = 1.0f / std::sqrt(2.0f);
     EXPECT_EQ(Column(two, 1), (std::vector<float>{-r, r}));
+
+    Shuffle three(3);  // has no table: the channels move down by one
+    const float t = -2.0f / 3.0f;
+    EXPECT_EQ(Column(three, 0), (std::vector<float>{t, t, 1.0f + t}));
 }
 
 // Red if a shorter last chunk, or the full one behind it, allocates or meets the channel order of the block before.
