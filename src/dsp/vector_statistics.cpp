@@ -20,7 +20,8 @@ double NormalSample() {
 
 void NormalRandomDistribution(float* out, float mean, float standardDeviation, unsigned long n) {
     for (unsigned long i = 0; i < n; ++i)
-        out[i] = static_cast<float>(double{mean} + double{standardDeviation} * NormalSample());
+        out[i] =
+            static_cast<float>(static_cast<double>(mean) + static_cast<double>(standardDeviation) * NormalSample());
 }
 
 void NormalRandomDistribution(double* out, double mean, double standardDeviation, unsigned long n) {

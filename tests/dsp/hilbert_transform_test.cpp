@@ -17,7 +17,8 @@ using orvandsp::HilbertTransform;
 std::complex<double> Response(std::vector<float> const& signal, std::size_t from, double cyclesPerSample) {
     std::complex<double> sum = 0.0;
     for (std::size_t n = from; n < signal.size(); ++n)
-        sum += double{signal[n]} * std::polar(1.0, -2.0 * std::numbers::pi * cyclesPerSample * static_cast<double>(n));
+        sum += static_cast<double>(signal[n]) *
+               std::polar(1.0, -2.0 * std::numbers::pi * cyclesPerSample * static_cast<double>(n));
     return sum * 2.0 / static_cast<double>(signal.size() - from);
 }
 
@@ -32,13 +33,13 @@ TEST(HilbertTransform, OutputsAreNinetyDegreesApart) {
             std::vector<float> right(length);
             for (std::size_t n = 0; n < length; ++n)
                 left[n] = static_cast<float>(
-                    std::cos(2.0 * std::numbers::pi * frequency * static_cast<double>(n) / double{rate}));
+                    std::cos(2.0 * std::numbers::pi * frequency * static_cast<double>(n) / static_cast<double>(rate)));
             float* outputs[] = {left.data(), right.data()};
             float* inputs[] = {left.data()};  // in place
             hilbert.Process(outputs, inputs, length, orvandsp::allActiveInputs);
 
-            const std::complex<double> first = Response(left, length / 2, frequency / double{rate});
-            const std::complex<double> second = Response(right, length / 2, frequency / double{rate});
+            const std::complex<double> first = Response(left, length / 2, frequency / static_cast<double>(rate));
+            const std::complex<double> second = Response(right, length / 2, frequency / static_cast<double>(rate));
             EXPECT_NEAR(std::abs(first), 1.0, 1e-3) << frequency << " Hz at " << rate;
             EXPECT_NEAR(std::abs(second), 1.0, 1e-3) << frequency << " Hz at " << rate;
             const double degrees = std::arg(second / first) * 180.0 / std::numbers::pi;

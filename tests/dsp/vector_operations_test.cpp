@@ -75,7 +75,7 @@ TYPED_TEST(VectorOperations, LevelsFunctionsAndFrames) {
     EXPECT_NEAR(out[1], 10.0, 1e-5);
     orvandsp::Sin(out.data(), data.data(), 4);
     orvandsp::Cos(out2.data(), data.data(), 4);
-    for (int i = 0; i < 4; ++i) EXPECT_NEAR(out[i] * out[i] + out2[i] * out2[i], 1.0, 1e-6);
+    for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(out[i] * out[i] + out2[i] * out2[i], 1.0, 1e-6);
     EXPECT_NEAR(out[3], 0.479426, 1e-6);
 
     TypeParam* channels[] = {a.data(), b.data()};

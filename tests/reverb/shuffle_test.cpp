@@ -28,7 +28,7 @@ double Energy(AudioBuffer const& buffer) {
     double energy = 0.0;
     for (unsigned int c = 0; c < buffer.GetNumChannels(); ++c)
         for (unsigned int i = 0; i < buffer.GetNumSamples(); ++i)
-            energy += double{buffer.GetChannel(c)[i]} * double{buffer.GetChannel(c)[i]};
+            energy += static_cast<double>(buffer.GetChannel(c)[i]) * static_cast<double>(buffer.GetChannel(c)[i]);
     return energy;
 }
 
