@@ -8,6 +8,8 @@
 #include "pan/binaural_panning_direct.h"
 #include "pan/binaural_panning_iacc.h"
 #include "pan/binaural_panning_itd.h"
+#include "pan/binaural_panning_snowman_model.h"
+#include "pan/binaural_panning_spherical_head_model.h"
 #include "pan/dbap_panning_2d.h"
 #include "pan/dbap_panning_3d.h"
 #include "pan/null_panning.h"
@@ -62,13 +64,13 @@ constexpr Maker diffuseMaker = ReverbPanning::Create;
 
 /// The roles of the binaural method.
 constexpr Maker binauralMakers[] = {
-    methodMakers[Pan::binaural],  // direct
-    BinauralPanningITD::Create,   // early
-    BinauralPanningIACC::Create,  // diffuse
-    NullPanning::Create,          // nearfield
-    NullPanning::Create,          // sphericalharmonics
-    NullPanning::Create,          // sphericalheadmodel
-    NullPanning::Create,          // snowmanmodel
+    methodMakers[Pan::binaural],                // direct
+    BinauralPanningITD::Create,                 // early
+    BinauralPanningIACC::Create,                // diffuse
+    NullPanning::Create,                        // nearfield
+    NullPanning::Create,                        // sphericalharmonics
+    BinauralPanningSphericalHeadModel::Create,  // sphericalheadmodel
+    BinauralPanningSnowmanModel::Create,        // snowmanmodel
 };
 
 /// Values from outside the enumeration count as null.
