@@ -85,8 +85,6 @@ AudioOutput::AudioOutput(std::string newPath, SampleFormat newFormat, int sample
     }
     sf_command(file.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
     sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
-    // The peak chunk holds the time of day: without it the same rendering gives the same bytes.
-    sf_command(file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
 }
 
 AudioOutput::~AudioOutput() {
@@ -124,6 +122,7 @@ void AudioOutput::Commit() {
     if (format != SampleFormat::Flac) {
         try {
             SetChannelMask(partialPath, channelMask);
+            ClearPeakTime(partialPath);
         } catch (std::runtime_error const& error) {
             Fail(error.what());
         }

@@ -22,4 +22,9 @@ enum ChannelMask : std::uint32_t {
 /// @throws std::runtime_error for another file, or one that can't be changed
 void SetChannelMask(std::string const& path, std::uint32_t mask);
 
+/// Sets the time of day in the peak chunk of a finished WAV or RF64 file, if it has one, to 0: the same rendering then
+/// gives the same bytes. libsndfile can't be told to leave the chunk out of an RF64 file.
+/// @throws std::runtime_error for a file that can't be changed
+void ClearPeakTime(std::string const& path);
+
 }  // namespace program
