@@ -94,6 +94,8 @@
 #include "reverb/shuffle.h"
 
 // pan
+#include "pan/ambisonic_encoding.h"
+#include "pan/ambisonic_panning.h"
 #include "pan/amplitude_panning.h"
 #include "pan/angular_panning.h"
 #include "pan/binaural_panning.h"
@@ -107,6 +109,9 @@
 #include "pan/dbap_panning_3d.h"
 #include "pan/gain_cycle.h"
 #include "pan/head_shadow.h"
+#include "pan/hoa2d_panning.h"
+#include "pan/hoa3d_panning.h"
+#include "pan/hoa_panning.h"
 #include "pan/hrtf_filtering.h"
 #include "pan/null_panning.h"
 #include "pan/pan.h"
@@ -115,6 +120,7 @@
 #include "pan/reverb_panning.h"
 #include "pan/signal_matrix.h"
 #include "pan/snowman_processing.h"
+#include "pan/spherical_harmonics.h"
 #include "pan/stereo_ab_panning.h"
 #include "pan/stereo_law.h"
 #include "pan/stereo_ms_panning.h"

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 
+#include "pan/ambisonic_panning.h"
 #include "pan/angular_panning.h"
 #include "pan/binaural_panning_direct.h"
 #include "pan/binaural_panning_iacc.h"
@@ -12,6 +13,8 @@
 #include "pan/binaural_panning_spherical_head_model.h"
 #include "pan/dbap_panning_2d.h"
 #include "pan/dbap_panning_3d.h"
+#include "pan/hoa2d_panning.h"
+#include "pan/hoa3d_panning.h"
 #include "pan/null_panning.h"
 #include "pan/recursive_panning.h"
 #include "pan/reverb_panning.h"
@@ -52,9 +55,9 @@ constexpr Maker methodMakers[numTypes] = {
     VbapPanning::Create,            // vbap
     DbapPanning2D::Create,          // dbap
     DbapPanning3D::Create,          // dbap3d
-    NullPanning::Create,            // bformat
-    NullPanning::Create,            // hoa2d
-    NullPanning::Create,            // hoa3d
+    AmbisonicPanning::Create,       // bformat
+    HOA2DPanning::Create,           // hoa2d
+    HOA3DPanning::Create,           // hoa3d
     VDbapPanning::Create,           // vdbap
     NullPanning::Create,            // null
 };

@@ -44,6 +44,6 @@ struct Channels {
 
 inline double Power(std::vector<float> const& gains) {
     double power = 0.0;
-    for (const double gain : gains) power += gain * gain;
+    for (const float gain : gains) power += static_cast<double>(gain) * static_cast<double>(gain);
     return power;
 }
