@@ -107,7 +107,8 @@ void Clip(t_attr const& attribute, t_atom& atom) {
     if (attribute.useMin && !(clipped >= attribute.minimum)) clipped = attribute.minimum;
     if (attribute.useMax && !(clipped <= attribute.maximum)) clipped = attribute.maximum;
     if (clipped >= value && clipped <= value) return;
-    if (atom.a_type == A_LONG) {
+    // Not by the atom's type: a long 0 that is too low for a float attribute may become 0.1.
+    if (attribute.type == common_symbols_init()->s_long) {
         atom_setlong(&atom, static_cast<long>(clipped));
     } else {
         atom_setfloat(&atom, clipped);

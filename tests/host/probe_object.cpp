@@ -1,7 +1,5 @@
 #include "host/probe_object.h"
 
-#include <utility>
-
 #include "host/attribute_actions.h"
 #include "host/console_lines.h"
 #include "host/jpatcher_syms.h"
@@ -135,29 +133,4 @@ void RegisterProbe() {
     class_register(type.s_box, c);
     max::Host::Get().SetConsole(nullptr);  // lines that belong to no box
     probeClass = c;
-}
-
-ProbeBox::ProbeBox(std::string const& text)
-    : box((RegisterProbe(), text), {[this](max::ConsoleLevel level, std::string const& line) {
-                                        lines += std::string(max::ConsoleLevelName(level)) + ": " + line + "|";
-                                    },
-                                    nullptr,
-                                    [this](long, t_symbol* selector, std::vector<t_atom> const& atoms) {
-                                        std::string list;
-                                        orvanmax::atomarray2string(static_cast<long>(atoms.size()), atoms.data(), list);
-                                        output += std::string(selector->s_name) + " " + list + "|";
-                                    }}) {}
-
-std::string ProbeBox::Send(std::string const& message) {
-    lines.clear();
-    box.Send(message);
-    return Lines();
-}
-
-std::string ProbeBox::Output() {
-    return std::exchange(output, {});
-}
-
-std::string ProbeBox::Lines() {
-    return std::exchange(lines, {});
 }

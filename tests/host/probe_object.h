@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "host/orvan_msp_object.h"
-#include "max/box.h"
+#include "host/recording_box.h"
 
 /// A small object with a dump outlet and one attribute of every kind that the host services tell apart:
 ///
@@ -36,22 +35,9 @@ inline std::string probeJournal;
 /// Registers the class probe~, once.
 void RegisterProbe();
 
-/// A box and all that it said.
-class ProbeBox {
+/// A recorded box with one of them.
+class ProbeBox : public RecordingBox {
 public:
-    explicit ProbeBox(std::string const& text = "probe~");
-
-    Probe* Record() { return reinterpret_cast<Probe*>(box.Object()); }
-    t_object* Object() { return box.Object(); }
-    /// Sends a message and returns the lines that came, "level: text|level: text|".
-    std::string Send(std::string const& message);
-    /// The same for what was sent out of the outlet.
-    std::string Output();
-    std::string Lines();
-
-private:
-    std::string lines, output;
-
-public:
-    max::Box box;
+    ProbeBox() : RecordingBox((RegisterProbe(), "probe~")) {}
+    Probe* Record() { return reinterpret_cast<Probe*>(Object()); }
 };

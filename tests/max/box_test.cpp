@@ -98,7 +98,7 @@ void Register() {
     t_object* const level =
         attr_offset_new("level", types.s_float32, 0, nullptr, Method(SetLogged), calcoffset(t_scaler, level));
     class_addattr(c, level);
-    attr_addfilter_clip(level, -1.0, 2.0, 1, 1);
+    attr_addfilter_clip(level, -1.0, 2.5, 1, 1);
     class_attr_addattr_parse(c, "level", "default", types.s_float32, 0, "0.500000");
     class_addattr(
         c, attr_offset_new("word", types.s_symbol, ATTR_SET_OPAQUE_USER, nullptr, nullptr, calcoffset(t_scaler, word)));
@@ -201,7 +201,7 @@ TEST_F(BoxTest, AttributesAreCheckedClippedAndConverted) {
     EXPECT_TRUE(box.Send("level -3.5"));
     EXPECT_TRUE(box.Send("level loud"));
     EXPECT_TRUE(box.Send("pair start 2"));
-    EXPECT_EQ(journal, "level 2;level -1.000000;pair start 2;");
+    EXPECT_EQ(journal, "level 2.500000;level -1.000000;pair start 2;");
     EXPECT_EQ(console, "error: level: a number is expected, not \"loud\"\n");
     EXPECT_EQ(notified, "");  // setters of their own tell the box themselves
 

@@ -1,0 +1,304 @@
+#include "host/orvanverb.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "host/orvanverb_attributes.h"
+#include "host/orvanverb_class.h"
+#include "host/recording_box.h"
+#include "support/allocation_count.h"
+
+namespace {
+
+/// A box of orvanverb~ with the buffers of its signals.
+class OrvanBox : public RecordingBox {
+public:
+    explicit OrvanBox(std::string const& attributes = "")
+        : RecordingBox((orvanverb_main(), "orvanverb~ " + attributes)) {}
+    orvanverb_t* Record() { return reinterpret_cast<orvanverb_t*>(Object()); }
+
+    /// Starts audio and makes buffers; inputs hold ones, outputs sevens.
+    void Start(float rate, long vectorSize) {
+        box.StartAudio(rate, vectorSize);
+        const auto make = [vectorSize](long channels, float value) {
+            return std::vector<std::vector<float>>(static_cast<std::size_t>(channels),
+                                                   std::vector<float>(static_cast<std::size_t>(vectorSize), value));
+        };
+        in = make(box.NumSignalInlets(), 1.0f);
+        out = make(box.NumSignalOutlets(), 7.0f);
+        ins.clear();
+        outs.clear();
+        for (auto& channel : in) ins.push_back(channel.data());
+        for (auto& channel : out) outs.push_back(channel.data());
+    }
+    /// Runs some vectors; the peak of each output.
+    std::vector<float> Run(int vectors) {
+        std::vector<float> peaks(out.size(), 0.0f);
+        for (int i = 0; i < vectors; ++i) {
+            box.Process(ins.data(), outs.data());
+            for (std::size_t c = 0; c < out.size(); ++c)
+                for (const float sample : out[c]) peaks[c] = std::max(peaks[c], std::fabs(sample));
+        }
+        return peaks;
+    }
+
+    std::vector<std::vector<float>> in, out;
+    std::vector<float*> ins, outs;
+};
+
+bool AllZero(std::vector<float> const& peaks) {
+    return std::all_of(peaks.begin(), peaks.end(), [](float peak) { return !(peak > 0.0f); });
+}
+
+// Ground truth of what creation promises: sizes from the attributes, then defaults, then what was typed.
+TEST(OrvanverbObject, IsMadeOfItsAttributes) {
+    OrvanBox box("@tr0 3.5 @numsources 2 @numspeakers 5 @numinternals 12 @early start 33 @bogus 1");
+    ASSERT_NE(box.Object(), nullptr);
+    EXPECT_EQ(box.Lines(), "warn: orvanverb~: \"bogus\" is not an attribute that can be set|");
+    EXPECT_EQ(box.box.NumSignalInlets(), 2);
+    EXPECT_EQ(box.box.NumSignalOutlets(), 5);
+    EXPECT_EQ(box.Record()->ob.z_misc, 1);
+    EXPECT_EQ(box.Get("tr0"), "3.500000 ");
+    EXPECT_EQ(box.Get("early_start"), "33.000000 ");
+    EXPECT_EQ(box.Get("gain"), "0.000000 ");
+    EXPECT_EQ(box.Get("room"), "0.000000 0.000000 0.000000 0.000000 177.000000 5657.000000 ");
+    EXPECT_EQ(box.Get("sourcespositions"), "0.000000 0.000000 0.000000 0.000000 0.000000 0.000000 ");
+    EXPECT_EQ(box.box.Assist(1, 1), "source 2");
+    EXPECT_EQ(box.box.Assist(1, 2), "");
+    EXPECT_EQ(box.box.Assist(2, 4), "speaker 5");
+    EXPECT_EQ(box.box.Assist(2, 5), "");
+    EXPECT_EQ(box.box.Assist(3, 0), "");
+    EXPECT_EQ(OrvanBox("@numsources 65").box.NumSignalInlets(), 64);
+}
+
+TEST(OrvanverbObject, CreationFailsLoudly) {
+    OrvanBox one("@numspeakers 1");
+    EXPECT_EQ(one.Object(), nullptr);
+    EXPECT_EQ(one.Lines(), "error: Configuration not supported|error: couldnt create object|");
+    OrvanBox delays("@delays 1 2 3 4 5 6 7 -8");
+    EXPECT_EQ(delays.Lines(),
+              "error: couldnt set delays because reverb is not yet initialized. numchannels should be the first "
+              "attribute|");
+    EXPECT_EQ(delays.Get("delays"), "1.000000 2.000000 3.000000 4.000000 5.000000 6.000000 7.000000 0.000000 ");
+}
+
+TEST(OrvanverbObject, SizesAreFixed) {
+    OrvanBox box;
+    EXPECT_EQ(box.Send("numsources 6"), "");
+    EXPECT_EQ(box.Send("numsources 3"), "error: could not dynamically change number of sources|");
+    EXPECT_EQ(box.Send("numspeakers 3"), "error: could not dynamically change number of speakers|");
+    EXPECT_EQ(box.Send("numinternals 9"), "error: could not dynamically change number of internal channels|");
+    EXPECT_EQ(box.Get("numsources") + box.Get("numspeakers") + box.Get("numinternals"), "6 6 8 ");
+    EXPECT_EQ(box.Send("reset numsources"), "");
+}
+
+// Red if a refused value leaves a trace, or if a list is read past its end.
+TEST(OrvanverbAttributes, RefuseWhatTheyCannotTake) {
+    OrvanBox box("@numsources 2 @numspeakers 3");
+    const auto before = box.box.GetState();
+    box.Lines();
+    box.Notifications();
+    EXPECT_EQ(box.Send("tr0 long"), "error: tr0: a number is expected, not \"long\"|");
+    EXPECT_EQ(box.Send("sourcespositions 1 2 3"), "error: sourcespositions: 6 coordinates are expected, not 3|");
+    EXPECT_EQ(box.Send("speakerspositions 1"), "error: speakerspositions: 9 coordinates are expected, not 1|");
+    EXPECT_EQ(box.Send("sourcespositions 1 2 3 4 5 x"), "error: sourcespositions: a number is expected, not \"x\"|");
+    EXPECT_EQ(box.Send("delays 1 2 3 4 5 6 7"), "error: Wrong number of delays|");
+    EXPECT_EQ(box.Send("direct 1 2 3"), "error: invalid direct parameters : 1 2 3 |");
+    EXPECT_EQ(box.Send("room start 2"), "error: invalid room parameters : start 2 |");
+    EXPECT_EQ(box.Send("early bogus 2"), "error: invalid early parameters : bogus 2 |");
+    EXPECT_EQ(box.Send("cluster width 2"), "error: invalid cluster parameters : width 2 |");
+    EXPECT_EQ(box.Send("cluster 1 2"), "error: invalid cluster parameters : 1 2 |");
+    EXPECT_EQ(box.Send("mute"), "");
+    EXPECT_EQ(box.Send("tr0"), "");
+    EXPECT_EQ(box.Notifications(), 0);
+    const auto after = box.box.GetState();
+    ASSERT_EQ(after.size(), before.size());
+    for (std::size_t i = 0; i < after.size(); ++i) EXPECT_EQ(atom_getfloat(&after[i]), atom_getfloat(&before[i])) << i;
+    EXPECT_EQ(orvanverb_set_attr(box.Record(), orvanverb_class->c_attributes[2].get(), 1, nullptr), 0);
+    t_atom atom{};
+    EXPECT_EQ(orvanverb_set_attr(box.Record(), orvanverb_class->c_attributes[2].get(), 1, &atom), -1);
+    EXPECT_EQ(box.Lines(), "error: unknown attribute mute|");
+}
+
+TEST(OrvanverbAttributes, ShelvesClipByThemselvesAndKnowWords) {
+    OrvanBox box;
+    box.Send("direct 100 0 0 -99 10 30000");
+    EXPECT_EQ(box.Get("direct"), "10.000000 0.000000 0.000000 -30.000000 20.000000 20000.000000 ");
+    box.Send("room x 1 2 3 low high");
+    EXPECT_EQ(box.Get("room"), "0.000000 1.000000 2.000000 3.000000 250.000000 4000.000000 ");
+    box.Send("early start 500");
+    EXPECT_EQ(box.Get("early_start"), "500.000000 ");
+    box.Send("cluster end word");
+    EXPECT_EQ(box.Get("cluster_end"), "0.000000 ");
+    for (char const* const word : {"end", "distr", "width", "shape"}) {
+        box.Send(std::string("early ") + word + " 0.75");
+        EXPECT_EQ(box.Get((std::string("early_") + word).c_str()), "0.750000 ") << word;
+    }
+    box.Send("reset");
+    EXPECT_EQ(box.Get("early_start"), "22.219999 ");
+    EXPECT_EQ(box.Get("direct"), "0.000000 0.000000 0.000000 0.000000 177.000000 5657.000000 ");
+    t_attr* const air = static_cast<t_attr*>(object_attr_get(box.Object(), gensym("air")));
+    t_atom seven{};
+    atom_setlong(&seven, 7);
+    orvanverb_set_attr(box.Record(), air, 1, &seven);  // past the filter
+    EXPECT_EQ(box.Get("air"), "1 ");
+}
+
+TEST(OrvanverbAttributes, EachChangeIsAnnounced) {
+    OrvanBox box("@numsources 1 @numspeakers 3");
+    box.Notifications();
+    const auto count = [&box](char const* message) {
+        box.Send(message);
+        return box.Notifications();
+    };
+    EXPECT_EQ(count("mute 1"), 1);
+    EXPECT_EQ(count("numsources 2"), 1);  // refused, and announced all the same
+    EXPECT_EQ(count("tr0 2"), 1);
+    EXPECT_EQ(count("direct 0 0 0 0 200 4000"), 1);
+    EXPECT_EQ(count("early_start 20"), 2);
+    EXPECT_EQ(count("sourcespositions 0 1 0"), 2);
+    EXPECT_EQ(count("speakerspositions 0 1 0 1 0 0 0 -1 0"), 3);
+    EXPECT_EQ(count("delays 1 2 3 4 5 6 7 8"), 2);
+    EXPECT_EQ(count("source 1 az 30"), 1);
+    EXPECT_EQ(count("speaker 1 az 30"), 2);
+    EXPECT_EQ(count("reverb tr0 3"), 1);
+}
+
+// Mute wins over bypass, bypass copies what both sides have, the switch of the patcher mutes; the room rings on below.
+TEST(OrvanverbAudio, SwitchesChooseWhatTheCallbackDoes) {
+    OrvanBox box("@numsources 2 @numspeakers 5");
+    orvanverb_place_defaults(box.Record(), true, true);
+    box.Run(1);
+    box.Start(48000.0f, 64);
+    const std::vector<float> normal = box.Run(400);
+    EXPECT_GT(*std::max_element(normal.begin(), normal.end()), 0.1f);
+
+    const long before = AllocationCount();
+    box.Record()->mute = 1;
+    box.box.Process(box.ins.data(), box.outs.data());
+    box.Record()->mute = 0;
+    box.box.Process(box.ins.data(), box.outs.data());
+    EXPECT_EQ(AllocationCount(), before);
+
+    box.Send("bypass 1");
+    EXPECT_EQ(box.Run(1), (std::vector<float>{1.0f, 1.0f, 0.0f, 0.0f, 0.0f}));
+    box.Send("mute 1");
+    EXPECT_TRUE(AllZero(box.Run(1)));
+    EXPECT_EQ(box.Send("postdspstatus"), "post: dsp processing is muted|");
+    box.Send("mute 0");
+    box.Send("bypass 0");
+    box.box.Enable(false);
+    EXPECT_TRUE(AllZero(box.Run(1)));
+    box.box.Enable(true);
+    EXPECT_FALSE(AllZero(box.Run(1)));
+}
+
+TEST(OrvanverbAudio, ClearAndASecondStartSilenceTheRoom) {
+    OrvanBox box("@numsources 1 @numspeakers 6");
+    orvanverb_place_defaults(box.Record(), true, true);
+    Lume::OrvanVerb const* const engine = box.Record()->engine;
+    box.Start(44100.0f, 64);
+    box.Run(400);
+    for (auto& channel : box.in) std::fill(channel.begin(), channel.end(), 0.0f);
+    EXPECT_FALSE(AllZero(box.Run(1)));
+    box.Send("clear");
+    EXPECT_TRUE(AllZero(box.Run(1)));
+    for (auto& channel : box.in) std::fill(channel.begin(), channel.end(), 1.0f);
+    box.Run(100);
+    box.Start(96000.0f, 32);
+    for (auto& channel : box.in) std::fill(channel.begin(), channel.end(), 0.0f);
+    EXPECT_TRUE(AllZero(box.Run(1)));
+    EXPECT_EQ(box.Record()->engine, engine);
+    EXPECT_EQ(engine->GetSamplerate(), 96000.0f);
+    EXPECT_EQ(engine->GetBuffersize(), 32u);
+    EXPECT_EQ(box.Record()->inputs[0], box.Record()->outputs[0] - 32);  // one after the other in the host's memory
+}
+
+TEST(OrvanverbAudio, CallbackWithoutEngineLeavesTheOutputsAlone) {
+    OrvanBox box("@numspeakers 3 @numsources 1");
+    box.Start(44100.0f, 64);
+    Lume::OrvanVerb* const engine = box.Record()->engine;
+    box.Record()->engine = nullptr;
+    box.Record()->mute = 1;
+    box.Record()->outputs[0][5] = 3.0f;
+    box.Run(1);
+    EXPECT_EQ(box.out[0][5], 3.0f);
+    orvanverb_clear(box.Record());
+    orvanverb_update_reverb(box.Record());
+    orvanverb_update_time_structure(box.Record());
+    orvanverb_update_speakerspositions(box.Record());
+    box.Record()->engine = engine;
+}  // and is freed with audio set up
+
+// Azimuth -45 comes out at the front left, whatever the way that the position takes.
+TEST(OrvanverbAudio, MinusFortyFiveIsFrontLeft) {
+    for (char const* const message : {"source 1 ade -45 1 0", "source 1 xyz -0.7071 0.7071 0", "source 1 lume3 45 1 0",
+                                      "sourcespositions -0.7071 0.7071 0"}) {
+        SCOPED_TRACE(message);
+        OrvanBox box("@numsources 1 @numspeakers 4 @early -60 0 0 0 177 5657 @cluster -60 0 0 0 177 5657 @gain -30");
+        box.Send("speakers az -45 45 135 -135");
+        box.Send(message);
+        box.Start(48000.0f, 64);
+        box.Run(400);
+        const std::vector<float> peaks = box.Run(10);
+        EXPECT_GT(peaks[0], 0.2f);
+        for (std::size_t c = 1; c < 4; ++c) EXPECT_LT(peaks[c], 0.2f * peaks[0]) << c;
+    }
+}
+
+// What is heard is what is stored: state and sound of one object, restored into another, bit for bit.
+TEST(OrvanverbState, RestoredObjectSoundsTheSame) {
+    OrvanBox first("@numsources 2 @numspeakers 5 @numinternals 6");
+    orvanverb_place_defaults(first.Record(), true, true);
+    for (char const* const message :
+         {"source 1 ade -70 3 10", "source 2 xyz 1 2 3", "speakers az -31 1 32 111 -112", "tr0 0.7",
+          "room 1 2 3 4 300 3000", "early start 14.5", "modaldensity 1.1", "air 1", "bypass 0", "delays 1 2 3 4 5 6"})
+        EXPECT_EQ(first.Send(message), "") << message;
+    const std::vector<t_atom> state = first.box.GetState();
+    OrvanBox second("@numsources 2 @numspeakers 5 @numinternals 6");
+    EXPECT_EQ(second.box.SetState(state), 0);
+    EXPECT_EQ(second.Lines(),
+              "post: 32 attributes (" + std::to_string(state.size()) + " atoms) restored from the pattrstorage|");
+    for (OrvanBox* const box : {&first, &second}) box->Start(48000.0f, 64);
+    for (int i = 0; i < 300; ++i) {
+        first.Run(1);
+        second.Run(1);
+        ASSERT_EQ(first.out, second.out) << "vector " << i;
+    }
+
+    OrvanBox other("@numsources 3 @numspeakers 5 @numinternals 6");
+    EXPECT_EQ(other.box.SetState(state), -1);
+    EXPECT_EQ(other.Lines(), "error: setvalueof error (received " + std::to_string(state.size()) + " atoms. " +
+                                 std::to_string(state.size() + 3) + " atoms were expected)|");
+    EXPECT_EQ(other.Get("tr0"), "1.995000 ");
+}
+
+// A state of other sizes but the same number of atoms is caught where the sizes are set.
+TEST(OrvanverbState, SizesGuardThemselves) {
+    OrvanBox first("@numsources 3 @numspeakers 4"), second("@numsources 4 @numspeakers 3");
+    EXPECT_EQ(second.box.SetState(first.box.GetState()), 0);
+    const std::string lines = second.Lines();
+    EXPECT_NE(lines.find("could not dynamically change number of sources|"), std::string::npos);
+    EXPECT_NE(lines.find("could not dynamically change number of speakers|"), std::string::npos);
+    EXPECT_EQ(second.Get("numsources"), "4 ");
+}
+
+TEST(OrvanverbMessages, ServicesAnswer) {
+    OrvanBox box("@numsources 1 @numspeakers 3");
+    EXPECT_EQ(box.Send("dump"), "error: no dump outlet|");
+    EXPECT_EQ(box.Send("reset delays"), "warn: attribute delays doesnt have a default value|");
+    EXPECT_EQ(box.Send("version").substr(0, 27), "post: Version 4.2.6 (Build ");
+    EXPECT_EQ(box.Send("postattributes airfreq"), "post: airfreq : 10000.000000 |");
+    EXPECT_EQ(box.Send("postattributes").substr(0, 25), "post: found 32 attributes");
+    box.Send("tr0 2.5");
+    const auto preset = box.box.StorePreset();
+    box.Send("tr0 9");
+    EXPECT_TRUE(box.box.RecallPreset(preset));
+    EXPECT_EQ(box.Get("tr0"), "2.500000 ");
+}
+
+}  // namespace
