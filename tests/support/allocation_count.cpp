@@ -35,6 +35,16 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
 void* operator new[](std::size_t size, std::align_val_t alignment) {
     return Allocate(size, static_cast<std::size_t>(alignment));
 }
+// The nothrow forms too: std::stable_sort asks for its buffer by one of them, and a buffer must go back where it came
+// from.
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+    ++allocations;
+    return std::malloc(size == 0 ? 1 : size);
+}
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+    ++allocations;
+    return std::malloc(size == 0 ? 1 : size);
+}
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }
