@@ -102,6 +102,7 @@
 #include "pan/binaural_panning_direct.h"
 #include "pan/binaural_panning_iacc.h"
 #include "pan/binaural_panning_itd.h"
+#include "pan/binaural_panning_nearfield.h"
 #include "pan/binaural_panning_snowman_model.h"
 #include "pan/binaural_panning_spherical_head_model.h"
 #include "pan/dbap_panning.h"

@@ -94,8 +94,8 @@ void BinauralPanningDirect::setSourceRelativePosition(unsigned int index, Cartes
     Voice& voice = voices[index];
     voice.left.SetDelay(leftDelay, flag);
     voice.right.SetDelay(rightDelay, flag);
-    voice.left.SetCoefficients(point.coefficients.data(), flag);
-    voice.right.SetCoefficients(point.coefficients.data() + point.numCoefficients, flag);
+    voice.left.SetCoefficients(EarCoefficients(point, 0), flag);
+    voice.right.SetCoefficients(EarCoefficients(point, 1), flag);
 }
 
 void BinauralPanningDirect::updateFiltersCoefficients() {

@@ -62,14 +62,20 @@ void HrtfFiltering::GetCoefficients(std::vector<float>& result) const {
         fir.GetCoefficients(result);
 }
 
+void HrtfFiltering::SetCoefficients(std::span<float const> coefficients, bool hold) {
+    paddedSet.assign(GetNumCoefficients(), 0.0f);
+    std::copy_n(coefficients.begin(), std::min(coefficients.size(), paddedSet.size()), paddedSet.begin());
+    if (filterType == biquadFilters)
+        biquads.SetCoefficients(paddedSet.data(), hold);
+    else if (filterType == firFilter)
+        fir.SetCoefficients(paddedSet.data(), hold);
+}
+
 void HrtfFiltering::SetCoefficients(float const* coefficients, bool hold) {
-    if (filterType == biquadFilters) {
-        biquads.SetCoefficients(coefficients, hold);
-    } else if (filterType == firFilter) {
-        firTaps.assign(fir.GetNumCoefficients(), 0.0f);
-        std::copy_n(coefficients, std::min<std::size_t>(firOrder + 1ul, firTaps.size()), firTaps.begin());
-        fir.SetCoefficients(firTaps.data(), hold);
-    }
+    if (filterType == biquadFilters)
+        SetCoefficients(std::span(coefficients, 4ul * numStages + 1), hold);
+    else if (filterType == firFilter)
+        SetCoefficients(std::span(coefficients, firOrder + 1ul), hold);
 }
 
 void HrtfFiltering::SetDelay(float milliseconds, bool immediately) {
@@ -148,6 +154,12 @@ void HrtfFiltering::Clear() {
     } else if (filterType == firFilter) {
         fir.Clear();
     }
+}
+
+std::span<float const> EarCoefficients(HrtfPoint const& point, unsigned int ear) {
+    const std::span<float const> all = point.coefficients;
+    const std::size_t begin = std::min(static_cast<std::size_t>(ear) * point.numCoefficients, all.size());
+    return all.subspan(begin, std::min<std::size_t>(point.numCoefficients, all.size() - begin));
 }
 
 }  // namespace Lume

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "filters/delay.h"
 #include "filters/faded_biquad_cascade.h"
 #include "filters/faded_fir_filter.h"
+#include "hrtf/hrtf_point.h"
 
 namespace Lume {
 
@@ -36,9 +38,11 @@ public:
     unsigned int GetNumCoefficients() const;
     /// The set of the filter that runs or is being faded in; empty without one.
     void GetCoefficients(std::vector<float>& result) const;
-    /// Hands in a set, to which the filter fades from the next block on.
-    /// @param coefficients  as many as SetNumCoefficients was told
-    /// @param hold          keeps the set waiting until a call without hold
+    /// Hands in a set, to which the filter fades from the next block on. Nothing is read behind it: what the filter has
+    /// beyond the set becomes 0.
+    /// @param hold  keeps the set waiting until a call without hold
+    void SetCoefficients(std::span<float const> coefficients, bool hold);
+    /// The same with as many coefficients as SetNumCoefficients was told.
     void SetCoefficients(float const* coefficients, bool hold);
 
     /// Sets the delay before the biquads [ms], with a glide or at once. Other types have none.
@@ -70,7 +74,10 @@ private:
     FadedFIRFilter fir{511};
     bool needToProcessITD;
     std::vector<float> delayedInput;
-    std::vector<float> firTaps;  // a set, and zeros behind it
+    std::vector<float> paddedSet;  // a set, and zeros behind it
 };
+
+/// The filter of an ear (0 left, 1 right) in a measured direction; empty if the point has none.
+std::span<float const> EarCoefficients(HrtfPoint const& point, unsigned int ear);
 
 }  // namespace Lume

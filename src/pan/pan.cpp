@@ -9,6 +9,7 @@
 #include "pan/binaural_panning_direct.h"
 #include "pan/binaural_panning_iacc.h"
 #include "pan/binaural_panning_itd.h"
+#include "pan/binaural_panning_nearfield.h"
 #include "pan/binaural_panning_snowman_model.h"
 #include "pan/binaural_panning_spherical_head_model.h"
 #include "pan/dbap_panning_2d.h"
@@ -70,7 +71,7 @@ constexpr Maker binauralMakers[] = {
     methodMakers[Pan::binaural],                // direct
     BinauralPanningITD::Create,                 // early
     BinauralPanningIACC::Create,                // diffuse
-    NullPanning::Create,                        // nearfield
+    BinauralPanningNearfield::Create,           // nearfield
     NullPanning::Create,                        // sphericalharmonics
     BinauralPanningSphericalHeadModel::Create,  // sphericalheadmodel
     BinauralPanningSnowmanModel::Create,        // snowmanmodel

@@ -13,9 +13,9 @@
 #include "dsp/orvan_dsp_exception.h"
 #include "hrtf/hrtf.h"
 #include "pan/panning_support.h"
+#include "pan/set_file.h"
 #include "support/allocation_count.h"
 #include "support/frequency_response.h"
-#include "support/sdif_writer.h"
 #include "support/signals.h"
 #include "support/temporary_file.h"
 
@@ -135,41 +135,26 @@ TEST(BinauralPanningDirect, SeveralInputsAddUpAlsoInPlace) {
     EXPECT_EQ(a.data, b.data);
 }
 
-/// A set of two directions, left and right, whose coefficients a function gives by point and place.
+/// A file of two directions, left and right.
 template <typename Coefficient>
-std::string SetFile(char const* dataType, char const* filterType, std::uint32_t length, std::uint32_t channels,
-                    Coefficient&& coefficient) {
-    SdifWriter writer;
-    writer.TextFrame(
-        "1NVT", std::string("TableName\tHrtfInfos\nOwner\to\nAuthor\ta\nSubject\ts\nCopyright\tc\n") + "DataType\t" +
-                    dataType + "\nFiltersType\t" + filterType +
-                    "\nITDExtracted\t1\nSpatialInterpolation\t0\nMeasurementSet\tm\nInterpolationSet\ti\n" +
-                    "FiltersLength\t" + std::to_string(length) + "\nNumChannels\t" + std::to_string(channels) +
-                    "\nSamplingRate\t44100\nNumPoints\t2\nGenerated\tnow\n");
-    const bool isFir = std::string(filterType) == "FIR";
-    for (std::uint32_t id : {1u, 2u}) {
-        SdifMatrix filters{isFir ? "XFIR" : "XIIR", 4, channels, length, {}};
-        for (std::uint32_t i = 0; i < channels * length; ++i)
-            filters.values.push_back(static_cast<double>(coefficient(id, i)));
-        std::vector<SdifMatrix> matrices = {{"XPOS", 8, 1, 3, {id == 1 ? -1.0 : 1.0, 0.0, 0.0}}, filters};
-        if (!isFir) matrices.push_back({"XITD", 8, 1, 1, {id == 1 ? -0.5 : 0.5}});
-        writer.Frame("HRTF", id, matrices);
-    }
-    return writer.bytes;
+std::string TwoDirections(char const* dataType, char const* filterType, std::uint32_t length, std::uint32_t channels,
+                          Coefficient&& coefficient) {
+    return SetFile({dataType, filterType, length, channels, {{-1.0f, 0.0f, 0.0f}, {1.0f, 0.0f, 0.0f}}, {-0.5, 0.5}},
+                   coefficient);
 }
 
 // Red if the two numberings of filter types are mixed up, if ears share taps, if the tap beyond the set is not 0 or is
 // read behind the set's memory, or if a delay acts that lies in the responses already.
 TEST(BinauralPanningDirect, TakesImpulseResponses) {
-    const auto tap = [](std::uint32_t id, std::uint32_t i) { return static_cast<float>(id * 100 + i) / 1024.0f; };
-    const TemporaryFile file("two.hrtf", SetFile("Binaural", "FIR", 64, 2, tap));
+    const auto tap = [](std::uint32_t id, std::uint32_t i) { return static_cast<float>(id * 100 + 100 + i) / 1024.0f; };
+    const TemporaryFile file("two.hrtf", TwoDirections("Binaural", "FIR", 64, 2, tap));
     for (char const* method : {"timedomain", "fftconvolution"}) {
         BinauralPanningDirect panner(1, 2);
         ASSERT_TRUE(panner.LoadFromFile(file.name.c_str()));
         EXPECT_EQ(panner.GetHrtfHeaderInfos()->numCoefficients, 64u);
         panner.SetFIRFiltersImplementationMethod(method);
-        for (const std::uint32_t id : {1u, 2u}) {
-            Place(panner, At(id == 1 ? -80.0 : 100.0));
+        for (const std::uint32_t id : {0u, 1u}) {
+            Place(panner, At(id == 0 ? -80.0 : 100.0));
             const Channels out = ImpulseResponses(panner);
             const bool direct = method[0] == 't';
             for (std::uint32_t ear : {0u, 1u})
@@ -194,11 +179,11 @@ TEST(BinauralPanningDirect, TakesImpulseResponses) {
 // Red if a set that doesn't suit, or a file that can't be read, changes what is heard.
 TEST(BinauralPanningDirect, KeepsItsSetWhenAnotherDoesNotSuit) {
     const auto pass = [](std::uint32_t, std::uint32_t i) { return i % 5 == 0 ? 0.25f : 0.0f; };
-    const TemporaryFile good("good.hrtf", SetFile("Binaural", "BiquadCells", 5, 2, pass));
-    const TemporaryFile transform("fft.hrtf", SetFile("Binaural", "FFT", 5, 2, pass));
-    const TemporaryFile mono("mono.hrtf", SetFile("Binaural", "BiquadCells", 5, 1, pass));
+    const TemporaryFile good("good.hrtf", TwoDirections("Binaural", "BiquadCells", 5, 2, pass));
+    const TemporaryFile transform("fft.hrtf", TwoDirections("Binaural", "FFT", 5, 2, pass));
+    const TemporaryFile mono("mono.hrtf", TwoDirections("Binaural", "BiquadCells", 5, 1, pass));
     const TemporaryFile loudspeakers("shuffler.hrtf",
-                                     SetFile("BinauralToTransauralShufflerSymmetric", "BiquadCells", 5, 2, pass));
+                                     TwoDirections("BinauralToTransauralShufflerSymmetric", "BiquadCells", 5, 2, pass));
     BinauralPanningDirect panner(1, 2);
     ASSERT_TRUE(panner.LoadFromFile(good.name.c_str()));
     for (TemporaryFile const* wrong : {&transform, &mono, &loudspeakers})
