@@ -89,8 +89,8 @@ TEST(OrvanVerb, SourcesSoundWhereTheyStand) {
         for (const float level : levels) power += static_cast<double>(level * level);
         EXPECT_NEAR(power, 0.25, 1e-4) << azimuth;
     }
-    std::vector<Lume::CartesianVector> ring;
-    for (int i = 0; i < 6; ++i) ring.push_back(At(60.0 * i + 10.0, 2.0));
+    std::vector<Lume::CartesianVector> ring(6);
+    for (std::size_t i = 0; i < 6; ++i) ring[i] = At(60.0 * static_cast<double>(i) + 10.0, 2.0);
     rig.engine.SetSpeakersPositions(ring.data());
     rig.engine.SetSourcePosition(0, At(130.0, 1.0));
     EXPECT_NEAR(rig.ConstantLevels()[2], 0.5, 1e-4);
@@ -160,6 +160,30 @@ TEST(OrvanVerb, ControlsOfALayerReachWhatTheyShould) {
     ExpectSameBits(record(reverb, nothing), record(reverb, clusterLayer));
 }
 
+// Red if decibels are those of another quantity, or a gain is applied by the ramp and by the shelf.
+TEST(OrvanVerb, LayerGainsAreDecibelsAndActOnce) {
+    using Layer = void (OrvanVerb::*)(Lume::HLShelfParameters const&);
+    for (const Layer layer : {&OrvanVerb::SetDirectParameters, &OrvanVerb::SetEarlyParameters,
+                              &OrvanVerb::SetClusterParameters, &OrvanVerb::SetRoomParameters}) {
+        const auto energyAt = [&](float gain) {
+            EngineRig rig(1, 4, 8);
+            const bool isRoom = layer == &OrvanVerb::SetRoomParameters;
+            if (isRoom) rig.engine.SetEarlyGain(0.0f);
+            (rig.engine.*layer)({.gain = gain});
+            rig.Settle();
+            return Energy(rig.ImpulseResponse(0.2));
+        };
+        EXPECT_NEAR(energyAt(-12.0f) / energyAt(0.0f), std::pow(10.0, -1.2), 1e-4);
+    }
+    const auto reverbAt = [](float gain) {
+        EngineRig rig(1, 4, 8);
+        rig.engine.SetReverbParameters({.gain = gain});
+        rig.Settle();
+        return Energy(rig.ImpulseResponse(0.5));
+    };
+    EXPECT_NEAR(reverbAt(6.0f) / reverbAt(0.0f), std::pow(10.0, 0.6), 1e-3);
+}
+
 // Red if layers sound before their gain is set, or if the first configuration starts at full level.
 TEST(OrvanVerb, BeginsSilentAndRises) {
     EngineRig rig(1, 4, 4);
@@ -174,11 +198,16 @@ TEST(OrvanVerb, BeginsSilentAndRises) {
     EXPECT_LT(levelAt(2400), 0.35f);  // half of the 100 ms of the layer's gain
 }
 
-TEST(OrvanVerb, SecondConfigureKeepsTheShapeAndClears) {
+TEST(OrvanVerb, ClearAndSecondConfigureEmptyIt) {
     EngineRig rig(2, 4, 8);
     SetAllLayers(rig.engine, 0.0f, 0.0f, 0.0f, 0.0f);
     rig.engine.UseAirAbsorption(false);
     rig.Settle();
+    rig.Run(24000, Noise);
+    rig.engine.Clear();
+    EXPECT_EQ(Energy(rig.Silence(1.0)), 0.0);
+
+    // The shape stays as it was.
     rig.Run(24000, Noise);
     rig.engine.Configure(48000.0f, 64, 5, 3);
     EXPECT_EQ(rig.engine.GetNumInputs(), 2u);

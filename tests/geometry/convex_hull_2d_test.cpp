@@ -12,8 +12,10 @@ using Lume::ConvexHull2D;
 using Points = std::vector<CartesianVector>;
 
 double Cross(CartesianVector const& a, CartesianVector const& b, CartesianVector const& p) {
-    return (double{b.x} - double{a.x}) * (double{p.y} - double{a.y}) -
-           (double{b.y} - double{a.y}) * (double{p.x} - double{a.x});
+    return (static_cast<double>(b.x) - static_cast<double>(a.x)) *
+               (static_cast<double>(p.y) - static_cast<double>(a.y)) -
+           (static_cast<double>(b.y) - static_cast<double>(a.y)) *
+               (static_cast<double>(p.x) - static_cast<double>(a.x));
 }
 
 /// What makes a polygon the hull: its vertices are points of the set, it turns right at each of them, and no point lies

@@ -27,8 +27,9 @@ TEST(PointSearch, FindsTheNearest) {
     const Points points = RandomPoints(40, 1);
     for (CartesianVector const& p : RandomPoints(20, 2)) {
         const auto distance = [&](unsigned int i, bool inSpace) {
-            return std::hypot(double{p.x} - double{points[i].x}, double{p.y} - double{points[i].y},
-                              inSpace ? double{p.z} - double{points[i].z} : 0.0);
+            return std::hypot(static_cast<double>(p.x) - static_cast<double>(points[i].x),
+                              static_cast<double>(p.y) - static_cast<double>(points[i].y),
+                              inSpace ? static_cast<double>(p.z) - static_cast<double>(points[i].z) : 0.0);
         };
         std::vector<unsigned int> order(points.size());
         std::iota(order.begin(), order.end(), 0u);
@@ -153,8 +154,11 @@ TEST(PlaneGeometry, LinesAndSegments) {
 TEST(PlaneGeometry, IntersectionLiesOnBothLines) {
     const Points points = RandomPoints(400, 5);
     const auto offset = [](CartesianVector const& from, CartesianVector const& to, CartesianVector const& p) {
-        const double dx = double{to.x} - double{from.x}, dy = double{to.y} - double{from.y};
-        return (dx * (double{p.y} - double{from.y}) - dy * (double{p.x} - double{from.x})) / std::hypot(dx, dy);
+        const double dx = static_cast<double>(to.x) - static_cast<double>(from.x),
+                     dy = static_cast<double>(to.y) - static_cast<double>(from.y);
+        return (dx * (static_cast<double>(p.y) - static_cast<double>(from.y)) -
+                dy * (static_cast<double>(p.x) - static_cast<double>(from.x))) /
+               std::hypot(dx, dy);
     };
     int checked = 0;
     for (std::size_t i = 0; i + 3 < points.size(); i += 4) {

@@ -50,7 +50,7 @@ TEST(MeasureToneResidual, ClicksShowWithTheirHeightAndPlace) {
 TEST(MeasureToneResidual, ZipperNoiseShowsWithItsSteps) {
     std::vector<float> stepped = Tone();
     for (std::size_t t = 0; t < stepped.size(); ++t) {
-        const double slope = std::min(1.0, std::max(0.0, (static_cast<double>(t / 64) - 400.0) / 75.0));
+        const double slope = std::min(1.0, std::max(0.0, (std::floor(static_cast<double>(t) / 64.0) - 400.0) / 75.0));
         stepped[t] *= static_cast<float>(0.5 + 0.5 * slope);
     }
     const double step = 0.5 / 75.0;
