@@ -58,6 +58,7 @@ BENCHMARK(Engine)
     ->ArgNames({"sources", "speakers", "internals", "block", "signal"})
     ->ArgsProduct({{1, 6}, {6}, {8}, {64, 512}, {noise, tail}})
     ->ArgsProduct({{64}, {64}, {16}, {64, 512}, {noise, tail}})
-    ->ArgsProduct({{6}, {6}, {8}, {64}, {fades}});
+    ->ArgsProduct({{6}, {6}, {8}, {64}, {fades}})
+    ->ArgsProduct({{6}, {2}, {8}, {64}, {noise}});
 
 }  // namespace

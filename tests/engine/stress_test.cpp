@@ -53,6 +53,7 @@ void Torment(unsigned int numSources, unsigned int numSpeakers, unsigned int num
 TEST(EngineStress, AnyChangesLeaveTheOutputBounded) {
     Torment(2, 5, 8, 15.0, 1);
     Torment(7, 3, 9, 5.0, 2);
+    Torment(3, 2, 8, 5.0, 5);
     Torment(1, 64, 16, 3.0, 3);
     Torment(64, 4, 2, 3.0, 4);
 }
