@@ -1,0 +1,7 @@
+#pragma once
+
+#include "host/host_api.h"
+#include "hrtf/hrtf_header_infos.h"
+
+/// Posts the description of a set of filters, a line for each member, under a prefix. A null header posts nothing.
+void post_hrtf_xml_infos(t_object* x, Lume::HrtfHeaderInfos const* header, char const* prefix);
