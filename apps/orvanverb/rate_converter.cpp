@@ -7,8 +7,8 @@
 
 namespace program {
 
-void RateConverter::StateDeleter::operator()(SRC_STATE_tag* state) const noexcept {
-    src_delete(state);
+void RateConverter::StateDeleter::operator()(SRC_STATE_tag* converter) const noexcept {
+    src_delete(converter);
 }
 
 RateConverter::RateConverter(double newRatio, unsigned int channels, Source newSource)

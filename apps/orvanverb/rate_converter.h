@@ -33,7 +33,7 @@ private:
     static long Pull(void* self, float** samples);
 
     struct StateDeleter {
-        void operator()(SRC_STATE_tag* state) const noexcept;
+        void operator()(SRC_STATE_tag* converter) const noexcept;
     };
 
     double ratio;

@@ -68,6 +68,8 @@ bool Stream(SignalSource& source, RoomEngine& room, SpeakerLayout const& layout,
 
     ProgressLine progress(stderr);
     const std::uint64_t maxTail = tail.MaxFrames(room.Samplerate());
+    const double expectedSeconds =
+        (source.ExpectedFrames() + (tail.IsAuto() ? 0.0 : static_cast<double>(maxTail))) / room.Samplerate();
     std::uint64_t tailFrames = 0;
     for (bool ended = false; !Interrupted();) {
         const std::size_t fresh = source.Read(inputs.Pointers(), vectorSize);
@@ -78,8 +80,7 @@ bool Stream(SignalSource& source, RoomEngine& room, SpeakerLayout const& layout,
         tailFrames += ofTail;
         meter.Add(fileChannels.data(), fresh + ofTail);
         output.Write(fileChannels.data(), fresh + ofTail);
-        progress.Show(static_cast<double>(output.NumFrames()) / room.Samplerate(),
-                      source.ExpectedFrames() / room.Samplerate());
+        progress.Show(static_cast<double>(output.NumFrames()) / room.Samplerate(), expectedSeconds);
         if (!ended) continue;
         if (tail.HasDiedAway(meter.LastBlock(), meter.Loudest(), ofTail, room.Samplerate())) return true;
         if (tailFrames == maxTail) return !tail.IsAuto();
