@@ -83,6 +83,16 @@ TEST_F(Rendering, SourceBetweenLoudspeakersKeepsItsPowerAndItsSide) {
     EXPECT_NEAR(left[0] + left[7], directPower, 1e-5);
 }
 
+// Red if the ears are swapped: to the left of the listener is the first channel, the left one.
+TEST_F(Rendering, HeadphonesHearTheSide) {
+    for (char const* side : {"-45", "45"}) {
+        const Sound sound = ImpulseResponse("2", side);
+        const std::vector<double> ears = Energies(sound, 0, sound.NumFrames());
+        ASSERT_EQ(ears.size(), 2u);
+        EXPECT_GT(ears[side[0] == '-' ? 0 : 1], 1.2 * ears[side[0] == '-' ? 1 : 0]) << side;
+    }
+}
+
 // Red if the first millisecond is still fading in, or if one of the two laws is taken for the other.
 TEST_F(Rendering, DirectSoundFallsWithTheSquareOfTheDistanceAndTheRoomWithTheDistance) {
     const Sound near = ImpulseResponse("6", "45", "1");
