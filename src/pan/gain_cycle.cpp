@@ -17,30 +17,63 @@ std::int32_t CutToSamples(float samples, std::int32_t lowest) {
     return static_cast<std::int32_t>(std::min(samples, highest));
 }
 
-/// The four ways in which one input reaches one output. Ramps carry their gain by repeated addition of the step and
-/// return it for the next sample.
-void WriteScaled(float* __restrict output, float const* __restrict input, std::int32_t count, float gain) {
-    for (std::int32_t k = 0; k < count; ++k) output[k] = input[k] * gain;
+/// What becomes of a product: the first input writes over an output, the others add to it.
+template <bool writes>
+void Put(float& output, float product) {
+    if constexpr (writes)
+        output = product;
+    else
+        output += product;
 }
 
-void AddScaled(float* __restrict output, float const* __restrict input, std::int32_t count, float gain) {
-    for (std::int32_t k = 0; k < count; ++k) output[k] += input[k] * gain;
+template <bool writes>
+void MixSteady(float* __restrict output, float const* __restrict input, std::int32_t count, float gain) {
+    for (std::int32_t k = 0; k < count; ++k) Put<writes>(output[k], input[k] * gain);
 }
 
-float WriteRamped(float* __restrict output, float const* __restrict input, std::int32_t count, float gain, float step) {
+/// A gain that is carried by repeated addition of its step.
+struct MovingGain {
+    float* output;
+    float gain;
+    float step;
+    float* running;  // where the gain is kept for the next sample
+};
+
+template <bool writes>
+void MixMoving(MovingGain const& moving, float const* __restrict input, std::int32_t count) {
+    float* __restrict const output = moving.output;
+    float gain = moving.gain;
     for (std::int32_t k = 0; k < count; ++k) {
-        output[k] = input[k] * gain;
-        gain += step;
+        Put<writes>(output[k], input[k] * gain);
+        gain += moving.step;
     }
-    return gain;
+    *moving.running = gain;
 }
 
-float AddRamped(float* __restrict output, float const* __restrict input, std::int32_t count, float gain, float step) {
+/// The same for four outputs at once: each gain waits for its last addition, so that four chains take the time of one.
+template <bool writes>
+void MixFourMoving(MovingGain const* moving, float const* __restrict input, std::int32_t count) {
+    float* __restrict const output0 = moving[0].output;
+    float* __restrict const output1 = moving[1].output;
+    float* __restrict const output2 = moving[2].output;
+    float* __restrict const output3 = moving[3].output;
+    float gain0 = moving[0].gain, gain1 = moving[1].gain, gain2 = moving[2].gain, gain3 = moving[3].gain;
+    const float step0 = moving[0].step, step1 = moving[1].step, step2 = moving[2].step, step3 = moving[3].step;
     for (std::int32_t k = 0; k < count; ++k) {
-        output[k] += input[k] * gain;
-        gain += step;
+        const float x = input[k];
+        Put<writes>(output0[k], x * gain0);
+        Put<writes>(output1[k], x * gain1);
+        Put<writes>(output2[k], x * gain2);
+        Put<writes>(output3[k], x * gain3);
+        gain0 += step0;
+        gain1 += step1;
+        gain2 += step2;
+        gain3 += step3;
     }
-    return gain;
+    *moving[0].running = gain0;
+    *moving[1].running = gain1;
+    *moving[2].running = gain2;
+    *moving[3].running = gain3;
 }
 
 }  // namespace
@@ -53,6 +86,14 @@ struct GainCycle::Mix {
     unsigned int numInputs;
     unsigned int numOutputs;
     unsigned int writer;  // the input that writes over the outputs instead of adding to them
+};
+
+/// A stretch of at most partLength samples.
+struct GainCycle::Part {
+    unsigned long first;  // in the call's block
+    std::int32_t done;    // samples of its chunk before it
+    std::int32_t count;
+    std::int32_t chunk;  // samples of its chunk in all
 };
 
 GainCycle::GainCycle(unsigned int numInputs, unsigned int numOutputs)
@@ -99,41 +140,52 @@ void GainCycle::Run(Mix const& mix, unsigned long numSamples) {
     }
 }
 
-/// Mixes samples that lie in one cycle. The gain of a ramp at the chunk's first sample is that of the chunk's start, at
-/// its last sample that of the chunk's end: neighbouring chunks share a gain, and a chunk of one sample has no slope.
+/// Mixes samples that lie in one cycle, part by part: all inputs of a part are read before an output is written.
 void GainCycle::MixChunk(Mix const& mix, unsigned long offset, std::int32_t numSamples) {
     for (std::int32_t done = 0; done < numSamples; done += partLength) {
-        const std::int32_t count = std::min(numSamples - done, partLength);
-        const unsigned long first = offset + static_cast<unsigned long>(done);
+        const Part part = {offset + static_cast<unsigned long>(done), done, std::min(numSamples - done, partLength),
+                           numSamples};
         for (unsigned int i = 0; i < mix.numInputs; ++i) {
             if (mix.activeInputs[i] != 0)
-                std::copy_n(mix.inputs[i] + first, count, &inputCopies[static_cast<std::size_t>(i) * partLength]);
+                std::copy_n(mix.inputs[i] + part.first, part.count, &inputCopies[i * std::size_t{partLength}]);
         }
         for (unsigned int i = 0; i < mix.numInputs; ++i) {
             if (mix.activeInputs[i] == 0) continue;
-            float const* const input = &inputCopies[static_cast<std::size_t>(i) * partLength];
-            const bool writes = i == mix.writer;
-            for (unsigned int j = 0; j < mix.numOutputs; ++j) {
-                const std::size_t element = static_cast<std::size_t>(i) * mix.numOutputs + j;
-                const float start = startGains[element];
-                const float target = targetGains[element];
-                float* const output = mix.outputs[j] + first;
-                if (target == start) {
-                    if (writes)
-                        WriteScaled(output, input, count, target);
-                    else if (target != 0.0f || mix.writer != noInput)
-                        AddScaled(output, input, count, target);
-                    continue;
-                }
-                const float g0 = static_cast<float>(position) * inverseLength * (target - start) + start;
-                const float g1 = static_cast<float>(position + numSamples) * inverseLength * (target - start) + start;
-                const float step = numSamples > 1 ? (g1 - g0) / static_cast<float>(numSamples - 1) : 0.0f;
-                const float gain = done == 0 ? g0 : runningGains[element];
-                runningGains[element] = writes ? WriteRamped(output, input, count, gain, step)
-                                               : AddRamped(output, input, count, gain, step);
-            }
+            if (i == mix.writer)
+                MixInput<true>(mix, i, part);
+            else
+                MixInput<false>(mix, i, part);
         }
     }
+}
+
+/// Mixes one input into all outputs. The gain of a slide at the chunk's first sample is that of the chunk's start, at
+/// its last sample that of the chunk's end: neighbouring chunks share a gain, and a chunk of one sample has no slope.
+template <bool writes>
+void GainCycle::MixInput(Mix const& mix, unsigned int i, Part const& part) {
+    float const* const input = &inputCopies[i * std::size_t{partLength}];
+    const bool skipsSilence = mix.writer == noInput;
+    MovingGain moving[4];
+    int numMoving = 0;
+    for (unsigned int j = 0; j < mix.numOutputs; ++j) {
+        const std::size_t element = static_cast<std::size_t>(i) * mix.numOutputs + j;
+        const float start = startGains[element];
+        const float target = targetGains[element];
+        float* const output = mix.outputs[j] + part.first;
+        if (target == start) {
+            if (target != 0.0f || !skipsSilence) MixSteady<writes>(output, input, part.count, target);
+            continue;
+        }
+        const float g0 = static_cast<float>(position) * inverseLength * (target - start) + start;
+        const float g1 = static_cast<float>(position + part.chunk) * inverseLength * (target - start) + start;
+        const float step = part.chunk > 1 ? (g1 - g0) / static_cast<float>(part.chunk - 1) : 0.0f;
+        moving[numMoving++] = {output, part.done == 0 ? g0 : runningGains[element], step, &runningGains[element]};
+        if (numMoving == 4) {
+            MixFourMoving<writes>(moving, input, part.count);
+            numMoving = 0;
+        }
+    }
+    for (int m = 0; m < numMoving; ++m) MixMoving<writes>(moving[m], input, part.count);
 }
 
 void GainCycle::Roll() {

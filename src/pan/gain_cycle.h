@@ -47,8 +47,11 @@ public:
 
 private:
     struct Mix;
+    struct Part;
     void Run(Mix const& mix, unsigned long numSamples);
     void MixChunk(Mix const& mix, unsigned long offset, std::int32_t numSamples);
+    template <bool writes>
+    void MixInput(Mix const& mix, unsigned int i, Part const& part);
     void Roll();
 
     std::vector<float> startGains;  // the gains at which the running cycle began

@@ -89,6 +89,29 @@ TEST(AmplitudePanning, WorksInPlaceAndReadsOnlyActiveInputs) {
     }
 }
 
+// Red if outputs that are mixed at once get other bits than one by one.
+TEST(AmplitudePanning, OutputsDoNotDependOnEachOther) {
+    constexpr unsigned int outputs = 7;
+    constexpr std::size_t samples = 4000;
+    Uniform uniform(11);
+    Channels in(2, samples, 0.0f), together(outputs, samples, 0.0f), single(1, samples, 0.0f);
+    for (auto& channel : in.data)
+        for (float& x : channel) x = static_cast<float>(uniform(-1.0, 1.0));
+    const CartesianVector sources[] = {{-0.7f, 0.3f, 0.0f}, {0.2f, -0.1f, 0.0f}};
+    PlainPanning all(2, outputs);
+    all.SetSourcePositions(sources);
+    for (std::size_t k = 0; k < samples; k += 200)
+        all.Process(together.From(k).data(), in.From(k).data(), 200, orvandsp::allActiveInputs);
+    for (unsigned int j = 0; j < outputs; ++j) {
+        PlainPanning one(2, 1);
+        for (unsigned int i = 0; i < 2; ++i)
+            one.SetSourcePosition(i, {sources[i].x + static_cast<float>(j) * sources[i].y, 0.0f, 0.0f}, false);
+        for (std::size_t k = 0; k < samples; k += 200)
+            one.Process(single.From(k).data(), in.From(k).data(), 200, orvandsp::allActiveInputs);
+        EXPECT_EQ(together.data[j], single.data[0]) << "output " << j;
+    }
+}
+
 TEST(AmplitudePanning, WithoutActiveInputProcessClearsAndStandsStillAndAddingGoesOn) {
     const short none[] = {0};
     for (const bool adding : {false, true}) {
