@@ -146,6 +146,9 @@ TEST(AngularPanning, SharesEachGapByCosineAndSine) {
     panner.SetLoudspeakerPositions(ring.data());
     const unsigned int order[] = {4, 0, 2, 1, 3};
     for (unsigned int i = 0; i < 5; ++i) {
+        std::vector<float> alone(5, 0.0f);
+        alone[i] = 1.0f;
+        EXPECT_EQ(Gains(panner, ring[i]), alone);
         const unsigned int prev = order[i], next = order[(i + 1) % 5];
         const double gap = std::fmod(azimuths[prev] - azimuths[next] + 360.0, 360.0);
         for (const double place : {0.001, 0.25, 0.5, 0.9}) {

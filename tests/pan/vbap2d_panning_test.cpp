@@ -61,6 +61,9 @@ TEST(Vbap2DPanning, FourInASquare) {
         const std::vector<float> gains = Gains(panner, square[i]);
         for (unsigned int j = 0; j < 4; ++j) EXPECT_NEAR(gains[j], i == j ? 1.0f : 0.0f, 1e-6f);
     }
+    // By azimuth the order is 3, 0, 1, 2. A source on a loudspeaker belongs to the pair that ends there.
+    EXPECT_EQ(panner.find_pair(square[3].x, square[3].y), 0u);
+    EXPECT_EQ(panner.find_pair(square[1].x, square[1].y), 1u);
     // Straight up there is no azimuth: silence, and nothing that isn't a number.
     EXPECT_EQ(Gains(panner, {0.0f, 0.0f, 2.0f}), std::vector<float>(4, 0.0f));
 }
@@ -94,11 +97,11 @@ TEST(Vbap2DPanning, NewLoudspeakersPlaceTheSourcesAgain) {
 
     const CartesianVector sources[] = {At(0), At(120)};
     panner.SetSourcePositions(sources);
-    const CartesianVector ring[] = {At(120), At(-120), At(0)};
+    const CartesianVector ring[] = {At(0), At(120), At(-120)};
     panner.SetLoudspeakerPositions(ring);
     panner.GetGains(gains.data());
-    EXPECT_NEAR(gains[2], 1.0f, 1e-6f);
-    EXPECT_NEAR(gains[3], 1.0f, 1e-6f);
+    EXPECT_NEAR(gains[0], 1.0f, 1e-6f);
+    EXPECT_NEAR(gains[3 + 1], 1.0f, 1e-6f);
 }
 
 // Coincident loudspeakers, positions that are no numbers and a lowered number of outputs: any gains, but an end.
