@@ -64,7 +64,6 @@ TEST(Pan, FactoryByNumberOfOutputs) {
     expect({8, 14}, [](unsigned int n) { return n >= 3; });
     expect({9, 10}, [](unsigned int n) { return n != 0; });
     expect({15, 16, -1}, [](unsigned int) { return false; });
-    EXPECT_FALSE(Builds(1, 1, Pan::hoa3d, Pan::direct));
     for (int role = 0; role < 7; ++role) EXPECT_FALSE(Builds(2, 3, Pan::binaural, role));
     EXPECT_FALSE(Builds(1, 2, Pan::binaural, Pan::diffuse));
 }
