@@ -135,6 +135,25 @@ void TakeMeaning(Words const& words, Options& options) {
     }
 }
 
+/// True for a word that begins another option, and is no negative number.
+bool IsOption(std::string const& word) {
+    return word.size() > 1 && word[0] == '-' && !ParseNumber(word);
+}
+
+/// Takes the attributes of the object box out of the words: from a word with @ up to the next option. They must not
+/// come before the parser's eyes, which would take a negative value for an option.
+std::vector<std::string> TakeAttributes(std::vector<std::string>& words) {
+    std::vector<std::string> attributes, others;
+    bool within = false;
+    for (std::string const& word : words) {
+        if (word.starts_with('@')) within = true;
+        if (IsOption(word)) within = false;
+        (within ? attributes : others).push_back(word);
+    }
+    words = others;
+    return attributes;
+}
+
 std::string OneLine(CLI::ParseError const& error) {
     std::string message = error.what();
     std::replace(message.begin(), message.end(), '\n', ' ');
@@ -151,6 +170,10 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
 
     Options options;
     Words words;
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    options.attributes = TakeAttributes(arguments);
+    std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
+
     CLI::App* render = app.add_subcommand("render", "Render recordings (WAV, AIFF, FLAC, Ogg) in a room");
     render->add_option("inputs", options.inputs, "Recordings; every channel is a source")
         ->required()
@@ -161,21 +184,34 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
         ->take_last();
     CLI::App* ir = app.add_subcommand("ir", "Write the impulse response from one source to all loudspeakers");
     AddCommonOptions(*ir, options, words);
+    CLI::App* shell = app.add_subcommand("shell", "Make an object orvanverb~ and send it messages from standard input");
+    shell->footer(
+        "The object is made with the attributes that follow the command: shell @numsources 2 @tr0 3\n"
+        "Each line is a message to the object. Lines that begin with a colon are for the shell: :get NAME, :state,\n"
+        ":restore VALUES, :preset, :recall, :assist in|out INDEX, :dsp RATE BLOCK, :notifications, :quit.");
+    CLI::App* listing = app.add_subcommand("attributes", "List the attributes of orvanverb~");
+    listing->add_flag("--json", options.json, "As JSON, for programs");
+    CLI::App* reference =
+        app.add_subcommand("reference", "Write the reference page of orvanverb~, and its style sheet, where you are");
 
     try {
-        app.parse(argc, argv);
+        app.parse(arguments);
     } catch (CLI::Success const& success) {  // --help or --version
         app.exit(success);
         return std::nullopt;
     } catch (CLI::RequiredError const& error) {
-        if (!render->parsed() && !ir->parsed() && argc > 1)
-            throw UsageError("'" + std::string(argv[1]) + "' is no command; there are render and ir");
+        if (app.get_subcommands().empty() && argc > 1)
+            throw UsageError("'" + std::string(argv[1]) +
+                             "' is no command; there are render, ir, shell, attributes and reference");
         throw UsageError(OneLine(error));
     } catch (CLI::ParseError const& error) {
         throw UsageError(OneLine(error));
     }
-    options.command = ir->parsed() ? Options::Command::ImpulseResponse : Options::Command::Render;
-    TakeMeaning(words, options);
+    if (shell->parsed()) options.command = Options::Command::Shell;
+    if (listing->parsed()) options.command = Options::Command::Attributes;
+    if (reference->parsed()) options.command = Options::Command::Reference;
+    if (ir->parsed()) options.command = Options::Command::ImpulseResponse;
+    if (render->parsed() || ir->parsed()) TakeMeaning(words, options);
     return options;
 }
 

@@ -2,16 +2,44 @@
 #include <exception>
 #include <optional>
 
+#include "orvanverb/attribute_listing.h"
 #include "orvanverb/command_line.h"
 #include "orvanverb/interrupt.h"
 #include "orvanverb/program_error.h"
+#include "orvanverb/reference.h"
 #include "orvanverb/render.h"
+#include "orvanverb/shell.h"
+#include "orvanverb/text.h"
+
+namespace {
+
+/// @return the exit status
+int Obey(program::Options const& options) {
+    using Command = program::Options::Command;
+    switch (options.command) {
+        case Command::Render:
+        case Command::ImpulseResponse:
+            program::Run(options);
+            break;
+        case Command::Shell:
+            return program::RunShell(program::JoinWords(options.attributes));
+        case Command::Attributes:
+            std::fputs((options.json ? program::AttributeJson() : program::AttributeTable()).c_str(), stdout);
+            break;
+        case Command::Reference:
+            program::WriteReference();
+            break;
+    }
+    return 0;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     try {
         program::CatchInterrupts();
         if (const std::optional<program::Options> options = program::ParseCommandLine(argc, argv))
-            program::Run(*options);
+            return Obey(*options);
         return 0;
     } catch (program::ProgramError const& error) {
         std::fprintf(stderr, "orvanverb: %s\n", error.what());

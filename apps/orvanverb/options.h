@@ -13,7 +13,7 @@ namespace program {
 
 /// What the user asked for: every word checked on its own, nothing opened yet.
 struct Options {
-    enum class Command { Render, ImpulseResponse };
+    enum class Command { Render, ImpulseResponse, Shell, Attributes, Reference };
     struct SourcePlace {
         unsigned int number = 1;  // counted from 1
         ListenerPosition position;
@@ -24,6 +24,8 @@ struct Options {
     };
 
     Command command = Command::Render;
+    std::vector<std::string> attributes;  // of the object box: @name value ...
+    bool json = false;
     std::vector<std::string> inputs;
     std::string output;
     std::string speakers = "6";

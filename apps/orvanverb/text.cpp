@@ -29,6 +29,12 @@ std::vector<std::string> SplitWords(std::string_view line, std::string_view also
     return words;
 }
 
+std::string JoinWords(std::vector<std::string> const& words) {
+    std::string text;
+    for (std::string const& word : words) text.append(text.empty() ? "" : " ").append(word);
+    return text;
+}
+
 std::optional<float> ParseNumber(std::string_view word) {
     // from_chars takes no plus sign, but people write +30 for "to the right".
     if (word.size() > 1 && word[0] == '+' && word[1] != '-') word.remove_prefix(1);

@@ -11,6 +11,9 @@ namespace program {
 /// The words of a line: blanks, tabs, carriage returns and the characters of `alsoSeparators` part them.
 std::vector<std::string> SplitWords(std::string_view line, std::string_view alsoSeparators = {});
 
+/// Words with a blank between each two.
+std::string JoinWords(std::vector<std::string> const& words);
+
 /// A whole word as a finite number, with an optional sign; nothing if it is anything else.
 std::optional<float> ParseNumber(std::string_view word);
 

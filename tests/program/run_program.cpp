@@ -24,13 +24,15 @@ std::string Quote(std::string const& word) {
 
 }  // namespace
 
-RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before) {
+RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before, std::string const& input) {
     const TemporaryDirectory directory;
+    WriteText(directory / "in", input);
     // Appended, not added: g++ 12 sees overlapping copies in `"text" + string` and warns.
     std::string command = before;
     command.append(before.empty() ? "exec " : " ").append(Quote(ORVANVERB_PROGRAM));
     for (std::string const& argument : arguments) command.append(" ").append(Quote(argument));
-    command.append(" </dev/null >").append(Quote(directory / "out")).append(" 2>").append(Quote(directory / "err"));
+    command.append(" <").append(Quote(directory / "in"));
+    command.append(" >").append(Quote(directory / "out")).append(" 2>").append(Quote(directory / "err"));
 
     std::string shell = "sh", flag = "-c";
     char* words[] = {shell.data(), flag.data(), command.data(), nullptr};

@@ -12,4 +12,6 @@ struct RunResult {
 
 /// Runs the real program.
 /// @param before  shell words in front of it: "ulimit -f 8;", "timeout -s INT 1"
-RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before = {});
+/// @param input   what it reads from standard input
+RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before = {},
+                     std::string const& input = {});

@@ -1,0 +1,123 @@
+#include "orvanverb/shell.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
+#include "program/run_program.h"
+#include "program/sound_files.h"
+
+namespace {
+
+/// Types some lines and returns what was written.
+std::string Type(program::Shell& shell, std::ostringstream& out, std::string const& lines) {
+    out.str("");
+    std::istringstream in(lines);
+    for (std::string line; std::getline(in, line);)
+        if (!shell.Handle(line)) break;
+    return out.str();
+}
+
+// What scripts rely on: each command's answer, to the letter.
+TEST(Shell, AnswersInItsFormat) {
+    std::ostringstream out;
+    program::Shell shell("@numsources 2 @numspeakers 3 @bogus 1", out);
+    EXPECT_EQ(out.str(), "warn: orvanverb~: \"bogus\" is not an attribute that can be set\n");
+    const std::pair<char const*, char const*> cases[] = {
+        {"# a comment\n\n  \t\n   # another", ""},
+        {"tr0 20\n:get tr0", "tr0 10.000000\n"},
+        {":get numsources\r", "numsources 2\n"},
+        {":get sourcespositions", "sourcespositions 0.000000 0.000000 0.000000 0.000000 0.000000 0.000000\n"},
+        {":get nothing", "error: no attribute nothing\n"},
+        {":get", "error: :get needs the name of an attribute\n"},
+        {"nonsense 1 2", "error: orvanverb~: doesn't understand \"nonsense\"\n"},
+        {"getvalueof", "error: orvanverb~: doesn't understand \"getvalueof\"\n"},
+        {"source 1 1 2 3", "warn: using default coordinate type (ade)\n"},
+        {"postdspstatus", "post: dsp processing is enabled\n"},
+        {":assist in 1\n:assist out 2\n:assist out 3", "source 2\nspeaker 3\n\n"},
+        {":assist up 1", "error: :assist needs in or out, and a number from 0\n"},
+        {":dsp 48000 64\nclear\n:dsp 96000. 32", ""},
+        {":dsp fast 64", "error: :dsp needs a sample rate and a block size\n"},
+        {":dsp 1e30 64", "error: :dsp needs a rate from 8000 to 384000 and a block from 1 to 8192\n"},
+        {":recall", "error: no preset of this object\n"},
+        {"tr0 3\n:preset\ntr0 4\n:recall\n:get tr0",
+         "post: 32 attributes (72 atoms) restored from the pattrstorage\ntr0 3.000000\n"},
+        {":restore 1 2", "error: setvalueof error (received 2 atoms. 72 atoms were expected)\n"},
+        {":restore", ""},
+        {":dance", "error: no command :dance\n"},
+        {":quit\npostdspstatus", ""},
+    };
+    for (auto const& [lines, expected] : cases) EXPECT_EQ(Type(shell, out, lines), expected) << lines;
+    Type(shell, out, ":notifications");
+    EXPECT_EQ(Type(shell, out, "mute 1\nsource 2 az 30\n:notifications\n:notifications"), "2\n0\n");
+}
+
+// A state that is printed can be typed back, into another object of the same shape.
+TEST(Shell, StatesCanBeTypedBack) {
+    std::ostringstream out;
+    program::Shell first("@numsources 1 @numspeakers 3", out), second("@numsources 1 @numspeakers 3", out);
+    const std::string state = Type(first, out, "source 1 ade -45 2 30\ngain -6\nearly start 44\n:state");
+    ASSERT_TRUE(state.starts_with("state 0 10000.000000 0 "));
+    EXPECT_EQ(Type(second, out, ":restore" + state.substr(5) + ":state"),
+              "post: 32 attributes (69 atoms) restored from the pattrstorage\n" + state);
+}
+
+TEST(Shell, RunsAsAProgram) {
+    const RunResult run =
+        RunProgram({"shell", "@gain", "-3", "@numspeakers", "2"}, {}, "reset foo\n:get gain\n:quit\nversion\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "error: no attribute foo\ngain -3.000000\n");
+    EXPECT_EQ(run.err, "");
+    const RunResult refused = RunProgram({"shell", "@numspeakers", "1"}, {}, "version\n");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.out, "error: Configuration not supported\nerror: couldnt create object\n");
+}
+
+TEST(Listing, ShowsTheAttributesToPeopleAndPrograms) {
+    const std::string table = RunProgram({"attributes"}).out;
+    EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 33);
+    EXPECT_NE(
+        table.find("\ntr0                float32          1.995             0.1 to 10    sec   global decay time\n"),
+        std::string::npos)
+        << table;
+    EXPECT_NE(table.find(" 10 to 180 "), std::string::npos);  // early_width, whose range no inspector shows
+    const std::string json = RunProgram({"attributes", "--json"}).out;
+    for (char const* const piece : {"{\"name\": \"early_width\", \"type\": \"float32\", \"count\": 1, \"counted\": "
+                                    "false, \"default\": 30, \"min\": 10, "
+                                    "\"max\": 180, \"units\": \"deg\", ",
+                                    "\"default\": [0, 0, 0, 0, 177, 5657], \"min\": null",
+                                    "\"count\": 192, \"counted\": true, \"default\": null"})
+        EXPECT_NE(json.find(piece), std::string::npos) << piece;
+}
+
+// The page through a real processor: every attribute and message is on it.
+TEST(Reference, BecomesAPage) {
+    const TemporaryDirectory directory;
+    const RunResult run = RunProgram({"reference"}, "cd '" + (directory / "") + "' && exec");
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::string xml = ReadText(directory / "orvanverb~.ref.xml");
+    EXPECT_EQ(xml.find("<name>classdescription"), std::string::npos);
+    EXPECT_EQ(xml.find("<name>generatexml"), std::string::npos);
+    EXPECT_NE(
+        xml.find("<name>numsources</name>\n<brief>number of sources</brief>\n<type>long</type>\n<default>6</default>"),
+        std::string::npos);
+    EXPECT_NE(xml.find("<units>sec</units>\n<enum></enum>\n<category>reverb</category>\n<description></description>"),
+              std::string::npos);
+    const std::string convert = "cd '" + (directory / "") + "' && xsltproc orvan.xsl 'orvanverb~.ref.xml' > page.html";
+    ASSERT_EQ(std::system(convert.c_str()), 0);  // NOLINT(bugprone-command-processor,cert-env33-c): a fixed command
+    const std::string page = ReadText(directory / "page.html");
+    for (char const* const piece :
+         {"<tr id=\"tr0\">", "<td>global decay time</td>", "<td>0.10 to 10.00</td>", "<td>sec</td>",
+          "<li><code>source</code></li>", "<h2>structure</h2>", "ensures zero signals"})
+        EXPECT_NE(page.find(piece), std::string::npos) << piece;
+    std::size_t rows = 0;
+    for (std::size_t at = page.find("<tr id="); at != page.npos; at = page.find("<tr id=", at + 1)) ++rows;
+    EXPECT_EQ(rows, 32u);
+
+    EXPECT_EQ(RunProgram({"reference"}, "cd /proc && exec").status, 1);
+}
+
+}  // namespace
