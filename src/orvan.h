@@ -41,6 +41,7 @@
 #include "geometry/point_search.h"
 #include "geometry/space_geometry.h"
 #include "geometry/speakers.h"
+#include "geometry/spherical_harmonics_normalization.h"
 #include "geometry/spherical_vector.h"
 
 // filters
@@ -70,8 +71,10 @@
 #include "filters/unitary_hl_shelf.h"
 
 // hrtf
+#include "hrtf/asymmetric_transaural_data_loader.h"
 #include "hrtf/builtin_sets.h"
 #include "hrtf/coll_file.h"
+#include "hrtf/filter_set.h"
 #include "hrtf/hrtf.h"
 #include "hrtf/hrtf_data.h"
 #include "hrtf/hrtf_header_infos.h"
@@ -82,6 +85,11 @@
 #include "hrtf/sdif_access.h"
 #include "hrtf/sdif_reader.h"
 #include "hrtf/sdif_set.h"
+#include "hrtf/spherical_harmonic_data.h"
+#include "hrtf/spherical_harmonic_manager.h"
+#include "hrtf/symmetric_transaural_data_loader.h"
+#include "hrtf/transaural_data.h"
+#include "hrtf/transaural_point.h"
 
 // reverb
 #include "reverb/cluster.h"
@@ -104,6 +112,7 @@
 #include "pan/binaural_panning_itd.h"
 #include "pan/binaural_panning_nearfield.h"
 #include "pan/binaural_panning_snowman_model.h"
+#include "pan/binaural_panning_spherical_harmonics.h"
 #include "pan/binaural_panning_spherical_head_model.h"
 #include "pan/dbap_panning.h"
 #include "pan/dbap_panning_2d.h"

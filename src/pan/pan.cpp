@@ -11,6 +11,7 @@
 #include "pan/binaural_panning_itd.h"
 #include "pan/binaural_panning_nearfield.h"
 #include "pan/binaural_panning_snowman_model.h"
+#include "pan/binaural_panning_spherical_harmonics.h"
 #include "pan/binaural_panning_spherical_head_model.h"
 #include "pan/dbap_panning_2d.h"
 #include "pan/dbap_panning_3d.h"
@@ -72,7 +73,7 @@ constexpr Maker binauralMakers[] = {
     BinauralPanningITD::Create,                 // early
     BinauralPanningIACC::Create,                // diffuse
     BinauralPanningNearfield::Create,           // nearfield
-    NullPanning::Create,                        // sphericalharmonics
+    BinauralPanningSphericalHarmonics::Create,  // sphericalharmonics
     BinauralPanningSphericalHeadModel::Create,  // sphericalheadmodel
     BinauralPanningSnowmanModel::Create,        // snowmanmodel
 };
