@@ -51,12 +51,13 @@ void MixMoving(MovingGain const& moving, float const* __restrict input, std::int
 }
 
 /// The same for four outputs at once: each gain waits for its last addition, so that four chains take the time of one.
+/// Nothing is promised about the outputs here: a caller may fold several into one array.
 template <bool writes>
 void MixFourMoving(MovingGain const* moving, float const* __restrict input, std::int32_t count) {
-    float* __restrict const output0 = moving[0].output;
-    float* __restrict const output1 = moving[1].output;
-    float* __restrict const output2 = moving[2].output;
-    float* __restrict const output3 = moving[3].output;
+    float* const output0 = moving[0].output;
+    float* const output1 = moving[1].output;
+    float* const output2 = moving[2].output;
+    float* const output3 = moving[3].output;
     float gain0 = moving[0].gain, gain1 = moving[1].gain, gain2 = moving[2].gain, gain3 = moving[3].gain;
     const float step0 = moving[0].step, step1 = moving[1].step, step2 = moving[2].step, step3 = moving[3].step;
     for (std::int32_t k = 0; k < count; ++k) {

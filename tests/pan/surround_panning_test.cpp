@@ -26,6 +26,7 @@ std::vector<float> Gains(Lume::AmplitudePanning& panner, CartesianVector const& 
 /// left.
 std::vector<CartesianVector> Ring(std::vector<double> const& azimuths) {
     std::vector<CartesianVector> ring;
+    ring.reserve(azimuths.size());
     for (const double azimuth : azimuths) ring.push_back(At(azimuth));
     return ring;
 }

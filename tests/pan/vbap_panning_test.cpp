@@ -24,8 +24,8 @@ void AddRing(Layout& layout, std::vector<double> const& azimuths, double elevati
 }
 
 std::vector<double> Regular(int n, double offset = 0.0) {
-    std::vector<double> azimuths;
-    for (int i = 0; i < n; ++i) azimuths.push_back(offset + 360.0 * i / n);
+    std::vector<double> azimuths(static_cast<std::size_t>(n));
+    for (int i = 0; i < n; ++i) azimuths[static_cast<std::size_t>(i)] = offset + 360.0 * i / n;
     return azimuths;
 }
 
