@@ -29,17 +29,18 @@ struct Words {
 
 constexpr char const* footer =
     "Angles are the listener's: azimuth 0 is ahead, +90 right, -90 left; elevation 90 is above.\n"
-    "Distances are in metres. Sources are counted from 1, through all channels of all inputs.";
+    "Distances are in metres. Sources are counted from 1, through all channels of all inputs.\n"
+    "At the end, or before an option, stand attributes of the object: @tr0 3 @early -6 0 0 0 177 5657. What comes\n"
+    "later wins: state, preset, --set, --source, attributes, lines of the scene without a time.";
 
 void AddCommonOptions(CLI::App& command, Options& options, Words& words) {
     command.add_option("-o,--output", options.output, "File to write")->required()->type_name("FILE")->take_last();
     command
         .add_option("--speakers", options.speakers,
                     "Loudspeakers: a count from 2 to 64 (2 is headphones), or a file with one\n"
-                    "AZIMUTH [ELEVATION [DISTANCE]] a line")
+                    "AZIMUTH [ELEVATION [DISTANCE]] a line [6]")
         ->type_name("COUNT|FILE")
-        ->take_last()
-        ->capture_default_str();
+        ->take_last();
     command.add_option("--source", words.sources, "Place source I; may be repeated")
         ->type_name("I AZIMUTH ELEVATION DISTANCE")
         ->type_size(4)
@@ -54,6 +55,18 @@ void AddCommonOptions(CLI::App& command, Options& options, Words& words) {
     command.add_option("--set", words.settings, "Set a control of the room, over the preset; may be repeated")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
+    command
+        .add_option("--scene", options.scene,
+                    "What happens meanwhile: a file with one [SECONDS] MESSAGE a line, as\n"
+                    "\"2.5 source 1 azim 30\"")
+        ->type_name("FILE")
+        ->take_last();
+    command.add_option("--state", options.state, "Begin with a saved state of the room")
+        ->type_name("FILE")
+        ->take_last();
+    command.add_option("--save-state", options.saveState, "Save the state with which the rendering begins")
+        ->type_name("FILE")
+        ->take_last();
     command
         .add_option("--tail", words.tail,
                     "Time behind the end of the input, or auto: until the output has stayed 60 dB\n"

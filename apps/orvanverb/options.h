@@ -28,11 +28,14 @@ struct Options {
     bool json = false;
     std::vector<std::string> inputs;
     std::string output;
-    std::string speakers = "6";
+    std::optional<std::string> speakers;  // a count or a file; none: those of the state, or defaultSpeakers
     std::vector<SourcePlace> sources;
     std::optional<int> rate;             // [Hz]
     std::optional<SampleFormat> format;  // none: what the output's name suggests
     std::optional<std::string> preset;
+    std::optional<std::string> scene;
+    std::optional<std::string> state;
+    std::optional<std::string> saveState;
     std::vector<Setting> settings;
     Tail tail{std::nullopt};
     std::optional<double> inTurnSeconds;

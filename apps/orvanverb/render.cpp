@@ -12,8 +12,8 @@
 #include "orvanverb/peak_meter.h"
 #include "orvanverb/program_error.h"
 #include "orvanverb/progress_line.h"
-#include "orvanverb/room_engine.h"
-#include "orvanverb/room_settings.h"
+#include "orvanverb/room_object.h"
+#include "orvanverb/room_setup.h"
 #include "orvanverb/speaker_layout.h"
 #include "orvanverb/text.h"
 #include "orvanverb/vector_channels.h"
@@ -28,38 +28,15 @@ void Say(std::string const& line) {
     std::fprintf(stderr, "%s\n", line.c_str());
 }
 
-RoomSettings ReadSettings(Options const& options) {
-    RoomSettings settings;
-    if (options.preset) settings.Load(*options.preset);
-    for (Options::Setting const& setting : options.settings) {
-        try {
-            settings.Set(setting.name, setting.values);
-        } catch (std::invalid_argument const& error) {
-            throw UsageError(std::string("--set: ") + error.what());
-        }
-    }
-    return settings;
-}
-
 SampleFormat ChooseFormat(Options const& options) {
     return options.format.value_or(options.output.ends_with(".flac") ? SampleFormat::Flac : SampleFormat::Float);
 }
 
-void PlaceSources(RoomEngine& room, std::vector<Options::SourcePlace> const& places) {
-    for (Options::SourcePlace const& place : places) {
-        if (place.number > room.NumSources())
-            throw UsageError(
-                "--source " + std::to_string(place.number) + ": there " +
-                (room.NumSources() == 1 ? "is 1 source" : "are " + std::to_string(room.NumSources()) + " sources"));
-        room.PlaceSource(place.number - 1, ToCartesian(place.position));
-    }
-}
-
 /// Sends the whole signal and the tail through the room into the file. One vector after the other: memory does not grow
-/// with the length.
+/// with the length. What the scene has for a vector happens before it.
 /// @return false if the tail came to its bound before the room had died away
-bool Stream(SignalSource& source, RoomEngine& room, SpeakerLayout const& layout, Tail tail, AudioOutput& output,
-            PeakMeter& meter) {
+bool Stream(SignalSource& source, RoomObject& room, Scene& scene, SpeakerLayout const& layout, Tail tail,
+            AudioOutput& output, PeakMeter& meter) {
     const std::size_t vectorSize = room.VectorSize();
     VectorChannels inputs(room.NumSources(), vectorSize);
     VectorChannels outputs(room.NumSpeakers(), vectorSize);
@@ -70,10 +47,12 @@ bool Stream(SignalSource& source, RoomEngine& room, SpeakerLayout const& layout,
     const std::uint64_t maxTail = tail.MaxFrames(room.Samplerate());
     const double expectedSeconds =
         (source.ExpectedFrames() + (tail.IsAuto() ? 0.0 : static_cast<double>(maxTail))) / room.Samplerate();
-    std::uint64_t tailFrames = 0;
+    std::uint64_t tailFrames = 0, frames = 0;
     for (bool ended = false; !Interrupted();) {
         const std::size_t fresh = source.Read(inputs.Pointers(), vectorSize);
         ended = ended || fresh < vectorSize;
+        frames += vectorSize;
+        for (std::string const& line : scene.Play(room, frames)) Say(line);
         room.Process(outputs.Pointers(), inputs.Pointers());
 
         const auto ofTail = static_cast<std::size_t>(std::min<std::uint64_t>(vectorSize - fresh, maxTail - tailFrames));
@@ -107,9 +86,6 @@ void Report(std::string const& path, SampleFormat format, AudioOutput const& out
 
 void Run(Options const& options) {
     const auto begin = std::chrono::steady_clock::now();
-    const RoomSettings settings = ReadSettings(options);
-    const SpeakerLayout layout = SpeakerLayout::Parse(options.speakers);
-
     std::unique_ptr<SignalSource> source;
     InputBank const* bank = nullptr;
     int samplerate = options.rate.value_or(defaultImpulseRate);
@@ -122,15 +98,16 @@ void Run(Options const& options) {
         source = std::make_unique<Impulse>();
     }
 
-    RoomEngine room(source->NumChannels(), layout.positions, settings, samplerate, options.vectorSize);
-    PlaceSources(room, options.sources);
-    room.Settle();
+    RoomSetup setup(options, source->NumChannels());
+    SpeakerLayout const& layout = setup.layout;
+    const std::unique_ptr<RoomObject> room = setup.MakeRoom();
+    room->Start(samplerate, options.vectorSize);
 
     const SampleFormat format = ChooseFormat(options);
     const auto numChannels = static_cast<unsigned int>(layout.positions.size());
     AudioOutput output(options.output, format, samplerate, numChannels, layout.channelMask);
     PeakMeter meter(numChannels);
-    const bool diedAway = Stream(*source, room, layout, options.tail, output, meter);
+    const bool diedAway = Stream(*source, *room, setup.scene, layout, options.tail, output, meter);
     output.Commit();
 
     Report(options.output, format, output, meter, layout, samplerate,

@@ -40,14 +40,6 @@ void NameStandardChannels(SpeakerLayout& layout) {
     }
 }
 
-SpeakerLayout InEngineOrder(std::vector<Lume::CartesianVector> positions) {
-    SpeakerLayout layout;
-    layout.positions = std::move(positions);
-    layout.fileOrder.resize(layout.positions.size());
-    std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
-    return layout;
-}
-
 }  // namespace
 
 Lume::CartesianVector ToCartesian(ListenerPosition const& position) {
@@ -58,6 +50,14 @@ Lume::CartesianVector ToCartesian(ListenerPosition const& position) {
     Lume::CartesianVector cartesian;
     cartesian = spherical;
     return cartesian;
+}
+
+SpeakerLayout SpeakerLayout::InEngineOrder(std::vector<Lume::CartesianVector> positions) {
+    SpeakerLayout layout;
+    layout.positions = std::move(positions);
+    layout.fileOrder.resize(layout.positions.size());
+    std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
+    return layout;
 }
 
 SpeakerLayout SpeakerLayout::Parse(std::string const& text) {

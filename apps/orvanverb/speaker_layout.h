@@ -20,6 +20,9 @@ struct SpeakerLayout {
     /// @throws UsageError for a count that can't be used, WorkError for a file that can't
     static SpeakerLayout Parse(std::string const& text);
 
+    /// Loudspeakers anywhere: the file's channels go as the engine has them.
+    static SpeakerLayout InEngineOrder(std::vector<Lume::CartesianVector> positions);
+
     /// The listener's azimuth of a file channel's loudspeaker [degrees].
     float AzimuthDeg(std::size_t fileChannel) const;
 

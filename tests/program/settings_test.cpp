@@ -3,8 +3,8 @@
 #include <bit>
 #include <cmath>
 
+#include "orvanverb/control.h"
 #include "orvanverb/program_error.h"
-#include "orvanverb/room_settings.h"
 #include "orvanverb/speaker_layout.h"
 #include "orvanverb/tail.h"
 #include "orvanverb/text.h"
@@ -74,20 +74,18 @@ TEST(SpeakerLayout, StoresStandardLayoutsInTheOrderOfTheirMask) {
     }
 }
 
-TEST(RoomSettings, LoadsAPresetAndNamesWhatIsWrongInIt) {
+TEST(Preset, IsReadAndNamesWhatIsWrongInIt) {
     const TemporaryDirectory directory;
     WriteText(directory / "room", "# a hall\ntr0 2.8\nair 1\nearly_width 60\nroom 0 1 2 3 200 5000\n");
-    program::RoomSettings settings;
-    settings.Load(directory / "room");
-    EXPECT_EQ(settings.tr0, 2.8f);
-    EXPECT_EQ(settings.air, 1.0f);
-    EXPECT_EQ(settings.earlyWidth, 60.0f);
-    EXPECT_EQ(settings.room.gainHigh, 3.0f);
-    EXPECT_EQ(settings.room.freqHigh, 5000.0f);
+    const auto settings = program::LoadPreset(directory / "room");
+    ASSERT_EQ(settings.size(), 4u);
+    EXPECT_EQ(settings[3].name, "room");
+    EXPECT_EQ(settings[3].values[5], "5000");
 
-    for (char const* line : {"tr0 20", "tr0", "tr0 1 2", "air 0.5", "room 0 0 0", "direct 11 0 0 0 200 2000", "no 1"}) {
+    for (char const* line : {"tr0 20", "tr0", "tr0 1 2", "air 0.5", "room 0 0 0", "direct 11 0 0 0 200 2000", "no 1",
+                             "numsources 2", "early_width 5", "early_shape 1.1"}) {
         WriteText(directory / "wrong", std::string("tr0 1\n") + line + "\n");
-        const std::string message = Message([&] { settings.Load(directory / "wrong"); });
+        const std::string message = Message([&] { program::LoadPreset(directory / "wrong"); });
         EXPECT_TRUE(message.starts_with((directory / "wrong") + ":2: ")) << line << ": " << message;
     }
 }

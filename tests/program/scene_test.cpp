@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "program/run_program.h"
+#include "program/sound_files.h"
+
+namespace {
+
+class Scenes : public testing::Test {
+protected:
+    Scenes() {
+        WriteSound(directory / "a.wav", MakeTone(500.0, 0.5, 48000));
+        WriteSound(directory / "b.wav", MakeTone(800.0, 0.4, 48000));
+    }
+
+    /// Renders both recordings, and returns the bytes of what came out.
+    std::string Render(std::vector<std::string> const& more,
+                       std::vector<std::string> const& inputs = {"a.wav", "b.wav"}) {
+        std::vector<std::string> arguments{"render"};
+        for (std::string const& input : inputs) arguments.push_back(directory / input);
+        arguments.insert(arguments.end(), {"-o", directory / "out.wav", "--tail", "0.3"});
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const RunResult run = RunProgram(arguments);
+        EXPECT_EQ(run.status, 0) << run.err;
+        return ReadText(directory / "out.wav");
+    }
+
+    /// The one line that a refused rendering leaves.
+    std::string Complaint(std::vector<std::string> const& more, int status) {
+        WriteText(directory / "kept.wav", "an earlier rendering");
+        std::vector<std::string> arguments{"render", directory / "a.wav", "-o", directory / "kept.wav"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const RunResult run = RunProgram(arguments);
+        EXPECT_EQ(run.status, status) << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(ReadText(directory / "kept.wav"), "an earlier rendering");
+        return run.err;
+    }
+
+    /// Energy of each channel of the last rendering between two times.
+    std::vector<double> Energies(double from, double to) {
+        const Sound sound = ReadSound(directory / "out.wav");
+        std::vector<double> energies;
+        for (auto const& channel : sound.samples) {
+            double energy = 0.0;
+            for (auto i = static_cast<std::size_t>(from * 48000.0); i < static_cast<std::size_t>(to * 48000.0); ++i)
+                energy += static_cast<double>(channel[i]) * static_cast<double>(channel[i]);
+            energies.push_back(energy);
+        }
+        return energies;
+    }
+    static long Loudest(std::vector<double> const& energies) {
+        return std::max_element(energies.begin(), energies.end()) - energies.begin();
+    }
+
+    TemporaryDirectory directory;
+};
+
+// Red if anything but the state decides what is heard: twelve channels spread their gains by chance, a longer early
+// time in between leaves a longer delay line, and the source that is placed last has the early reflections.
+TEST_F(Scenes, TheStateIsAllThatIsHeard) {
+    WriteText(directory / "room", "early_end 110\nnuminternals 12\nair 1\n");
+    const std::vector<std::string> room{"--preset",   directory / "room",
+                                        "--set",      "early_end=50",
+                                        "--source",   "2",
+                                        "170",        "10",
+                                        "3",          "--source",
+                                        "1",          "-45",
+                                        "0",          "2",
+                                        "--speakers", "5",
+                                        "@gain",      "-3.3",
+                                        "@early",     "width",
+                                        "77"};
+    const std::string plain = Render(room);
+    std::vector<std::string> saving{"--save-state", directory / "hall.state"};
+    saving.insert(saving.end(), room.begin(), room.end());
+    EXPECT_TRUE(plain == Render(saving));
+    EXPECT_TRUE(plain == Render({"--state", directory / "hall.state"}));
+    EXPECT_FALSE(plain == Render({"--state", directory / "hall.state", "@gain", "-3.4"}));
+    EXPECT_FALSE(Render({"--speakers", "2"}) == Render({"--speakers", "3"}));
+}
+
+TEST_F(Scenes, StatesOfAnotherShapeAreRefusedWhole) {
+    Render({"--save-state", directory / "six.state"}, {"a.wav"});
+    const std::string good = ReadText(directory / "six.state");
+    const auto line = [&good](std::string const& name) {
+        const auto at = static_cast<long>(good.find(std::string("\n").append(name).append(" ")));
+        const long number = std::count(good.begin(), good.begin() + at, '\n') + 2;
+        return std::string(":").append(std::to_string(number)).append(": ");
+    };
+    const auto complain = [&](std::string const& from, std::string const& to) {
+        std::string text = good;
+        text.replace(text.find(from), from.size(), to);
+        WriteText(directory / "bad.state", text);
+        return Complaint({"--state", directory / "bad.state"}, 1);
+    };
+    const std::string file = directory / "bad.state";
+    EXPECT_NE(Complaint({"--state", directory / "six.state", "--speakers", "5"}, 1)
+                  .find((directory / "six.state") + line("numspeakers") + "numspeakers 6: this rendering has 5"),
+              std::string::npos);
+    EXPECT_NE(complain("\ngain 0.", "\ngain 0. 1.").find(file + line("gain") + "gain: 1 value expected, 2 given"),
+              std::string::npos);
+    EXPECT_NE(complain("\nfh ", "\nfhh ").find(file + line("fh") + "fh is expected, not fhh"), std::string::npos);
+    EXPECT_NE(complain("\ntr0 1.995", "\ntr0 long")
+                  .find(file + line("tr0") + "tr0: a number with a point is expected, not long"),
+              std::string::npos);
+    EXPECT_NE(complain("\ntrm 1.\n", "\n").find(file + ": ends before trm"), std::string::npos);
+    EXPECT_NE(complain("numinternals 8", "numinternals").find(file + ": no state"), std::string::npos);
+    EXPECT_NE(complain("numsources 1", "numsources 2").find("numsources 2: this rendering has 1"), std::string::npos);
+}
+
+// A message acts from the first sample of the vector in which it falls due, and not one vector earlier or later.
+TEST_F(Scenes, MessagesTakeEffectAtTheirVector) {
+    for (auto const& [seconds, vector, firstSilent] :
+         {std::tuple{"0.1", "64", 4800u}, {"0.1012", "64", 4800u}, {"0.1014", "64", 4864u}, {"0.1014", "256", 4864u}}) {
+        WriteText(directory / "mute.scene", std::string("# stop\n") + seconds + " mute 1\n");
+        Render({"--scene", directory / "mute.scene", "--vector", vector}, {"a.wav"});
+        const Sound out = ReadSound(directory / "out.wav");
+        double before = 0.0;
+        for (auto const& channel : out.samples) {
+            for (std::size_t i = firstSilent - 64; i < firstSilent; ++i)
+                before += std::fabs(static_cast<double>(channel[i]));
+            EXPECT_TRUE(std::all_of(channel.begin() + firstSilent, channel.end(),
+                                    [](float x) { return !(std::fabs(x) > 0.0f); }));
+        }
+        EXPECT_GT(before, 0.1) << seconds << " " << vector;
+    }
+}
+
+// One voice walks from the front left to the rear right; lines in any order, and one without a time.
+TEST_F(Scenes, AVoiceMoves) {
+    WriteText(
+        directory / "walk.scene",
+        "0.3 source 1 azim 135  # behind\n0.15 source 1 azim++ 90\nsource 1 ade -45 1 0\nroom -60 0 0 0 177 5657\n");
+    Render({"--scene", directory / "walk.scene", "--speakers", "4"}, {"a.wav"});
+    EXPECT_EQ(Loudest(Energies(0.05, 0.14)), 0);
+    EXPECT_EQ(Loudest(Energies(0.23, 0.29)), 1);
+    EXPECT_EQ(Loudest(Energies(0.38, 0.48)), 2);
+}
+
+TEST_F(Scenes, WrongLinesAreNamedBeforeAnythingIsRendered) {
+    const std::pair<char const*, char const*> cases[] = {
+        {"1.5", "a message is expected behind the time"},
+        {"-1 mute 1", "a time of 0 or more is expected, not -1"},
+        {"3 dance 1", "orvanverb~: doesn't understand \"dance\""},
+        {"900 source 2 az 30", "invalid source index 2"},
+        {"source 1 polar 3", "unknown coordinate type"},
+        {"2 early start", "invalid early parameters : start "},
+        {"2 tr0 long", "tr0: a number is expected, not \"long\""},
+    };
+    for (auto const& [line, complaint] : cases) {
+        WriteText(directory / "bad.scene", std::string("# walk\nsource 1 az 10\n\n") + line + "\n5 mute 0\n");
+        EXPECT_EQ(Complaint({"--scene", directory / "bad.scene"}, 1),
+                  std::string("orvanverb: ") + (directory / "bad.scene") + ":4: " + complaint + "\n");
+    }
+    EXPECT_NE(Complaint({"--scene", directory / "none"}, 1).find(directory / "none"), std::string::npos);
+}
+
+// The same room by attributes, by --set and by messages; -45 degrees is front left by each way.
+TEST_F(Scenes, AttributesArriveWhereverTheyStand) {
+    const std::string set = Render(
+        {"--set", "tr0=0.7", "--set", "gain=-3", "--speakers", "4", "--source", "1", "-45", "0", "1"}, {"a.wav"});
+    EXPECT_EQ(Loudest(Energies(0.05, 0.45)), 0);
+    EXPECT_TRUE(set == Render({"@tr0", "0.7", "@gain", "-3", "@numspeakers", "4", "--source", "1", "-45", "0", "1"},
+                              {"a.wav"}));
+    WriteText(directory / "s", "source 1 ade -45 1 0\n");
+    Render({"--speakers", "4", "--scene", directory / "s"}, {"a.wav"});
+    EXPECT_EQ(Loudest(Energies(0.05, 0.45)), 0);
+    Render({"@sourcespositions", "-0.7071", "0.7071", "0", "--speakers", "4"}, {"a.wav"});
+    EXPECT_EQ(Loudest(Energies(0.05, 0.4)), 0);
+
+    EXPECT_NE(Complaint({"@bogus", "1"}, 2).find("@bogus: orvanverb~ has no such attribute"), std::string::npos);
+    EXPECT_NE(Complaint({"@gain", "loud"}, 2).find("@gain: gain: a number is expected"), std::string::npos);
+    EXPECT_NE(Complaint({"@numsources", "2"}, 2).find("@numsources 2"), std::string::npos);
+    EXPECT_NE(Complaint({"@numspeakers", "4", "--speakers", "5"}, 2).find("@numspeakers 4: --speakers gives 5"),
+              std::string::npos);
+    EXPECT_NE(Complaint({"@numinternals", "many"}, 2).find("@numinternals"), std::string::npos);
+}
+
+}  // namespace
