@@ -10,7 +10,7 @@
 #include "filters/faded_fir_time_domain_filter.h"
 #include "filters/fir_time_domain_filter.h"
 #include "support/allocation_count.h"
-#include "support/noise.h"
+#include "support/signals.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ using orvandsp::Filter;
 
 /// Taps that decay, so that early and late ones can be told apart.
 std::vector<float> MakeTaps(std::size_t count, unsigned int seed) {
-    std::vector<float> taps = MakeNoise(count, seed);
+    std::vector<float> taps = MakeNoise(seed, count);
     for (std::size_t k = 0; k < count; ++k) taps[k] *= 1.0f / static_cast<float>(1 + k % 7);
     return taps;
 }
@@ -63,7 +63,7 @@ void ExpectNear(std::vector<float> const& signal, std::vector<double> const& exp
 
 // Slow twin, in place, for taps shorter than, as long as and longer than a block: parts of every shape.
 TEST(FIRFilter, FastConvolutionIsThePlainSum) {
-    const std::vector<float> noise = MakeNoise(2048, 1);
+    const std::vector<float> noise = MakeNoise(1, 2048);
     for (const std::size_t numTaps : {1u, 2u, 63u, 64u, 65u, 128u, 512u, 700u})
         for (const unsigned int block : {1u, 2u, 16u, 64u, 1024u}) {
             SCOPED_TRACE(testing::Message() << numTaps << " taps, block " << block);
@@ -76,7 +76,7 @@ TEST(FIRFilter, FastConvolutionIsThePlainSum) {
 
 // Red if somebody "repairs" the extra sample, or loses products at the end of the groups of four.
 TEST(FIRFilter, DirectFormIsThePlainSumWithTheFirstTwoTapsTogether) {
-    const std::vector<float> noise = MakeNoise(600, 3);
+    const std::vector<float> noise = MakeNoise(3, 600);
     for (const std::size_t numTaps : {1u, 2u, 3u, 4u, 5u, 6u, 7u, 64u, 511u}) {
         SCOPED_TRACE(testing::Message() << numTaps << " taps");
         std::vector<float> taps = MakeTaps(numTaps, 4);
@@ -114,7 +114,7 @@ TEST(FIRFilter, OddBlocksDrainTheTail) {
 TEST(FIRFilter, NewTapsActOnNewBlocksOnly) {
     const std::vector<float> before = MakeTaps(200, 6);
     std::vector<float> after = MakeTaps(200, 7);
-    const std::vector<float> noise = MakeNoise(1024, 8);
+    const std::vector<float> noise = MakeNoise(8, 1024);
     FIRFilter filter = MakeFastFilter(before, 32);
     std::vector<float> early = noise, late = noise;
     std::fill(early.begin() + 512, early.end(), 0.0f);
@@ -131,7 +131,7 @@ TEST(FIRFilter, NewTapsActOnNewBlocksOnly) {
 }
 
 TEST(FIRFilter, ClearAndAnotherBlockLengthRestartFromSilence) {
-    const std::vector<float> taps = MakeTaps(200, 9), noise = MakeNoise(512, 10);
+    const std::vector<float> taps = MakeTaps(200, 9), noise = MakeNoise(10, 512);
     for (const auto implementation : {Filter::fftconvolution, Filter::timedomain}) {
         FIRFilter filter = MakeFastFilter(taps, 64);
         filter.SetImplementationMethod(implementation);
@@ -164,7 +164,7 @@ TEST(FIRFilter, ClearAndAnotherBlockLengthRestartFromSilence) {
 TEST(FadedFIRFilter, FadesBetweenTwoConvolutions) {
     constexpr std::size_t block = 64, start = 256, fade = 221;  // 5 ms at 44.1 kHz, and one sample
     std::vector<float> before = MakeTaps(150, 11), after = MakeTaps(150, 12);
-    const std::vector<float> noise = MakeNoise(1024, 13);
+    const std::vector<float> noise = MakeNoise(13, 1024);
     for (const auto implementation : {Filter::fftconvolution, Filter::timedomain}) {
         const bool isFast = implementation == Filter::fftconvolution;
         Lume::FadedFIRFilter filter(149);

@@ -14,7 +14,7 @@
 #include "filters/multi_low_pass.h"
 #include "support/allocation_count.h"
 #include "support/frequency_response.h"
-#include "support/noise.h"
+#include "support/signals.h"
 
 namespace {
 
@@ -82,7 +82,7 @@ void ExpectNear(std::vector<float> const& signal, std::vector<double> const& exp
 
 // Independent computation: the expanded polynomials in double. 17 stages take three passes.
 TEST(BiquadCascade, AgreesWithItsExpandedPolynomials) {
-    const std::vector<float> noise = MakeNoise(500, 1);
+    const std::vector<float> noise = MakeNoise(1, 500);
     for (const unsigned int numStages : {0u, 1u, 2u, 6u, 8u, 9u, 17u}) {
         std::vector<float> set = MakeSet(numStages);
         BiquadCascade cascade(numStages);
@@ -124,14 +124,14 @@ TEST(BiquadCascade, InvertedCascadeUndoesTheFilter) {
     BiquadCascade filter(6), undo(6);
     filter.SetCoefficients(set.data());
     undo.SetCoefficients(inverse.data());
-    const std::vector<float> noise = MakeNoise(500, 2);
+    const std::vector<float> noise = MakeNoise(2, 500);
     ExpectNear(Filtered(undo, Filtered(filter, noise)), {noise.begin(), noise.end()}, 1e-4);
     Lume::InvertBiquadsCascades(inverse.data(), static_cast<unsigned int>(inverse.size()));
     EXPECT_EQ(inverse, set);
 }
 
 TEST(IIRFilter, AgreesWithATransposedFormInDouble) {
-    const std::vector<float> noise = MakeNoise(500, 3);
+    const std::vector<float> noise = MakeNoise(3, 500);
     for (const unsigned int numStages : {0u, 1u, 3u}) {
         const Polynomials p = Expand(MakeSet(numStages));
         const unsigned int order = 2 * numStages;

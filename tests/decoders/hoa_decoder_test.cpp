@@ -1,0 +1,345 @@
+#include "decoders/hoa_decoder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <complex>
+#include <numbers>
+#include <random>
+#include <vector>
+
+#include "decoders/ambisonic_shelving.h"
+#include "decoders/hoa2d_decoder.h"
+#include "decoders/hoa3d_decoder.h"
+#include "geometry/speakers.h"
+#include "math/lu.h"
+#include "pan/hoa2d_panning.h"
+#include "pan/hoa3d_panning.h"
+#include "support/frequency_response.h"
+
+namespace {
+
+using Lume::CartesianVector;
+using Lume::HOA2DDecoder;
+using Lume::HOA3DDecoder;
+using Lume::HOADecoder;
+
+constexpr double pi = std::numbers::pi;
+constexpr std::size_t block = 64;
+
+struct Vector {
+    double x = 0.0, y = 0.0, z = 0.0;
+    double Length() const { return std::hypot(x, y, z); }
+};
+
+/// The images of points under the rotations of a solid: cyclic exchanges of the axes with an even number of sign
+/// changes (the tetrahedron's 12), and also the odd ones of both (the octahedron's 24).
+std::vector<CartesianVector> Orbits(std::vector<Vector> const& points, bool octahedral) {
+    std::vector<CartesianVector> result;
+    for (Vector const& point : points) {
+        const std::array<double, 3> p = {point.x, point.y, point.z};
+        for (const auto& order :
+             {std::array{0u, 1u, 2u}, {1u, 2u, 0u}, {2u, 0u, 1u}, {1u, 0u, 2u}, {0u, 2u, 1u}, {2u, 1u, 0u}})
+            for (unsigned int signs = 0; signs < 8; ++signs) {
+                const bool oddSigns = (((signs >> 2) ^ (signs >> 1) ^ signs) & 1u) != 0;
+                const bool oddExchange = order[0] == 1 ? order[1] == 0 : order[0] == 0 ? order[1] == 2 : order[1] == 1;
+                if (oddSigns != oddExchange || (!octahedral && oddExchange)) continue;
+                const auto axis = [&](unsigned int i) {
+                    return static_cast<float>(((signs >> i) & 1u) != 0 ? -p[order[i]] : p[order[i]]);
+                };
+                result.push_back({axis(0), axis(1), axis(2)});
+            }
+    }
+    return result;
+}
+
+/// Regular layouts in space for each order: the octahedron, the icosahedron, and spherical designs of strength 7 (24
+/// points), 9 (48) and 10 (60) as orbits of a few points, found by least squares on the harmonics.
+std::vector<CartesianVector> LayoutInSpace(unsigned int order) {
+    const double golden = std::numbers::phi;
+    switch (order) {
+        case 1:
+            return {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}};
+        case 2: {
+            std::vector<CartesianVector> icosahedron;
+            const float p = static_cast<float>(golden);
+            for (const float a : {-1.0f, 1.0f})
+                for (const float b : {-p, p}) icosahedron.insert(icosahedron.end(), {{0, a, b}, {a, b, 0}, {b, 0, a}});
+            return icosahedron;
+        }
+        case 3:
+            return Orbits({{-0.26663540151670484, -0.42251865376111158, 0.86624681810782045}}, true);
+        case 4:
+            return Orbits({{-0.93336469319930992, 0.061953774231859292, 0.35354218892147204},
+                           {0.63974009861979197, 0.70684169771255034, 0.30184005796576863}},
+                          true);
+        default:
+            return Orbits({{-0.45181910255524516, 0.7833559375218182, 0.42686411621906772},
+                           {0.54595190806125948, -0.36562119002628796, -0.75382866719701713},
+                           {-0.33858435995926023, -0.93321003723952634, 0.12033144886678551},
+                           {0.034089549761255764, -0.70018101936373023, 0.71315106584779275},
+                           {-0.95799793995325844, -0.27623021826179334, -0.077050720725735544}},
+                          false);
+    }
+}
+
+/// The gains that loudspeakers get for a source, measured: encoded, then decoded as a steady signal, or as one that
+/// changes its sign with each sample.
+std::vector<double> SpeakerGains(HOADecoder& decoder, Lume::HOAPanning& encoder, CartesianVector const& source,
+                                 bool alternating) {
+    encoder.SetSourcePosition(0, source, false);
+    std::vector<float> encoding(decoder.GetNumInputs());
+    encoder.GetGains(encoding.data());
+    std::vector<std::vector<float>> in(decoder.GetNumInputs(), std::vector<float>(block));
+    std::vector<std::vector<float>> out(decoder.GetNumOutputs(), std::vector<float>(block));
+    std::vector<float*> ins, outs;
+    for (auto& channel : in) ins.push_back(channel.data());
+    for (auto& channel : out) outs.push_back(channel.data());
+    for (std::size_t n = 0; n < 6000; n += block) {
+        for (std::size_t i = 0; i < in.size(); ++i)
+            for (std::size_t k = 0; k < block; ++k) in[i][k] = alternating && k % 2 != 0 ? -encoding[i] : encoding[i];
+        decoder.Process(outs.data(), ins.data(), block, orvandsp::allActiveInputs);
+    }
+    std::vector<double> gains(out.size());
+    std::transform(out.begin(), out.end(), gains.begin(), [](auto const& channel) { return channel[0]; });
+    return gains;
+}
+
+/// Gerzon's vectors: the velocity vector is weighted by gains, the energy vector by their squares.
+void ExpectVectors(std::vector<double> const& gains, std::vector<CartesianVector> const& speakers,
+                   CartesianVector const& source, double velocityLength, double energyLength) {
+    Vector velocity, energy;
+    double sum = 0.0, power = 0.0;
+    for (std::size_t j = 0; j < gains.size(); ++j) {
+        const double r = static_cast<double>(speakers[j].radius());
+        const auto add = [&](Vector& vector, double weight) {
+            vector.x += weight * static_cast<double>(speakers[j].x) / r;
+            vector.y += weight * static_cast<double>(speakers[j].y) / r;
+            vector.z += weight * static_cast<double>(speakers[j].z) / r;
+        };
+        add(velocity, gains[j]);
+        add(energy, gains[j] * gains[j]);
+        sum += gains[j];
+        power += gains[j] * gains[j];
+    }
+    const double r = static_cast<double>(source.radius());
+    const auto angle = [&](Vector const& v, double sign) {
+        const double dot = v.x * static_cast<double>(source.x) + v.y * static_cast<double>(source.y) +
+                           v.z * static_cast<double>(source.z);
+        return std::acos(std::min(1.0, sign * dot / r / v.Length())) * 180.0 / pi;
+    };
+    EXPECT_NEAR(velocity.Length() / std::abs(sum), velocityLength, 0.01 * velocityLength);
+    EXPECT_NEAR(energy.Length() / power, energyLength, 0.01 * energyLength);
+    EXPECT_LT(angle(velocity, sum < 0.0 ? -1.0 : 1.0), 1.0);
+    EXPECT_LT(angle(energy, 1.0), 1.0);
+}
+
+/// Theoretical lengths of one weighting.
+struct Lengths {
+    double velocity, energy;
+};
+
+/// Each type at 0 Hz and at half the sample rate, against the lengths of the weights that act there.
+void CheckTypes(HOADecoder& decoder, Lume::HOAPanning& encoder, std::vector<CartesianVector> const& speakers,
+                std::vector<CartesianVector> const& sources, Lengths basic, Lengths maxRe, Lengths inPhase) {
+    decoder.Configure(44100.0f, block, true);
+    decoder.SetLoudspeakerPositions(speakers.data());
+    struct Row {
+        char const* type;
+        Lengths low, high;
+    };
+    for (Row const& row : {Row{"basic", basic, basic}, Row{"InIhase", inPhase, inPhase}, Row{"MaxRe", maxRe, maxRe},
+                           Row{"BasicMaxRe", basic, maxRe}, Row{"MaxReInPhase", inPhase, maxRe}}) {
+        decoder.SetDecoderType(row.type);
+        for (CartesianVector const& source : sources)
+            for (const bool alternating : {false, true}) {
+                SCOPED_TRACE(testing::Message() << row.type << (alternating ? ", high" : ", low") << ", source at "
+                                                << source.x << " " << source.y << " " << source.z);
+                Lengths const& lengths = alternating ? row.high : row.low;
+                ExpectVectors(SpeakerGains(decoder, encoder, source, alternating), speakers, source, lengths.velocity,
+                              lengths.energy);
+            }
+    }
+}
+
+std::vector<CartesianVector> RandomDirections(std::size_t count, bool inThePlane) {
+    std::mt19937 random(11);
+    const auto uniform = [&] { return static_cast<double>(random()) / 4294967296.0; };
+    std::vector<CartesianVector> result;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double azimuth = 2.0 * pi * uniform(), z = inThePlane ? 0.0 : 2.0 * uniform() - 1.0;
+        const double c = std::sqrt(1.0 - z * z);
+        result.push_back({static_cast<float>(2.0 * c * std::cos(azimuth)),
+                          static_cast<float>(2.0 * c * std::sin(azimuth)), static_cast<float>(2.0 * z)});
+    }
+    return result;
+}
+
+// Orders 1 to 5 on regular rings, in both conventions, sortings and (where the scaling of the channels suits it)
+// methods: encoded by the panner, decoded here, measured at the loudspeakers.
+TEST(HOADecoder, GerzonVectorsOnRings) {
+    for (unsigned int order = 1; order <= 5; ++order)
+        for (const unsigned int numSpeakers : {2 * order + 2, 2 * order + 5})
+            for (const bool semiNormalized : {false, true}) {
+                SCOPED_TRACE(testing::Message() << "order " << order << ", " << numSpeakers << " loudspeakers");
+                Lume::HOA2DPanning encoder(1, 2 * order + 1);
+                HOA2DDecoder decoder(2 * order + 1, numSpeakers);
+                encoder.SetEncodingConvention(semiNormalized ? "SN2D" : "N2D");
+                decoder.SetDecodingConvention(semiNormalized ? "SN2D" : "N2D");
+                decoder.SetDecoderMethod(semiNormalized ? "projection" : "pseudoinverse");
+                encoder.SetSphericalHarmonicsSorting(semiNormalized ? "alternatedegrees" : "increasingdegrees");
+                decoder.SetSphericalHarmonicsSorting(semiNormalized ? "alternatedegrees" : "increasingdegrees");
+                std::vector<CartesianVector> speakers;
+                Lume::Speakers::GetRegularlySpaced(speakers, numSpeakers);
+                const double n = order, maxRe = std::cos(pi / (2.0 * n + 2.0));
+                CheckTypes(decoder, encoder, speakers, RandomDirections(5, true), {1.0, 2.0 * n / (2.0 * n + 1.0)},
+                           {maxRe, maxRe}, {n / (n + 1.0), 2.0 * n / (2.0 * n + 1.0)});
+            }
+}
+
+TEST(HOADecoder, GerzonVectorsInSpace) {
+    const double maxReOf[] = {0.0, 0.577350, 0.774597, 0.861136, 0.906180, 0.932470};
+    for (unsigned int order = 1; order <= 5; ++order)
+        for (const bool fullyNormalized : {false, true}) {
+            SCOPED_TRACE(testing::Message() << "order " << order);
+            const std::vector<CartesianVector> speakers = LayoutInSpace(order);
+            const auto numSpeakers = static_cast<unsigned int>(speakers.size());
+            const unsigned int numChannels = (order + 1) * (order + 1);
+            Lume::HOA3DPanning encoder(1, numChannels);
+            HOA3DDecoder decoder(numChannels, numSpeakers);
+            encoder.SetEncodingConvention(fullyNormalized ? "N3D" : "SN3D");
+            decoder.SetDecodingConvention(fullyNormalized ? "n3D" : "sn3D");
+            decoder.SetDecoderMethod(fullyNormalized ? HOADecoder::projection : HOADecoder::pseudoinverse);
+            const double n = order, maxRe = maxReOf[order];
+            CheckTypes(decoder, encoder, speakers, RandomDirections(5, false), {1.0, n / (n + 1.0)}, {maxRe, maxRe},
+                       {n / (n + 2.0), n / (n + 1.0)});
+        }
+}
+
+// Re-encoding the feeds gives the channels back, also on an irregular layout; the condition tells how hard that is.
+TEST(HOADecoder, PseudoinverseUndoesTheEncodingOfItsLoudspeakers) {
+    HOA2DDecoder decoder(5, 7);
+    std::vector<CartesianVector> speakers;
+    for (const double azimuth : {10.0, 50.0, 95.0, 160.0, 200.0, 260.0, 330.0})
+        speakers.push_back({static_cast<float>(std::cos(azimuth * pi / 180.0)),
+                            static_cast<float>(std::sin(azimuth * pi / 180.0)), 0.0f});
+    decoder.SetLoudspeakerPositions(speakers.data());
+    orvandsp::MatrixDouble inverse, encoding;
+    decoder.GetDecoderMatrix(inverse);
+    decoder.SetDecoderMethod("projection");
+    decoder.GetDecoderMatrix(encoding);
+    const orvandsp::MatrixDouble product = encoding * Transpose(inverse);
+    for (unsigned int i = 0; i < 5; ++i)
+        for (unsigned int j = 0; j < 5; ++j) EXPECT_NEAR(7.0 * product[i][j], i == j ? 1.0 : 0.0, 1e-6);
+
+    HOADecoder::HOADecoderInfos irregular, regular;
+    decoder.GetDecoderInfos(irregular);
+    EXPECT_EQ(irregular.order, 2u);
+    EXPECT_EQ(irregular.dimensionFlag, 0u);
+    EXPECT_EQ(irregular.decoderMethod, HOADecoder::projection);
+    // With E the projection matrix of a regular ring, E transpose(E) is diag(0.5, 1, 1, 1, 1) / 7.
+    Lume::Speakers::GetRegularlySpaced(speakers, 7);
+    decoder.SetLoudspeakerPositions(speakers.data());
+    decoder.GetDecoderInfos(regular);
+    EXPECT_NEAR(regular.semiRegularity, 0.5 * std::pow(7.0, -5.0), 1e-10);
+    EXPECT_NEAR(regular.regularity, 0.5 * std::pow(49.0, -5.0), 1e-14);
+    EXPECT_NEAR(regular.conditionNumber, 10.0 * std::log10(std::sqrt(2.0)), 1e-4);
+    EXPECT_GT(irregular.conditionNumber, regular.conditionNumber);
+}
+
+TEST(HOADecoder, ValuesThatAreNoneChangeNothing) {
+    HOA3DDecoder decoder(9, 12);
+    HOADecoder::HOADecoderInfos infos;
+    decoder.SetDecoderType(static_cast<HOADecoder::HOADecoderType>(4));
+    decoder.SetDecoderType(static_cast<HOADecoder::HOADecoderType>(7));
+    decoder.SetDecodingConvention(HOADecoder::SN2D);
+    decoder.SetDecoderMethod(static_cast<HOADecoder::HOADecoderMethod>(2));
+    decoder.GetDecoderInfos(infos);
+    EXPECT_EQ(infos.decoderType, HOADecoder::maxreinphase);
+    EXPECT_EQ(infos.decodingConvention, HOADecoder::N3D);
+    EXPECT_EQ(infos.decoderMethod, HOADecoder::pseudoinverse);
+    EXPECT_EQ(HOADecoder::GetHOADecoderType("InIhase"), HOADecoder::inphase);
+    EXPECT_EQ(HOADecoder::GetHOADecoderType("InPhase"), HOADecoder::basic);
+    EXPECT_EQ(HOADecoder::GetHOADecodingConvention("sn3D"), HOADecoder::SN3D);
+    EXPECT_EQ(HOADecoder::GetHOADecodingConvention("N2d"), HOADecoder::SN3D);
+    EXPECT_STREQ(HOADecoder::GetHOADecoderTypeName(HOADecoder::basicmaxre), "basicmaxre");
+
+    // Coincident loudspeakers, all of them: finite gains.
+    const std::vector<CartesianVector> heap(12, {0.0f, 1.0f, 0.0f});
+    decoder.SetLoudspeakerPositions(heap.data());
+    orvandsp::MatrixDouble matrix;
+    decoder.GetDecoderMatrix(matrix);
+    for (unsigned int i = 0; i < 9; ++i)
+        for (const double gain : matrix[i]) EXPECT_TRUE(std::isfinite(gain));
+}
+
+// The types inphase and maxre weight the caller's own arrays, over the samples of the call and no more.
+TEST(HOADecoder, WeightsTheInputArraysOverTheSamplesOfTheCall) {
+    HOA2DDecoder decoder(3, 4);
+    decoder.Configure(44100.0f, 64, true);
+    decoder.SetDecoderType(HOADecoder::inphase);
+    std::vector<std::vector<float>> in(3, std::vector<float>(64, 1.0f)), out(4, std::vector<float>(64, 0.0f));
+    float* ins[] = {in[0].data(), in[1].data(), in[2].data()};
+    float* outs[] = {out[0].data(), out[1].data(), out[2].data(), out[3].data()};
+    decoder.Process(outs, ins, 10, orvandsp::allActiveInputs);
+    EXPECT_EQ(in[0][9], 1.0f);
+    EXPECT_EQ(in[2][9], 0.5f);
+    EXPECT_EQ(in[2][10], 1.0f);
+}
+
+// Red if the band splitters don't hear of the sample rate or of Clear.
+TEST(HOADecoder, RateAndClearReachTheBandSplitters) {
+    HOA2DDecoder slow(3, 4), fast(3, 4);
+    slow.Configure(48000.0f, 64, true);
+    fast.Configure(96000.0f, 64, true);
+    slow.SetCrossover(500.0f);
+    fast.SetCrossover(1000.0f);
+    const auto run = [](HOADecoder& decoder, float value) {
+        decoder.SetDecoderType("maxreinphase");
+        std::vector<std::vector<float>> in(3, std::vector<float>(8192, 0.0f)), out(4, std::vector<float>(8192, 0.0f));
+        for (auto& channel : in) channel[8000] = value;
+        float* ins[] = {in[0].data(), in[1].data(), in[2].data()};
+        float* outs[] = {out[0].data(), out[1].data(), out[2].data(), out[3].data()};
+        decoder.Process(outs, ins, 8192, orvandsp::allActiveInputs);
+        return out[1];
+    };
+    const std::vector<float> a = run(slow, 1.0f), b = run(fast, 1.0f);
+    for (std::size_t n = 0; n < a.size(); ++n) EXPECT_NEAR(a[n], b[n], 1e-6f) << n;
+    EXPECT_NE(a.back(), 0.0f);
+    slow.Clear();
+    EXPECT_EQ(run(slow, 0.0f), std::vector<float>(8192, 0.0f));
+}
+
+// The bands add up to an allpass at every rate and crossover; the low one has all at 0 Hz, the high one at the top.
+TEST(AmbisonicShelving, BandsAddUpToAnAllpass) {
+    for (const double rate : {44100.0, 96000.0})
+        for (const double crossover : {200.0, 700.0, 3000.0}) {
+            SCOPED_TRACE(testing::Message() << crossover << " at " << rate);
+            Lume::AmbisonicShelving shelving;
+            shelving.SetSamplerate(static_cast<float>(rate));
+            shelving.SetCrossover(static_cast<float>(crossover));
+            std::vector<float> low(16384, 0.0f), high(16384);
+            low[0] = 1.0f;
+            shelving.Process(low.data(), low.data(), high.data(), low.size());
+            std::vector<float> both(low.size());
+            std::transform(low.begin(), low.end(), high.begin(), both.begin(), [](float a, float b) { return a + b; });
+            for (const double f : {0.0, 100.0, 700.0, 2000.0, 10000.0})
+                EXPECT_NEAR(std::abs(ResponseAt(both, f / rate)), 1.0, 1e-4) << f;
+            EXPECT_NEAR(GainDbAt(low, 0.0), 0.0, 1e-3);
+            EXPECT_LT(std::abs(ResponseAt(high, 0.0)), 1e-4);
+            EXPECT_LT(std::abs(ResponseAt(low, 0.5)), 1e-4);
+        }
+    // Beyond a quarter of the rate another formula holds; the first sample of the low band shows its coefficient.
+    Lume::AmbisonicShelving shelving;
+    shelving.SetCrossover(0.4f * 44100.0f);
+    float low = 0.0f, high = 0.0f;
+    const float one = 1.0f;
+    shelving.Process(&one, &low, &high, 1);
+    const double a = -0.5 * std::cos(0.8 * pi);
+    EXPECT_NEAR(static_cast<double>(low), 0.25 * (1.0 - a) * (1.0 - a), 1e-6);
+    EXPECT_NEAR(static_cast<double>(high + low), a, 1e-6);
+}
+
+}  // namespace
