@@ -39,12 +39,12 @@ public:
     /// The implementation of that name; timedomain for an unknown name.
     static FIRImplementation GetFIRImplementation(char const* name);
 
-protected:
     /// Whether the zeros of the polynomial c[0] + c[1] z^-1 + ... lie inside the unit circle, by the step-down
     /// recursion (Durbin, "The fitting of time-series models", Rev. Int. Stat. Inst. 28, 1960). c[0] is taken to be 1
     /// and not read as a divisor.
     bool DurbinStepDownRecursion(std::vector<float> const& polynomial) const;
 
+protected:
     unsigned int order = 0;
     std::vector<float> coefficients;
     std::vector<float> state;

@@ -18,16 +18,19 @@ namespace orvandsp {
 /// SetCoefficients only copies and sets flags; the filters are touched on the audio thread alone, at a block's start.
 ///
 /// @tparam T  a filter with SetCoefficients(float*), SetState(T const&), which makes its audio memory ready for a fade
-///            that starts from the other's, Process(float*, float*, unsigned long), Clear(), SetSamplerate(float) and
-///            SetMaxBlockSize(unsigned int). It may have `bool NeedsWholeBlocks() const`: true says that it cannot be
-///            run on a part of a block.
+///            that starts from the other's, Process(float*, float*, unsigned long), Clear() and SetSamplerate(float).
+///            It may have SetMaxBlockSize(unsigned int); GetNumCoefficients() const, without which a derived class must
+///            size newCoefficients; and `bool NeedsWholeBlocks() const`: true says that it cannot be run on a part of a
+///            block.
 template <typename T>
 class FadedFilters : public SignalProcessing {
 public:
     /// Crossfade time of a new object [ms].
     static constexpr float DefaultCrossFadeTime = 5.0f;
 
-    FadedFilters() : bufferA(buffersize), bufferB(buffersize) {}
+    FadedFilters() : bufferA(buffersize), bufferB(buffersize) {
+        if constexpr (requires { filterA.GetNumCoefficients(); }) newCoefficients.resize(filterA.GetNumCoefficients());
+    }
 
     /// Hands in the next set of coefficients; it replaces one that still waits.
     /// @param set       as many as one set of T has
@@ -91,8 +94,10 @@ public:
         buffersize = blockSize;
         bufferA.resize(blockSize);
         bufferB.resize(blockSize);
-        filterA.SetMaxBlockSize(blockSize);
-        filterB.SetMaxBlockSize(blockSize);
+        if constexpr (requires { filterA.SetMaxBlockSize(blockSize); }) {
+            filterA.SetMaxBlockSize(blockSize);
+            filterB.SetMaxBlockSize(blockSize);
+        }
     }
 
     /// Clears both filters. A fade goes on.
@@ -110,7 +115,7 @@ protected:
 
     T filterA;
     T filterB;
-    std::vector<float> newCoefficients;  // sized by the derived class, as long as one set of T
+    std::vector<float> newCoefficients;  // as long as one set of T; a class that changes its order sizes it anew
 
 private:
     void StartFade(T& idle, T& running) {

@@ -2,10 +2,6 @@
 
 namespace Lume {
 
-FadedHLShelf::FadedHLShelf() {
-    newCoefficients.resize(filterA.GetNumCoefficients());
-}
-
 void FadedHLShelf::SetParameters(HLShelfParameters const& parameters) {
     const float set[] = {parameters.gain,     parameters.gainLow, parameters.gainMed,
                          parameters.gainHigh, parameters.freqLow, parameters.freqHigh};

@@ -11,8 +11,6 @@ public:
     /// Crossfade time of the channels of MultiFadedHLShelf [ms].
     static constexpr float DefaultHLShelfCrossFadeTime = 30.0f;
 
-    FadedHLShelf();
-
     /// Fades to the parameters from the next block on.
     void SetParameters(HLShelfParameters const& parameters);
 };

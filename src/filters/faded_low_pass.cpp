@@ -3,7 +3,6 @@
 namespace Lume {
 
 FadedLowPass::FadedLowPass() {
-    newCoefficients.resize(filterA.GetNumCoefficients());
     SetCrossFadeTime(DefaultLowPassCrossFadeTime);
 }
 

@@ -61,6 +61,7 @@ void ReverbPanning::Clear() {
 }
 
 void ReverbPanning::update() {
+    sourcePositions.resize(numInputs);  // what forceUpdate hands out, though nothing here depends on it
     mixer = std::make_unique<SignalMatrix>(numInputs, numOutputs);
     mixer->SetSamplerate(samplerate);
     mixer->SetMaxBlockSize(buffersize);

@@ -74,10 +74,9 @@ TEST(SignalProcessing, BypassCopiesWhatBothSidesHave) {
     EXPECT_EQ(out[2][0], 9.0f);
 }
 
-/// Opens the stability test, and doubles its input.
+/// Doubles its input.
 class TestFilter : public orvandsp::Filter {
 public:
-    using Filter::DurbinStepDownRecursion;
     using Filter::Process;
     void Process(float* output, float* input, unsigned long numSamples) override {
         for (unsigned long i = 0; i < numSamples; ++i) output[i] = 2.0f * input[i];

@@ -23,7 +23,6 @@ struct Gain {
     }
     void Clear() {}
     void SetSamplerate(float) {}
-    void SetMaxBlockSize(unsigned int) {}
 
     float gain = 1.0f;
     std::vector<unsigned long> lengths;
@@ -112,6 +111,19 @@ TEST(FadedFilters, FiltersThatNeedWholeBlocksGetThem) {
         EXPECT_EQ(std::ranges::count(whole.Lengths(), 64ul), 8);
         EXPECT_EQ(std::ranges::count(parts.Lengths(), 64ul), 7);
     }
+}
+
+// Red if the template reads more of a set than it has kept: a filter that knows the length of its sets needs no class
+// derived from the template.
+TEST(FadedFilters, KnowTheLengthOfASetByTheFilter) {
+    orvandsp::FadedFilters<Lume::HLShelf> filter;
+    const float set[] = {0.0f, 6.0205999f, 6.0205999f, 6.0205999f, 250.0f, 4000.0f};
+    filter.SetCoefficients(set, false);
+    std::vector<float> signal(64, 1.0f);
+    filter.SetCrossFadeTime(0.0f);
+    filter.SetMaxBlockSize(64);
+    filter.ProcessBlock(signal.data(), signal.data(), signal.size(), false);
+    EXPECT_NEAR(signal.back(), 2.0f, 1e-5f);
 }
 
 // Red if the new shelf starts from silence or from stale memory: here it differs from the old one by its overall gain
