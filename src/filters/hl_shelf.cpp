@@ -13,9 +13,16 @@ constexpr float pi = 3.1415927f;
 /// The largest float below pi / 2. The next one lies above it, where the tangent is negative and the pole would leave
 /// the unit circle.
 constexpr float maxTanArgument = 1.5707962513f;
+/// Its tangent, written down: compilers that know the argument compute another last digit than the C library does, and
+/// then builds would differ by their optimisation level.
+constexpr float maxTangent = 13245402.0f;
 
 constexpr unsigned int numParameters = 6;
 enum StateIndex : unsigned int { x1, x2, y1, y2, numStates };
+
+float Tangent(float argument) {
+    return argument >= maxTanArgument ? maxTangent : std::tan(argument);
+}
 
 float LinearFromDb(float dB) {
     return std::pow(10.0f, dB * 0.05f);
@@ -32,7 +39,7 @@ constexpr float maxFactor = 1e18f;
 struct Section {
     Section(float wantedRatio, float freq, float samplerate) {
         const float ratio = std::min(std::max(wantedRatio, minRatio), maxRatio);
-        const float t = std::tan(std::min((pi / samplerate) * freq, maxTanArgument)) / std::sqrt(ratio);
+        const float t = Tangent((pi / samplerate) * freq) / std::sqrt(ratio);
         pole = (t - 1.0f) / (1.0f + t);
         zero = (ratio * t - 1.0f) / (1.0f + ratio * t);
         k = std::min((1.0f + ratio * t) / (1.0f + t), maxFactor);
