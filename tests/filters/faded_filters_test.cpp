@@ -52,7 +52,7 @@ public:
 // sample, or if adding replaces: whatever the blocks, and forth as well as back.
 TEST(FadedFilters, FadeIsAStraightLineOfTheStatedLength) {
     constexpr std::size_t length = 1324;  // 30 ms at 44.1 kHz, and one sample
-    for (const std::size_t block : {64, 331, 1324, 2000, 4000})
+    for (const std::size_t block : {64u, 331u, 1324u, 2000u, 4000u})
         for (const float before : {0.0f, 10.0f}) {
             Faded<Gain> filter;
             filter.SetCrossFadeTime(30.0f);

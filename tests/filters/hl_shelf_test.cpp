@@ -47,10 +47,10 @@ TEST(HLShelf, FollowsTheAnalogShelvesAtEveryFrequency) {
             EXPECT_NEAR(GainDbAt(response, 0.0), -4.0 + low, 0.01);
             EXPECT_NEAR(GainDbAt(response, 0.5), -4.0 + high, 0.01);
             for (const double frequency : {30.0, 300.0, 1200.0, 5000.0, 9000.0}) {
-                const double expected = -4.0 + high + LowShelfDb(low - med, 300.0, frequency, rate) +
-                                        LowShelfDb(med - high, 5000.0, frequency, rate);
-                EXPECT_NEAR(GainDbAt(response, frequency / static_cast<double>(rate)), expected, 0.01)
-                    << frequency << " Hz, rate " << rate;
+                const auto fs = static_cast<double>(rate);
+                const double expected = -4.0 + high + LowShelfDb(low - med, 300.0, frequency, fs) +
+                                        LowShelfDb(med - high, 5000.0, frequency, fs);
+                EXPECT_NEAR(GainDbAt(response, frequency / fs), expected, 0.01) << frequency << " Hz, rate " << rate;
             }
         }
     }

@@ -23,6 +23,16 @@ TEST(HrtfInfos, EachMemberHasItsLine) {
               "post: set : original measurement set : unknown |post: set : interpolation set : none |"
               "post: set : coefficients : 25|post: set : channels : 2|post: set : sampling rate : 44100|"
               "post: set : points : 710|");
+
+    post_sh_xml_infos(probe.Object(), nullptr, "sh");
+    EXPECT_EQ(probe.Lines(), "");
+    const Lume::SphericalHarmonicBasisXmlInfo harmonics;
+    post_sh_xml_infos(probe.Object(), &harmonics, "sh");
+    EXPECT_EQ(probe.Lines(),
+              "post: sh : owner :  |post: sh : subject : |post: sh : copyright : |post: sh : hrtf type : Binaural|"
+              "post: sh : filter type : SH_COEFF|post: sh : normalization : SchmidtSeminormalized3D|"
+              "post: sh : maxOrder : 0|post: sh : numFrequencyBins : 0|post: sh : channels : 0|"
+              "post: sh : sampling rate : 0|post: sh : points : 0|");
 }
 
 }  // namespace
