@@ -17,8 +17,6 @@ public:
     using HOADecoder::SetDecodingConvention;
     /// SN2D and N2D are stored, others aren't; the matrix is computed anew in any case.
     void SetDecodingConvention(HOADecodingConvention convention) override;
-
-protected:
     void computeReencodingMatrix() override;
 };
 

@@ -17,8 +17,6 @@ public:
     using HOADecoder::SetDecodingConvention;
     /// SN3D and N3D are stored, others aren't; the matrix is computed anew in any case.
     void SetDecodingConvention(HOADecodingConvention convention) override;
-
-protected:
     void computeReencodingMatrix() override;
 };
 

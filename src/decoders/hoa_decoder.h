@@ -57,6 +57,14 @@ public:
     /// Stores the convention as far as the decoder's dimension has it, and computes the matrix anew.
     virtual void SetDecodingConvention(HOADecodingConvention convention) = 0;
 
+    /// Computes both matrices, the condition number and the weights from the positions.
+    virtual void computeReencodingMatrix() = 0;
+    /// The gains of one loudspeaker in the matrix in use. @param gains  one per input
+    virtual void getSpeakerGains(unsigned int speaker, double* gains) const;
+
+    /// Computes the matrix anew, for the present positions.
+    void forceUpdate();
+
     /// Each computes the matrix anew; a value that is none changes nothing. New gains slide, weights jump.
     void SetDecoderMethod(HOADecoderMethod method);
     void SetDecoderType(HOADecoderType type);
@@ -80,7 +88,7 @@ public:
     double CheckLoudspeakersSetupSemiRegularity() const;
 
     /// Decodes. The types inphase and maxre weight the input arrays themselves, which hold the weighted signals
-    /// afterwards: a required economy. Real-time safe while the block length is steady.
+    /// afterwards. That is meant, and saves a copy. Real-time safe while the block length is steady.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
@@ -99,15 +107,8 @@ protected:
     HOADecoder(unsigned int numInputs, unsigned int numOutputs, HOADecoderMethod method, HOADecoderType type,
                HOADecodingConvention convention);
 
-    /// Computes both matrices, the condition number and the weights from the positions.
-    virtual void computeReencodingMatrix() = 0;
-    /// @param gains  one per input
-    virtual void getSpeakerGains(unsigned int speaker, double* gains) const;
-
     /// What the dimensions share of computeReencodingMatrix: from the encoding vector of each loudspeaker.
     void ComputeMatrices(std::vector<std::vector<double>> const& encodings);
-    /// Computes the matrix anew, for the present positions.
-    void forceUpdate();
 
     unsigned int order = 0;
     HOADecoderMethod decoderMethod;

@@ -17,6 +17,10 @@ void FadedFIRFilter::SetImplementationMethod(orvandsp::Filter::FIRImplementation
     filterB.SetImplementationMethod(implementation);
 }
 
+void FadedFIRFilter::SetImplementationMethod(char const* name) {
+    SetImplementationMethod(orvandsp::Filter::GetFIRImplementation(name));
+}
+
 void FadedFIRFilter::GetCoefficients(std::vector<float>& result) const {
     Incoming().GetCoefficients(result);
 }

@@ -13,6 +13,7 @@ public:
 
     void SetOrder(unsigned int order);
     void SetImplementationMethod(orvandsp::Filter::FIRImplementation implementation);
+    void SetImplementationMethod(char const* name);
 
     /// The taps that are heard, or faded in.
     /// @param result  at least GetNumCoefficients() long

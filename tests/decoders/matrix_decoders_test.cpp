@@ -118,7 +118,7 @@ TEST(LtRt, SurroundStandsNinetyDegreesOffTheFront) {
 
 // Independent computation in the frequency domain, from the responses of one Hilbert pair. Red if somebody removes the
 // gains that act twice, gives W its sum back, or passes Y through a phase splitter.
-TEST(Uhj, TransferFunctionsAreTheStatedOnes) {
+TEST(Uhj, TransferFunctionsHoldTheirOddities) {
     orvandsp::HilbertTransform hilbert;
     const auto pair = Responses(hilbert, 0);
     const auto encoder = Make(4, 4, Lume::Decoder::bformat2uhj);
