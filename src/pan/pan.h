@@ -77,7 +77,8 @@ public:
 
     /// Stores the position of a source and computes what the panner needs for it.
     /// @param index  below GetNumInputs(); not checked
-    /// @param flag   for the binaural panners: recompute also what hasn't changed
+    /// @param flag   for the binaural panners: delays and gains jump instead of gliding, and new filters wait for a
+    /// call without it
     virtual void SetSourcePosition(unsigned int index, CartesianVector const& position, bool flag) = 0;
 
     /// Sets the positions of all sources. @param positions  one per input
