@@ -16,9 +16,9 @@ namespace Lume {
 /// transform techniques", AES 85th Convention, 1988). For 512 taps and blocks of 64 this is several times faster than
 /// one transform over everything.
 ///
-/// Real signals pay half: a linear convolution that fits in N places is one of complex sequences of length N / 2,
-/// x[n] + j x[n + N / 2] times exp(j pi n / N) (the right-angle convolution of Nussbaumer, "Fast Fourier Transform and
-/// Convolution Algorithms", 1982).
+/// Real signals pay half: a linear convolution that fits in N places is a product of polynomials modulo z^N + 1, of
+/// which real ones need the half modulo z^(N / 2) - j alone. That is a cyclic convolution of complex sequences of
+/// length N / 2, x[n] + j x[n + N / 2] times exp(j pi n / N), and the spectra are multiplied without any unpacking.
 class PartitionedConvolution {
 public:
     PartitionedConvolution() { SetSize(1, 1); }
