@@ -46,7 +46,7 @@ bool get_source_coordinates_from_atoms(t_object* x, unsigned int numSources, lon
         list.Drop(1);
     }
     if (number < 1 || number > static_cast<long>(numSources)) {
-        object_error(x, "invalid source index %d", static_cast<int>(number));
+        object_error(x, "invalid source index %ld", number);
         return false;
     }
     index = static_cast<unsigned int>(number - 1);
@@ -73,7 +73,7 @@ bool get_speaker_coordinates_from_atoms(t_object* x, unsigned int numSpeakers, l
     if (list.StartsWith(A_LONG)) {
         const long number = atom_getlong(list.atoms);
         if (number < 1 || number > static_cast<long>(numSpeakers)) {
-            object_error(x, "invalid speaker index %d", static_cast<int>(number));
+            object_error(x, "invalid speaker index %ld", number);
             return false;
         }
         index = static_cast<unsigned int>(number - 1);

@@ -29,7 +29,7 @@ void Store(float* positions, unsigned int index, CartesianVector const& position
 void orvanverb_source(orvanverb_t* x, t_symbol*, long count, t_atom* atoms) {
     const long number = count > 0 ? atom_getlong(atoms) : 0;
     if (number < 1 || number > static_cast<long>(x->numsources)) {
-        object_error(orvanverb_object(x), "invalid source index %d", static_cast<int>(number));
+        object_error(orvanverb_object(x), "invalid source index %ld", number);
         return;
     }
     const auto index = static_cast<unsigned int>(number - 1);
