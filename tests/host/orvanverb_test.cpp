@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -247,6 +249,72 @@ TEST(OrvanverbAudio, MinusFortyFiveIsFrontLeft) {
         const std::vector<float> peaks = box.Run(10);
         EXPECT_GT(peaks[0], 0.2f);
         for (std::size_t c = 1; c < 4; ++c) EXPECT_LT(peaks[c], 0.2f * peaks[0]) << c;
+    }
+}
+
+/// What an object plays for an impulse at each source, all outputs one after the other.
+std::vector<float> Response(OrvanBox& box) {
+    box.Start(48000.0f, 64);
+    for (auto& channel : box.in) std::fill(channel.begin(), channel.end(), 0.0f);
+    box.Run(200);  // until every gain has risen
+    std::vector<float> response;
+    for (int i = 0; i < 300; ++i) {
+        for (auto& channel : box.in) channel[0] = i == 0 ? 1.0f : 0.0f;
+        box.Run(1);
+        for (auto const& channel : box.out) response.insert(response.end(), channel.begin(), channel.end());
+    }
+    return response;
+}
+
+// Each control against the engine's own setter: red if one goes to another's place, or nowhere.
+TEST(OrvanverbAudio, ControlsReachTheirPlaceInTheEngine) {
+    using Engine = Lume::OrvanVerb;
+    const Lume::HLShelfParameters shelf{-3.0f, -6.0f, 2.0f, -9.0f, 300.0f, 3000.0f};
+    const struct {
+        char const* message;
+        std::function<void(Engine&)> set;
+    } cases[] = {
+        {"gain -7", [](Engine& e) { e.SetReverbGain(-7.0f); }},
+        {"tr0 0.7", [](Engine& e) { e.SetDecayTime(0.7f); }},
+        {"trl 0.6", [](Engine& e) { e.SetRelativeDecayLow(0.6f); }},
+        {"trm 0.6", [](Engine& e) { e.SetRelativeDecayMedium(0.6f); }},
+        {"trh 0.9", [](Engine& e) { e.SetRelativeDecayHigh(0.9f); }},
+        {"fl 700", [](Engine& e) { e.SetReverbCrossoverFrequencyLow(700.0f); }},
+        {"fh 4000", [](Engine& e) { e.SetReverbCrossoverFrequencyHigh(4000.0f); }},
+        {"modaldensity 1.4", [](Engine& e) { e.SetReverbModalDensity(1.4f); }},
+        {"air 1", [](Engine& e) { e.UseAirAbsorption(true); }},
+        {"infinite 1", [](Engine& e) { e.SetInfinite(true); }},
+        {"direct -3 -6 2 -9 300 3000", [&](Engine& e) { e.SetDirectParameters(shelf); }},
+        {"room -3 -6 2 -9 300 3000", [&](Engine& e) { e.SetRoomParameters(shelf); }},
+        {"early -3 -6 2 -9 300 3000", [&](Engine& e) { e.SetEarlyParameters(shelf); }},
+        {"cluster -3 -6 2 -9 300 3000", [&](Engine& e) { e.SetClusterParameters(shelf); }},
+        {"early_start 30", [](Engine& e) { e.SetEarlyStart(30.0f); }},
+        {"early_end 60", [](Engine& e) { e.SetEarlyEnd(60.0f); }},
+        {"early_distr 0.3", [](Engine& e) { e.SetEarlyDistribution(0.3f); }},
+        {"early_width 120", [](Engine& e) { e.SetEarlyWidth(120.0f); }},
+        {"early_shape 0.9", [](Engine& e) { e.SetEarlyShape(0.9f); }},
+        {"cluster_start 60", [](Engine& e) { e.SetClusterStart(60.0f); }},
+        {"cluster_end 90", [](Engine& e) { e.SetClusterEnd(90.0f); }},
+        {"cluster_distr 0.7", [](Engine& e) { e.SetClusterDistribution(0.7f); }},
+        {"reverb_start 130", [](Engine& e) { e.SetReverbStart(130.0f); }},
+        {"source 2 xyz 1 0.5 0",
+         [](Engine& e) {
+             e.SetSourcePosition(1, {1.0f, 0.5f, 0.0f});
+         }},
+    };
+    const auto make = [] {
+        auto box = std::make_unique<OrvanBox>("@numsources 2 @numspeakers 4");
+        orvanverb_place_defaults(box->Record(), true, true);
+        return box;
+    };
+    const std::vector<float> plain = Response(*make());
+    for (auto const& [message, set] : cases) {
+        const auto told = make(), turned = make();
+        told->Send(message);
+        set(*turned->Record()->engine);
+        const std::vector<float> response = Response(*told);
+        EXPECT_TRUE(response == Response(*turned)) << message;
+        EXPECT_FALSE(response == plain) << message;
     }
 }
 
