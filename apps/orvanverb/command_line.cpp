@@ -4,10 +4,11 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <algorithm>
-#include <bit>
 #include <cstdio>
 #include <stdexcept>
 
+#include "orvanverb/hrtf/hrtf_command_line.h"
+#include "orvanverb/option_values.h"
 #include "orvanverb/program_error.h"
 #include "orvanverb/text.h"
 
@@ -108,22 +109,6 @@ std::vector<Options::Setting> ParseSettings(std::vector<std::string> const& word
     return settings;
 }
 
-unsigned int ParseVectorSize(std::string const& word) {
-    const std::optional<unsigned int> size = ParseCount(word);
-    if (!size || *size < minVectorSize || *size > maxVectorSize || !std::has_single_bit(*size))
-        throw UsageError("--vector: '" + word + "' is no power of two from " + std::to_string(minVectorSize) + " to " +
-                         std::to_string(maxVectorSize));
-    return *size;
-}
-
-int ParseRate(std::string const& word) {
-    const std::optional<unsigned int> rate = ParseCount(word);
-    if (!rate || *rate < minRate || *rate > maxRate)
-        throw UsageError("--rate: '" + word + "' is no sample rate from " + std::to_string(minRate) + " to " +
-                         std::to_string(maxRate) + " Hz");
-    return static_cast<int>(*rate);
-}
-
 double ParseGap(std::string const& word) {
     constexpr float longest = 3600.0f;
     const std::optional<float> seconds = ParseNumber(word);
@@ -141,11 +126,7 @@ void TakeMeaning(Words const& words, Options& options) {
     if (!words.tail.empty()) options.tail = Tail::Parse(words.tail);
     if (!words.vector.empty()) options.vectorSize = ParseVectorSize(words.vector);
     if (!words.inTurn.empty()) options.inTurnSeconds = ParseGap(words.inTurn);
-    if (!words.format.empty()) {
-        options.format = ParseSampleFormat(words.format);
-        if (!options.format)
-            throw UsageError("--format: '" + words.format + "' is none of pcm16, pcm24, float and flac");
-    }
+    if (!words.format.empty()) options.format = ParseFormat(words.format);
 }
 
 /// True for a word that begins another option, and is no negative number.
@@ -202,6 +183,7 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
         "The object is made with the attributes that follow the command: shell @numsources 2 @tr0 3\n"
         "Each line is a message to the object. Lines that begin with a colon are for the shell: :get NAME, :state,\n"
         ":restore VALUES, :preset, :recall, :assist in|out INDEX, :dsp RATE BLOCK, :notifications, :quit.");
+    CLI::App* hrtf = AddHrtfCommand(app, options.hrtf);
     CLI::App* listing = app.add_subcommand("attributes", "List the attributes of orvanverb~");
     listing->add_flag("--json", options.json, "As JSON, for programs");
     CLI::App* reference =
@@ -215,12 +197,13 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
     } catch (CLI::RequiredError const& error) {
         if (app.get_subcommands().empty() && argc > 1)
             throw UsageError("'" + std::string(argv[1]) +
-                             "' is no command; there are render, ir, shell, attributes and reference");
+                             "' is no command; there are render, ir, hrtf, shell, attributes and reference");
         throw UsageError(OneLine(error));
     } catch (CLI::ParseError const& error) {
         throw UsageError(OneLine(error));
     }
     if (shell->parsed()) options.command = Options::Command::Shell;
+    if (hrtf->parsed()) options.command = Options::Command::Hrtf;
     if (listing->parsed()) options.command = Options::Command::Attributes;
     if (reference->parsed()) options.command = Options::Command::Reference;
     if (ir->parsed()) options.command = Options::Command::ImpulseResponse;

@@ -21,6 +21,10 @@ int Obey(program::Options const& options) {
         case Command::ImpulseResponse:
             program::Run(options);
             break;
+        case Command::Hrtf:
+            if (options.hrtf.action == program::HrtfOptions::Action::Info) return program::ShowHrtf(options.hrtf);
+            program::ConvertHrtf(options.hrtf);
+            break;
         case Command::Shell:
             return program::RunShell(program::JoinWords(options.attributes));
         case Command::Attributes:

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <vector>
+
+#include "orvanverb/hrtf/erb_axis.h"
+#include "orvanverb/hrtf/section_cascade.h"
+
+namespace program {
+
+/// Fits cascades of six sections to levels on an axis.
+///
+/// Levenberg-Marquardt on the decibels of the ERB-smoothed power, with a light term on the unsmoothed decibels that
+/// keeps peaks from growing where the smoothing doesn't look. No method without such a refinement comes close.
+class CascadeFit {
+public:
+    CascadeFit(ErbAxis const& axis, double samplerate);
+
+    /// A first cascade by Prony's method on a bilinearly warped axis (Oppenheim and Johnson, "Discrete representation
+    /// of signals", Proc. IEEE 60, 1972), which spends the order where the ear resolves.
+    /// @param level  wanted [dB], one per point of the axis
+    SectionCascade Start(std::vector<double> const& level) const;
+
+    struct Result {
+        SectionCascade cascade;
+        double errorDb = 0.0;  // RMS over the bands, the light term included
+    };
+    /// Refines a cascade for at most so many steps.
+    Result Refine(SectionCascade const& start, std::vector<double> const& level, int steps) const;
+
+private:
+    ErbAxis const& axis;
+    double samplerate;
+    CascadeLevels levels;
+    std::vector<double> fineWeights;  // of the points
+};
+
+}  // namespace program

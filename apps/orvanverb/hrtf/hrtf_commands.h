@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace program {
+
+/// What the user asked of a set of filters.
+struct HrtfOptions {
+    enum class Action { Info, Convert };
+
+    Action action = Action::Info;
+    std::string input, output;
+    std::optional<int> rate;  // [Hz]; none: that of the input
+    bool fir = false;
+    std::optional<std::size_t> length;  // most samples of an impulse response
+    std::optional<bool> equalise;       // none: measurements, but not filters
+};
+
+/// Prints the header of a set and a short check of it on standard output.
+/// @return the exit status: 1 if the check found a fault
+/// @throws WorkError that names the file
+int ShowHrtf(HrtfOptions const& options);
+
+/// Makes a file for the engine's panners, and tells about it on standard error.
+/// @throws WorkError that names the file, UsageError for a name or option that can't be meant
+void ConvertHrtf(HrtfOptions const& options);
+
+}  // namespace program

@@ -1,0 +1,24 @@
+#include "orvanverb/hrtf/parallel.h"
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "orvanverb/interrupt.h"
+#include "orvanverb/program_error.h"
+
+namespace program {
+
+void ForEachNumber(std::size_t count, std::function<void(std::size_t)> const& function) {
+    std::atomic<std::size_t> next = 0;
+    std::vector<std::thread> threads;
+    for (unsigned int i = 0; i < std::max(1u, std::thread::hardware_concurrency()); ++i)
+        threads.emplace_back([&] {
+            for (std::size_t number = next++; number < count && !Interrupted(); number = next++) function(number);
+        });
+    for (std::thread& thread : threads) thread.join();
+    if (Interrupted()) throw WorkError("interrupted, nothing written");
+}
+
+}  // namespace program

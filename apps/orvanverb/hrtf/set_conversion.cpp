@@ -1,0 +1,312 @@
+#include "orvanverb/hrtf/set_conversion.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <numbers>
+#include <span>
+#include <stdexcept>
+
+#include "orvanverb/hrtf/cascade_fit.h"
+#include "orvanverb/hrtf/parallel.h"
+#include "orvanverb/hrtf/responses.h"
+#include "orvanverb/hrtf/sphere.h"
+
+namespace program {
+
+namespace {
+
+using Complex = std::complex<double>;
+using Levels = std::vector<double>;  // [dB], one per point of an axis
+
+constexpr double heldFrom = 0.95;             // of half the sample rate of the measurement
+constexpr double largestPeakOutsideDb = 1.0;  // beyond the audible range over the peak within
+
+/// The spectrum of a response at some frequencies, without its delay.
+std::vector<Complex> SpectrumAt(std::vector<float> const& response, std::vector<double> const& frequencies,
+                                int samplerate) {
+    std::vector<Complex> spectrum;
+    for (const double hertz : frequencies) {
+        const Complex step = std::polar(1.0, -2.0 * std::numbers::pi * hertz / samplerate);
+        Complex phasor = 1.0, sum = 0.0;
+        for (const float sample : response) {
+            sum += static_cast<double>(sample) * phasor;
+            phasor *= step;
+        }
+        spectrum.push_back(sum);
+    }
+    return spectrum;
+}
+
+/// Ear e of direction d is number 2 d + e.
+MeasuredSet::Ear const& EarOf(MeasuredSet const& set, std::size_t number) {
+    return set.directions[number / 2].ears[number % 2];
+}
+
+/// Levels of all ears on an axis.
+std::vector<Levels> MeasuredLevels(MeasuredSet const& set, std::vector<double> frequencies) {
+    for (double& hertz : frequencies) hertz = std::min(hertz, heldFrom * 0.5 * set.samplerate);
+    std::vector<Levels> levels(2 * set.directions.size());
+    ForEachNumber(levels.size(), [&](std::size_t number) {
+        for (Complex const& value : SpectrumAt(EarOf(set, number).response, frequencies, set.samplerate))
+            levels[number].push_back(Decibels(std::norm(value)));
+    });
+    for (std::size_t number = 0; number < levels.size(); ++number)
+        if (*std::max_element(levels[number].begin(), levels[number].end()) <= Decibels(0.0))
+            throw std::invalid_argument("direction " + std::to_string(number / 2 + 1) + " is silent at the " +
+                                        (number % 2 == 0 ? "left" : "right") + " ear");
+    return levels;
+}
+
+/// The level of a field that comes from everywhere.
+Levels DiffuseLevel(std::vector<Levels> const& levels, std::vector<double> const& shares) {
+    Levels diffuse(levels.front().size(), 0.0);
+    for (std::size_t number = 0; number < levels.size(); ++number)
+        for (std::size_t i = 0; i < diffuse.size(); ++i)
+            diffuse[i] += 0.5 * shares[number / 2] * std::pow(10.0, 0.1 * levels[number][i]);
+    for (double& value : diffuse) value = Decibels(value);
+    return diffuse;
+}
+
+bool IsAudible(double hertz) {
+    return hertz >= 100.0 && hertz <= 16000.0;
+}
+
+/// Outside the audible range measurements hold noise: no filter is asked to peak there.
+void BoundPeaksOutside(Levels& level, std::vector<double> const& frequencies) {
+    double ceiling = -std::numeric_limits<double>::infinity();
+    for (std::size_t i = 0; i < level.size(); ++i)
+        if (IsAudible(frequencies[i])) ceiling = std::max(ceiling, level[i] + largestPeakOutsideDb);
+    for (std::size_t i = 0; i < level.size(); ++i)
+        if (!IsAudible(frequencies[i])) level[i] = std::min(level[i], ceiling);
+}
+
+/// The directions next to each, nearest first.
+std::vector<std::vector<std::size_t>> Neighbours(std::vector<Lume::CartesianVector> const& directions,
+                                                 std::size_t count) {
+    std::vector<std::vector<std::size_t>> neighbours(directions.size());
+    ForEachNumber(directions.size(), [&](std::size_t d) {
+        std::vector<std::size_t> others;
+        for (std::size_t other = 0; other < directions.size(); ++other)
+            if (other != d) others.push_back(other);
+        const auto end = others.begin() + static_cast<std::ptrdiff_t>(std::min(count, others.size()));
+        std::partial_sort(others.begin(), end, others.end(), [&](std::size_t a, std::size_t b) {
+            const float da = Dot(directions[d], directions[a]), db = Dot(directions[d], directions[b]);
+            return da != db ? da > db : a < b;
+        });
+        others.erase(end, others.end());
+        neighbours[d] = std::move(others);
+    });
+    return neighbours;
+}
+
+/// Cascades for all ears: each from its own start first, then from its neighbours' results, the best of each kept.
+std::vector<CascadeFit::Result> FitAll(std::vector<Levels> const& levels, ErbAxis const& axis, int samplerate,
+                                       std::vector<Lume::CartesianVector> const& directions) {
+    constexpr int ownSteps = 60, trialSteps = 10, moreSteps = 25, lastSteps = 40;
+    constexpr double promising = 1.2;
+    constexpr std::size_t numNeighbours = 6;
+    const CascadeFit fit(axis, samplerate);
+    std::vector<CascadeFit::Result> own(levels.size()), best(levels.size());
+    ForEachNumber(levels.size(), [&](std::size_t number) {
+        own[number] = fit.Refine(fit.Start(levels[number]), levels[number], ownSteps);
+    });
+    const std::vector<std::vector<std::size_t>> neighbours = Neighbours(directions, numNeighbours);
+    ForEachNumber(levels.size(), [&](std::size_t number) {
+        CascadeFit::Result result = own[number];
+        for (const std::size_t neighbour : neighbours[number / 2]) {
+            CascadeFit::Result trial = fit.Refine(own[2 * neighbour + number % 2].cascade, levels[number], trialSteps);
+            if (trial.errorDb < promising * result.errorDb)
+                trial = fit.Refine(trial.cascade, levels[number], moreSteps);
+            if (trial.errorDb < result.errorDb) result = trial;
+        }
+        best[number] = fit.Refine(result.cascade, levels[number], lastSteps);
+    });
+    return best;
+}
+
+/// The time by which a response comes later than a filter makes it, in milliseconds.
+double LagMs(MeasuredSet::Ear const& ear, int measuredRate, std::span<float const> sections, int samplerate) {
+    constexpr double low = 300.0, high = 1500.0, step = 6.0;  // [Hz]
+    constexpr double coarseMs = 0.02, fineMs = 0.0005;
+    std::vector<double> frequencies;
+    for (double hertz = low; hertz <= high; hertz += step) frequencies.push_back(hertz);
+    std::vector<Complex> cross = SpectrumAt(ear.response, frequencies, measuredRate);
+    for (std::size_t i = 0; i < cross.size(); ++i)
+        cross[i] *= std::conj(ResponseOfSections(sections, frequencies[i], samplerate));
+
+    const auto bestLag = [&](double fromMs, double toMs, double stepMs) {
+        std::vector<Complex> phasors, steps;
+        for (const double hertz : frequencies) {
+            phasors.push_back(std::polar(1.0, 2.0e-3 * std::numbers::pi * hertz * fromMs));
+            steps.push_back(std::polar(1.0, 2.0e-3 * std::numbers::pi * hertz * stepMs));
+        }
+        double best = fromMs, most = -std::numeric_limits<double>::infinity();
+        for (double lag = fromMs; lag <= toMs; lag += stepMs) {
+            double correlation = 0.0;
+            for (std::size_t i = 0; i < cross.size(); ++i) {
+                correlation += cross[i].real() * phasors[i].real() - cross[i].imag() * phasors[i].imag();
+                phasors[i] *= steps[i];
+            }
+            if (correlation > most) {
+                most = correlation;
+                best = lag;
+            }
+        }
+        return best;
+    };
+    const double length = 1000.0 * static_cast<double>(ear.response.size()) / measuredRate;
+    const double coarse = bestLag(-1.0, length, coarseMs);
+    return bestLag(coarse - coarseMs, coarse + coarseMs, fineMs) + 1000.0 * ear.delaySamples / measuredRate;
+}
+
+/// Directions that were measured from one distance, as nearly as one can, stand on the unit sphere, like those of the
+/// built-in set: the nearest one is then the one in the nearest direction.
+std::vector<Lume::CartesianVector> Places(MeasuredSet const& set) {
+    constexpr float spread = 1.25f;
+    float nearest = std::numeric_limits<float>::max(), farthest = 0.0f;
+    std::vector<Lume::CartesianVector> places;
+    for (MeasuredSet::Direction const& direction : set.directions) {
+        places.push_back(direction.position);
+        nearest = std::min(nearest, Length(places.back()));
+        farthest = std::max(farthest, Length(places.back()));
+    }
+    if (farthest <= spread * nearest)
+        for (Lume::CartesianVector& place : places) place = Unit(place);
+    return places;
+}
+
+/// Takes the diffuse field's level out of responses. Where it is noise, or changes faster than a short filter can
+/// follow, it's held.
+void EqualiseAudible(std::vector<std::vector<double>>& responses, Levels const& diffuse, ErbAxis const& axis,
+                     int samplerate) {
+    constexpr double lowHz = 200.0;
+    std::vector<double> frequencies;
+    Levels level;
+    for (std::size_t i = 0; i < diffuse.size(); ++i)
+        if (IsAudible(axis.Frequencies()[i]) && axis.Frequencies()[i] >= lowHz) {
+            frequencies.push_back(axis.Frequencies()[i]);
+            level.push_back(diffuse[i]);
+        }
+    Equalise(responses, level, frequencies, samplerate);
+}
+
+void FillHeader(MeasuredSet const& measured, ConversionSettings const& settings, std::size_t numCoefficients,
+                Lume::SdifSet& set) {
+    set.header.owner = measured.owner;
+    set.header.subject = measured.subject;
+    set.header.copyright = measured.copyright;
+    set.header.filterType = settings.fir ? Lume::hrtfFIR : Lume::hrtfBiquadCells;
+    set.header.flagItdExtracted = settings.fir ? Lume::itdNotExtracted : Lume::itdExtracted;
+    set.header.originalMeasurementSet = measured.database;
+    set.header.interpolatedSet = "none";
+    set.header.numCoefficients = static_cast<unsigned int>(numCoefficients);
+    set.header.numChannels = 2;
+    set.header.samplingRate = static_cast<unsigned int>(settings.samplerate);
+    set.header.numPoints = static_cast<unsigned int>(set.points.size());
+    set.header.date = measured.date;
+}
+
+}  // namespace
+
+Lume::SdifSet ConvertSet(MeasuredSet const& measured, ConversionSettings const& settings, ConversionErrors& errors) {
+    const ErbAxis axis(settings.samplerate);
+    const std::vector<Lume::CartesianVector> places = Places(measured);
+    std::vector<Levels> levels = MeasuredLevels(measured, axis.Frequencies());
+    const Levels diffuse = settings.equalise ? DiffuseLevel(levels, SphereShares(places)) : Levels();
+
+    Lume::SdifSet set;
+    set.points.resize(places.size());
+    for (std::size_t d = 0; d < places.size(); ++d) set.points[d].positions = {places[d]};
+    if (settings.fir) {
+        // Room for what comes before a sharp onset when it is interpolated.
+        constexpr double leadSamples = 64.0;
+        std::vector<std::vector<double>> responses(levels.size());
+        ForEachNumber(responses.size(), [&](std::size_t number) {
+            MeasuredSet::Ear const& ear = EarOf(measured, number);
+            responses[number] =
+                Resample(ear.response, measured.samplerate, settings.samplerate, leadSamples + ear.delaySamples);
+        });
+        if (settings.equalise) EqualiseAudible(responses, diffuse, axis, settings.samplerate);
+        std::vector<std::vector<float>> const trimmed = Trim(responses, settings.samplerate, settings.length);
+        for (std::size_t number = 0; number < trimmed.size(); ++number) {
+            std::vector<float>& coefficients = set.points[number / 2].coefficients;
+            coefficients.insert(coefficients.end(), trimmed[number].begin(), trimmed[number].end());
+        }
+        FillHeader(measured, settings, trimmed.front().size(), set);
+        return set;
+    }
+
+    for (Levels& level : levels) {
+        for (std::size_t i = 0; i < diffuse.size(); ++i) level[i] -= diffuse[i];
+        BoundPeaksOutside(level, axis.Frequencies());
+    }
+    const std::vector<CascadeFit::Result> fits = FitAll(levels, axis, settings.samplerate, places);
+    std::vector<std::array<float, SectionCascade::numParameters>> sections(fits.size());
+    std::vector<double> lags(fits.size());
+    ForEachNumber(fits.size(), [&](std::size_t number) {
+        sections[number] = OrderStages(fits[number].cascade, settings.samplerate);
+        lags[number] = LagMs(EarOf(measured, number), measured.samplerate, sections[number], settings.samplerate);
+    });
+    for (std::size_t number = 0; number < fits.size(); ++number) {
+        Lume::SdifSetPoint& point = set.points[number / 2];
+        point.coefficients.insert(point.coefficients.end(), sections[number].begin(), sections[number].end());
+        if (number % 2 == 1) point.itd = static_cast<float>(lags[number - 1] - lags[number]);
+        errors.mean += fits[number].errorDb / static_cast<double>(fits.size());
+        errors.worst = std::max(errors.worst, fits[number].errorDb);
+    }
+    FillHeader(measured, settings, SectionCascade::numParameters, set);
+    return set;
+}
+
+MeasuredSet MeasureSet(Lume::HrtfData const& filters) {
+    constexpr std::size_t length = 2048;  // a pole at 0.995 has fallen by 89 dB
+    Lume::HrtfHeaderInfos const& header = filters.GetHrtfHeaderInfos();
+    MeasuredSet set{static_cast<int>(header.samplingRate), {},         header.owner, header.subject, header.copyright,
+                    header.originalMeasurementSet,         header.date};
+    for (unsigned int i = 0; i < filters.GetNumPoints(); ++i) {
+        Lume::HrtfPoint const& point = filters.GetHrtfPoint(i);
+        MeasuredSet::Direction direction{point.position, {}};
+        for (std::size_t e = 0; e < 2; ++e) {
+            const std::span<float const> ear =
+                std::span(point.coefficients).subspan(e * point.numCoefficients, point.numCoefficients);
+            if (header.filterType == Lume::hrtfFIR) {
+                direction.ears[e].response.assign(ear.begin(), ear.end());
+                continue;
+            }
+            std::vector<double> signal(length, 0.0);
+            signal[0] = static_cast<double>(ear[0]);
+            for (std::size_t place = 1; place + 4 <= ear.size(); place += 4) {
+                double state1 = 0.0, state2 = 0.0;
+                for (double& sample : signal) {
+                    const double output = sample + state1;
+                    state1 = static_cast<double>(ear[place]) * sample - static_cast<double>(ear[place + 2]) * output +
+                             state2;
+                    state2 =
+                        static_cast<double>(ear[place + 1]) * sample - static_cast<double>(ear[place + 3]) * output;
+                    sample = output;
+                }
+            }
+            direction.ears[e].response.assign(signal.begin(), signal.end());
+            // The delay of a point is how much later the left ear hears [ms].
+            const double later = static_cast<double>(e == 0 ? point.itd : -point.itd);
+            direction.ears[e].delaySamples = std::max(later, 0.0) * 0.001 * header.samplingRate;
+        }
+        set.directions.push_back(std::move(direction));
+    }
+    return set;
+}
+
+Lume::SdifSet CopySet(Lume::HrtfData const& filters) {
+    Lume::SdifSet set;
+    set.header = filters.GetHrtfHeaderInfos();
+    for (unsigned int i = 0; i < filters.GetNumPoints(); ++i) {
+        Lume::HrtfPoint const& point = filters.GetHrtfPoint(i);
+        set.points.push_back({{point.position}, point.itd, point.coefficients});
+    }
+    return set;
+}
+
+}  // namespace program

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "hrtf/hrtf_data.h"
+#include "hrtf/sdif_set.h"
+#include "orvanverb/hrtf/measured_set.h"
+
+namespace program {
+
+/// What becomes of a measured set.
+struct ConversionSettings {
+    int samplerate = 44100;    // of the filters [Hz]
+    bool fir = false;          // impulse responses; else a delay and six second-order sections
+    std::size_t length = 512;  // most samples of an impulse response
+    /// Takes out what all directions have in common: the power mean over the sphere then is flat, at 0 dB. This is what
+    /// the built-in set has, and what the engine's filters for the room expect.
+    bool equalise = true;
+};
+
+/// How good the fit is, over all ears: RMS difference in bands of one ERB [dB].
+struct ConversionErrors {
+    double mean = 0.0, worst = 0.0;
+};
+
+/// Turns measurements into a set that the engine reads.
+///
+/// Sections take the magnitude with the least phase that it can have, on a frequency axis, so that no resampling stands
+/// between; beyond 95 % of half the measurement's rate the level is held. The delay between the ears is what the
+/// filters lack against the measurements below 1.5 kHz, by cross-correlation. Impulse responses keep their phase and
+/// with it their delays, except for what all of them have in common.
+/// @param errors  filled for sections
+/// @throws std::invalid_argument for a measurement without sound, WorkError when the user interrupts
+Lume::SdifSet ConvertSet(MeasuredSet const& measured, ConversionSettings const& settings, ConversionErrors& errors);
+
+/// A set of filters as if it had been measured, to be converted to another rate or form.
+MeasuredSet MeasureSet(Lume::HrtfData const& filters);
+
+/// A set as it stands, to be written to a file.
+Lume::SdifSet CopySet(Lume::HrtfData const& filters);
+
+}  // namespace program

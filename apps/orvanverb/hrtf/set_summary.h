@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "hrtf/sdif_set.h"
+
+namespace program {
+
+/// What a set says about itself, a line each: "subject  KEMAR".
+std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header);
+
+/// A short check of a set.
+struct SetCheck {
+    std::vector<std::string> findings;  // lines as those of the header
+    std::vector<std::string> faults;    // what makes it sound wrong, a sentence each
+};
+SetCheck CheckSet(Lume::SdifSet const& set);
+
+}  // namespace program

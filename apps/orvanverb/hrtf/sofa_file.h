@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "orvanverb/hrtf/measured_set.h"
+
+namespace program {
+
+/// Reads a set of head-related impulse responses in the form SimpleFreeFieldHRIR of SOFA (AES69-2015, "AES standard for
+/// file exchange - Spatial acoustic data file format").
+/// @throws WorkError that names the file and says why it can't be used
+MeasuredSet ReadSofaFile(std::string const& path);
+
+}  // namespace program

@@ -1,0 +1,264 @@
+#include <gtest/gtest.h>
+#include <mysofa.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+#include "filters/biquad_cascade.h"
+#include "hrtf/hrtf.h"
+#include "orvanverb/hrtf/cascade_fit.h"
+#include "orvanverb/hrtf/sdif_set_writer.h"
+#include "program/run_program.h"
+#include "program/sound_files.h"
+#include "support/frequency_response.h"
+#include "support/signals.h"
+
+namespace {
+
+constexpr char const* kemar = "/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa";
+
+std::vector<float> ImpulseResponse(std::vector<float> coefficients) {
+    Lume::BiquadCascade cascade(static_cast<unsigned int>(coefficients.size() / 4));
+    cascade.SetCoefficients(coefficients.data());
+    std::vector<float> response = MakeImpulse(4096);
+    cascade.Process(response.data(), response.data(), response.size());
+    return response;
+}
+
+std::vector<float> EarOf(Lume::HrtfPoint const& point, unsigned int ear) {
+    const auto length = static_cast<std::ptrdiff_t>(point.numCoefficients);
+    const auto begin = point.coefficients.begin() + (ear == 0 ? 0 : length);
+    return {begin, begin + length};
+}
+
+/// Impulse responses of a simple head at 48 kHz: a source on the right is earlier, louder and brighter at the right
+/// ear. Level and delay of an ear follow from one number, 0 for the far one to 1 for the near one.
+struct SimpleHead {
+    static constexpr int rate = 48000;
+    static double Nearness(Lume::CartesianVector const& p, unsigned int ear) {
+        return 0.5 + 0.5 * static_cast<double>(ear == 1 ? p.x : -p.x);
+    }
+    static int DelaySamples(double nearness) { return 40 - static_cast<int>(std::lround(24.0 * nearness)); }
+    /// First-order low-pass behind a gain, as an impulse response.
+    static std::vector<float> Response(double nearness) {
+        const double pole = 0.8 - 0.7 * nearness, gain = 0.3 + 0.7 * nearness;
+        std::vector<float> response(256, 0.0f);
+        for (std::size_t n = static_cast<std::size_t>(DelaySamples(nearness)); n < response.size(); ++n)
+            response[n] = static_cast<float>(gain * (1.0 - pole) *
+                                             std::pow(pole, static_cast<double>(n) - DelaySamples(nearness)));
+        return response;
+    }
+    static double GainDb(double nearness, double hertz) { return GainDbAt(Response(nearness), hertz / rate); }
+
+    static Lume::SdifSet Set() {
+        Lume::SdifSet set;
+        set.header.filterType = Lume::hrtfFIR;
+        set.header.numCoefficients = 256;
+        set.header.numChannels = 2;
+        set.header.samplingRate = rate;
+        for (int degrees = 0; degrees < 360; degrees += 45) {
+            const double angle = degrees * 3.14159265358979 / 180.0;
+            const Lume::CartesianVector p{static_cast<float>(std::sin(angle)), static_cast<float>(std::cos(angle)),
+                                          0.0f};
+            Lume::SdifSetPoint point{{p}, 0.0f, Response(Nearness(p, 0))};
+            const std::vector<float> right = Response(Nearness(p, 1));
+            point.coefficients.insert(point.coefficients.end(), right.begin(), right.end());
+            set.points.push_back(point);
+        }
+        return set;
+    }
+};
+
+// Red if the parametrisation, a derivative, the warping or the order of coefficients is wrong: sections that made a
+// level are found again from it, and are stable and minimum-phase.
+TEST(CascadeFit, FindsSectionsAgainFromTheirLevel) {
+    constexpr double rate = 48000.0;
+    const program::ErbAxis axis(rate);
+    const program::CascadeFit fit(axis, rate);
+    for (const std::uint32_t seed : {1u, 2u, 3u, 4u}) {
+        const std::vector<float> noise = MakeNoise(seed, 24);
+        const std::vector<double> random(noise.begin(), noise.end());
+        std::vector<float> wanted{0.5f};
+        for (std::size_t stage = 0; stage < 6; ++stage) {
+            // A zero and a pole at one place of the ear's axis, of different sharpness.
+            const double hertz = 400.0 * std::pow(2.0, 0.85 * static_cast<double>(stage) + 0.3 * random[4 * stage]);
+            for (const std::size_t side : {1u, 2u}) {
+                const double radius = 1.0 - hertz / rate * (1.5 + random[4 * stage + side]);
+                wanted.push_back(static_cast<float>(-2.0 * radius * std::cos(6.283185307 * hertz / rate)));
+                wanted.push_back(static_cast<float>(radius * radius));
+            }
+        }
+        const std::vector<float> response = ImpulseResponse(wanted);
+        std::vector<double> level;
+        for (const double hertz : axis.Frequencies()) level.push_back(GainDbAt(response, hertz / rate));
+
+        const program::CascadeFit::Result result = fit.Refine(fit.Start(level), level, 80);
+        const auto made = program::OrderStages(result.cascade, rate);
+        std::vector<float> coefficients(made.begin(), made.end());
+        const std::vector<float> fitted = ImpulseResponse(coefficients);
+        for (const double hertz : {110.0, 300.0, 900.0, 2500.0, 7000.0, 15000.0})
+            EXPECT_NEAR(GainDbAt(fitted, hertz / rate), GainDbAt(response, hertz / rate), 0.3) << seed << ": " << hertz;
+        Lume::BiquadCascade cascade(6);
+        cascade.SetCoefficients(coefficients.data());
+        EXPECT_TRUE(cascade.IsStable() && cascade.IsMinimumPhase());
+    }
+}
+
+// Red if the ears, the sign or the unit of the delay, or one of the two rates change places.
+TEST(HrtfConvert, FitsLevelsAndDelaysAtAnotherRate) {
+    const TemporaryDirectory directory;
+    WriteText(directory / "head.hrtf", program::SdifSetBytes(SimpleHead::Set(), "me"));
+    const RunResult run =
+        RunProgram({"hrtf", "convert", directory / "head.hrtf", directory / "own.hrtf", "--rate", "44100"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const Lume::Hrtf own(directory / "own.hrtf");
+    EXPECT_EQ(own.GetSamplingRate(), 44100u);
+    ASSERT_EQ(own.GetNumPoints(), 8u);
+    ASSERT_EQ(own.GetNumCoefficients(), 25u);
+    for (unsigned int i = 0; i < 8; ++i) {
+        Lume::HrtfPoint const& point = own.GetHrtfPoint(i);
+        const double left = SimpleHead::Nearness(point.position, 0), right = SimpleHead::Nearness(point.position, 1);
+        const double itdMs =
+            (SimpleHead::DelaySamples(left) - SimpleHead::DelaySamples(right)) * 1000.0 / SimpleHead::rate;
+        EXPECT_NEAR(point.itd, itdMs, 0.01) << i;
+        for (const double hertz : {150.0, 1000.0, 4000.0, 12000.0}) {
+            EXPECT_NEAR(GainDbAt(ImpulseResponse(EarOf(point, 0)), hertz / 44100.0), SimpleHead::GainDb(left, hertz),
+                        0.2);
+            EXPECT_NEAR(GainDbAt(ImpulseResponse(EarOf(point, 1)), hertz / 44100.0), SimpleHead::GainDb(right, hertz),
+                        0.2);
+        }
+    }
+    // As impulse responses again: delays are back, samples of another rate make no other level.
+    ASSERT_EQ(
+        RunProgram({"hrtf", "convert", directory / "own.hrtf", directory / "fir.hrtf", "--fir", "--rate", "96000"})
+            .status,
+        0);
+    const Lume::Hrtf fir(directory / "fir.hrtf");
+    Lume::HrtfPoint const& atRight = fir.GetHrtfPoint(2);
+    EXPECT_GT(atRight.position.x, 0.99f);
+    const std::vector<float> left = EarOf(atRight, 0), right = EarOf(atRight, 1);
+    EXPECT_NEAR(GainDbAt(left, 1000.0 / 96000.0), SimpleHead::GainDb(0.0, 1000.0), 0.2);
+    EXPECT_NEAR(GainDbAt(right, 1000.0 / 96000.0), SimpleHead::GainDb(1.0, 1000.0), 0.2);
+    const double lagMs = -1000.0 / (360.0 * 500.0) * 180.0 / 3.14159265358979 *
+                         std::arg(ResponseAt(left, 500.0 / 96000.0) / ResponseAt(right, 500.0 / 96000.0));
+    EXPECT_NEAR(lagMs, 0.5 + 0.067, 0.03);  // 24 samples, and what the two low-passes differ by
+}
+
+// Measured responses of a file that everybody has: untouched they stay what they were, sample by sample and each in its
+// direction; equalised, the mean over the sphere is flat.
+TEST(HrtfConvert, TakesMeasurementsInTheirDirections) {
+    const TemporaryDirectory directory;
+    ASSERT_EQ(RunProgram({"hrtf", "convert", kemar, directory / "plain.hrtf", "--fir", "--equalise", "none"}).status,
+              0);
+    const Lume::Hrtf plain(directory / "plain.hrtf");
+    ASSERT_EQ(plain.GetNumPoints(), 710u);
+    int error = 0;
+    MYSOFA_HRTF* const sofa = mysofa_load(kemar, &error);
+    ASSERT_NE(sofa, nullptr);
+    // What comes before the earliest response is left out, the same for all.
+    const std::vector<float> first = EarOf(plain.GetHrtfPoint(0), 0);
+    float const* const firstMeasured = sofa->DataIR.values;
+    std::ptrdiff_t offset = 0;
+    while (offset < 512 &&
+           std::abs(first[40] - firstMeasured[40 + offset]) + std::abs(first[70] - firstMeasured[70 + offset]) > 1e-6f)
+        ++offset;
+    for (const unsigned int i : {0u, 261u, 278u, 314u, 500u, 709u}) {
+        Lume::HrtfPoint const& point = plain.GetHrtfPoint(i);
+        const float azimuth = sofa->SourcePosition.values[3 * i] * 0.017453292f;  // counter-clockwise from ahead
+        const float elevation = sofa->SourcePosition.values[3 * i + 1] * 0.017453292f;
+        EXPECT_NEAR(point.position.x, -std::sin(azimuth) * std::cos(elevation), 1e-5f);
+        EXPECT_NEAR(point.position.y, std::cos(azimuth) * std::cos(elevation), 1e-5f);
+        EXPECT_NEAR(point.position.z, std::sin(elevation), 1e-5f);
+        for (unsigned int ear = 0; ear < 2; ++ear) {
+            const std::vector<float> taps = EarOf(point, ear);
+            float const* const measured = sofa->DataIR.values + (i * 2 + ear) * sofa->N;
+            for (std::ptrdiff_t n = 0; n < 400; ++n)
+                ASSERT_NEAR(taps[static_cast<std::size_t>(n)], measured[n + offset], 1e-6f) << i << " " << n;
+        }
+    }
+    mysofa_free(sofa);
+
+    ASSERT_EQ(RunProgram({"hrtf", "convert", kemar, directory / "flat.hrtf", "--fir", "--rate", "48000"}).status, 0);
+    const Lume::Hrtf flat(directory / "flat.hrtf");
+    for (const double hertz : {300.0, 1000.0, 3000.0, 8000.0, 14000.0}) {
+        double power = 0.0, weights = 0.0;
+        for (unsigned int i = 0; i < 710; i += 3) {
+            Lume::HrtfPoint const& point = flat.GetHrtfPoint(i);
+            // Rings have fewer directions the higher they lie, but not down to none at the top.
+            const double weight = i >= 697 ? 0.5 : 1.0;
+            for (unsigned int ear = 0; ear < 2; ++ear)
+                power += weight * std::norm(ResponseAt(EarOf(point, ear), hertz / 48000.0));
+            weights += 2.0 * weight;
+        }
+        EXPECT_NEAR(10.0 * std::log10(power / weights), 0.0, 1.0) << hertz;
+    }
+}
+
+TEST(HrtfConvert, SLOW_FitsAMeasuredHead) {
+    const TemporaryDirectory directory;
+    const RunResult run = RunProgram({"hrtf", "convert", kemar, directory / "own.hrtf", "--rate", "48000"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::size_t at = run.err.find("mean ");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_LT(std::stod(run.err.substr(at + 5)), 0.4) << run.err;
+    EXPECT_EQ(RunProgram({"hrtf", "info", directory / "own.hrtf"}).status, 0);
+}
+
+TEST(HrtfInfo, ShowsTheHeaderAndFindsFaults) {
+    const RunResult builtIn = RunProgram({"hrtf", "info", "kemar"});
+    EXPECT_EQ(builtIn.status, 0) << builtIn.out;
+    for (char const* text : {"KEMAR", "710", "44100 Hz", "no fault"})
+        EXPECT_NE(builtIn.out.find(text), std::string::npos) << text;
+
+    const TemporaryDirectory directory;
+    Lume::SdifSet set;
+    set.header.numCoefficients = 5;
+    set.header.numChannels = 2;
+    set.header.samplingRate = 44100;
+    const std::vector<float> good{1.0f, 0.0f, 0.0f, -0.5f, 0.2f}, growing{1.0f, 0.0f, 0.0f, -2.1f, 1.2f};
+    for (const bool fault : {false, true}) {
+        Lume::SdifSetPoint point{{{1.0f, 0.0f, 0.0f}}, fault ? -0.5f : 0.5f, fault ? growing : good};
+        point.coefficients.insert(point.coefficients.end(), good.begin(), good.end());
+        set.points = {point, point};
+        WriteText(directory / "set.hrtf", program::SdifSetBytes(set, "me"));
+        const RunResult run = RunProgram({"hrtf", "info", directory / "set.hrtf"});
+        EXPECT_EQ(run.status, fault ? 1 : 0) << run.out;
+        EXPECT_EQ(run.out.find("FAULT: 2 filters are unstable") != std::string::npos, fault) << run.out;
+        EXPECT_EQ(run.out.find("FAULT: 2 delays have the wrong sign") != std::string::npos, fault) << run.out;
+    }
+}
+
+TEST(Hrtf, WrongFilesAndWordsEndInOneLineThatNamesThem) {
+    const TemporaryDirectory directory;
+    WriteText(directory / "text.sofa", "no measurement\n");
+    std::filesystem::copy(kemar, directory / "cut.sofa");
+    std::filesystem::resize_file(directory / "cut.sofa", 100000);
+    WriteText(directory / "text.hrtf", "no set\n");
+    WriteText(directory / "whole.hrtf", program::SdifSetBytes(SimpleHead::Set(), "me"));
+    std::filesystem::copy(directory / "whole.hrtf", directory / "cut.hrtf");
+    std::filesystem::resize_file(directory / "cut.hrtf", 9000);
+    WriteText(directory / "a-b-44100.coll", "1, 0.1 0.2;\n2, 0.1 0.2;\n");
+    WriteText(directory / "out.hrtf", "an earlier one");
+    const auto expect = [&](std::vector<std::string> const& arguments, int status, std::string const& culprit) {
+        const RunResult run = RunProgram(arguments);
+        EXPECT_EQ(run.status, status) << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
+        EXPECT_EQ(ReadText(directory / "out.hrtf"), "an earlier one");
+    };
+    for (char const* name :
+         {"none.sofa", "text.sofa", "cut.sofa", "none.hrtf", "text.hrtf", "cut.hrtf", "a-b-44100.coll"})
+        expect({"hrtf", "convert", directory / name, directory / "out.hrtf"}, 1, directory / name);
+    for (char const* name : {"none.near", "text.hrtf", "cut.hrtf", "a-b-44100.coll"})
+        expect({"hrtf", "info", directory / name}, 1, directory / name);
+    const std::string whole = directory / "whole.hrtf";
+    expect({"hrtf", "convert", whole, directory / "no/out.hrtf"}, 1, directory / "no/out.hrtf");
+    expect({"hrtf", "convert", whole, directory / "out.sdif"}, 2, directory / "out.sdif");
+    expect({"hrtf", "convert", whole, directory / "out.hrtf", "--rate", "1"}, 2, "--rate");
+    expect({"hrtf", "convert", whole, directory / "out.hrtf", "--length", "64"}, 2, "--length");
+    expect({"hrtf", "convert", whole, directory / "out.hrtf", "--equalise", "loud"}, 2, "--equalise");
+    expect({"hrtf"}, 2, "subcommand");
+}
+
+}  // namespace
