@@ -10,6 +10,14 @@
 #include "decoders/hoa3d_decoder.h"
 #include "decoders/null_decoder.h"
 #include "decoders/surround_decoder.h"
+#include "decoders/transaural_decoder_feedforward_asymmetric.h"
+#include "decoders/transaural_decoder_feedforward_symmetric.h"
+#include "decoders/transaural_decoder_least_squares.h"
+#include "decoders/transaural_decoder_recursive_asymmetric.h"
+#include "decoders/transaural_decoder_recursive_symmetric.h"
+#include "decoders/transaural_decoder_recursive_symmetric_biquads.h"
+#include "decoders/transaural_decoder_shuffler_asymmetric.h"
+#include "decoders/transaural_decoder_shuffler_symmetric.h"
 #include "decoders/uhj2bformat_decoder.h"
 
 namespace Lume {
@@ -50,15 +58,15 @@ constexpr Maker makers[] = {
 
 /// The networks of the transaural type. The null one is the symmetric shuffler.
 constexpr Maker transauralMakers[] = {
-    NullDecoder::Create,  // null
-    NullDecoder::Create,  // shufflersymmetric
-    NullDecoder::Create,  // shufflerasymmetric
-    NullDecoder::Create,  // recursiveasymmetric
-    NullDecoder::Create,  // recursivesymmetric
-    NullDecoder::Create,  // feedforwardasymmetric
-    NullDecoder::Create,  // feedforwardsymmetric
-    NullDecoder::Create,  // leastsquares
-    NullDecoder::Create,  // recursivesymmetricbiquads
+    TransauralDecoderShufflerSymmetric::Create,          // null
+    TransauralDecoderShufflerSymmetric::Create,          // shufflersymmetric
+    TransauralDecoderShufflerAsymmetric::Create,         // shufflerasymmetric
+    TransauralDecoderRecursiveAsymmetric::Create,        // recursiveasymmetric
+    TransauralDecoderRecursiveSymmetric::Create,         // recursivesymmetric
+    TransauralDecoderFeedforwardAsymmetric::Create,      // feedforwardasymmetric
+    TransauralDecoderFeedforwardSymmetric::Create,       // feedforwardsymmetric
+    TransauralDecoderLeastSquares::Create,               // leastsquares
+    TransauralDecoderRecursiveSymmetricBiquads::Create,  // recursivesymmetricbiquads
 };
 
 /// The entry of a value of an enumeration, or a fallback for values from outside of it.

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <mysofa.h>
+
+#include <cmath>
+#include <complex>
+#include <memory>
+#include <numbers>
+#include <vector>
+
+/// The ways from two loudspeakers to the ears of a KEMAR manikin, as Gardner and Martin, "HRTF measurements of a
+/// KEMAR", J. Acoust. Soc. Am. 97(6), 1995, measured them, and filters made from them. In double precision.
+
+using Spectrum = std::vector<std::complex<double>>;
+
+constexpr std::size_t fftSize = 4096;
+constexpr double measuredRate = 44100.0;
+
+/// X[k] = sum x[n] exp(-2 pi j k n / size) for a power of two; +1 as sign gives the inverse, times the size.
+inline void Transform(Spectrum& x, double sign = -1.0) {
+    const std::size_t half = x.size() / 2;
+    if (half == 0) return;
+    Spectrum even(half), odd(half);
+    for (std::size_t n = 0; n < half; ++n) even[n] = x[2 * n], odd[n] = x[2 * n + 1];
+    Transform(even, sign);
+    Transform(odd, sign);
+    for (std::size_t k = 0; k < half; ++k) {
+        const std::complex<double> term =
+            std::polar(1.0, sign * std::numbers::pi * static_cast<double>(k) / static_cast<double>(half)) * odd[k];
+        x[k] = even[k] + term;
+        x[k + half] = even[k] - term;
+    }
+}
+
+inline Spectrum SpectrumOf(std::vector<float> const& response) {
+    Spectrum spectrum(response.begin(), response.end());
+    spectrum.resize(fftSize);
+    Transform(spectrum);
+    return spectrum;
+}
+
+/// The first samples of the response with a spectrum, `delay` samples later (or earlier, below 0).
+inline std::vector<float> ResponseOf(Spectrum spectrum, int delay, std::size_t length) {
+    Transform(spectrum, 1.0);
+    std::vector<float> response(length);
+    for (std::size_t n = 0; n < length; ++n)
+        response[n] = static_cast<float>(
+            spectrum[(n + fftSize - static_cast<std::size_t>(delay + static_cast<int>(fftSize))) % fftSize].real() /
+            static_cast<double>(fftSize));
+    return response;
+}
+
+/// Element by element.
+template <typename Function, typename... Spectra>
+Spectrum Combine(Function function, Spectra const&... spectra) {
+    Spectrum result(fftSize);
+    for (std::size_t k = 0; k < fftSize; ++k) result[k] = function(spectra[k]...);
+    return result;
+}
+
+/// 1 / x, but not where x is small against its greatest value.
+inline Spectrum Inverse(Spectrum const& spectrum, double floorDb) {
+    double most = 0.0;
+    for (auto const& x : spectrum) most = std::max(most, std::norm(x));
+    const double floor = most * std::pow(10.0, floorDb / 10.0);
+    return Combine([&](std::complex<double> x) { return std::conj(x) / (std::norm(x) + floor); }, spectrum);
+}
+
+/// Responses from a loudspeaker (first letter) to an ear (second letter).
+struct Ways {
+    /// @param left, right  degrees to the left and to the right, in steps of 5
+    Ways(int left, int right) {
+        int error = 0;
+        const std::unique_ptr<MYSOFA_HRTF, void (*)(MYSOFA_HRTF*)> sofa(
+            mysofa_load("/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa", &error), mysofa_free);
+        if (!sofa) return;
+        // Only the left ear has the normal pinna: the right one is its mirror image.
+        const auto leftEar = [&](int degreesToTheLeft) {
+            for (unsigned int i = 0; i < sofa->M; ++i) {
+                float const* const position = sofa->SourcePosition.values + std::size_t{i} * sofa->C;
+                if (std::lround(position[0]) != (degreesToTheLeft + 360) % 360 || std::lround(position[1]) != 0)
+                    continue;
+                float const* const response = sofa->DataIR.values + std::size_t{i} * sofa->R * sofa->N;
+                return std::vector<float>(response, response + sofa->N);
+            }
+            return std::vector<float>();
+        };
+        ll = leftEar(left), lr = leftEar(-left), rl = leftEar(-right), rr = leftEar(right);
+        LL = SpectrumOf(ll), LR = SpectrumOf(lr), RL = SpectrumOf(rl), RR = SpectrumOf(rr);
+    }
+    std::vector<float> ll, lr, rl, rr;
+    Spectrum LL, LR, RL, RR;
+};
