@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "dsp/denormals.h"
+
 namespace Lume {
 
 AmbisonicShelving::AmbisonicShelving() {
@@ -24,6 +26,7 @@ void AmbisonicShelving::ComputeCoefficients() {
 }
 
 void AmbisonicShelving::Process(float const* input, float* low, float* high, unsigned long numSamples) {
+    orvandsp::FlushDenormals();
     const float a = allpass;
     const float b = lowpass;
     float s1 = allpassState, s2 = lowpassState1, s3 = lowpassState2;
