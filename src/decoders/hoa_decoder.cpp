@@ -135,10 +135,10 @@ void HOADecoder::GetDecoderInfos(HOADecoderInfos& infos) const {
 }
 
 double HOADecoder::CheckLoudspeakersSetupRegularity() const {
-    orvandsp::MatrixDouble product = encodingMatrix * Transpose(encodingMatrix);
+    orvandsp::MatrixDouble scaled = encodingMatrix;
     for (unsigned int i = 0; i < numInputs; ++i)
-        for (double& element : product[i]) element *= 1.0 / numOutputs;
-    return Determinant(product);
+        for (double& element : scaled[i]) element *= 1.0 / numOutputs;
+    return Determinant(orvandsp::MatrixDouble(scaled * Transpose(encodingMatrix)));
 }
 
 double HOADecoder::CheckLoudspeakersSetupSemiRegularity() const {

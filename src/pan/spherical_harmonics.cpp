@@ -26,7 +26,7 @@ double FullyNormalized(unsigned int l, unsigned int a, double x) {
 
     const double s = std::sin(std::acos(x));
     double diagonal = s * 1.7320508075688772;
-    for (unsigned int i = 2; i <= a; ++i) diagonal *= std::sqrt((2.0 * i + 1.0) / (2.0 * i)) * s;
+    for (unsigned int i = 2; i <= a; ++i) diagonal = diagonal * std::sqrt((2.0 * i + 1.0) / (2.0 * i)) * s;
 
     const double m = a;
     double before = 0.0, current = diagonal;
@@ -46,9 +46,10 @@ double FullyNormalized(unsigned int l, unsigned int a, double x) {
 /// sqrt(2^(2 a - 1) a! a! / (2 a)!): what turns a semi-normalised harmonic of degree a into one of magnitude sin^a.
 /// Deliberately sqrt(0.5) for a = 0: the 2D conventions lower the omnidirectional channel by that.
 double CircularScale(unsigned int a) {
-    double square = 0.5;
-    for (unsigned int k = 1; k <= a; ++k) square *= 4.0 * k * k / ((2.0 * k - 1.0) * (2.0 * k));
-    return std::sqrt(square);
+    double factorial = 1.0, factorialOfTwice = 1.0;
+    for (unsigned int k = 2; k <= a; ++k) factorial *= k;
+    for (unsigned int k = 2; k <= 2 * a; ++k) factorialOfTwice *= k;
+    return std::sqrt(std::ldexp(0.5, static_cast<int>(2 * a)) * factorial * factorial / factorialOfTwice);
 }
 
 double Magnitude(unsigned int l, unsigned int a, double x, SphericalHarmonicsNormalization normalization) {
