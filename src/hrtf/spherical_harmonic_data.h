@@ -40,7 +40,7 @@ public:
     orvandsp::MatrixComplex const& GetSphericalBasisLeft() const noexcept { return left; }
     orvandsp::MatrixComplex const& GetSphericalBasisRight() const noexcept { return right; }
 
-    /// One value: of a harmonic, a frequency bin and an ear (1 left, 2 right; any other has 0).
+    /// One value: of a harmonic, a frequency bin and an ear (1 left, 2 right). 0 for what the set doesn't hold.
     /// @param order   of the harmonic, up to the highest
     /// @param degree  from -order to order
     std::complex<float> GetData(int order, int degree, unsigned int bin, unsigned int ear) const;

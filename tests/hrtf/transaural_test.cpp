@@ -161,6 +161,7 @@ TEST(SphericalHarmonicData, RowsAreHarmonicsInTheOrderOfTheirDegrees) {
 
     const Lume::SphericalHarmonicManager empty("set.shb");
     EXPECT_EQ(empty.GetNumFrequencyBins(), 0u);
+    EXPECT_EQ(empty.GetData(0, 0, 0, 1), std::complex(0.0f, 0.0f));
     EXPECT_EQ(empty.GetSphericalHarmonicInfo().filterType, Lume::hrtfSHCoeff);
     EXPECT_EQ(empty.GetNormalization(), Lume::SchmidtSeminormalized3D);
 }
