@@ -149,11 +149,4 @@ TEST(Decoder, WorksInPlaceAndAllocatesNothing) {
     }
 }
 
-TEST(NullDecoder, HandsOnAndClearsTheRest) {
-    Channels in(2, 4, 1), out(3, 4, 5);
-    Lume::NullDecoder(2, 3).Process(out.pointers.data(), in.pointers.data(), 4, orvandsp::allActiveInputs);
-    EXPECT_EQ(out.data[1], in.data[1]);
-    EXPECT_EQ(out.data[2], std::vector<float>(4, 0.0f));
-}
-
 }  // namespace

@@ -62,21 +62,4 @@ TEST(EngineStress, SLOW_TenMinutes) {
     for (unsigned int seed = 10; seed < 15; ++seed) Torment(1 + seed % 3, 6, 4 + seed % 13, 120.0, seed);
 }
 
-// Red if something keeps a tail alive: a denormal, a filter's limit cycle, a constant added on the way.
-TEST(EngineStress, BurstDecaysToSilence) {
-    for (const unsigned int channels : {2u, 8u, 16u}) {
-        EngineRig rig(1, 6, channels);
-        for (Control const& control : AllControls()) control.set(rig.engine, control.usual);
-        rig.engine.SetDecayTime(0.5f);
-        rig.engine.SetReverbModalDensity(0.2f);
-        const std::vector<float> burst = MakeNoise(7, rig.Samples(0.5));
-        rig.Run(burst.size(), [&](unsigned int, std::size_t t) { return burst[t]; });
-        rig.Silence(4.0);
-        float rest = 0.0f;
-        for (auto const& channel : rig.Silence(0.1))
-            for (const float x : channel) rest = std::max(rest, std::fabs(x));
-        EXPECT_LT(rest, 1e-10f) << channels;
-    }
-}
-
 }  // namespace
