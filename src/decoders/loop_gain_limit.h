@@ -8,9 +8,9 @@ namespace Lume {
 /// run away whatever delay it holds.
 ///
 /// Where the near ear has a notch, its inverse has a peak that may reach a gain of several in the loop. Such peaks are
-/// narrow and lie above 6 kHz for loudspeakers in front: the resonance next to one is widened, which flattens it and
-/// leaves the rest nearly as it was. What then is still too much is taken off the gain of the first cascade. Cascades
-/// whose loop is below the limit are not touched.
+/// narrow, and lie above 13 kHz for loudspeakers in front and above 6 kHz for those behind: the resonance next to one
+/// is widened, which flattens it and leaves the rest nearly as it was. What then is still too much is taken off the
+/// gain of the first cascade. Cascades whose loop is below the limit are not touched.
 ///
 /// Control thread only.
 /// @param first, second  coefficient sets as BiquadCascade::SetCoefficients takes them

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -9,19 +10,24 @@
 #include "hrtf/coll_file.h"
 #include "hrtf/hrtf.h"
 #include "hrtf/symmetric_transaural_data_loader.h"
+#include "pan/hrtf_filtering.h"
 
 namespace Lume {
 
 namespace {
 
 constexpr unsigned int defaultNumStages = 6;
-constexpr float maxDelay = 20.0f;        // [ms], far beyond any head
-constexpr float initialDelay = 0.25f;    // [ms], about that of loudspeakers at 30 degrees
+constexpr float maxDelay = 20.0f;      // [ms], far beyond any head
+constexpr float initialDelay = 0.25f;  // [ms], about that of loudspeakers at 30 degrees
+constexpr float fullScale = 1.0f;
+/// What an equaliser may send around: a cascade whose inverse is unstable must not leave infinities in the loop, which
+/// would outlive it.
+constexpr float runawayLevel = 100.0f;
 constexpr float minDelaySamples = 2.0f;  // as much as the reader between samples looks ahead
 
-/// Written as "not inside", so that not a number falls silent too.
-float Limited(float x) noexcept {
-    return !(std::abs(x) <= 1.0f) ? 0.0f : x;
+/// 0 for what exceeds a limit. Written as "not inside", so that not a number falls silent too.
+float Within(float limit, float x) noexcept {
+    return !(std::abs(x) <= limit) ? 0.0f : x;
 }
 
 void FilterSample(FadedBiquadCascade& filter, float& x) {
@@ -36,10 +42,8 @@ std::unique_ptr<HrtfData> Load(std::string const& path) {
 
 /// The filter of an ear of a point: as many coefficients as asked for, with zeros for what the point doesn't have.
 std::vector<float> EarFilter(HrtfPoint const& point, unsigned int ear, std::size_t length) {
-    const std::span<float const> all = point.coefficients;
-    const std::size_t begin = std::min(std::size_t{ear} * point.numCoefficients, all.size());
-    const auto block = all.subspan(begin, std::min<std::size_t>(point.numCoefficients, all.size() - begin));
-    std::vector<float> filter(block.begin(), block.end());
+    const std::span<float const> stored = EarCoefficients(point, ear);
+    std::vector<float> filter(stored.begin(), stored.end());
     filter.resize(length);
     return filter;
 }
@@ -65,7 +69,7 @@ float TransauralDecoderRecursiveSymmetricBiquads::Loop::Returned() {
     tap.Process(&x, 1);
     FilterSample(far, x);
     FilterSample(inverseNear, x);
-    return Limited(x);
+    return Within(fullScale, x);
 }
 
 TransauralDecoderRecursiveSymmetricBiquads::TransauralDecoderRecursiveSymmetricBiquads(unsigned int numberOfInputs,
@@ -127,10 +131,12 @@ void TransauralDecoderRecursiveSymmetricBiquads::Process(float** outputs, float*
         const float g = crossGain.Advance(1);
         s -= sum.Returned() * g;
         t += difference.Returned() * g;
+        s = Within(runawayLevel, s);
+        t = Within(runawayLevel, t);
         sum.line.tapIn(&s, 1, 0);
         difference.line.tapIn(&t, 1, 0);
-        s = Limited(s);
-        t = Limited(t);
+        s = Within(fullScale, s);
+        t = Within(fullScale, t);
         outputs[0][k] = t + s;
         outputs[1][k] = s - t;
         ForEachLoop([](Loop& loop) { loop.line.AdvanceWritePosition(1); });

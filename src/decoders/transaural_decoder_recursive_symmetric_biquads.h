@@ -22,10 +22,11 @@ namespace Lume {
 ///     s' = s / Hi - z^-d (Hc / Hi) s', t' = t / Hi + z^-d (Hc / Hi) t'.
 ///
 /// So 1 / Hi stands at the entrance of each loop, and Hc followed by 1 / Hi within it, all from the direction of the
-/// left loudspeaker. No other placing of the cascades of a point and of their inverses gives the ears the inputs back;
-/// and 1 / Hi, the near ear's cascade turned over, is stable because the cascades are minimum-phase. Where the near ear
-/// has a notch above the range in which crosstalk can be cancelled (near 14 kHz from 35 to 45 degrees), Hc / Hi may
-/// exceed 1 and the loop would run away: LimitLoopGain flattens such peaks within the loops.
+/// left loudspeaker. But for the order of the latter two, no other placing of the cascades of a point and of their
+/// inverses gives the ears the inputs back; and 1 / Hi, the near ear's cascade turned over, is stable because the
+/// cascades are minimum-phase. Where the near ear has a notch above the range in which crosstalk can be cancelled (near
+/// 14 kHz from 35 to 45 degrees), Hc / Hi may exceed 1 and the loop would run away: LimitLoopGain flattens such peaks
+/// within the loops.
 ///
 /// On a KEMAR manikin the built-in set takes 18.8 dB off the crosstalk at 30 degrees, on average from 200 Hz to 8 kHz
 /// on a logarithmic axis (21.5 dB at 20, 13.5 dB at 40 degrees): the excess phase that a delay can't stand for is what

@@ -308,21 +308,30 @@ TEST(TransauralDecoder, LoudspeakersAndHead) {
     }
 }
 
-/// A set for the loop of second-order sections: a near ear of gain 1, a far ear of some gain, and 10 samples between.
-std::unique_ptr<TransauralDecoder> LoadLoop(float farGain) {
+/// Loads a set into the loop of second-order sections: one section with b1 as its only coefficient for the near ear, a
+/// gain of a half for the far ear, and 10 samples between.
+void LoadLoop(TransauralDecoder& decoder, float b1) {
     constexpr double halfItd = 5.0 / 44.1;  // [ms]
-    const SetDescription set{.positions = {At(-30), At(30)}, .itds = {-halfItd * 2.0, halfItd * 2.0}};
-    const TemporaryFile file(".hrtf", SetFile(set, [&](auto, std::uint32_t ear) { return ear == 0 ? 1.0f : farGain; }));
+    const SetDescription set{
+        .numCoefficients = 5, .positions = {At(-30), At(30)}, .itds = {-halfItd * 2.0, halfItd * 2.0}};
+    const TemporaryFile file(".hrtf", SetFile(set, [&](auto, std::uint32_t place) {
+                                 constexpr float coefficients[] = {1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.5f};
+                                 return place == 1 ? b1 : place < 6 ? coefficients[place] : 0.0f;
+                             }));
+    EXPECT_TRUE(decoder.LoadFromFile(file.name.c_str()));
+    Render(decoder, Channels(2, 4096, 0.0f), 64);  // the glide and the fades end
+}
+
+std::unique_ptr<TransauralDecoder> MakeLoop() {
     auto decoder = Make("recursivesymmetricbiquads");
     decoder->Configure(44100.0f, 64, true);
-    EXPECT_TRUE(decoder->LoadFromFile(file.name.c_str()));
-    Render(*decoder, Channels(2, 4096, 0.0f), 64);  // the glide and the fades end
+    LoadLoop(*decoder, 0.0f);
     return decoder;
 }
 
 // Red if a loop has the other's sign, if its delay or the order within it changes, or if it allocates.
 TEST(TransauralDecoder, BiquadLoopsFollowTheirEquations) {
-    auto decoder = LoadLoop(0.5f);
+    auto decoder = MakeLoop();
     for (const double side : {1.0, -1.0}) {
         decoder->Clear();
         Channels in(2, 128, 0.0f), out(2, 128, 0.0f);
@@ -341,7 +350,7 @@ TEST(TransauralDecoder, BiquadLoopsFollowTheirEquations) {
 
 // Red if full scale isn't the limit, if it acts on the outputs alone, or if the loop doesn't come back.
 TEST(TransauralDecoder, BiquadLoopsDropWhatExceedsFullScale) {
-    auto decoder = LoadLoop(0.5f);
+    auto decoder = MakeLoop();
     Channels in(2, 64, 0.0f);
     in.data[0][0] = in.data[1][0] = 1.5f;  // 3 in the loop: dropped, and dropped again when half of it comes around
     in.data[0][25] = in.data[1][25] = 0.2f;
@@ -349,6 +358,22 @@ TEST(TransauralDecoder, BiquadLoopsDropWhatExceedsFullScale) {
     for (std::size_t n = 0; n < 25; ++n) EXPECT_NEAR(out.data[0][n], 0.0, 1e-3) << n;
     EXPECT_NEAR(out.data[0][25], 0.4, 1e-3);
     EXPECT_NEAR(out.data[0][35], -0.2, 1e-3);
+}
+
+// A near ear whose inverse is unstable. Red if it can be heard as anything but numbers within full scale, or if it
+// leaves anything behind once a better set is loaded.
+TEST(TransauralDecoder, BiquadLoopsSurviveUnstableInverses) {
+    auto decoder = MakeLoop();
+    LoadLoop(*decoder, -2.5f);
+    const Channels bad = Render(*decoder, NoisePair(4096), 64);
+    EXPECT_TRUE(std::ranges::all_of(bad.data[0], [](float x) { return std::abs(x) <= 2.0f; }));
+    LoadLoop(*decoder, 0.0f);
+    Channels in(2, 64, 0.0f);
+    in.data[0][0] = in.data[1][0] = 0.25f;
+    const Channels good = Render(*decoder, in, 64);
+    EXPECT_NEAR(good.data[0][0], 0.5, 1e-3);
+    EXPECT_NEAR(good.data[0][10], -0.25, 1e-3);
+    EXPECT_NEAR(good.data[0][20], 0.125, 1e-3);
 }
 
 // A loop with a gain of 2. Red if it grows without end, or if it doesn't start anew as if nothing had been.
