@@ -169,51 +169,8 @@ void ChangeOne(CartesianVector& position, CoordinatesFormat format, float value)
     position = spherical;
 }
 
-}  // namespace
-
-CoordinatesKeyword const* FindCoordinatesKeyword(t_symbol const* symbol) {
-    LumeCommonSymbols const& s = lume_common_symbols;
-    static const CoordinatesKeyword keywords[] = {{orvanmax_common_symbols.s_xyz, coordinates_xyz, 3},
-                                                  {s.s_xy, coordinates_xy, 2},
-                                                  {s.s_x_plus, coordinates_dx, 1},
-                                                  {s.s_y_plus, coordinates_dy, 1},
-                                                  {s.s_z_plus, coordinates_dz, 1},
-                                                  {s.s_x, coordinates_x, 1},
-                                                  {s.s_y, coordinates_y, 1},
-                                                  {s.s_z, coordinates_z, 1},
-                                                  {s.s_ade, coordinates_ade, 3},
-                                                  {s.s_aed, coordinates_aed, 3},
-                                                  {s.s_ae, coordinates_ae, 2},
-                                                  {s.s_ad, coordinates_ad, 2},
-                                                  {s.s_az, coordinates_az, 1},
-                                                  {s.s_azim, coordinates_azim, 1},
-                                                  {s.s_azim_plus, coordinates_dazim, 1},
-                                                  {s.s_elev, coordinates_elev, 1},
-                                                  {s.s_elev_plus, coordinates_delev, 1},
-                                                  {s.s_dist, coordinates_dist, 1},
-                                                  {s.s_dist_plus, coordinates_ddist, 1},
-                                                  {s.s_lume3, coordinates_lume3, 3},
-                                                  {s.s_wfs, coordinates_wfs, 2}};
-    auto const* const found = std::find_if(std::begin(keywords), std::end(keywords),
-                                           [symbol](auto const& keyword) { return keyword.symbol == symbol; });
-    return found != std::end(keywords) ? found : nullptr;
-}
-
-void get_coordinates_format_and_stride(t_symbol* symbol, t_object* x, CoordinatesFormat& format, long& stride,
-                                       t_symbol*& keyword) {
-    CoordinatesKeyword const* found = FindCoordinatesKeyword(symbol);
-    if (found == nullptr) {
-        object_warn(x, "unknown coordinate type: %s. using default coordinate type (ade)", symbol->s_name);
-        found = FindCoordinatesKeyword(lume_common_symbols.s_aed);  // not what the line says; meant to stay
-    }
-    format = found->format;
-    stride = found->stride;
-    keyword = found->symbol;
-}
-
-bool atoms2coordinates(CartesianVector& position, CoordinatesFormat format, long count, t_atom const* atoms) {
-    float n[3] = {0.0f, 0.0f, 0.0f};
-    if (!ReadNumbers(format, count, atoms, n)) return false;
+/// Applies the numbers of a format to a position.
+void Move(CartesianVector& position, CoordinatesFormat format, float const (&n)[3]) {
     switch (format) {
         case coordinates_xyz:
             position = CartesianVector{n[0], n[1], n[2]};
@@ -269,7 +226,64 @@ bool atoms2coordinates(CartesianVector& position, CoordinatesFormat format, long
             ChangeOne(position, format, n[0]);
             break;
     }
+}
+
+/// Lengths may be so large that their sums or squares leave the range of a float: such a position is none, since no
+/// relative step would lead back from it.
+bool Take(CartesianVector& position, CartesianVector const& moved) {
+    if (!(std::isfinite(moved.x) && std::isfinite(moved.y) && std::isfinite(moved.z))) return false;
+    position = moved;
     return true;
+}
+
+}  // namespace
+
+CoordinatesKeyword const* FindCoordinatesKeyword(t_symbol const* symbol) {
+    LumeCommonSymbols const& s = lume_common_symbols;
+    static const CoordinatesKeyword keywords[] = {{orvanmax_common_symbols.s_xyz, coordinates_xyz, 3},
+                                                  {s.s_xy, coordinates_xy, 2},
+                                                  {s.s_x_plus, coordinates_dx, 1},
+                                                  {s.s_y_plus, coordinates_dy, 1},
+                                                  {s.s_z_plus, coordinates_dz, 1},
+                                                  {s.s_x, coordinates_x, 1},
+                                                  {s.s_y, coordinates_y, 1},
+                                                  {s.s_z, coordinates_z, 1},
+                                                  {s.s_ade, coordinates_ade, 3},
+                                                  {s.s_aed, coordinates_aed, 3},
+                                                  {s.s_ae, coordinates_ae, 2},
+                                                  {s.s_ad, coordinates_ad, 2},
+                                                  {s.s_az, coordinates_az, 1},
+                                                  {s.s_azim, coordinates_azim, 1},
+                                                  {s.s_azim_plus, coordinates_dazim, 1},
+                                                  {s.s_elev, coordinates_elev, 1},
+                                                  {s.s_elev_plus, coordinates_delev, 1},
+                                                  {s.s_dist, coordinates_dist, 1},
+                                                  {s.s_dist_plus, coordinates_ddist, 1},
+                                                  {s.s_lume3, coordinates_lume3, 3},
+                                                  {s.s_wfs, coordinates_wfs, 2}};
+    auto const* const found = std::find_if(std::begin(keywords), std::end(keywords),
+                                           [symbol](auto const& keyword) { return keyword.symbol == symbol; });
+    return found != std::end(keywords) ? found : nullptr;
+}
+
+void get_coordinates_format_and_stride(t_symbol* symbol, t_object* x, CoordinatesFormat& format, long& stride,
+                                       t_symbol*& keyword) {
+    CoordinatesKeyword const* found = FindCoordinatesKeyword(symbol);
+    if (found == nullptr) {
+        object_warn(x, "unknown coordinate type: %s. using default coordinate type (ade)", symbol->s_name);
+        found = FindCoordinatesKeyword(lume_common_symbols.s_aed);  // not what the line says; meant to stay
+    }
+    format = found->format;
+    stride = found->stride;
+    keyword = found->symbol;
+}
+
+bool atoms2coordinates(CartesianVector& position, CoordinatesFormat format, long count, t_atom const* atoms) {
+    float numbers[3] = {0.0f, 0.0f, 0.0f};
+    if (!ReadNumbers(format, count, atoms, numbers)) return false;
+    CartesianVector moved = position;
+    Move(moved, format, numbers);
+    return Take(position, moved);
 }
 
 bool coordinates2atoms(CartesianVector const& position, CoordinatesFormat format, long count, t_atom* atoms) {
@@ -309,14 +323,15 @@ bool coordinates2atoms(CartesianVector const& position, CoordinatesFormat format
 
 bool ShortLume3ToCoordinates(CartesianVector& position, long count, t_atom const* atoms) {
     if (count < 1 || !IsCoordinate(atoms[0], 'a')) return false;
+    CartesianVector moved = position;
     float azimuth = CounterAzimuthIn(atom_getfloat(&atoms[0]));
     if (count < 2 || !IsCoordinate(atoms[1], 'l')) {
         SphericalVector spherical = ToSpherical(position);
         spherical.azimuth = azimuth;
-        position = spherical;
-        return true;
+        moved = spherical;
+        return Take(position, moved);
     }
     const float elevation = FoldElevation(radiansRoundTrip * ElevationOf(position), azimuth);
-    Place(position, azimuth, atom_getfloat(&atoms[1]), elevation);
-    return true;
+    Place(moved, azimuth, atom_getfloat(&atoms[1]), elevation);
+    return Take(position, moved);
 }

@@ -50,7 +50,8 @@ void get_coordinates_format_and_stride(t_symbol* symbol, t_object* x, Coordinate
                                        t_symbol*& keyword);
 
 /// Changes a position by the first atoms of a list. The formats that keep a part start from the position handed in.
-/// @return false, and the position as it was, if there are too few atoms, one isn't a number, or the format isn't one
+/// @return false, and the position as it was, if there are too few atoms, one isn't a number, the format isn't one, or
+///         the new position isn't finite
 bool atoms2coordinates(Lume::CartesianVector& position, CoordinatesFormat format, long count, t_atom const* atoms);
 
 /// Writes a position as float atoms, in one of the formats that hold it by themselves: xyz, xy, ade, aed, ae, ad, az,
@@ -61,5 +62,5 @@ bool coordinates2atoms(Lume::CartesianVector const& position, CoordinatesFormat 
 
 /// Forms of lume3 that leave something out, for sources: with two numbers the elevation of the position stays, with one
 /// the distance as well.
-/// @return false, and the position as it was, if the list doesn't begin with a number
+/// @return false, and the position as it was, if the list doesn't begin with a number or the new position isn't finite
 bool ShortLume3ToCoordinates(Lume::CartesianVector& position, long count, t_atom const* atoms);

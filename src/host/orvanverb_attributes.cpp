@@ -1,5 +1,7 @@
 #include "host/orvanverb_attributes.h"
 
+#include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "host/atom_format.h"
@@ -43,11 +45,16 @@ Outcome SetSizes(orvanverb_t* x, t_symbol const* name, t_atom const* atoms) {
     return Outcome::done;
 }
 
-/// Reads positions; a list that is too short changes nothing.
+/// Reads positions; a list that is too short, or holds an infinity, changes nothing: a source without a place would
+/// fill the outputs with values that aren't numbers.
 bool ReadPositions(orvanverb_t* x, t_symbol const* name, float* positions, std::uint32_t expected, long count,
                    t_atom const* atoms) {
     if (count < static_cast<long>(expected)) {
         object_error(orvanverb_object(x), "%s: %u coordinates are expected, not %ld", name->s_name, expected, count);
+        return false;
+    }
+    if (!std::all_of(atoms, atoms + expected, [](t_atom const& atom) { return std::isfinite(atom_getfloat(&atom)); })) {
+        object_error(orvanverb_object(x), "%s: coordinates must be finite", name->s_name);
         return false;
     }
     for (std::uint32_t i = 0; i < expected; ++i) positions[i] = atom_getfloat(&atoms[i]);
@@ -136,12 +143,14 @@ float* TimeField(orvanverb_t* x, bool early, t_symbol const* word) {
     return nullptr;
 }
 
-/// "early start 500": goes past the filter of early_start and is stored as it comes.
+/// "early start 500": goes past the filter of early_start and is stored as it comes, as long as it is finite.
 bool SetTimeByWord(orvanverb_t* x, bool early, t_atom const* atoms) {
     if (atom_gettype(atoms) != A_SYM) return false;
     float* const field = TimeField(x, early, atom_getsym(atoms));
     if (field == nullptr) return false;
-    *field = orvanmax::atom_getnumber(&atoms[1], 0.0f);
+    const float value = orvanmax::atom_getnumber(&atoms[1], 0.0f);
+    if (!std::isfinite(value)) return false;
+    *field = value;
     orvanverb_update_time_structure(x);
     return true;
 }

@@ -122,6 +122,18 @@ TEST_F(Coordinates, SourcesRefuseInTheirWords) {
     EXPECT_NEAR(atom_getfloat(&(*box.box.GetAttribute("sourcespositions"))[3]), second.x, 1e-4f);
 }
 
+// Red if steps lead where no step leads back from: an infinity, or what isn't a number.
+TEST_F(Coordinates, SourcesStayInReach) {
+    box.Send("source 1 xyz 3e38 0 0");
+    const std::string before = box.Get("sourcespositions");
+    for (char const* const message :
+         {"source 1 x++ 3e38", "source 1 dist++ 1", "source 1 azim 45", "source 1 lume3 45"})
+        EXPECT_EQ(box.Send(message), "error: error reading source coordinates|") << message;
+    EXPECT_EQ(box.Get("sourcespositions"), before);
+    EXPECT_EQ(box.Send("source 1 dist 2"), "");
+    ExpectSource({2, 0, 0});
+}
+
 TEST_F(Coordinates, LoudspeakersMoveAloneOrAllTogether) {
     EXPECT_EQ(box.Send("speakers az -45 45 135 -135"), "");
     EXPECT_EQ(box.Send("loudspeakers dist++ 1 1 1 0"), "");

@@ -108,6 +108,8 @@ TEST(OrvanverbAttributes, RefuseWhatTheyCannotTake) {
     EXPECT_EQ(box.Send("sourcespositions 1 2 3"), "error: sourcespositions: 6 coordinates are expected, not 3|");
     EXPECT_EQ(box.Send("speakerspositions 1"), "error: speakerspositions: 9 coordinates are expected, not 1|");
     EXPECT_EQ(box.Send("sourcespositions 1 2 3 4 5 x"), "error: sourcespositions: a number is expected, not \"x\"|");
+    EXPECT_EQ(box.Send("sourcespositions 1 2 3 4 5 1e99"), "error: sourcespositions: coordinates must be finite|");
+    EXPECT_EQ(box.Send("early width 1e99"), "error: invalid early parameters : width inf |");
     EXPECT_EQ(box.Send("delays 1 2 3 4 5 6 7"), "error: Wrong number of delays|");
     EXPECT_EQ(box.Send("direct 1 2 3"), "error: invalid direct parameters : 1 2 3 |");
     EXPECT_EQ(box.Send("room start 2"), "error: invalid room parameters : start 2 |");
