@@ -1,5 +1,6 @@
 #include "host/object_state.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,7 @@ t_max_err orvanmax_getvalueof(t_object* x, long* count, t_atom** atoms) {
             return MAX_ERR_NONE;
         }
         *count = static_cast<long>(expected);
+        std::fill_n(*atoms, expected, t_atom{});  // a place that nothing is stored in is empty
     } else {
         object_warn(x, "orvanmax_getvalueof : memory passed in");
     }

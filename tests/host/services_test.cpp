@@ -202,6 +202,9 @@ TEST_F(Services, SavingSaysWhatItCouldNotStore) {
           "error: 10 atoms allocated but 9 atoms stored by the pattrstorage|"})
         EXPECT_NE(lines.find(line), std::string::npos) << lines;
     EXPECT_EQ(atom_getlong(&memory[8]), 6);
+    const std::vector<t_atom> state = probe.box.GetState();  // as long as expected, and empty at the end
+    ASSERT_EQ(state.size(), 10u);
+    EXPECT_EQ(atom_gettype(&state.back()), max::A_NOTHING);
 }
 
 TEST_F(Services, PresetsComeBackAsMessages) {
