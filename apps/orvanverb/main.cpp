@@ -5,6 +5,7 @@
 #include "orvanverb/attribute_listing.h"
 #include "orvanverb/command_line.h"
 #include "orvanverb/interrupt.h"
+#include "orvanverb/pan/pan_command.h"
 #include "orvanverb/program_error.h"
 #include "orvanverb/reference.h"
 #include "orvanverb/render.h"
@@ -20,6 +21,9 @@ int Obey(program::Options const& options) {
         case Command::Render:
         case Command::ImpulseResponse:
             program::Run(options);
+            break;
+        case Command::Pan:
+            program::RunPan(options);
             break;
         case Command::Hrtf:
             if (options.hrtf.action == program::HrtfOptions::Action::Info) return program::ShowHrtf(options.hrtf);

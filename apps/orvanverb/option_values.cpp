@@ -1,13 +1,24 @@
 #include "orvanverb/option_values.h"
 
+#include <algorithm>
 #include <bit>
 #include <optional>
+#include <string_view>
 
 #include "orvanverb/limits.h"
 #include "orvanverb/program_error.h"
 #include "orvanverb/text.h"
 
 namespace program {
+
+namespace {
+
+bool AreSameLetters(std::string_view a, std::string_view b) {
+    const auto lower = [](char letter) { return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : int{letter}; };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+}  // namespace
 
 int ParseRate(std::string const& word) {
     const std::optional<unsigned int> rate = ParseCount(word);
@@ -29,6 +40,18 @@ SampleFormat ParseFormat(std::string const& word) {
     const std::optional<SampleFormat> format = ParseSampleFormat(word);
     if (!format) throw UsageError("--format: '" + word + "' is none of pcm16, pcm24, float and flac");
     return *format;
+}
+
+std::string ParseConvention(std::string const& word) {
+    for (char const* name : {"SN3D", "N3D", "SN2D", "N2D"})
+        if (AreSameLetters(word, name)) return name;
+    throw UsageError("--convention: '" + word + "' is none of SN3D, N3D, SN2D and N2D");
+}
+
+std::string ParseSorting(std::string const& word) {
+    if (AreSameLetters(word, "IncreasingDegrees") || AreSameLetters(word, "ACN")) return "IncreasingDegrees";
+    if (AreSameLetters(word, "AlternateDegrees")) return "AlternateDegrees";
+    throw UsageError("--sorting: '" + word + "' is neither IncreasingDegrees (ACN) nor AlternateDegrees");
 }
 
 }  // namespace program

@@ -15,4 +15,10 @@ unsigned int ParseVectorSize(std::string const& word);
 
 SampleFormat ParseFormat(std::string const& word);
 
+/// SN3D, N3D, SN2D or N2D, in whatever letters. @return in capitals
+std::string ParseConvention(std::string const& word);
+
+/// IncreasingDegrees, which is also known as ACN, or AlternateDegrees, in whatever letters. @return the full name
+std::string ParseSorting(std::string const& word);
+
 }  // namespace program

@@ -8,13 +8,14 @@
 #include "orvanverb/hrtf/hrtf_commands.h"
 #include "orvanverb/limits.h"
 #include "orvanverb/listener_position.h"
+#include "orvanverb/pan/pan_options.h"
 #include "orvanverb/tail.h"
 
 namespace program {
 
 /// What the user asked for: every word checked on its own, nothing opened yet.
 struct Options {
-    enum class Command { Render, ImpulseResponse, Hrtf, Shell, Attributes, Reference };
+    enum class Command { Render, ImpulseResponse, Pan, Hrtf, Shell, Attributes, Reference };
     struct SourcePlace {
         unsigned int number = 1;  // counted from 1
         ListenerPosition position;
@@ -26,6 +27,7 @@ struct Options {
 
     Command command = Command::Render;
     HrtfOptions hrtf;
+    PanOptions pan;
     std::vector<std::string> attributes;  // of the object box: @name value ...
     bool json = false;
     std::vector<std::string> inputs;
@@ -40,6 +42,7 @@ struct Options {
     std::optional<std::string> saveState;
     std::vector<Setting> settings;
     Tail tail{std::nullopt};
+    bool tailGiven = false;  // otherwise the command's own default
     std::optional<double> inTurnSeconds;
     unsigned int vectorSize = defaultVectorSize;
 };

@@ -78,8 +78,8 @@ void RoomObject::PlaceSpeakers(std::span<Lume::CartesianVector const> positions)
     Tell("speakerspositions", std::move(atoms));
 }
 
-std::vector<Lume::CartesianVector> RoomObject::SpeakerPositions() {
-    const std::vector<max::t_atom> atoms = *box.GetAttribute("speakerspositions");
+std::vector<Lume::CartesianVector> RoomObject::Positions(char const* attribute) {
+    const std::vector<max::t_atom> atoms = *box.GetAttribute(attribute);
     std::vector<Lume::CartesianVector> positions;
     for (std::size_t i = 0; i + 2 < atoms.size(); i += 3)
         positions.push_back(

@@ -33,7 +33,8 @@ public:
     void PlaceSources();
     void PlaceSource(unsigned int index, Lume::CartesianVector const& position);
     void PlaceSpeakers(std::span<Lume::CartesianVector const> positions);
-    std::vector<Lume::CartesianVector> SpeakerPositions();
+    std::vector<Lume::CartesianVector> SourcePositions() { return Positions("sourcespositions"); }
+    std::vector<Lume::CartesianVector> SpeakerPositions() { return Positions("speakerspositions"); }
 
     /// The values of all attributes that a state holds, each with its name, in the order of the state.
     struct Value {
@@ -52,6 +53,9 @@ public:
     /// @param vectorSize     samples of each call of Process, a power of two from 16 on
     void Start(int newSamplerate, unsigned int vectorSize);
 
+    /// Tells the rate of a room that only keeps positions, so that a scene knows its time. Start does it too.
+    void SetSamplerate(int newSamplerate) { samplerate = newSamplerate; }
+
     /// Processes one vector of finite samples. Real-time safe.
     void Process(float** outputs, float** inputs) { box.Process(inputs, outputs); }
 
@@ -63,6 +67,7 @@ public:
 private:
     void Hear(max::ConsoleLevel level, std::string const& text);
     void ThrowComplaint();
+    std::vector<Lume::CartesianVector> Positions(char const* attribute);
 
     int samplerate = 0;     // [Hz]
     std::string complaint;  // the first line that is an error, not thrown yet

@@ -9,6 +9,7 @@
 #include "orvanverb/control.h"
 #include "orvanverb/limits.h"
 #include "orvanverb/program_error.h"
+#include "orvanverb/source_motion.h"
 #include "orvanverb/text.h"
 
 namespace program {
@@ -56,16 +57,6 @@ void Tell(RoomObject& room, Options::Setting const& setting, std::string const& 
         room.Tell(setting.name + " " + JoinWords(setting.values));
     } catch (std::invalid_argument const& error) {
         throw UsageError(option + ": " + error.what());
-    }
-}
-
-void PlaceSources(RoomObject& room, std::vector<Options::SourcePlace> const& places) {
-    for (Options::SourcePlace const& place : places) {
-        if (place.number > room.NumSources())
-            throw UsageError(
-                "--source " + std::to_string(place.number) + ": there " +
-                (room.NumSources() == 1 ? "is 1 source" : "are " + std::to_string(room.NumSources()) + " sources"));
-        room.PlaceSource(place.number - 1, ToCartesian(place.position));
     }
 }
 

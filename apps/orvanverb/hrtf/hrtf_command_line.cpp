@@ -37,7 +37,8 @@ void TakeMeaning(Words const& words, HrtfOptions& options) {
 
 }  // namespace
 
-CLI::App* AddHrtfCommand(CLI::App& app, HrtfOptions& options) {
+CLI::App* AddHrtfCommand(CLI::App& app, Options& all) {
+    HrtfOptions& options = all.hrtf;
     CLI::App* hrtf = app.add_subcommand("hrtf", "Look at sets of filters for headphones, and make them");
     hrtf->require_subcommand(1);
 
@@ -46,6 +47,7 @@ CLI::App* AddHrtfCommand(CLI::App& app, HrtfOptions& options) {
         ->required()
         ->type_name("FILE");
     info->callback([&options] { options.action = HrtfOptions::Action::Info; });
+    hrtf->callback([&all] { all.command = Options::Command::Hrtf; });
 
     CLI::App* convert = hrtf->add_subcommand("convert", "Make a .hrtf file, for your own ears or another sample rate");
     const auto words = std::make_shared<Words>();

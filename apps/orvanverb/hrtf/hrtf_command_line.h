@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orvanverb/hrtf/hrtf_commands.h"
+#include "orvanverb/options.h"
 
 namespace CLI {
 class App;
@@ -9,6 +9,6 @@ class App;
 namespace program {
 
 /// Adds the command "hrtf" to the parser, which then fills the options or throws UsageError.
-CLI::App* AddHrtfCommand(CLI::App& app, HrtfOptions& options);
+CLI::App* AddHrtfCommand(CLI::App& app, Options& options);
 
 }  // namespace program

@@ -3,15 +3,12 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
-#include <functional>
-#include <iostream>
-#include <sstream>
 
 #include "hrtf/coll_file.h"
 #include "hrtf/hrtf.h"
 #include "hrtf/nearfield_compensation_filters.h"
 #include "hrtf/symmetric_transaural_data_loader.h"
+#include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "orvanverb/hrtf/set_conversion.h"
 #include "orvanverb/hrtf/set_summary.h"
@@ -27,42 +24,10 @@ namespace {
 
 constexpr char const* builtIn = "kemar";
 
-/// Keeps what the engine's loaders write on standard error, so that a failure is one line of ours.
-class QuietErrors {
-public:
-    QuietErrors() : before(std::cerr.rdbuf(lines.rdbuf())) {}
-    ~QuietErrors() { std::cerr.rdbuf(before); }
-    QuietErrors(QuietErrors const&) = delete;
-    QuietErrors& operator=(QuietErrors const&) = delete;
-
-private:
-    std::ostringstream lines;
-    std::streambuf* before;
-};
-
-void RequireReadable(std::string const& path) {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error)) throw WorkError(path + ": No such file");
-    if (!std::filesystem::is_regular_file(path, error)) throw WorkError(path + ": is no file");
-}
-
-/// Runs a loader of the engine. Its message names the file already, or is told for it.
-void Load(std::string const& path, std::function<void()> const& load) {
-    const QuietErrors quiet;
-    try {
-        load();
-    } catch (std::exception const& error) {
-        std::string why = error.what();
-        if (const std::size_t name = why.find(path); name != std::string::npos) why.erase(name);
-        while (why.ends_with(' ') || why.ends_with('?')) why.pop_back();
-        throw WorkError(path + ": " + why);
-    }
-}
-
 /// A text of rows: for the ears, or, with 34 of them, for two loudspeakers.
 Lume::SdifSet ReadColl(std::string const& path) {
     Lume::SdifSet set;
-    Load(path, [&] {
+    LoadQuietly(path, [&] {
         try {
             set = CopySet(Lume::Hrtf(path));
         } catch (std::exception const&) {
@@ -79,10 +44,10 @@ Lume::SdifSet ReadColl(std::string const& path) {
 
 Lume::SdifSet ReadAnySet(std::string const& path) {
     if (path == builtIn) return CopySet(Lume::Hrtf(""));
-    RequireReadable(path);
+    RequireSetFile(path, ".hrtf, .near, .bin2trans or .coll");
     if (Lume::CheckFileExtension(path, ".coll")) return ReadColl(path);
     Lume::SdifSet set;
-    Load(path, [&] {
+    LoadQuietly(path, [&] {
         try {
             set = Lume::ReadSdifSet(path, 1);
         } catch (std::exception const& error) {
@@ -101,11 +66,9 @@ bool IsSofa(std::string const& path) {
 /// A set of the engine to convert.
 Lume::Hrtf ReadHrtf(std::string const& path) {
     if (path == builtIn) return Lume::Hrtf("");
-    RequireReadable(path);
-    if (!Lume::CheckFileExtension(path, ".coll") && !Lume::CheckFileExtension(path, ".hrtf"))
-        throw UsageError(path + ": .sofa, .coll and .hrtf files can be converted, and the built-in set, kemar");
+    RequireSetFile(path, ".sofa, .coll or .hrtf");
     Lume::Hrtf set("");
-    Load(path, [&] { set.LoadFromFile(path); });
+    LoadQuietly(path, [&] { set.LoadFromFile(path); });
     Lume::HrtfHeaderInfos const& header = set.GetHrtfHeaderInfos();
     if (header.hrtfType != Lume::hrtfBinaural || header.numChannels != 2 || header.filterType > Lume::hrtfFIR ||
         header.numPoints == 0 || header.numCoefficients == 0)

@@ -1,0 +1,54 @@
+#include "orvanverb/hrtf/engine_loading.h"
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <sstream>
+#include <system_error>
+
+#include "orvanverb/program_error.h"
+#include "orvanverb/text.h"
+
+namespace program {
+
+namespace {
+
+class QuietErrors {
+public:
+    QuietErrors() : before(std::cerr.rdbuf(lines.rdbuf())) {}
+    ~QuietErrors() { std::cerr.rdbuf(before); }
+    QuietErrors(QuietErrors const&) = delete;
+    QuietErrors& operator=(QuietErrors const&) = delete;
+
+private:
+    std::ostringstream lines;
+    std::streambuf* before;
+};
+
+}  // namespace
+
+void RequireSetFile(std::string const& path, std::string const& extensions) {
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) throw WorkError(path + ": " + std::generic_category().message(ENOENT));
+    if (!std::filesystem::is_regular_file(path, error)) throw WorkError(path + ": is no file");
+    const std::vector<std::string> words = SplitWords(extensions, ",");
+    if (std::none_of(words.begin(), words.end(),
+                     [&](std::string const& word) { return word.starts_with('.') && path.ends_with(word); }))
+        throw WorkError(path + ": a name that ends in " + extensions + " is expected");
+}
+
+void LoadQuietly(std::string const& path, std::function<void()> const& load) {
+    const QuietErrors quiet;
+    try {
+        load();
+    } catch (std::exception const& error) {
+        // The engine's messages end in the name, which stands in front here.
+        std::string why = error.what();
+        if (const std::size_t name = why.find(path); name != std::string::npos) why.erase(name);
+        while (why.ends_with(' ') || why.ends_with('?')) why.pop_back();
+        throw WorkError(path + ": " + why);
+    }
+}
+
+}  // namespace program

@@ -1,0 +1,139 @@
+#include "orvanverb/pan/layout_check.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/azimuth.h"
+#include "orvanverb/text.h"
+#include "pan/vbap_panning.h"
+
+namespace program {
+
+namespace {
+
+using Pan = Lume::Pan;
+using Positions = std::vector<Lume::CartesianVector>;
+
+constexpr float sameAngleDeg = 0.5f;
+constexpr float samePlace = 0.01f;  // [m]
+
+/// Azimuths as the listener has them, of one loudspeaker after the other [degrees].
+std::vector<float> Azimuths(Positions const& positions) {
+    std::vector<float> azimuths;
+    for (Lume::CartesianVector const& p : positions)
+        azimuths.push_back(Lume::SwapAzimuthConvention(std::atan2(p.y, p.x) * Lume::RadiansToDegrees));
+    return azimuths;
+}
+
+float Length(Lume::CartesianVector const& a) {
+    return std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
+}
+
+Lume::CartesianVector Cross(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+Lume::CartesianVector Difference(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+float AngleDeg(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
+    return std::atan2(Length(Cross(a, b)), a.x * b.x + a.y * b.y + a.z * b.z) * Lume::RadiansToDegrees;
+}
+
+std::string Names(std::size_t a, std::size_t b) {
+    return "loudspeakers " + std::to_string(a + 1) + " and " + std::to_string(b + 1);
+}
+
+/// The first two loudspeakers that a method can't tell apart.
+template <typename AreSame>
+void CheckPairs(Positions const& positions, AreSame&& areSame, char const* what, std::vector<std::string>& warnings) {
+    for (std::size_t a = 0; a < positions.size(); ++a)
+        for (std::size_t b = a + 1; b < positions.size(); ++b)
+            if (areSame(a, b)) {
+                warnings.push_back(Names(a, b) + " stand " + what);
+                return;
+            }
+}
+
+void CheckHeights(Positions const& positions, std::vector<std::string>& warnings) {
+    const auto high = std::find_if(positions.begin(), positions.end(),
+                                   [](Lume::CartesianVector const& p) { return std::abs(p.z) > 0.01f * Length(p); });
+    if (high != positions.end())
+        warnings.push_back("loudspeaker " + std::to_string(high - positions.begin() + 1) +
+                           " stands above or below the listener; this method only looks at its azimuth");
+}
+
+void CheckRing(Positions const& positions, std::vector<std::string>& warnings) {
+    constexpr float widest = 180.0f;
+    std::vector<float> sorted = Azimuths(positions);
+    std::sort(sorted.begin(), sorted.end());
+    for (std::size_t i = 0; i < sorted.size(); ++i) {
+        const float next = i + 1 < sorted.size() ? sorted[i + 1] : sorted[0] + 360.0f;
+        if (next - sorted[i] < widest - 0.01f) continue;
+        warnings.push_back("no loudspeaker stands between the azimuths " +
+                           FixedText(static_cast<double>(sorted[i]), 0) + " and " +
+                           FixedText(static_cast<double>(next > 180.0f ? next - 360.0f : next), 0) +
+                           ": sources in a gap of 180 degrees or more can be silent");
+    }
+}
+
+void CheckTriplets(Positions const& positions, std::vector<std::string>& warnings) {
+    Lume::VbapPanning panner(1, static_cast<unsigned int>(positions.size()));
+    panner.SetLoudspeakerPositions(positions.data());
+    if (panner.GetNumTriplets() > 0) return;
+    warnings.push_back(
+        "the loudspeakers stand in one plane with the listener: there are no triplets, and the output is silent");
+}
+
+/// Whether all stand on one line through the plane.
+bool AreInLine(Positions const& positions) {
+    for (std::size_t i = 2; i < positions.size(); ++i) {
+        Lume::CartesianVector first = Difference(positions[1], positions[0]);
+        Lume::CartesianVector here = Difference(positions[i], positions[0]);
+        first.z = here.z = 0.0f;
+        if (Length(Cross(first, here)) > 0.001f * Length(first) * Length(here)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+std::vector<std::string> CheckLayout(Pan::Type type, Positions const& positions) {
+    std::vector<std::string> warnings;
+    const bool inPlane =
+        type == Pan::vbap2d || type == Pan::angular || type == Pan::dbap || type == Pan::panr || type == Pan::surround;
+    if (inPlane) CheckHeights(positions, warnings);
+    if (type == Pan::dbap || type == Pan::dbap3d) {
+        CheckPairs(
+            positions,
+            [&](std::size_t a, std::size_t b) {
+                Lume::CartesianVector apart = Difference(positions[a], positions[b]);
+                if (type == Pan::dbap) apart.z = 0.0f;
+                return Length(apart) < samePlace;
+            },
+            "in one place: they always play the same", warnings);
+        if (type == Pan::dbap && AreInLine(positions))
+            warnings.push_back("the loudspeakers stand in one line: sources beside it are outside and fade");
+        return warnings;
+    }
+    if (inPlane) {
+        const std::vector<float> azimuths = Azimuths(positions);
+        CheckPairs(
+            positions,
+            [&](std::size_t a, std::size_t b) {
+                const float apart = std::abs(azimuths[a] - azimuths[b]);
+                return std::min(apart, 360.0f - apart) < sameAngleDeg;
+            },
+            "at one azimuth: no source lies between them, and one of them can stay silent", warnings);
+        if (type == Pan::vbap2d) CheckRing(positions, warnings);
+        return warnings;
+    }
+    CheckPairs(
+        positions, [&](std::size_t a, std::size_t b) { return AngleDeg(positions[a], positions[b]) < sameAngleDeg; },
+        "in one direction: one of them can stay silent", warnings);
+    CheckTriplets(positions, warnings);
+    return warnings;
+}
+
+}  // namespace program

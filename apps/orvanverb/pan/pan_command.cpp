@@ -1,0 +1,85 @@
+#include "orvanverb/pan/pan_command.h"
+
+#include <chrono>
+#include <cstdio>
+
+#include "dsp/constants.h"
+#include "hrtf/hrtf_header_infos.h"
+#include "orvanverb/input_bank.h"
+#include "orvanverb/pan/gain_table.h"
+#include "orvanverb/pan/pan_setup.h"
+#include "orvanverb/source_motion.h"
+#include "orvanverb/streaming.h"
+#include "orvanverb/text.h"
+#include "pan/binaural_panning.h"
+
+namespace program {
+
+namespace {
+
+// What filters and delays still give when the input has ended.
+constexpr double usualTailSeconds = 0.1;
+
+/// A set is used as it is at every rate; at another one its filters are shifted in frequency.
+void RemarkRate(PanSetup const& setup, Options const& options, int samplerate) {
+    if (!options.pan.hrtf) return;
+    Lume::HrtfHeaderInfos const* const header =
+        static_cast<Lume::BinauralPanning const&>(*setup.panner).GetHrtfHeaderInfos();
+    if (header != nullptr && header->samplingRate != static_cast<unsigned int>(samplerate))
+        Say(*options.pan.hrtf + ": was made for " + std::to_string(header->samplingRate) + " Hz, the output has " +
+            std::to_string(samplerate) + "; orvanverb hrtf convert makes one for it");
+}
+
+void Render(Options const& options) {
+    const auto begin = std::chrono::steady_clock::now();
+    InputBank inputs(options.inputs, options.rate, options.inTurnSeconds);
+    SourceMotion motion(inputs.NumChannels(), options.sources, options.scene, inputs.Samplerate());
+    PanSetup setup(options, motion.Positions());
+    for (std::string const& warning : setup.warnings) Say("warning: " + warning);
+    RemarkRate(setup, options, inputs.Samplerate());
+    setup.Start(inputs.Samplerate(), options.vectorSize);
+
+    Streaming streaming;
+    streaming.samplerate = inputs.Samplerate();
+    streaming.vectorSize = options.vectorSize;
+    streaming.numInputs = inputs.NumChannels();
+    streaming.numOutputs = setup.NumOutputs();
+    streaming.fileOrder = setup.layout.fileOrder;
+    streaming.tail = options.tailGiven ? options.tail : Tail(setup.HasTail() ? usualTailSeconds : 0.0);
+    if (options.scene)
+        streaming.prepare = [&](std::uint64_t beforeFrame) {
+            for (std::string const& line : motion.Advance(beforeFrame)) Say(line);
+            setup.Place(motion.Positions());
+        };
+    streaming.process = [&](float** outputs, float** sources) {
+        setup.panner->Process(outputs, sources, options.vectorSize, orvandsp::allActiveInputs);
+    };
+
+    const SampleFormat format = ChooseFormat(options.format, options.output);
+    AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);
+    PeakMeter meter(setup.NumOutputs());
+    Stream(inputs, streaming, output, meter);
+    output.Commit();
+    ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
+                 std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+    if (setup.method.outputs == PanMethod::Outputs::Harmonics)
+        Say(options.pan.ambix ? "AmbiX: ACN order, SN3D weights, x ahead, y to the left"
+                              : "axes: x to the right, y ahead, z up; --ambix turns them for other tools");
+    for (std::string const& remark : inputs.Remarks()) Say(remark);
+}
+
+}  // namespace
+
+void RunPan(Options const& options) {
+    if (options.pan.list) {
+        std::fputs(PanMethodList().c_str(), stdout);
+        return;
+    }
+    if (!options.pan.gains && !options.pan.triplets) return Render(options);
+    const ListenerPosition place = options.sources.empty() ? ListenerPosition{} : options.sources.back().position;
+    PanSetup setup(options, {ToCartesian(place)});
+    for (std::string const& warning : setup.warnings) Say("warning: " + warning);
+    std::fputs((options.pan.gains ? GainTable(setup, place) : TripletTable(setup)).c_str(), stdout);
+}
+
+}  // namespace program

@@ -1,0 +1,94 @@
+#include "orvanverb/pan/pan_command_line.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <memory>
+
+#include "orvanverb/common_options.h"
+#include "orvanverb/option_values.h"
+#include "orvanverb/program_error.h"
+#include "orvanverb/text.h"
+
+namespace program {
+
+namespace {
+
+struct Words {
+    CommonWords common;
+    std::string outputs, convention, sorting;
+};
+
+constexpr char const* footer =
+    "Angles are the listener's: azimuth 0 is ahead, +90 right, -90 left; elevation 90 is above. Distances are in\n"
+    "metres. Without --source and --scene, sources stand at the built-in places for their number.";
+
+void TakeMeaning(Words const& words, Options& options) {
+    PanOptions& pan = options.pan;
+    TakeCommonMeaning(words.common, options);
+    if (pan.list) return;
+    if (pan.method.empty()) throw UsageError("--method: is required; orvanverb pan --list shows them");
+    if (!words.outputs.empty()) {
+        pan.outputs = ParseCount(words.outputs);
+        if (!pan.outputs) throw UsageError("--outputs: '" + words.outputs + "' is no count");
+    }
+    if (!words.convention.empty()) pan.convention = ParseConvention(words.convention);
+    if (!words.sorting.empty()) pan.sorting = ParseSorting(words.sorting);
+    if (pan.ambix &&
+        (pan.convention.value_or("SN3D") != "SN3D" || pan.sorting.value_or("IncreasingDegrees") != "IncreasingDegrees"))
+        throw UsageError("--ambix: means SN3D and IncreasingDegrees");
+    if (pan.gains || pan.triplets) return;
+    if (options.inputs.empty()) throw UsageError("inputs: a recording is required");
+    if (options.output.empty()) throw UsageError("--output: is required");
+}
+
+}  // namespace
+
+CLI::App* AddPanCommand(CLI::App& app, Options& options) {
+    const auto words = std::make_shared<Words>();
+    PanOptions& pan = options.pan;
+    CLI::App* command = app.add_subcommand("pan", "Pan recordings with one method, without a room");
+    AddInputs(*command, options, words->common);
+    command->add_option("--method", pan.method, "How; --list shows what there is")->type_name("NAME")->take_last();
+    command
+        ->add_option("--model,--sub-type", pan.model,
+                     "For headphones: direct, nearfield, sphericalhead, snowman; or early, diffuse")
+        ->type_name("NAME")
+        ->take_last();
+    command
+        ->add_option("--speakers", options.speakers,
+                     "Loudspeakers: a count, a file with one AZIMUTH [ELEVATION [DISTANCE]] a line,\n"
+                     "cube or lcrs")
+        ->type_name("LAYOUT")
+        ->take_last();
+    command->add_option("--outputs", words->outputs, "Channels of an ambisonic method")
+        ->type_name("COUNT")
+        ->take_last();
+    command->add_option("--convention", words->convention, "SN3D or N3D for hoa3d, SN2D or N2D for hoa2d")
+        ->type_name("NAME")
+        ->take_last();
+    command->add_option("--sorting", words->sorting, "IncreasingDegrees (ACN) or AlternateDegrees")
+        ->type_name("NAME")
+        ->take_last();
+    command->add_flag("--ambix", pan.ambix, "For hoa3d: the form that other tools read, ACN, SN3D, x ahead");
+    AddPlaces(*command, options, words->common);
+    command->add_option("--hrtf", pan.hrtf, "A set of filters for headphones, .hrtf or .coll")
+        ->type_name("FILE")
+        ->take_last();
+    command->add_option("--near", pan.nearfield, "A set of near-field compensation filters, for --model nearfield")
+        ->type_name("FILE")
+        ->take_last();
+    AddFileOptions(*command, options, words->common,
+                   "Time behind the end of the input [0, or 0.1 for filters and delays]");
+    command->add_flag("--list", pan.list, "Show the methods and how many outputs each has");
+    command->add_flag("--gains", pan.gains, "Print the gains of a source at every azimuth");
+    command->add_flag("--triplets", pan.triplets, "Print the triplets of loudspeakers that vbap chooses");
+    command->footer(footer);
+    command->callback([&options, words] {
+        options.command = Options::Command::Pan;
+        TakeMeaning(*words, options);
+    });
+    return command;
+}
+
+}  // namespace program

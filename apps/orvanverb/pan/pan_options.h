@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace program {
+
+/// What the command pan knows beyond inputs, outputs and places.
+struct PanOptions {
+    std::string method;
+    std::string model = "direct";
+    std::optional<unsigned int> outputs;    // of an ambisonic method
+    std::optional<std::string> convention;  // "SN3D" and the like
+    std::optional<std::string> sorting;
+    bool ambix = false;
+    std::optional<std::string> hrtf, nearfield;  // files
+    bool list = false;
+    bool gains = false;     // print gains over azimuth instead of rendering
+    bool triplets = false;  // print the triplets of a layout
+};
+
+}  // namespace program

@@ -1,0 +1,185 @@
+#include "orvanverb/pan/pan_setup.h"
+
+#include <algorithm>
+#include <exception>
+#include <numeric>
+
+#include "dsp/constants.h"
+#include "geometry/speakers.h"
+#include "hrtf/hrtf_header_infos.h"
+#include "orvanverb/channel_mask.h"
+#include "orvanverb/channel_words.h"
+#include "orvanverb/hrtf/engine_loading.h"
+#include "orvanverb/pan/layout_check.h"
+#include "orvanverb/program_error.h"
+#include "orvanverb/vector_channels.h"
+#include "pan/binaural_panning_direct.h"
+#include "pan/binaural_panning_nearfield.h"
+#include "pan/hoa2d_panning.h"
+#include "pan/hoa3d_panning.h"
+#include "pan/null_panning.h"
+
+namespace program {
+
+namespace {
+
+using Pan = Lume::Pan;
+using Outputs = PanMethod::Outputs;
+
+// Two cycles of 30 ms for gains, glides of 50 ms after a change of rate, and the length of the filters.
+constexpr double settleSeconds = 0.25;
+
+bool AreEqual(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
+    return a.x == b.x && a.y == b.y && a.z == b.z;
+}
+
+/// A layout by a count, a file, or the names of two built-in ones that no count stands for.
+SpeakerLayout ParseLayout(PanMethod const& method, std::string const& text) {
+    using Lume::Speakers;
+    if (text == "cube") return SpeakerLayout::InEngineOrder({std::begin(Speakers::cube), std::end(Speakers::cube)});
+    if (text == "lcrs" || (text == "4" && method.type == Pan::surround))
+        return SpeakerLayout::InEngineOrder({std::begin(Speakers::lcrs), std::end(Speakers::lcrs)});
+    return SpeakerLayout::Parse(text);
+}
+
+/// Channels without places.
+SpeakerLayout Channels(unsigned int count, std::uint32_t mask) {
+    SpeakerLayout layout;
+    layout.fileOrder.resize(count);
+    std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
+    layout.channelMask = mask;
+    return layout;
+}
+
+std::vector<std::string> TwoWords(Pan::Type type) {
+    if (type == Pan::ms) return {"mid", "side, positive to the right"};
+    if (type == Pan::binaural) return {"left ear", "right ear"};
+    return {"left", "right"};
+}
+
+}  // namespace
+
+PanSetup::PanSetup(Options const& options, std::vector<Lume::CartesianVector> const& positions)
+    : method(FindPanMethod(options.pan.method)),
+      subType(FindPanSubType(method, options.pan.model)),
+      ambixAxes(options.pan.ambix) {
+    ChooseOutputs(options);
+    const auto numSources = static_cast<unsigned int>(positions.size());
+    panner.reset(Pan::factory(numSources, NumOutputs(), method.type, subType));
+    if (dynamic_cast<Lume::NullPanning const*>(panner.get()) != nullptr)
+        throw UsageError("--model " + options.pan.model + ": can't be made for " + std::to_string(numSources) +
+                         (numSources == 1 ? " source" : " sources") + ", it takes two or more");
+    if (method.outputs == Outputs::Loudspeakers) {
+        panner->SetLoudspeakerPositions(layout.positions.data());
+        channels = LoudspeakerWords(layout);
+        warnings = CheckLayout(method.type, layout.positions);
+    } else if (method.outputs == Outputs::Two) {
+        channels = TwoWords(method.type);
+    } else {
+        SetUpHarmonics(options.pan);
+    }
+    // Filters are loaded for sources that have their places: those for near sources stay with a source that leaves
+    // their range, and must not come from where it never was.
+    Place(positions);
+    LoadFiles(options);
+    if (subType == Pan::sphericalharmonics)
+        warnings.push_back("there are no data in harmonics yet: the output is silent");
+}
+
+void PanSetup::ChooseOutputs(Options const& options) {
+    const std::string name = Pan::GetTypeName(method.type);
+    const std::vector<unsigned int> counts = OutputCounts(method.type);
+    if (options.pan.outputs && method.outputs != Outputs::Harmonics)
+        throw UsageError("--outputs: is for ambisonic methods; " + name + " has " +
+                         (method.outputs == Outputs::Two ? "2" : "one for each of the --speakers"));
+    if (options.speakers && method.outputs != Outputs::Loudspeakers)
+        throw UsageError("--speakers: " + name + " has none; its channels are not loudspeakers");
+    if (method.outputs == Outputs::Loudspeakers)
+        layout = ParseLayout(method, options.speakers.value_or(method.usual));
+    else if (method.outputs == Outputs::Two)
+        layout = Channels(2, method.type == Pan::ms ? 0 : frontLeft | frontRight);
+    else
+        layout = Channels(options.pan.outputs.value_or(static_cast<unsigned int>(std::stoul(method.usual))), 0);
+    if (std::find(counts.begin(), counts.end(), NumOutputs()) == counts.end())
+        throw UsageError((method.outputs == Outputs::Loudspeakers ? "--speakers: " : "--outputs: ") + name +
+                         " has no panner for " + std::to_string(NumOutputs()) + " outputs; it takes " +
+                         CountsText(counts));
+}
+
+void PanSetup::SetUpHarmonics(PanOptions const& options) {
+    auto* const harmonics = dynamic_cast<Lume::HOAPanning*>(panner.get());
+    if (options.ambix && method.type != Pan::hoa3d) throw UsageError("--ambix: is for the method hoa3d");
+    if (harmonics == nullptr) {
+        if (options.convention || options.sorting)
+            throw UsageError("--convention, --sorting: " + std::string(Pan::GetTypeName(method.type)) + " has its own");
+        channels = {"W: from everywhere", "X: to the right", "Y: ahead"};
+        if (NumOutputs() == 4) channels.emplace_back("Z: up");
+        return;
+    }
+    if (options.convention) {
+        const auto convention = Lume::HOAPanning::GetHOAPannerConvention(options.convention->c_str());
+        harmonics->SetEncodingConvention(convention);
+        if (harmonics->GetEncodingConvention() != convention)
+            throw UsageError("--convention: " + std::string(Pan::GetTypeName(method.type)) + " has no " +
+                             *options.convention + "; it has " +
+                             (method.type == Pan::hoa3d ? "SN3D and N3D" : "SN2D and N2D"));
+    }
+    if (options.sorting) harmonics->SetSphericalHarmonicsSorting(options.sorting->c_str());
+    Lume::HOAPanning::HOAPannerInfos infos;
+    harmonics->GetPannerInfos(infos);
+    channels = HarmonicWords(method.type == Pan::hoa3d ? Lume::SortedSphericalHarmonics(infos.order, infos.sorting)
+                                                       : Lume::SortedCylindricalHarmonics(infos.order, infos.sorting),
+                             ambixAxes);
+    channels.front().append(", ").append(Lume::HOAPanning::GetHOAPannerConventionName(infos.encodingConvention));
+}
+
+void PanSetup::LoadFiles(Options const& options) {
+    auto* const nearfield = dynamic_cast<Lume::BinauralPanningNearfield*>(panner.get());
+    auto* const direct = dynamic_cast<Lume::BinauralPanningDirect*>(panner.get());
+    if (options.pan.hrtf) {
+        if (nearfield == nullptr && direct == nullptr)
+            throw UsageError("--hrtf: is for --method binaural with --model direct or nearfield");
+        std::string const& path = *options.pan.hrtf;
+        RequireSetFile(path, ".hrtf or .coll");
+        bool taken = false;
+        auto& binaural = static_cast<Lume::BinauralPanning&>(*panner);
+        LoadQuietly(path, [&] { taken = binaural.LoadFromFile(path.c_str()); });
+        if (!taken) throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
+        // For impulse responses: to the letter, and many times faster. The vectors are powers of two.
+        binaural.SetFIRFiltersImplementationMethod("fftconvolution");
+    }
+    if (options.pan.nearfield) {
+        if (nearfield == nullptr) throw UsageError("--near: is for --method binaural --model nearfield");
+        std::string const& path = *options.pan.nearfield;
+        RequireSetFile(path, ".near");
+        bool taken = false;
+        LoadQuietly(path, [&] { taken = nearfield->LoadCompensationFilters(path.c_str()); });
+        if (!taken) throw WorkError(path + ": is no set of near-field compensation filters for two ears");
+    }
+}
+
+Lume::CartesianVector PanSetup::ToPanner(Lume::CartesianVector const& position) const {
+    return ambixAxes ? Lume::CartesianVector{position.y, -position.x, position.z} : position;
+}
+
+void PanSetup::Place(std::vector<Lume::CartesianVector> const& positions) {
+    for (unsigned int i = 0; i < positions.size(); ++i) {
+        if (i < placed.size() && AreEqual(placed[i], positions[i])) continue;
+        panner->SetSourcePosition(i, ToPanner(positions[i]), false);
+    }
+    placed = positions;
+}
+
+void PanSetup::Start(int samplerate, unsigned int vectorSize) {
+    panner->Configure(static_cast<float>(samplerate), vectorSize, true);
+    VectorChannels silence(std::max(placed.size(), std::size_t{1}), vectorSize);
+    VectorChannels discarded(NumOutputs(), vectorSize);
+    for (double seconds = 0.0; seconds < settleSeconds; seconds += static_cast<double>(vectorSize) / samplerate)
+        panner->Process(discarded.Pointers(), silence.Pointers(), vectorSize, orvandsp::allActiveInputs);
+}
+
+bool PanSetup::HasTail() const {
+    return method.type == Pan::binaural || method.type == Pan::ab || subType == Pan::diffuse;
+}
+
+}  // namespace program

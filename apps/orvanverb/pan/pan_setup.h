@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "orvanverb/options.h"
+#include "orvanverb/pan/pan_methods.h"
+#include "orvanverb/speaker_layout.h"
+
+namespace program {
+
+/// A panner as the options ask for it, and what its channels are.
+class PanSetup {
+public:
+    /// @param positions  where the sources are at first, one each
+    /// @throws ProgramError that names option or file, and says what is wrong
+    PanSetup(Options const& options, std::vector<Lume::CartesianVector> const& positions);
+
+    /// Brings a position into the panner's axes: AmbiX files have x ahead and y to the left.
+    Lume::CartesianVector ToPanner(Lume::CartesianVector const& position) const;
+
+    /// Sets sources. What has not moved stays as it is.
+    void Place(std::vector<Lume::CartesianVector> const& positions);
+
+    /// Announces the rate and runs over silence until gains, delays and filters have come to where they belong.
+    void Start(int samplerate, unsigned int vectorSize);
+
+    unsigned int NumOutputs() const { return static_cast<unsigned int>(layout.fileOrder.size()); }
+
+    /// Whether the output goes on when the input has ended.
+    bool HasTail() const;
+
+    PanMethod const& method;
+    SpeakerLayout layout;  // positions only if the outputs are loudspeakers
+    std::unique_ptr<Lume::Pan> panner;
+    std::vector<std::string> channels;  // in words, in the order of the file
+    std::vector<std::string> warnings;
+
+private:
+    void ChooseOutputs(Options const& options);
+    void SetUpHarmonics(PanOptions const& options);
+    void LoadFiles(Options const& options);
+
+    Lume::Pan::SubType subType;
+    bool ambixAxes;
+    std::vector<Lume::CartesianVector> placed;
+};
+
+}  // namespace program

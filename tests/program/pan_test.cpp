@@ -1,0 +1,256 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <sstream>
+
+#include "orvanverb/hrtf/sdif_set_writer.h"
+#include "program/run_program.h"
+#include "program/sound_files.h"
+#include "support/signals.h"
+
+namespace {
+
+constexpr double radian = 3.14159265358979 / 180.0;
+
+class PanCommand : public testing::Test {
+protected:
+    PanCommand() {
+        Sound ones;
+        ones.samples.assign(1, std::vector<float>(9600, 1.0f));
+        WriteSound(directory / "ones.wav", ones);
+        WriteSound(directory / "tone.wav", MakeTone(1000.0, 0.3, 48000));
+    }
+
+    RunResult Pan(std::string const& input, std::vector<std::string> const& words) const {
+        std::vector<std::string> arguments{"pan", directory / input, "-o", directory / "out.wav"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        return RunProgram(arguments);
+    }
+    Sound Panned(std::string const& input, std::vector<std::string> const& words) const {
+        const RunResult run = Pan(input, words);
+        EXPECT_EQ(run.status, 0) << run.err;
+        return ReadSound(directory / "out.wav");
+    }
+    /// The gains of a source at rest.
+    std::vector<double> Gains(std::vector<std::string> words, double azimuth, double elevation) const {
+        words.insert(words.end(), {"--source", "1", std::to_string(azimuth), std::to_string(elevation), "1"});
+        std::vector<double> gains;
+        for (std::vector<float> const& channel : Panned("ones.wav", words).samples)
+            gains.push_back(static_cast<double>(channel.back()));
+        return gains;
+    }
+
+    TemporaryDirectory directory;
+};
+
+/// Real harmonics up to the third degree in ACN order with SN3D weights, of a direction with x ahead, y to the left and
+/// z up (Nachbar, Zotter, Deleflie and Sontacchi, "AmbiX - A suggested ambisonics format", 2011).
+std::vector<double> AmbixHarmonics(double azimuth, double elevation) {
+    const double x = std::cos(-azimuth * radian) * std::cos(elevation * radian);
+    const double y = std::sin(-azimuth * radian) * std::cos(elevation * radian), z = std::sin(elevation * radian);
+    const double root3 = std::sqrt(3.0), root15 = std::sqrt(15.0), root38 = std::sqrt(3.0 / 8.0);
+    return {1.0,
+            y,
+            z,
+            x,
+            root3 * x * y,
+            root3 * y * z,
+            1.5 * z * z - 0.5,
+            root3 * x * z,
+            0.5 * root3 * (x * x - y * y),
+            std::sqrt(5.0 / 8.0) * y * (3.0 * x * x - y * y),
+            root15 * x * y * z,
+            root38 * y * (5.0 * z * z - 1.0),
+            0.5 * z * (5.0 * z * z - 3.0),
+            root38 * x * (5.0 * z * z - 1.0),
+            0.5 * root15 * z * (x * x - y * y),
+            std::sqrt(5.0 / 8.0) * x * (x * x - 3.0 * y * y)};
+}
+
+// Red if an axis, the order of the channels or a weight isn't what other tools read.
+TEST_F(PanCommand, AmbixIsTheFormOfOtherTools) {
+    for (const auto& [azimuth, elevation] : {std::pair{0.0, 0.0}, {-90.0, 0.0}, {35.0, 20.0}, {-160.0, -55.0}}) {
+        const std::vector<double> expected = AmbixHarmonics(azimuth, elevation);
+        const std::vector<double> gains = Gains({"--method", "hoa3d", "--ambix"}, azimuth, elevation);
+        ASSERT_EQ(gains.size(), 16u);
+        for (std::size_t i = 0; i < 16; ++i) EXPECT_NEAR(gains[i], expected[i], 1e-5) << azimuth << ": ACN " << i;
+    }
+    const RunResult words = Pan("ones.wav", {"--method", "hoa3d", "--ambix", "--outputs", "4"});
+    EXPECT_NE(words.err.find("channel 2 (ACN 1, degree 1 order -1, Y: to the left)"), std::string::npos) << words.err;
+    // The library's own axes have x to the right; full normalisation and the other order of channels.
+    const std::vector<double> own =
+        Gains({"--method", "hoa", "--outputs", "4", "--convention", "n3d", "--sorting", "alternatedegrees"}, 90.0, 0.0);
+    EXPECT_NEAR(own[1], std::sqrt(3.0), 1e-5);
+    for (const std::size_t i : {2u, 3u}) EXPECT_NEAR(own[i], 0.0, 1e-5);
+}
+
+// Every method has its channels and is heard; those that promise it keep the power.
+TEST_F(PanCommand, EveryListedMethodSounds) {
+    const std::set<std::string> constantPower{"surround", "panr", "angular", "vbap2d", "vbap", "dbap3d"};
+    std::istringstream list(RunProgram({"pan", "--list"}).out);
+    std::string line, name;
+    std::getline(list, line);
+    std::size_t numMethods = 0;
+    while (std::getline(list, line) && std::istringstream(line) >> name) {
+        ++numMethods;
+        const Sound sound = Panned("ones.wav", {"--method", name, "--source", "1", "20", "10", "1"});
+        double power = 0.0;
+        for (std::vector<float> const& channel : sound.samples)
+            power += static_cast<double>(channel[9599]) * static_cast<double>(channel[9599]);
+        EXPECT_GT(power, 0.01) << name;
+        if (constantPower.count(name) != 0) {
+            EXPECT_NEAR(power, 1.0, 0.001) << name;
+        }
+    }
+    EXPECT_EQ(numMethods, 15u);
+}
+
+// A source at the right is louder and earlier at the right ear, whatever makes the ears.
+TEST_F(PanCommand, HeadphoneModelsPutASourceAside) {
+    for (char const* model : {"direct", "sphericalhead", "snowman", "nearfield", "early"}) {
+        const Sound sound =
+            Panned("tone.wav", {"--method", "binaural", "--model", model, "--source", "1", "80", "0", "2"});
+        ASSERT_EQ(sound.samples.size(), 2u) << model;
+        EXPECT_GT(LevelDb(sound.samples[1]) - LevelDb(sound.samples[0]), 2.0) << model;
+        // Cross-correlation of a tone: the lag with the largest product is the delay between the ears.
+        std::size_t lag = 0;
+        double most = -1.0;
+        for (std::size_t shift = 0; shift < 48; ++shift) {
+            double product = 0.0;
+            for (std::size_t i = 4000; i < 12000; ++i)
+                product += static_cast<double>(sound.samples[1][i]) * static_cast<double>(sound.samples[0][i + shift]);
+            if (product > most) {
+                most = product;
+                lag = shift;
+            }
+        }
+        EXPECT_GT(lag, 15u) << model;  // 0.3 ms
+        EXPECT_LT(lag, 45u) << model;
+    }
+}
+
+// Sets made by the program's writer load and act: a near one only on sources within its range.
+TEST_F(PanCommand, FiltersComeFromFiles) {
+    Lume::SdifSet set;
+    set.header.hrtfType = Lume::hrtfNearfieldCompensationFilter;
+    set.header.numCoefficients = 25;
+    set.header.numChannels = 2;
+    set.header.samplingRate = 48000;
+    Lume::SdifSetPoint point{{{1.0f, 0.0f, 0.0f}}, 0.0f, std::vector<float>(50, 0.0f)};
+    point.coefficients[0] = point.coefficients[25] = 2.0f;  // the gains: 6 dB
+    set.points = {point};
+    WriteText(directory / "set.near", program::SdifSetBytes(set, "me"));
+    for (const auto& [distance, expected] : {std::pair{"0.6", 6.02}, {"1.5", 0.0}}) {
+        std::vector<std::string> words{"--method", "binaural", "--model", "nearfield", "--source",
+                                       "1",        "30",       "0",       distance};
+        const double without = LevelDb(Panned("tone.wav", words).samples[0]);
+        words.insert(words.end(), {"--near", directory / "set.near"});
+        EXPECT_NEAR(LevelDb(Panned("tone.wav", words).samples[0]) - without, expected, 0.05) << distance;
+    }
+
+    set.header.hrtfType = Lume::hrtfBinaural;
+    set.header.filterType = Lume::hrtfFIR;
+    set.header.numCoefficients = 4;
+    set.points[0].coefficients = {0.0f, 0.0f, 0.5f, 0.0f, 0.25f, 0.0f, 0.0f, 0.0f};
+    WriteText(directory / "set.hrtf", program::SdifSetBytes(set, "me"));
+    const Sound own = Panned("tone.wav", {"--method", "binaural", "--hrtf", directory / "set.hrtf"});
+    const Sound tone = ReadSound(directory / "tone.wav");
+    for (std::size_t i = 100; i < 10000; i += 7) {
+        ASSERT_NEAR(own.samples[0][i], 0.5f * 0.70710678f * tone.samples[0][i - 2], 1e-6f);
+        ASSERT_NEAR(own.samples[1][i], 0.25f * 0.70710678f * tone.samples[0][i], 1e-6f);
+    }
+}
+
+TEST_F(PanCommand, ASceneMovesSources) {
+    WriteText(directory / "move.scene", "source 1 azim -90\n0.1 source 1 ade 90 2 0\n");
+    const Sound sound =
+        Panned("ones.wav", {"--method", "vbap2d", "--speakers", "8", "--scene", directory / "move.scene"});
+    EXPECT_NEAR(sound.samples[7][4000], 1.0f, 1e-4f);  // azimuth -90
+    EXPECT_NEAR(sound.samples[7][9500], 0.0f, 1e-4f);
+    EXPECT_NEAR(sound.samples[3][9500], 1.0f, 1e-4f);  // azimuth 90
+    WriteText(directory / "bad.scene", "source 1 azim -90\n0.1 source 2 ade 90 2 0\n");
+    const RunResult bad = Pan("ones.wav", {"--method", "xy", "--scene", directory / "bad.scene"});
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_NE(bad.err.find(directory / "bad.scene:2: "), std::string::npos) << bad.err;
+}
+
+TEST_F(PanCommand, TablesShowGainsAndTriplets) {
+    // Pairs at +-45 degrees share by the tangent law: tan(a) / tan(45) = (right - left) / (right + left).
+    std::istringstream gains(RunProgram({"pan", "--method", "vbap2d", "--speakers", "4", "--gains"}).out);
+    std::string line;
+    std::getline(gains, line);
+    double azimuth = 0.0, left = 0.0, right = 0.0;
+    for (int degrees = 0; degrees < 45 && gains >> azimuth >> left >> right; ++degrees, std::getline(gains, line))
+        ASSERT_NEAR((right - left) / (right + left), std::tan(azimuth * radian), 1e-4) << azimuth;
+    EXPECT_EQ(azimuth, 44.0);
+
+    // A convex hull of V corners has 2 V - 4 triangles.
+    const std::string triplets = RunProgram({"pan", "--method", "vbap", "--triplets"}).out;
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = triplets.find("triplet", at)) != std::string::npos; ++at) ++count;
+    EXPECT_EQ(count, 12u);
+    EXPECT_NE(triplets.find("speaker 1 -45.00 35.26"), std::string::npos) << triplets;
+}
+
+// Methods end in silence or in an odd law on such layouts, without a word: the program says why.
+TEST_F(PanCommand, BadLayoutsAreExplained) {
+    const std::tuple<char const*, char const*, char const*> cases[] = {
+        {"vbap", "0\n90\n180\n-90\n", "one plane"},
+        {"vbap", "0 0\n120 0\n-120 0\n0 90\n0.1 90\n", "loudspeakers 4 and 5"},
+        {"vbap2d", "-30\n30\n", "between the azimuths 30 and -30"},
+        {"vbap2d", "-60\n60\n60 0 2\n180\n", "loudspeakers 2 and 3"},
+        {"angular", "-30\n30\n110 40\n-110\n", "loudspeaker 3 stands above or below"},
+        {"dbap", "-90 0 1\n90 0 1\n90 0 2\n", "one line"},
+        {"dbap3d", "-90 0 1\n90 0 1\n90 0 1\n0 90 1\n", "loudspeakers 2 and 3"},
+        {"vdbap", "-90 0 1\n90 0 1\n0 0 1\n", "one plane"},
+    };
+    for (const auto& [method, layout, cause] : cases) {
+        WriteText(directory / "speakers", layout);
+        const RunResult run = Pan("ones.wav", {"--method", method, "--speakers", directory / "speakers"});
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_NE(run.err.find("warning: "), std::string::npos) << method << run.err;
+        EXPECT_NE(run.err.find(cause), std::string::npos) << method << ": " << cause << " in " << run.err;
+    }
+    for (char const* method : {"vbap2d", "angular", "dbap", "panr", "surround", "vbap", "vdbap", "hoa2d", "binaural"})
+        EXPECT_EQ(Pan("ones.wav", {"--method", method}).err.find("warning"), std::string::npos) << method;
+}
+
+TEST_F(PanCommand, WrongWordsAreNamed) {
+    WriteText(directory / "text.hrtf", "no set\n");
+    WriteText(directory / "three", "0\n120\n-120\n");
+    const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
+        {{}, 2, "--method"},
+        {{"--method", "magic"}, 2, "--method"},
+        {{"--method", "null"}, 2, "--method"},
+        {{"--method", "vbap", "--speakers", "2"}, 2, "3 to 64"},
+        {{"--method", "panr", "--speakers", directory / "three"}, 2, "4 to 8, 12"},
+        {{"--method", "hoa3d", "--outputs", "5"}, 2, "4, 9, 16 ... 64"},
+        {{"--method", "hoa3d", "--convention", "SN2D"}, 2, "--convention"},
+        {{"--method", "hoa3d", "--convention", "loud"}, 2, "--convention"},
+        {{"--method", "hoa2d", "--ambix"}, 2, "--ambix"},
+        {{"--method", "hoa3d", "--ambix", "--convention", "N3D"}, 2, "--ambix"},
+        {{"--method", "vbap2d", "--outputs", "5"}, 2, "--outputs"},
+        {{"--method", "xy", "--speakers", "2"}, 2, "--speakers"},
+        {{"--method", "binaural", "--model", "robot"}, 2, "--model"},
+        {{"--method", "vbap2d", "--model", "snowman"}, 2, "--model"},
+        {{"--method", "binaural", "--model", "diffuse"}, 2, "--model"},
+        {{"--method", "vbap2d", "--hrtf", directory / "text.hrtf"}, 2, "--hrtf"},
+        {{"--method", "vbap2d", "--source", "2", "0", "0", "1"}, 2, "--source"},
+        {{"--method", "binaural", "--hrtf", directory / "text.hrtf"}, 1, directory / "text.hrtf"},
+        {{"--method", "binaural", "--hrtf", directory / "none.hrtf"}, 1, directory / "none.hrtf"},
+        {{"--method", "binaural", "--hrtf", directory / "ones.wav"}, 1, directory / "ones.wav"},
+        {{"--method", "binaural", "--model", "nearfield", "--near", directory / "none.near"},
+         1,
+         directory / "none.near"},
+    };
+    for (const auto& [words, status, culprit] : cases) {
+        const RunResult run = Pan("ones.wav", words);
+        EXPECT_EQ(run.status, status) << culprit << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
+    }
+}
+
+}  // namespace
