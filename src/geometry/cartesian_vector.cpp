@@ -6,11 +6,10 @@
 
 namespace Lume {
 
-CartesianVector& CartesianVector::operator=(SphericalVector const& spherical) {
+void CartesianVector::Set(SphericalVector const& spherical) {
     x = std::cos(spherical.azimuth) * spherical.distance * std::cos(spherical.elevation);
     y = std::sin(spherical.azimuth) * spherical.distance * std::cos(spherical.elevation);
     z = std::sin(spherical.elevation) * spherical.distance;
-    return *this;
 }
 
 float CartesianVector::radius() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <concepts>
+
 namespace Lume {
 
 struct SphericalVector;
@@ -12,11 +14,19 @@ struct CartesianVector {
     float y = 0.0f;  // straight ahead
     float z = 0.0f;  // up
 
-    /// Takes over the position that a spherical vector describes.
-    CartesianVector& operator=(SphericalVector const& spherical);
+    /// Takes over the position that a spherical vector describes. A template, so that three numbers in braces can be
+    /// assigned too: they are taken for x, y, z.
+    template <std::same_as<SphericalVector> Vector>
+    CartesianVector& operator=(Vector const& spherical) {
+        Set(spherical);
+        return *this;
+    }
 
     /// Distance from the origin [m].
     float radius() const;
+
+private:
+    void Set(SphericalVector const& spherical);
 };
 
 }  // namespace Lume

@@ -6,11 +6,10 @@
 
 namespace Lume {
 
-SphericalVector& SphericalVector::operator=(CartesianVector const& cartesian) {
+void SphericalVector::Set(CartesianVector const& cartesian) {
     distance = cartesian.radius();
     elevation = distance != 0.0f ? std::asin(cartesian.z / distance) : 0.0f;
     azimuth = std::atan2(cartesian.y, cartesian.x);
-    return *this;
 }
 
 }  // namespace Lume

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <concepts>
+
 namespace Lume {
 
 struct CartesianVector;
@@ -13,8 +15,16 @@ struct SphericalVector {
     float distance = 0.0f;   // [m]
     float elevation = 0.0f;  // [rad], 0 in the horizontal plane, positive upward
 
-    /// Takes over the position of a Cartesian vector. The origin has azimuth 0 and elevation 0.
-    SphericalVector& operator=(CartesianVector const& cartesian);
+    /// Takes over the position of a Cartesian vector. The origin has azimuth 0 and elevation 0. A template, so that
+    /// three numbers in braces can be assigned too: they are taken for azimuth, distance, elevation.
+    template <std::same_as<CartesianVector> Vector>
+    SphericalVector& operator=(Vector const& cartesian) {
+        Set(cartesian);
+        return *this;
+    }
+
+private:
+    void Set(CartesianVector const& cartesian);
 };
 
 }  // namespace Lume

@@ -40,6 +40,16 @@ TEST(Vectors, DirectionsHaveTheirSigns) {
     }
 }
 
+// Red if it doesn't compile: three numbers could be either kind of vector.
+TEST(Vectors, TakeNumbersInBraces) {
+    CartesianVector cartesian;
+    cartesian = {1.0f, 2.0f, 3.0f};
+    EXPECT_EQ(cartesian.z, 3.0f);
+    SphericalVector spherical;
+    spherical = {0.5f, 2.0f, -0.5f};
+    EXPECT_EQ(spherical.distance, 2.0f);
+}
+
 // Red if the division by the distance isn't guarded.
 TEST(Vectors, TheOriginHasADirection) {
     SphericalVector spherical{1.0f, 1.0f, 1.0f};
