@@ -1,9 +1,16 @@
 #include "dsp/filter.h"
 
 #include <cmath>
-#include <string_view>
+#include <map>
+#include <string>
 
 namespace orvandsp {
+
+namespace {
+
+std::map<std::string, Filter::FIRImplementation> firImplementationMap;
+
+}  // namespace
 
 void Filter::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
     if (activeInputs[0] != 0) Process(outputs[0], inputs[0], numSamples);
@@ -14,7 +21,14 @@ char const* Filter::GetFIRImplementationName(FIRImplementation implementation) {
 }
 
 Filter::FIRImplementation Filter::GetFIRImplementation(char const* name) {
-    return std::string_view(name) == "fftconvolution" ? fftconvolution : timedomain;
+    initFIRImplementationMap();
+    const auto found = firImplementationMap.find(name);
+    return found == firImplementationMap.end() ? timedomain : found->second;
+}
+
+void Filter::initFIRImplementationMap() {
+    for (const FIRImplementation implementation : {timedomain, fftconvolution})
+        firImplementationMap[GetFIRImplementationName(implementation)] = implementation;
 }
 
 bool Filter::DurbinStepDownRecursion(std::vector<float> const& polynomial) const {

@@ -22,10 +22,11 @@ public:
 
     /// Takes over GetNumCoefficients() values.
     virtual void SetCoefficients(float* newCoefficients) = 0;
-    /// Takes over the taps of another filter of the same kind.
+    /// Readies the audio memory for a fade that starts from another filter of the same kind: takes over what that
+    /// holds, or starts from silence where its poles would make that ring.
     virtual void SetState(Filter const& other) = 0;
     virtual void SetOrder(unsigned int newOrder) = 0;
-    /// Sets the filter state to zero.
+    /// Sets the taps to zero.
     virtual void ClearTaps() = 0;
     virtual bool IsStable() const = 0;
     virtual bool IsMinimumPhase() const = 0;
@@ -36,8 +37,10 @@ public:
 
     /// "fftconvolution" or "timedomain"; every value but fftconvolution has the latter name.
     static char const* GetFIRImplementationName(FIRImplementation implementation);
-    /// The implementation of that name; timedomain for an unknown name.
+    /// The implementation of that name; timedomain for an unknown name. Control thread only.
     static FIRImplementation GetFIRImplementation(char const* name);
+    /// Fills the map of names. GetFIRImplementation calls it.
+    static void initFIRImplementationMap();
 
     /// Whether the zeros of the polynomial c[0] + c[1] z^-1 + ... lie inside the unit circle, by the step-down
     /// recursion (Durbin, "The fitting of time-series models", Rev. Int. Stat. Inst. 28, 1960). c[0] is taken to be 1
