@@ -285,7 +285,6 @@ void BinauralPanningNearfield::SetDelays(unsigned int index, CartesianVector con
 void BinauralPanningNearfield::getCrossEarsHRTFPoints(CartesianVector const& position, HrtfPoint& left,
                                                       HrtfPoint& right) const {
     CartesianVector q = position;
-    // A source too close is lifted onto the sphere of the least distance.
     if (!(std::abs(position.radius()) > minimumRadius))
         q.z = std::sqrt(
             std::max(minimumRadius * minimumRadius - position.x * position.x - position.y * position.y, 0.0f));
@@ -295,7 +294,6 @@ void BinauralPanningNearfield::getCrossEarsHRTFPoints(CartesianVector const& pos
 
 CartesianVector BinauralPanningNearfield::getCrossEarsPosition(CartesianVector const& position,
                                                                CartesianVector const& ear) const {
-    // Where the line from the ear through the source meets the sphere of the measurement.
     const CartesianVector v = Difference(position, ear);
     const CartesianVector w = Difference(ear, headCentre);
     const float a = Dot(v, v);

@@ -63,6 +63,13 @@ public:
     /// The flag makes no difference here.
     void setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) override;
 
+    // The steps of the choice of directions, open to tools that show them.
+
+    /// The measured direction for each ear. A source within the minimum radius is lifted onto its sphere first.
+    void getCrossEarsHRTFPoints(CartesianVector const& position, HrtfPoint& left, HrtfPoint& right) const;
+    /// Where the line from an ear through a position meets the sphere of the measurement.
+    CartesianVector getCrossEarsPosition(CartesianVector const& position, CartesianVector const& ear) const;
+
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
@@ -100,8 +107,6 @@ private:
     void SelectPoints(unsigned int index, CartesianVector const& position);
     void SetGains(unsigned int index, CartesianVector const& position);
     void SetDelays(unsigned int index, CartesianVector const& position);
-    void getCrossEarsHRTFPoints(CartesianVector const& position, HrtfPoint& left, HrtfPoint& right) const;
-    CartesianVector getCrossEarsPosition(CartesianVector const& position, CartesianVector const& ear) const;
     void RunVoice(unsigned int index, float* input, unsigned long numSamples);
 
     HRTFFilterType hrtfFilterType = biquadFilters;
