@@ -24,7 +24,9 @@ std::vector<std::string> LoudspeakerWords(SpeakerLayout const& layout) {
         Lume::CartesianVector const& p = layout.positions[layout.fileOrder[c]];
         const float elevation = std::atan2(p.z, std::sqrt(p.x * p.x + p.y * p.y)) * Lume::RadiansToDegrees;
         const std::string azimuth = FixedText(static_cast<double>(layout.AzimuthDeg(c)), 0);
-        words.push_back("azimuth " + (azimuth == "-180" ? "180" : azimuth));
+        // Straight above or below there is no azimuth, and rounding would make one up.
+        const bool hasAzimuth = std::abs(elevation) < 89.95f;
+        words.push_back("azimuth " + (!hasAzimuth ? "0" : azimuth == "-180" ? "180" : azimuth));
         if (std::abs(elevation) >= 0.5f)
             words.back().append(" elevation ").append(FixedText(static_cast<double>(elevation), 0));
     }

@@ -5,6 +5,7 @@
 #include <CLI/Formatter.hpp>
 #include <algorithm>
 
+#include "orvanverb/decode/decode_command_line.h"
 #include "orvanverb/hrtf/hrtf_command_line.h"
 #include "orvanverb/pan/pan_command_line.h"
 #include "orvanverb/program_error.h"
@@ -71,6 +72,7 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
     AddRenderCommand(app, options);
     AddImpulseResponseCommand(app, options);
     AddPanCommand(app, options);
+    AddDecodeCommand(app, options);
     AddHrtfCommand(app, options);
     AddObjectCommands(app, options);
     try {

@@ -4,6 +4,7 @@
 
 #include "orvanverb/attribute_listing.h"
 #include "orvanverb/command_line.h"
+#include "orvanverb/decode/decode_command.h"
 #include "orvanverb/interrupt.h"
 #include "orvanverb/pan/pan_command.h"
 #include "orvanverb/program_error.h"
@@ -24,6 +25,9 @@ int Obey(program::Options const& options) {
             break;
         case Command::Pan:
             program::RunPan(options);
+            break;
+        case Command::Decode:
+            program::RunDecode(options);
             break;
         case Command::Hrtf:
             if (options.hrtf.action == program::HrtfOptions::Action::Info) return program::ShowHrtf(options.hrtf);

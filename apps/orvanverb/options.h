@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "orvanverb/audio_output.h"
+#include "orvanverb/decode/decode_options.h"
 #include "orvanverb/hrtf/hrtf_commands.h"
 #include "orvanverb/limits.h"
 #include "orvanverb/listener_position.h"
@@ -15,7 +16,7 @@ namespace program {
 
 /// What the user asked for: every word checked on its own, nothing opened yet.
 struct Options {
-    enum class Command { Render, ImpulseResponse, Pan, Hrtf, Shell, Attributes, Reference };
+    enum class Command { Render, ImpulseResponse, Pan, Decode, Hrtf, Shell, Attributes, Reference };
     struct SourcePlace {
         unsigned int number = 1;  // counted from 1
         ListenerPosition position;
@@ -28,6 +29,7 @@ struct Options {
     Command command = Command::Render;
     HrtfOptions hrtf;
     PanOptions pan;
+    DecodeOptions decode;
     std::vector<std::string> attributes;  // of the object box: @name value ...
     bool json = false;
     std::vector<std::string> inputs;

@@ -52,6 +52,10 @@ Lume::CartesianVector ToCartesian(ListenerPosition const& position) {
     return cartesian;
 }
 
+Lume::CartesianVector ToAmbixAxes(Lume::CartesianVector const& position) {
+    return {position.y, -position.x, position.z};
+}
+
 SpeakerLayout SpeakerLayout::InEngineOrder(std::vector<Lume::CartesianVector> positions) {
     SpeakerLayout layout;
     layout.positions = std::move(positions);

@@ -14,6 +14,9 @@ namespace program {
 /// azimuth meets it to the last bit.
 Lume::CartesianVector ToCartesian(ListenerPosition const& position);
 
+/// A place in the axes of AmbiX and most other ambisonic tools: x ahead, y to the left.
+Lume::CartesianVector ToAmbixAxes(Lume::CartesianVector const& position);
+
 /// The loudspeakers of a rendering, in the engine's order, and how they lie in the file.
 struct SpeakerLayout {
     /// Reads a count or the name of a position file.

@@ -159,7 +159,7 @@ void PanSetup::LoadFiles(Options const& options) {
 }
 
 Lume::CartesianVector PanSetup::ToPanner(Lume::CartesianVector const& position) const {
-    return ambixAxes ? Lume::CartesianVector{position.y, -position.x, position.z} : position;
+    return ambixAxes ? ToAmbixAxes(position) : position;
 }
 
 void PanSetup::Place(std::vector<Lume::CartesianVector> const& positions) {

@@ -1,0 +1,49 @@
+#include "orvanverb/decode/decode_command.h"
+
+#include <chrono>
+#include <cstdio>
+
+#include "dsp/constants.h"
+#include "orvanverb/decode/decode_setup.h"
+#include "orvanverb/input_bank.h"
+#include "orvanverb/streaming.h"
+
+namespace program {
+
+void RunDecode(Options const& options) {
+    if (options.decode.list) {
+        std::fputs(DecoderList().c_str(), stdout);
+        return;
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    InputBank input(options.inputs, options.rate, std::nullopt);
+    DecodeSetup setup(options, input.NumChannels());
+    for (std::string const& warning : setup.warnings) Say("warning: " + warning);
+    if (options.decode.matrix) std::fputs(setup.MatrixText().c_str(), stdout);
+    if (options.output.empty()) return;
+    setup.Start(input.Samplerate(), options.vectorSize);
+
+    // What filters and delays still give when the input has ended.
+    constexpr double usualTailSeconds = 0.1;
+    Streaming streaming;
+    streaming.samplerate = input.Samplerate();
+    streaming.vectorSize = options.vectorSize;
+    streaming.numInputs = setup.NumInputs();
+    streaming.numOutputs = setup.NumOutputs();
+    streaming.fileOrder = setup.layout.fileOrder;
+    streaming.tail = options.tailGiven ? options.tail : Tail(usualTailSeconds);
+    streaming.process = [&](float** outputs, float** inputs) {
+        setup.decoder->Process(outputs, inputs, options.vectorSize, orvandsp::allActiveInputs);
+    };
+
+    const SampleFormat format = ChooseFormat(options.format, options.output);
+    AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);
+    PeakMeter meter(setup.NumOutputs());
+    Stream(input, streaming, output, meter);
+    output.Commit();
+    ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
+                 std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+    for (std::string const& remark : input.Remarks()) Say(remark);
+}
+
+}  // namespace program

@@ -1,0 +1,97 @@
+#include "orvanverb/decode/decode_command_line.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <memory>
+
+#include "orvanverb/common_options.h"
+#include "orvanverb/option_values.h"
+#include "orvanverb/program_error.h"
+#include "orvanverb/text.h"
+
+namespace program {
+
+namespace {
+
+struct Words {
+    CommonWords common;
+    std::string input, outputs, convention, sorting, crossover;
+};
+
+void TakeMeaning(Words const& words, Options& options) {
+    constexpr float lowest = 20.0f, highest = 20000.0f;
+    DecodeOptions& decode = options.decode;
+    TakeCommonMeaning(words.common, options);
+    if (decode.list) return;
+    if (words.input.empty()) throw UsageError("input: a recording is required");
+    options.inputs = {words.input};
+    if (decode.type.empty()) throw UsageError("--type: is required; orvanverb decode --list shows them");
+    if (!words.outputs.empty()) {
+        decode.outputs = ParseCount(words.outputs);
+        if (!decode.outputs || *decode.outputs < 2 || *decode.outputs > 4)
+            throw UsageError("--outputs: '" + words.outputs + "' is no count from 2 to 4");
+    }
+    if (!words.convention.empty()) decode.convention = ParseConvention(words.convention);
+    if (!words.sorting.empty()) decode.sorting = ParseSorting(words.sorting);
+    if (decode.ambix && (decode.convention.value_or("SN3D") != "SN3D" ||
+                         decode.sorting.value_or("IncreasingDegrees") != "IncreasingDegrees"))
+        throw UsageError("--ambix: means SN3D and IncreasingDegrees");
+    if (!words.crossover.empty()) {
+        decode.crossoverHz = ParseNumber(words.crossover);
+        if (!decode.crossoverHz || *decode.crossoverHz < lowest || *decode.crossoverHz > highest)
+            throw UsageError("--crossover: '" + words.crossover + "' is no frequency from 20 to 20000 Hz");
+    }
+    if (options.output.empty() && !decode.matrix) throw UsageError("--output: is required");
+}
+
+}  // namespace
+
+CLI::App* AddDecodeCommand(CLI::App& app, Options& options) {
+    const auto words = std::make_shared<Words>();
+    DecodeOptions& decode = options.decode;
+    CLI::App* command = app.add_subcommand("decode", "Turn ambisonic, matrixed or binaural recordings into feeds");
+    command->add_option("input", words->input, "A recording; its channels are those of the format")->type_name("FILE");
+    command->add_option("--type", decode.type, "What it is; --list shows what there is")
+        ->type_name("NAME")
+        ->take_last();
+    command->add_option("--sub-type", decode.subType, "The network of the transaural type [shufflersymmetric]")
+        ->type_name("NAME")
+        ->take_last();
+    command
+        ->add_option("--speakers", options.speakers,
+                     "Loudspeakers: a count, or a file with one AZIMUTH [ELEVATION [DISTANCE]] a line\n"
+                     "[2 for transaural, cube for hoa3d, else 8]")
+        ->type_name("LAYOUT")
+        ->take_last();
+    command->add_option("--outputs", words->outputs, "Channels of surround, bformat2uhj and uhj2bformat")
+        ->type_name("COUNT")
+        ->take_last();
+    command->add_option("--convention", words->convention, "SN3D or N3D, SN2D or N2D [SN3D, SN2D]")
+        ->type_name("NAME")
+        ->take_last();
+    command->add_option("--sorting", words->sorting, "IncreasingDegrees (ACN) or AlternateDegrees")
+        ->type_name("NAME")
+        ->take_last();
+    command->add_option("--hoa-method", decode.method, "pseudoinverse or projection")->type_name("NAME")->take_last();
+    command->add_option("--weights", decode.weights, "basic, inphase, maxre, basicmaxre or maxreinphase")
+        ->type_name("NAME")
+        ->take_last();
+    command->add_option("--crossover", words->crossover, "Of basicmaxre and maxreinphase [700]")
+        ->type_name("HZ")
+        ->take_last();
+    command->add_flag("--ambix", decode.ambix, "For hoa3d: the input is AmbiX, ACN, SN3D, x ahead");
+    command->add_option("--filters", decode.filters, "A set for the transaural network, .bin2trans or .coll")
+        ->type_name("FILE")
+        ->take_last();
+    AddFileOptions(*command, options, words->common, "Time behind the end of the input [0.1]");
+    command->add_flag("--list", decode.list, "Show the types and what each takes");
+    command->add_flag("--matrix", decode.matrix, "Print the ambisonic decoder's gains, condition and regularity");
+    command->callback([&options, words] {
+        options.command = Options::Command::Decode;
+        TakeMeaning(*words, options);
+    });
+    return command;
+}
+
+}  // namespace program

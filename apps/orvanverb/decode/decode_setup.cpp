@@ -1,0 +1,242 @@
+#include "orvanverb/decode/decode_setup.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "decoders/hoa_decoder.h"
+#include "decoders/null_decoder.h"
+#include "decoders/transaural_decoder.h"
+#include "dsp/constants.h"
+#include "geometry/speakers.h"
+#include "orvanverb/channel_mask.h"
+#include "orvanverb/channel_words.h"
+#include "orvanverb/hrtf/engine_loading.h"
+#include "orvanverb/program_error.h"
+#include "orvanverb/text.h"
+#include "orvanverb/vector_channels.h"
+
+namespace program {
+
+namespace {
+
+using Decoder = Lume::Decoder;
+
+constexpr double settleSeconds = 0.25;  // gains slide for up to 60 ms, delays glide for 50
+
+bool HasLoudspeakers(Decoder::Type type) {
+    return type == Decoder::transaural || type == Decoder::bformat || type == Decoder::hoa2d || type == Decoder::hoa3d;
+}
+
+/// What a type takes, for those who came with something else.
+char const* Takes(Decoder::Type type) {
+    switch (type) {
+        case Decoder::transaural:
+            return "2 channels to 2 loudspeakers";
+        case Decoder::bformat:
+            return "3, 4 or 5 channels to loudspeakers";
+        case Decoder::hoa2d:
+            return "3, 5, 7 ... channels to at least as many loudspeakers, and at least 4";
+        case Decoder::hoa3d:
+            return "4, 9, 16 ... channels to at least 4 loudspeakers";
+        case Decoder::surround:
+            return "2 to 3 or 4, 3 to 2 or 4, and 4 to 2 or 3 channels";
+        case Decoder::bformat2uhj:
+            return "3 to 2 or 3, and 4 to 2, 3 or 4 channels";
+        case Decoder::uhj2bformat:
+            return "2 to 3, 3 to 3, and 4 to 3 or 4 channels";
+        default:
+            return "any";
+    }
+}
+
+unsigned int UsualOutputs(Decoder::Type type, unsigned int numInputs) {
+    if (type == Decoder::uhj2bformat) return numInputs == 4 ? 4 : 3;
+    if (type == Decoder::surround && numInputs == 2) return 4;
+    return 2;
+}
+
+std::vector<std::string> Words(Decoder::Type type, unsigned int numOutputs) {
+    std::vector<std::string> words;
+    if (type == Decoder::uhj2bformat)
+        words = {"W: from everywhere", "X", "Y", "Z: up"};
+    else if (type == Decoder::bformat2uhj)
+        words = {"left", "right", "T", "Q"};
+    else if (numOutputs == 2)
+        words = {"left total", "right total"};
+    else if (numOutputs == 3)
+        words = {"left", "right", "surround"};
+    else
+        words = {"left", "centre", "right", "surround"};
+    words.resize(numOutputs);
+    return words;
+}
+
+/// Refuses a word that the engine would take for its first value.
+template <typename Value, typename NameOf>
+Value FindByName(char const* option, std::string const& word, int count, NameOf nameOf) {
+    std::string names;
+    for (int i = 0; i < count; ++i) {
+        char const* const name = nameOf(static_cast<Value>(i));
+        if (word == name) return static_cast<Value>(i);
+        names.append(" ").append(name);
+    }
+    throw UsageError(std::string(option) + ": '" + word + "' is none; there are" + names);
+}
+
+}  // namespace
+
+DecodeSetup::DecodeSetup(Options const& options, unsigned int newNumInputs) : numInputs(newNumInputs) {
+    std::string const& name = options.decode.type;
+    if (!Decoder::IsValidDecoderType(name.c_str()) || Decoder::GetType(name.c_str()) == Decoder::null)
+        throw UsageError("--type: '" + name + "' is none; orvanverb decode --list shows them");
+    type = Decoder::GetType(name.c_str());
+    ChooseOutputs(options);
+    const auto subType = FindByName<Decoder::SubType>("--sub-type", options.decode.subType, 9, Decoder::GetSubTypeName);
+    if (subType != Decoder::nullSubType && type != Decoder::transaural)
+        throw UsageError("--sub-type: is for the type transaural");
+    if (Decoder::SupportsConfiguration(type, numInputs, NumOutputs()))
+        decoder.reset(Decoder::factory(numInputs, NumOutputs(), type, subType));
+    if (!decoder || dynamic_cast<Lume::NullDecoder const*>(decoder.get()) != nullptr)
+        throw UsageError("--type " + name + ": doesn't take " + std::to_string(numInputs) + " channels to " +
+                         std::to_string(NumOutputs()) + "; it takes " + Takes(type));
+    SetUpHarmonics(options.decode);
+    if (HasLoudspeakers(type)) {
+        std::vector<Lume::CartesianVector> positions = layout.positions;
+        if (options.decode.ambix)
+            for (Lume::CartesianVector& p : positions) p = ToAmbixAxes(p);
+        decoder->SetLoudspeakerPositions(positions.data());
+        channels = LoudspeakerWords(layout);
+    } else {
+        channels = Words(type, NumOutputs());
+    }
+    CheckCondition();
+    SetUpTransaural(options);
+}
+
+void DecodeSetup::ChooseOutputs(Options const& options) {
+    if (HasLoudspeakers(type)) {
+        if (options.decode.outputs) throw UsageError("--outputs: this type has one for each of the --speakers");
+        if (type == Decoder::hoa3d && options.speakers.value_or("cube") == "cube")
+            layout = SpeakerLayout::InEngineOrder({std::begin(Lume::Speakers::cube), std::end(Lume::Speakers::cube)});
+        else
+            layout = SpeakerLayout::Parse(options.speakers.value_or(type == Decoder::transaural ? "2" : "8"));
+        return;
+    }
+    if (options.speakers) throw UsageError("--speakers: this type's outputs are channels of a format; see --outputs");
+    layout.fileOrder.resize(options.decode.outputs.value_or(UsualOutputs(type, numInputs)));
+    std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
+    if (NumOutputs() == 2) layout.channelMask = frontLeft | frontRight;
+}
+
+void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
+    auto* const hoa = dynamic_cast<Lume::HOADecoder*>(decoder.get());
+    if (options.ambix && type != Decoder::hoa3d) throw UsageError("--ambix: is for the type hoa3d");
+    if (hoa == nullptr) {
+        if (options.convention || options.sorting || options.crossoverHz || options.weights != "basic" ||
+            options.method != "pseudoinverse")
+            throw UsageError("--convention, --sorting, --hoa-method, --weights, --crossover: are for hoa2d and hoa3d");
+        return;
+    }
+    // What pan writes when nobody says otherwise.
+    const std::string usual = type == Decoder::hoa3d ? "SN3D" : "SN2D";
+    const std::string convention = options.convention.value_or(usual);
+    if (convention.ends_with("3D") != (type == Decoder::hoa3d))
+        throw UsageError("--convention: " + options.type + " has no " + convention);
+    hoa->SetDecodingConvention(Lume::HOADecoder::GetHOADecodingConvention(convention.c_str()));
+    hoa->SetSphericalHarmonicsSorting(options.sorting.value_or("IncreasingDegrees").c_str());
+    hoa->SetDecoderMethod(FindByName<Lume::HOADecoder::HOADecoderMethod>("--hoa-method", options.method, 2,
+                                                                         Lume::HOADecoder::GetHOADecoderMethodName));
+    hoa->SetDecoderType(FindByName<Lume::HOADecoder::HOADecoderType>("--weights", options.weights, 5,
+                                                                     Lume::HOADecoder::GetHOADecoderTypeName));
+    if (options.crossoverHz) hoa->SetCrossover(*options.crossoverHz);
+}
+
+void DecodeSetup::CheckCondition() {
+    if (auto* const hoa = dynamic_cast<Lume::HOADecoder*>(decoder.get())) {
+        Lume::HOADecoder::HOADecoderInfos infos;
+        hoa->GetDecoderInfos(infos);
+        if (!(infos.conditionNumber <= Lume::HOADecoder::DecoderConditionningThreshold))
+            warnings.push_back("the loudspeakers don't suit this order: a condition number of " +
+                               FixedText(infos.conditionNumber, 1) +
+                               " dB; a lower order, more or more even loudspeakers are better");
+    }
+}
+
+void DecodeSetup::SetUpTransaural(Options const& options) {
+    auto* const transaural = dynamic_cast<Lume::TransauralDecoder*>(decoder.get());
+    if (transaural == nullptr) {
+        if (options.decode.filters) throw UsageError("--filters: is for the type transaural");
+        return;
+    }
+    if (options.decode.filters) {
+        std::string const& path = *options.decode.filters;
+        RequireSetFile(path, ".bin2trans, .hrtf or .coll");
+        bool taken = false;
+        LoadQuietly(path, [&] { taken = transaural->LoadFromFile(path.c_str()); });
+        if (!taken)
+            throw WorkError(path + ": has not what this network takes: " +
+                            std::to_string(transaural->getExpectedNumberOfFiltersInHrtfFiles()) +
+                            " filters a point, for " +
+                            Lume::GetHrtfTypeName(transaural->getExpectedHrtfTypeInHrtfFiles()));
+    } else {
+        // A network that the built-in set doesn't suit refuses it, in one way or the other.
+        try {
+            LoadQuietly("kemar", [&] { transaural->LoadFromFile("kemar"); });
+        } catch (WorkError const&) {
+        }
+    }
+    if (transaural->GetHrtfHeaderInfos() == nullptr)
+        warnings.push_back("this network has no built-in filters: the output is silent without --filters, a set for " +
+                           Lume::GetHrtfTypeName(transaural->getExpectedHrtfTypeInHrtfFiles()));
+}
+
+void DecodeSetup::Start(int samplerate, unsigned int vectorSize) {
+    decoder->Configure(static_cast<float>(samplerate), vectorSize, true);
+    VectorChannels silence(numInputs, vectorSize);
+    VectorChannels discarded(NumOutputs(), vectorSize);
+    for (double seconds = 0.0; seconds < settleSeconds; seconds += static_cast<double>(vectorSize) / samplerate)
+        decoder->Process(discarded.Pointers(), silence.Pointers(), vectorSize, orvandsp::allActiveInputs);
+}
+
+std::string DecodeSetup::MatrixText() const {
+    auto const* const hoa = dynamic_cast<Lume::HOADecoder const*>(decoder.get());
+    if (hoa == nullptr) throw UsageError("--matrix: is for the types hoa2d and hoa3d");
+    Lume::HOADecoder::HOADecoderInfos infos;
+    hoa->GetDecoderInfos(infos);
+    orvandsp::MatrixDouble matrix;
+    hoa->GetDecoderMatrix(matrix);
+    std::string text = "order " + std::to_string(infos.order) + ", " +
+                       Lume::HOADecoder::GetHOADecoderMethodName(infos.decoderMethod) + ", " +
+                       Lume::HOADecoder::GetHOADecoderTypeName(infos.decoderType) + "\n";
+    text += "condition number " + FixedText(infos.conditionNumber, 2) + " dB\n";
+    text += "regularity " + FixedText(infos.regularity, 9) + ", semi-regularity " + FixedText(infos.semiRegularity, 9) +
+            "\n";
+    for (std::size_t c = 0; c < channels.size(); ++c) {
+        text += "channel " + std::to_string(c + 1) + " (" + channels[c] + "):";
+        for (unsigned int input = 0; input < numInputs; ++input)
+            text.append(" ").append(FixedText(matrix[input][layout.fileOrder[c]], 6));
+        text += "\n";
+    }
+    return text;
+}
+
+std::string DecoderList() {
+    std::string text = "type          what it takes\n";
+    for (const Decoder::Type type : {Decoder::bformat, Decoder::hoa2d, Decoder::hoa3d, Decoder::surround,
+                                     Decoder::bformat2uhj, Decoder::uhj2bformat, Decoder::transaural}) {
+        std::string name = Decoder::GetTypeName(type);
+        name.resize(14, ' ');
+        text += name + Takes(type) + "\n";
+    }
+    text += "\nsub-type of transaural (the first one unless another is named)\n";
+    for (int i = 1; i < 9; ++i)
+        text += std::string("  ") + Decoder::GetSubTypeName(static_cast<Decoder::SubType>(i)) + "\n";
+    text += "\nweights of hoa2d and hoa3d\n";
+    for (int i = 0; i < 5; ++i)
+        text += std::string("  ") +
+                Lume::HOADecoder::GetHOADecoderTypeName(static_cast<Lume::HOADecoder::HOADecoderType>(i)) + "\n";
+    return text;
+}
+
+}  // namespace program
