@@ -79,14 +79,14 @@ class Axis:
     """A fine frequency axis and the matrix that smooths power on it over one ERB at 73 centres half an ERB apart from
     100 Hz to 16 kHz.
 
-    Points are at most 0.1 ERB and at most 60 Hz apart: a pole near the unit circle is no wider at the top than that, and
+    Points are at most 0.1 ERB and largest_spacing (in Hz) apart: a pole near the unit circle is no wider at the top than that, and
     must not hide between two points.
     """
 
-    def __init__(self, low=30.0, high=0.5 * RATE):
+    def __init__(self, largest_spacing=60.0, low=30.0, high=0.5 * RATE):
         points = [low]
         while points[-1] < high:
-            points.append(min(points[-1] + 60.0, float(erb_frequency(erb_number(points[-1]) + 0.1))))
+            points.append(min(points[-1] + largest_spacing, float(erb_frequency(erb_number(points[-1]) + 0.1))))
         self.frequencies = np.array(points[:-1] + [high])
         numbers = erb_number(self.frequencies)
         self.widths = np.gradient(numbers)  # of each point, in ERBs

@@ -16,6 +16,7 @@ from measurements import RATE, Axis, decibels
 HALF_ANGLES = 10 * np.arange(1, 18)
 NETWORK_GAIN = 2.0 * np.sqrt(2.0)
 LARGEST_GAIN_DB = 17.0
+LARGEST_COLOUR_DB = 0.97
 
 
 def ear_responses(left, frequencies):
@@ -54,9 +55,9 @@ def log_response(parameters, frequencies):
 class CrosstalkRefiner:
     """Levenberg-Marquardt on both filters of one angle: crosstalk, near-ear colour, and the gain limit."""
 
-    WANTED_COLOUR_DB = 0.63
+    WANTED_COLOUR_DB = 0.7
     # Where the ears are hardest to part (loudspeakers at the sides) crosstalk counts more than colour.
-    WANTED_COLOUR_OF_HARD_ANGLES_DB = 0.85
+    WANTED_COLOUR_OF_HARD_ANGLES_DB = 0.88
     EASY_REDUCTION_DB = 13.0
     GAIN_WEIGHT = 3.0
     FLOOR = 0.03  # crosstalk below about -30 dB isn't worth a worse frequency elsewhere
@@ -77,6 +78,7 @@ class CrosstalkRefiner:
         self.weight = np.where(self.judged, 1.0, 0.15) * density * (frequencies < 16000.0)
         self.share = self.weight[self.judged] ** 2 / np.sum(self.weight[self.judged] ** 2)
         self.colour_weight = 0.2  # per dB, against the crosstalk in relative terms
+        self.strictness = 1.0  # divides the wanted colour
 
     def ears(self, parameters):
         """Near-ear signal and crosstalk for a unit input in one binaural channel."""
@@ -91,13 +93,20 @@ class CrosstalkRefiner:
         level = 20.0 * np.log10(np.abs(near[self.judged]))
         return np.sqrt(self.share @ (level - self.share @ level) ** 2)
 
+    def colour_over_hertz(self, parameters):
+        """The same with each Hz weighted alike."""
+        frequencies = self.frequencies[: self.points][self.judged]
+        level = 20.0 * np.log10(np.abs(self.ears(parameters)[0][self.judged]))
+        even = np.arange(frequencies[0], frequencies[-1], 10.0)
+        return np.std(np.interp(even, frequencies, level))
+
     def crosstalk(self, near, cross):
         """Mean crosstalk in dB."""
         return self.share @ (20.0 * np.log10(np.abs(cross / near)[self.judged] + 1e-3))
 
     def wanted_colour(self, near, cross):
         easy = self.share @ self.bare[self.judged] - self.crosstalk(near, cross) > self.EASY_REDUCTION_DB
-        return self.WANTED_COLOUR_DB if easy else self.WANTED_COLOUR_OF_HARD_ANGLES_DB
+        return (self.WANTED_COLOUR_DB if easy else self.WANTED_COLOUR_OF_HARD_ANGLES_DB) / self.strictness
 
     def residuals(self, parameters, crosstalk_weight):
         logs = [log_response(half, self.frequencies) for half in np.split(parameters, 2)]
@@ -235,7 +244,8 @@ def report(result):
 
 def make(path, log=print):
     """The rows (34 x 26) and their figures, from a file with the measurements."""
-    left, axis = measurements.load_left_ear(path), Axis()
+    # Finer than for magnitudes: where the two products nearly cancel, the crosstalk changes within a few Hz.
+    left, axis = measurements.load_left_ear(path), Axis(largest_spacing=25.0)
     near, far = ear_responses(left, axis.frequencies)
     # Regularised, so that the difference filter doesn't amplify without bound where both ears hear the same.
     floor = (10.0 ** (-LARGEST_GAIN_DB / 20.0) / NETWORK_GAIN / 2.0) ** 2
@@ -267,6 +277,10 @@ def make(path, log=print):
             for _ in range(3):
                 try_start(number, best[number] + generator.normal(0.0, 0.4, len(best[number])))
         log(f"  refined: mean score {np.mean(scores):.3f}, worst {np.max(scores):.3f}")
+    for number, refiner in enumerate(refiners):
+        while refiner.colour_over_hertz(best[number]) > LARGEST_COLOUR_DB and refiner.strictness < 2.0:
+            refiner.strictness *= 1.15
+            best[number] = refiner.refine(best[number])
     rows = []
     for refiner, pair in zip(refiners, best):
         for half in np.split(pair, 2):
