@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 
 #include "hrtf/asymmetric_transaural_data_loader.h"
@@ -43,8 +44,9 @@ Lume::SdifSet MakeSet(Lume::HrtfType type, Lume::HrtfFilterType filterType, unsi
 }
 
 std::vector<std::uint32_t> Bits(std::vector<float> const& values) {
-    std::vector<std::uint32_t> bits;
-    for (const float value : values) bits.push_back(std::bit_cast<std::uint32_t>(value));
+    std::vector<std::uint32_t> bits(values.size());
+    std::transform(values.begin(), values.end(), bits.begin(),
+                   [](float value) { return std::bit_cast<std::uint32_t>(value); });
     return bits;
 }
 
