@@ -27,15 +27,16 @@ private:
     Box* before;
 };
 
-Box::Box(std::string_view text, BoxListener boxListener)
+Box::Box(std::string_view text, BoxListener boxListener) : Box(ParseAtoms(text), std::move(boxListener)) {}
+
+Box::Box(std::vector<t_atom> words, BoxListener boxListener)
     : listener(std::move(boxListener)), boxObject{nullptr, new ObjectState} {
     boxObject.o_state->box = this;
     const Work work(this);
-    Create(text);
+    Create(std::move(words));
 }
 
-void Box::Create(std::string_view text) {
-    std::vector<t_atom> atoms = ParseAtoms(text);
+void Box::Create(std::vector<t_atom> atoms) {
     t_symbol* const name = atoms.empty() ? gensym("") : atom_getsym(&atoms.front());
     t_class const* const c = class_findbyname(common_symbols_init()->s_box, name);
     if (c == nullptr) {

@@ -31,6 +31,8 @@ public:
     /// Makes an object from the text of an object box: class name, arguments, attributes (@name values). If the class
     /// refuses, or there is none of that name, the console says why and Object() is null.
     explicit Box(std::string_view text, BoxListener boxListener = {});
+    /// The same from the words of the text.
+    explicit Box(std::vector<t_atom> words, BoxListener boxListener = {});
     /// Stops audio and frees the object.
     ~Box();
 
@@ -86,7 +88,7 @@ public:
 private:
     class Work;
 
-    void Create(std::string_view text);
+    void Create(std::vector<t_atom> atoms);
     method HostMessage(char const* name) const;
 
     BoxListener listener;

@@ -1,0 +1,160 @@
+#include "pd/pd_room.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "max/atom.h"
+#include "pd/pd_atoms.h"
+
+namespace pd {
+
+namespace {
+
+constexpr char const* className = "orvanverb~";
+
+/// Pd computes in ticks of this size, whatever the blocks of a subpatch are [samples].
+constexpr double tickSize = 64.0;
+
+/// A second after the first sample that was replaced, so that the line can say how many there were [ms].
+constexpr double reportDelay = 1000.0;
+
+bool IsWord(t_atom const& atom, char const* word) {
+    return atom.a_type == A_SYMBOL && std::strcmp(atom.a_w.w_symbol->s_name, word) == 0;
+}
+
+bool IsAttributeWord(t_atom const& atom) {
+    return atom.a_type == A_SYMBOL && atom.a_w.w_symbol->s_name[0] == '@';
+}
+
+/// Takes @autosave and its value out of the words: it is the box's own, the object doesn't know it.
+bool TakeAutosave(std::vector<t_atom>& words) {
+    bool autosave = false;
+    for (auto word = words.begin(); word != words.end();) {
+        if (!IsWord(*word, "@autosave")) {
+            ++word;
+            continue;
+        }
+        const auto next = std::find_if(word + 1, words.end(), IsAttributeWord);
+        autosave = next - word > 1 && atom_getfloat(&word[1]) != 0.0f;
+        word = words.erase(word, next);
+    }
+    return autosave;
+}
+
+std::vector<max::t_atom> ObjectWords(std::span<t_atom const> words, bool& autosave) {
+    std::vector<t_atom> left(words.begin(), words.end());
+    autosave = TakeAutosave(left);
+    return FromPd(left);
+}
+
+t_symbol* SavedStateReceiver() {
+    return gensym("#A");
+}
+
+}  // namespace
+
+PdRoom::PdRoom(t_object* newOwner, std::span<t_atom const> words)
+    : owner(newOwner),
+      room(ObjectWords(words, autosave),
+           {[this](max::ConsoleLevel level, std::string const& text) { Line(level, text); }, nullptr, nullptr}) {
+    if (!IsMade()) return;
+    for (std::size_t i = 1; i < room.NumInputs(); ++i) signalinlet_new(owner, 0.0f);
+    for (std::size_t i = 0; i < room.NumOutputs(); ++i) outlet_new(owner, &s_signal);
+    stateOutlet = outlet_new(owner, &s_anything);
+    inputs.resize(room.NumInputs());
+    outputs.resize(room.NumOutputs());
+    reportClock = clock_new(this, reinterpret_cast<t_method>(+[](PdRoom* x) { x->ReportReplaced(); }));
+    if (autosave) {
+        // In patch files, lines that begin with #A go to the object before them: whoever was made last and wants them
+        // takes the name over.
+        SavedStateReceiver()->s_thing = nullptr;
+        pd_bind(&owner->ob_pd, SavedStateReceiver());
+    }
+}
+
+PdRoom::~PdRoom() {
+    if (reportClock != nullptr) clock_free(reportClock);
+    if (autosave && IsMade() && pd_findbyclass(SavedStateReceiver(), owner->ob_pd) == &owner->ob_pd)
+        pd_unbind(&owner->ob_pd, SavedStateReceiver());
+}
+
+void PdRoom::Line(max::ConsoleLevel level, std::string const& text) {
+    std::string line = text;
+    if (!line.starts_with(className)) line.insert(0, std::string(className) + ": ");
+    switch (level) {
+        case max::ConsoleLevel::post:
+            post("%s", line.c_str());
+            break;
+        case max::ConsoleLevel::warn:
+            logpost(owner, PD_NORMAL, "warning: %s", line.c_str());
+            break;
+        case max::ConsoleLevel::error:
+        case max::ConsoleLevel::bug:
+            pd_error(owner, "%s", line.c_str());
+            break;
+    }
+}
+
+void PdRoom::Message(t_symbol const* selector, std::span<t_atom const> atoms) {
+    if (std::strcmp(selector->s_name, "getstate") == 0) {
+        std::vector<t_atom> state = ToPd(room.State());
+        outlet_list(stateOutlet, &s_list, static_cast<int>(state.size()), state.data());
+    } else if (std::strcmp(selector->s_name, "setstate") == 0) {
+        room.Restore(StateFromPd(atoms));
+    } else {
+        room.Send(selector->s_name, FromPd(atoms));
+    }
+}
+
+bool PdRoom::MissedABlock() const {
+    const double blockTime = std::max(tickSize / static_cast<double>(sys_getsr()),
+                                      static_cast<double>(room.Vectors().BlockSize()) /
+                                          static_cast<double>(room.SampleRate()));  // [s]
+    return clock_gettimesince(lastBlockTime) > 1.5 * 1000.0 * blockTime;
+}
+
+void PdRoom::Dsp(t_signal** signals) {
+    const auto blockSize = static_cast<std::size_t>(signals[0]->s_n);
+    if (signals[0]->s_sr != room.SampleRate() || blockSize != room.Vectors().BlockSize() || MissedABlock()) {
+        room.Start(signals[0]->s_sr, blockSize);
+        lastBlockTime = clock_getlogicaltime();
+    }
+    for (float const*& input : inputs) input = (*signals++)->s_vec;
+    for (float*& output : outputs) output = (*signals++)->s_vec;
+    dsp_add(
+        [](t_int* words) {
+            reinterpret_cast<PdRoom*>(words[1])->Perform();  // NOLINT(performance-no-int-to-ptr): words are pointers
+            return words + 2;
+        },
+        1, reinterpret_cast<t_int>(this));
+}
+
+void PdRoom::Perform() {
+    lastBlockTime = clock_getlogicaltime();
+    room.Process(inputs.data(), outputs.data());
+    if (room.Vectors().NumReplaced() > 0 && !reported) {
+        reported = true;
+        clock_delay(reportClock, reportDelay);
+    }
+}
+
+void PdRoom::ReportReplaced() {
+    Line(max::ConsoleLevel::error, std::to_string(room.Vectors().NumReplaced()) +
+                                       " input samples weren't finite; 0 went into the room instead. This is said once");
+}
+
+void PdRoom::Save(t_binbuf* file) {
+    binbuf_addv(file, "ssii", gensym("#X"), gensym("obj"), static_cast<int>(owner->te_xpix),
+                static_cast<int>(owner->te_ypix));
+    binbuf_addbinbuf(file, owner->te_binbuf);
+    binbuf_addsemi(file);
+    if (autosave) {
+        const std::vector<t_atom> state = StateToFile(room.State());
+        binbuf_addv(file, "ss", SavedStateReceiver(), gensym("setstate"));
+        binbuf_add(file, static_cast<int>(state.size()), state.data());
+        binbuf_addsemi(file);
+    }
+    obj_saveformat(owner, file);
+}
+
+}  // namespace pd

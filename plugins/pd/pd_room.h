@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "common/hosted_room.h"
+#include "pd/pd_api.h"
+
+namespace pd {
+
+/// What stands behind one object box of Pd: a room, its inlets and outlets, and the way between them. Pd's only thread.
+class PdRoom {
+public:
+    /// Makes the room, and then inlets and outlets of the box: a signal for each source and loudspeaker, and the outlet
+    /// of states. The first inlet comes with the class.
+    /// @param newOwner  the record of the box
+    /// @param words     its text behind the class name
+    PdRoom(t_object* newOwner, std::span<t_atom const> words);
+    ~PdRoom();
+    PdRoom(PdRoom const&) = delete;
+    PdRoom& operator=(PdRoom const&) = delete;
+
+    bool IsMade() const noexcept { return room.IsMade(); }
+
+    /// Any message: getstate, setstate, or one of the object.
+    void Message(t_symbol const* selector, std::span<t_atom const> atoms);
+
+    /// Enters the signal chain that Pd is about to compile. It compiles it anew whenever a patch is edited: as long as
+    /// neither rate nor block size change and no block was missed, the room sounds on.
+    void Dsp(t_signal** signals);
+    void Perform();
+
+    /// Writes the box into a patch file, with the state if it was made with @autosave 1.
+    void Save(t_binbuf* file);
+
+private:
+    void Line(max::ConsoleLevel level, std::string const& text);
+    bool MissedABlock() const;
+    void ReportReplaced();
+
+    t_object* owner;
+    bool autosave;
+    plugin::HostedRoom room;
+    t_outlet* stateOutlet = nullptr;
+    std::vector<float const*> inputs;
+    std::vector<float*> outputs;
+    double lastBlockTime = 0.0;  // of Pd's clock
+    t_clock* reportClock = nullptr;
+    bool reported = false;  // that input samples were replaced
+};
+
+}  // namespace pd
