@@ -24,20 +24,20 @@ std::string Quote(std::string const& word) {
 
 }  // namespace
 
-RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before, std::string const& input) {
+RunResult RunCommand(std::vector<std::string> const& words, std::string const& before, std::string const& input) {
     const TemporaryDirectory directory;
     WriteText(directory / "in", input);
     // Appended, not added: g++ 12 sees overlapping copies in `"text" + string` and warns.
     std::string command = before;
-    command.append(before.empty() ? "exec " : " ").append(Quote(ORVANVERB_PROGRAM));
-    for (std::string const& argument : arguments) command.append(" ").append(Quote(argument));
+    command.append(before.empty() ? "exec" : "");
+    for (std::string const& word : words) command.append(" ").append(Quote(word));
     command.append(" <").append(Quote(directory / "in"));
     command.append(" >").append(Quote(directory / "out")).append(" 2>").append(Quote(directory / "err"));
 
     std::string shell = "sh", flag = "-c";
-    char* words[] = {shell.data(), flag.data(), command.data(), nullptr};
+    char* call[] = {shell.data(), flag.data(), command.data(), nullptr};
     pid_t process = 0;
-    if (posix_spawnp(&process, "sh", nullptr, nullptr, words, environ) != 0) throw std::runtime_error("no shell");
+    if (posix_spawnp(&process, "sh", nullptr, nullptr, call, environ) != 0) throw std::runtime_error("no shell");
     int status = 0;
     rusage usage{};
     wait4(process, &status, 0, &usage);
@@ -48,4 +48,10 @@ RunResult RunProgram(std::vector<std::string> const& arguments, std::string cons
     result.err = ReadText(directory / "err");
     result.peakMemoryKb = usage.ru_maxrss;
     return result;
+}
+
+RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before, std::string const& input) {
+    std::vector<std::string> words{ORVANVERB_PROGRAM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return RunCommand(words, before, input);
 }

@@ -3,12 +3,16 @@
 #include <string>
 #include <vector>
 
-/// What became of one run of the program.
+/// What became of one run of a program.
 struct RunResult {
     int status = -1;       // exit status
     std::string out, err;  // standard output and standard error
     long peakMemoryKb = 0;
 };
+
+/// Runs a command, whose first word is its program.
+RunResult RunCommand(std::vector<std::string> const& words, std::string const& before = {},
+                     std::string const& input = {});
 
 /// Runs the real program.
 /// @param before  shell words in front of it: "ulimit -f 8;", "timeout -s INT 1"
