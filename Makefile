@@ -3,6 +3,7 @@
 # make slow   runs the tests that take minutes
 # make asan   builds and runs the tests with address and undefined-behaviour sanitizers
 # make fuzz   throws crafted files at the loaders for a minute each (clang)
+# make pd-package  puts the external for Pure Data into out/
 # make bench  builds and runs the benchmarks
 # make check  layout, layers and static analysis
 # make format lays out every file
@@ -11,7 +12,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan fuzz bench check format clean
+.PHONY: all setup configure build demo test slow asan fuzz bench check format pd-package clean
 all: build
 
 setup:
@@ -44,6 +45,14 @@ fuzz: setup
 	@cmake --preset fuzz >/dev/null
 	@cmake --build --preset fuzz -j$(JOBS)
 	@tools/fuzz build/fuzz $(FUZZ_SECONDS)
+
+PD_PACKAGE := out/orvanverb~.tar.gz
+pd-package: configure
+	@cmake --build --preset release -j$(JOBS) --target orvan_pd
+	@rm -rf out/pd
+	@cmake --install $(BUILD) --component pd --strip --prefix out/pd >/dev/null
+	@tar -czf $(PD_PACKAGE) --owner=0 --group=0 -C out/pd/lib/pd/extra orvanverb~
+	@echo "$(PD_PACKAGE) unpacks into Pd's folder of externals, such as ~/.local/lib/pd/extra"
 
 bench: build
 	$(BUILD)/bench/orvan_bench

@@ -14,10 +14,16 @@ class FloatingPointMode {
 public:
 #if defined(__SSE2__)
     FloatingPointMode() : control(_mm_getcsr()) {}
-    ~FloatingPointMode() { _mm_setcsr(control); }
+    ~FloatingPointMode() {
+        _mm_setcsr(control);
+    }
 #elif defined(__aarch64__)
-    FloatingPointMode() { __asm__ volatile("mrs %0, fpcr" : "=r"(control)); }
-    ~FloatingPointMode() { __asm__ volatile("msr fpcr, %0" : : "r"(control)); }
+    FloatingPointMode() {
+        __asm__ volatile("mrs %0, fpcr" : "=r"(control));
+    }
+    ~FloatingPointMode() {
+        __asm__ volatile("msr fpcr, %0" : : "r"(control));
+    }
 #else
     FloatingPointMode() {}
     ~FloatingPointMode() {}

@@ -1,6 +1,7 @@
 #pragma once
 
-/// The API of Pd. Its header makes macros of some names of types, which other namespaces use too: here they become types.
+/// The API of Pd. Its header makes macros of some names of types, which other namespaces use too: here they become
+/// types.
 
 #include <m_pd.h>
 

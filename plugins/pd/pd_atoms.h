@@ -18,7 +18,8 @@ std::vector<max::t_atom> StateFromPd(std::span<t_atom const> atoms);
 
 std::vector<t_atom> ToPd(std::vector<max::t_atom> const& atoms);
 
-/// A state for a patch file. Pd writes numbers with six digits; spelled by symbols, they are read back as the same bits.
+/// A state for a patch file. Pd writes numbers with six digits; spelled by symbols, they are read back as the same
+/// bits.
 std::vector<t_atom> StateToFile(std::vector<max::t_atom> const& atoms);
 
 }  // namespace pd

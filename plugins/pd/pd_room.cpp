@@ -107,9 +107,9 @@ void PdRoom::Message(t_symbol const* selector, std::span<t_atom const> atoms) {
 }
 
 bool PdRoom::MissedABlock() const {
-    const double blockTime = std::max(tickSize / static_cast<double>(sys_getsr()),
-                                      static_cast<double>(room.Vectors().BlockSize()) /
-                                          static_cast<double>(room.SampleRate()));  // [s]
+    const double blockTime =
+        std::max(tickSize / static_cast<double>(sys_getsr()),
+                 static_cast<double>(room.Vectors().BlockSize()) / static_cast<double>(room.SampleRate()));  // [s]
     return clock_gettimesince(lastBlockTime) > 1.5 * 1000.0 * blockTime;
 }
 
@@ -139,8 +139,9 @@ void PdRoom::Perform() {
 }
 
 void PdRoom::ReportReplaced() {
-    Line(max::ConsoleLevel::error, std::to_string(room.Vectors().NumReplaced()) +
-                                       " input samples weren't finite; 0 went into the room instead. This is said once");
+    Line(max::ConsoleLevel::error,
+         std::to_string(room.Vectors().NumReplaced()) +
+             " input samples weren't finite; 0 went into the room instead. This is said once");
 }
 
 void PdRoom::Save(t_binbuf* file) {

@@ -12,9 +12,12 @@
 namespace {
 
 plugin::HostedRoom MakeRoom(char const* words) {
-    return {max::ParseAtoms(words), {[](max::ConsoleLevel level, std::string const& text) {
-                if (level != max::ConsoleLevel::post) ADD_FAILURE() << text;
-            }, {}, {}}};
+    return {max::ParseAtoms(words),
+            {[](max::ConsoleLevel level, std::string const& text) {
+                 if (level != max::ConsoleLevel::post) ADD_FAILURE() << text;
+             },
+             {},
+             {}}};
 }
 
 std::string Text(std::vector<max::t_atom> const& atoms) {

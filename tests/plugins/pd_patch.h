@@ -26,7 +26,8 @@ private:
     std::string objects, connections;
 };
 
-/// Opens a patch file in the real Pd, with the external of this build, and lets it run as fast as it can until it quits.
+/// Opens a patch file in the real Pd, with the external of this build, and lets it run as fast as it can until it
+/// quits.
 /// @param options  more words of the command line
 /// @param before   as in RunCommand
 RunResult RunPd(std::string const& path, std::vector<std::string> const& options = {}, std::string const& before = {});

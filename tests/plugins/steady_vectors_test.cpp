@@ -22,8 +22,8 @@ float SampleAt(std::size_t channel, std::ptrdiff_t time) {
 // share their memory are read: Pd hands the same arrays out for both.
 TEST(SteadyVectors, EveryBlockSizeBecomesVectorsOfOneSize) {
     const std::tuple<std::size_t, std::size_t, std::size_t> sizes[] = {
-        {1, 16, 15},  {2, 16, 14},   {8, 16, 8},  {16, 16, 0},    {24, 16, 8},  {48, 16, 0},
-        {64, 64, 0},  {100, 16, 12}, {96, 32, 0}, {1000, 16, 8},  {4096, 4096, 0}};
+        {1, 16, 15}, {2, 16, 14},   {8, 16, 8},  {16, 16, 0},   {24, 16, 8},    {48, 16, 0},
+        {64, 64, 0}, {100, 16, 12}, {96, 32, 0}, {1000, 16, 8}, {4096, 4096, 0}};
     for (auto const& [blockSize, vectorSize, latency] : sizes) {
         plugin::SteadyVectors vectors;
         vectors.Configure(numChannels, numChannels, blockSize);
@@ -46,8 +46,8 @@ TEST(SteadyVectors, EveryBlockSizeBecomesVectorsOfOneSize) {
             ASSERT_EQ(AllocationCount(), before);
             for (std::size_t c = 0; c < numChannels; ++c)
                 for (std::size_t i = 0; i < blockSize; ++i)
-                    wrong += outputs[c][i] != SampleAt(c, static_cast<std::ptrdiff_t>(begin + i) -
-                                                              static_cast<std::ptrdiff_t>(latency));
+                    wrong += outputs[c][i] !=
+                             SampleAt(c, static_cast<std::ptrdiff_t>(begin + i) - static_cast<std::ptrdiff_t>(latency));
         }
         EXPECT_EQ(wrong, 0u) << blockSize;
     }
