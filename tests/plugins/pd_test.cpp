@@ -24,7 +24,7 @@ class InPd : public testing::Test {
 protected:
     RunResult Open(PdPatch const& patch, std::vector<std::string> const& options = {}, std::string const& before = {}) {
         WriteText(directory / "test.pd", patch.Text());
-        const RunResult run = RunPd(directory / "test.pd", options, before);
+        RunResult run = RunPd(directory / "test.pd", options, before);
         EXPECT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(run.err.find("couldn't create"), std::string::npos) << run.err;
         return run;
@@ -99,7 +99,7 @@ protected:
             patch.At(1000.0 * static_cast<double>(sample) / sound.samplerate, message);
         };
         for (auto const& [sample, message, receiver] : events)
-            if (sample >= 0) at(sample, "\\; " + receiver + " " + message);
+            if (sample >= 0) at(sample, std::string("\\; ").append(receiver).append(" ").append(message));
         at(static_cast<long>(sound.NumFrames()) + 16384,
            "\\; file write -wave -bytes 4 " + (directory / "out.wav") + outputs + " \\; pd quit");
         console = Open(patch, {"-r", std::to_string(sound.samplerate / upsampling)}).err;
