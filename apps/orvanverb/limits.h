@@ -6,7 +6,7 @@ namespace program {
 constexpr unsigned int maxSources = 64;
 constexpr unsigned int minSpeakers = 2;
 constexpr unsigned int maxSpeakers = 64;
-constexpr char const* defaultSpeakers = "6";
+constexpr char const* defaultSpeakers = "2";
 constexpr int minRate = 8000;    // [Hz]
 constexpr int maxRate = 384000;  // [Hz]
 

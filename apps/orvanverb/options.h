@@ -35,6 +35,7 @@ struct Options {
     std::vector<std::string> inputs;
     std::string output;
     std::optional<std::string> speakers;  // a count or a file; none: those of the state, or defaultSpeakers
+    std::optional<std::string> hrtfSet;   // of the headphones; none: the built-in one
     std::vector<SourcePlace> sources;
     std::optional<int> rate;             // [Hz]
     std::optional<SampleFormat> format;  // none: what the output's name suggests

@@ -38,6 +38,8 @@ void Run(Options const& options) {
     SpeakerLayout const& layout = setup.layout;
     const std::unique_ptr<RoomObject> room = setup.MakeRoom();
     room->Start(samplerate, options.vectorSize);
+    if (options.hrtfSet)
+        if (const std::string remark = room->HrtfRateRemark(*options.hrtfSet); !remark.empty()) Say(remark);
 
     Streaming streaming;
     streaming.samplerate = samplerate;

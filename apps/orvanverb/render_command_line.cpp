@@ -43,8 +43,11 @@ void AddRoomOptions(CLI::App& command, Options& options, Words& words) {
     command
         .add_option("--speakers", options.speakers,
                     "Loudspeakers: a count from 2 to 64 (2 is headphones), or a file with one\n"
-                    "AZIMUTH [ELEVATION [DISTANCE]] a line [6]")
+                    "AZIMUTH [ELEVATION [DISTANCE]] a line [2]")
         ->type_name("COUNT|FILE")
+        ->take_last();
+    command.add_option("--hrtf", options.hrtfSet, "Headphones: a set of filters, .hrtf or .coll [the built-in one]")
+        ->type_name("FILE")
         ->take_last();
     AddPlaces(command, options, words.common);
     command.add_option("--preset", words.preset, "A room: a file with one NAME VALUE... a line")

@@ -5,6 +5,8 @@
 #include "host/attribute_reflection.h"
 #include "host/orvanverb.h"
 #include "host/orvanverb_class.h"
+#include "orvanverb/hrtf/engine_loading.h"
+#include "orvanverb/program_error.h"
 #include "orvanverb/vector_channels.h"
 
 namespace program {
@@ -19,6 +21,10 @@ std::string BoxText(unsigned int numSources, unsigned int numSpeakers, std::stri
     orvanverb_main();
     return "orvanverb~ @numsources " + std::to_string(numSources) + " @numspeakers " + std::to_string(numSpeakers) +
            " @numinternals " + numInternals;
+}
+
+Lume::OrvanVerb& Engine(max::Box const& box) {
+    return *reinterpret_cast<orvanverb_t*>(box.Object())->engine;
 }
 
 void Append(std::vector<max::t_atom>& atoms, Lume::CartesianVector const& position) {
@@ -111,6 +117,18 @@ void RoomObject::Start(int newSamplerate, unsigned int vectorSize) {
     VectorChannels discarded(NumSpeakers(), vectorSize);
     for (double seconds = 0.0; seconds < settleSeconds; seconds += static_cast<double>(vectorSize) / samplerate)
         Process(discarded.Pointers(), silence.Pointers());
+}
+
+void RoomObject::LoadHrtf(std::string const& path) {
+    RequireSetFile(path, ".hrtf or .coll");
+    bool taken = false;
+    LoadQuietly(path, [&] { taken = Engine(box).LoadHrtf(path.c_str()); });
+    if (!taken) throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
+}
+
+std::string RoomObject::HrtfRateRemark(std::string const& path) const {
+    Lume::HrtfHeaderInfos const* const header = Engine(box).GetHrtfHeaderInfos();
+    return header != nullptr ? RateRemark(path, *header, samplerate) : std::string();
 }
 
 }  // namespace program

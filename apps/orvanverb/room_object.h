@@ -36,6 +36,12 @@ public:
     std::vector<Lume::CartesianVector> SourcePositions() { return Positions("sourcespositions"); }
     std::vector<Lume::CartesianVector> SpeakerPositions() { return Positions("speakerspositions"); }
 
+    /// Loads the filters of the headphones.
+    /// @throws WorkError that names the file
+    void LoadHrtf(std::string const& path);
+    /// What to tell of them at the rate of Start; empty if there is nothing.
+    std::string HrtfRateRemark(std::string const& path) const;
+
     /// The values of all attributes that a state holds, each with its name, in the order of the state.
     struct Value {
         std::string name;

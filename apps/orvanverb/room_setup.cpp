@@ -109,6 +109,9 @@ void RoomSetup::ChooseShape(Options const& options, unsigned int numSources) {
         speakers = *wantedSpeakers;
     }
     layout = SpeakerLayout::Parse(speakers);
+    if (options.hrtfSet && layout.positions.size() != 2)
+        throw UsageError("--hrtf: is for headphones, two loudspeakers, not " + std::to_string(layout.positions.size()));
+    hrtfSet = options.hrtfSet;
     if (wantedSpeakers && ParseCount(*wantedSpeakers) != layout.positions.size())
         throw UsageError("@numspeakers " + *wantedSpeakers + ": --speakers gives " +
                          std::to_string(layout.positions.size()));
@@ -136,6 +139,7 @@ std::unique_ptr<RoomObject> RoomSetup::MakeRoom() const {
     // would depend on how many messages came before.
     std::srand(1);
     std::unique_ptr<RoomObject> room = NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals);
+    if (hrtfSet) room->LoadHrtf(*hrtfSet);
     room->Restore(state);
     return room;
 }

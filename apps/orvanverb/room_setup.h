@@ -33,6 +33,7 @@ private:
     void Arrange(Options const& options, RoomObject& room);
 
     unsigned int sources;
+    std::optional<std::string> hrtfSet;
     std::string internals = "8";
     std::optional<StateFile> stateFile;
     std::vector<Options::Setting> preset, attributes;

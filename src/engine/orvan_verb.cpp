@@ -6,6 +6,7 @@
 #include "dsp/constants.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "geometry/speakers.h"
+#include "pan/binaural_panning.h"
 
 namespace Lume {
 
@@ -256,6 +257,18 @@ void OrvanVerb::SetSourcePosition(unsigned int source, CartesianVector const& po
     const float distance = std::min(std::max(Defaults::minSourceDistance, p.radius()), Defaults::maxSourceDistance);
     directDistanceRamps[source].Start(1.0f / (distance * distance), DistanceRampTime);
     roomSendRamps[source].Start(1.0f / distance, DistanceRampTime);
+}
+
+bool OrvanVerb::LoadHrtf(char const* path) {
+    auto* const binaural = dynamic_cast<BinauralPanning*>(directPan.get());
+    if (binaural == nullptr || !binaural->LoadFromFile(path)) return false;
+    binaural->SetFIRFiltersImplementationMethod(orvandsp::Filter::fftconvolution);
+    return true;
+}
+
+HrtfHeaderInfos const* OrvanVerb::GetHrtfHeaderInfos() const {
+    auto const* const binaural = dynamic_cast<BinauralPanning const*>(directPan.get());
+    return binaural != nullptr ? binaural->GetHrtfHeaderInfos() : nullptr;
 }
 
 void OrvanVerb::SetSpeakersPositions(CartesianVector const* positions) {

@@ -9,6 +9,7 @@
 #include "dsp/signal_processing.h"
 #include "filters/multi_faded_hl_shelf.h"
 #include "geometry/cartesian_vector.h"
+#include "hrtf/hrtf_header_infos.h"
 #include "pan/pan.h"
 #include "parameters/hl_shelf_parameters.h"
 #include "parameters/lume_default_parameters.h"
@@ -103,6 +104,15 @@ public:
     /// field doesn't know where loudspeakers stand. Without effect on the two channels of a binaural engine.
     /// @param positions  one per loudspeaker [m]
     void SetSpeakersPositions(CartesianVector const* positions);
+
+    /// Loads the filters of a binaural engine's direct sound from a .hrtf or .coll file; impulse responses run by fast
+    /// convolution. The sources' present filters stay until then. Allocates: not while Process runs.
+    /// @return false, and nothing has changed, if the engine isn't binaural or the set isn't one for two ears
+    /// @throws OrvanDspException, and nothing has changed, if the file can't be read
+    bool LoadHrtf(char const* path);
+
+    /// The description of the set in use, null if the engine isn't binaural.
+    HrtfHeaderInfos const* GetHrtfHeaderInfos() const;
 
     /// Lifts all sources to one elevation, for good: azimuth and distance stay. 30 ms.
     /// @param degrees  -90 to 90, default 0

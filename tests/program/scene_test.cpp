@@ -83,7 +83,7 @@ TEST_F(Scenes, TheStateIsAllThatIsHeard) {
 }
 
 TEST_F(Scenes, StatesOfAnotherShapeAreRefusedWhole) {
-    Render({"--save-state", directory / "six.state"}, {"a.wav"});
+    Render({"--speakers", "6", "--save-state", directory / "six.state"}, {"a.wav"});
     const std::string good = ReadText(directory / "six.state");
     const auto line = [&good](std::string const& name) {
         const auto at = static_cast<long>(good.find(std::string("\n").append(name).append(" ")));

@@ -51,4 +51,10 @@ void LoadQuietly(std::string const& path, std::function<void()> const& load) {
     }
 }
 
+std::string RateRemark(std::string const& path, Lume::HrtfHeaderInfos const& header, int samplerate) {
+    if (header.samplingRate == static_cast<unsigned int>(samplerate)) return {};
+    return path + ": was made for " + std::to_string(header.samplingRate) + " Hz, the output has " +
+           std::to_string(samplerate) + "; orvanverb hrtf convert makes one for it";
+}
+
 }  // namespace program

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 
+#include "hrtf/hrtf_header_infos.h"
+
 /// How the program lets the engine read its files: a failure is one line of the program's.
 namespace program {
 
@@ -15,5 +17,10 @@ void RequireSetFile(std::string const& path, std::string const& extensions);
 /// Runs a loader of the engine. Nothing that it writes on standard error gets through.
 /// @throws WorkError that names the file
 void LoadQuietly(std::string const& path, std::function<void()> const& load);
+
+/// What to tell of a set that was made for another rate: it is used as it is, and its filters are shifted in frequency.
+/// Empty if the rates agree.
+/// @param samplerate  of the output [Hz]
+std::string RateRemark(std::string const& path, Lume::HrtfHeaderInfos const& header, int samplerate);
 
 }  // namespace program

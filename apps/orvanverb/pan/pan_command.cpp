@@ -1,4 +1,5 @@
 #include "orvanverb/pan/pan_command.h"
+#include "orvanverb/hrtf/engine_loading.h"
 
 #include <chrono>
 #include <cstdio>
@@ -20,14 +21,12 @@ namespace {
 // What filters and delays still give when the input has ended.
 constexpr double usualTailSeconds = 0.1;
 
-/// A set is used as it is at every rate; at another one its filters are shifted in frequency.
 void RemarkRate(PanSetup const& setup, Options const& options, int samplerate) {
     if (!options.pan.hrtf) return;
     Lume::HrtfHeaderInfos const* const header =
         static_cast<Lume::BinauralPanning const&>(*setup.panner).GetHrtfHeaderInfos();
-    if (header != nullptr && header->samplingRate != static_cast<unsigned int>(samplerate))
-        Say(*options.pan.hrtf + ": was made for " + std::to_string(header->samplingRate) + " Hz, the output has " +
-            std::to_string(samplerate) + "; orvanverb hrtf convert makes one for it");
+    if (header == nullptr) return;
+    if (const std::string remark = RateRemark(*options.pan.hrtf, *header, samplerate); !remark.empty()) Say(remark);
 }
 
 void Render(Options const& options) {
