@@ -166,6 +166,44 @@ TEST(Uhj, TransferFunctionsHoldTheirOddities) {
     }
 }
 
+// With Y in the phase of the others, the equations of the format's author bring every horizontal direction back: what
+// is left is what the gains that act twice cost.
+TEST(Uhj, EncodesForOtherDecodersOnceYIsAligned) {
+    orvandsp::HilbertTransform hilbert;
+    const auto aligned = Responses(hilbert, 0)[0];
+    const auto encoder = Make(3, 3, Lume::Decoder::bformat2uhj);
+    const auto fromW = Responses(*encoder, 0), fromX = Responses(*encoder, 1), fromY = Responses(*encoder, 2);
+    const Complex j(0.0, 1.0);
+    for (const double f : {50.0, 300.0, 1000.0, 3000.0, 9000.0}) {
+        const double at = f / 44100.0;
+        Complex ofW[3], ofX[3], ofY[3];
+        for (std::size_t i = 0; i < 3; ++i) {
+            ofW[i] = ResponseAt(fromW[i], at);
+            ofX[i] = ResponseAt(fromX[i], at);
+            ofY[i] = ResponseAt(fromY[i], at) * ResponseAt(aligned, at);
+        }
+        for (int azimuth = -180; azimuth < 180; azimuth += 15) {
+            SCOPED_TRACE(testing::Message() << f << " Hz, " << azimuth << " degrees");
+            const double angle = azimuth * std::numbers::pi / 180.0;
+            Complex uhj[3];
+            for (std::size_t i = 0; i < 3; ++i)
+                uhj[i] = std::sqrt(0.5) * ofW[i] + std::cos(angle) * ofX[i] + std::sin(angle) * ofY[i];
+            const Complex sum = uhj[0] + uhj[1], difference = uhj[0] - uhj[1], t = uhj[2];
+            const auto degreesOff = [&](Complex w, Complex x, Complex y) {
+                const double heard = std::atan2(std::real(y * std::conj(w)), std::real(x * std::conj(w)));
+                return std::abs(std::remainder(heard - angle, 2.0 * std::numbers::pi)) * 180.0 / std::numbers::pi;
+            };
+            EXPECT_LT(degreesOff(0.982 * sum + 0.164 * j * difference, 0.419 * sum - 0.828 * j * difference,
+                                 0.763 * difference + 0.385 * j * sum),
+                      6.5);
+            const Complex side = j * (0.828 * difference + 0.768 * t);
+            EXPECT_LT(degreesOff(0.982 * sum + 0.197 * side, 0.419 * sum - side,
+                                 0.796 * difference - 0.676 * t + 0.187 * j * sum),
+                      3.0);
+        }
+    }
+}
+
 TEST(Uhj, InactiveInputsSilence) {
     const auto encoder = Make(4, 2, Lume::Decoder::bformat2uhj), decoder = Make(3, 3, Lume::Decoder::uhj2bformat);
     for (auto* block : {encoder.get(), decoder.get()})
