@@ -76,14 +76,16 @@ constexpr float maxAngle = 1.0e6f;
 template <typename MakePosition>
 std::size_t ReadPositions(SdifFileT* file, std::vector<CartesianVector>& positions, char const* message,
                           MakePosition&& makePosition) {
-    if (SdifFCurrNbCol(file) != 3 || SdifFCurrDataType(file) != SdifFloat8 || !SdifFMatrixFits(file))
+    if (SdifFCurrNbCol(file) != 3 || SdifFCurrDataType(file) != SdifFloat8)
         throw orvandsp::OrvanDspException(message, __FILE__, __LINE__);
-    positions.resize(SdifFCurrNbRow(file));
+    positions.clear();  // grows with what is read: the number of rows isn't to be trusted
     std::size_t numBytes = 0;
-    for (CartesianVector& position : positions) {
-        numBytes += SdifFReadOneRow(file);
-        position =
-            makePosition(FiniteValue(file, 1, message), FiniteValue(file, 2, message), FiniteValue(file, 3, message));
+    for (std::uint32_t row = 0; row < SdifFCurrNbRow(file); ++row) {
+        const std::size_t rowSize = SdifFReadOneRow(file);
+        if (rowSize == 0) break;  // the file's last error says why
+        numBytes += rowSize;
+        positions.push_back(
+            makePosition(FiniteValue(file, 1, message), FiniteValue(file, 2, message), FiniteValue(file, 3, message)));
     }
     return numBytes;
 }

@@ -294,13 +294,6 @@ std::uint32_t SdifFCurrDataType(SdifFileT const* file) {
     return file->dataType;
 }
 
-bool SdifFMatrixFits(SdifFileT const* file) {
-    const std::size_t elementSize = ElementSize(file->dataType);
-    const std::uint64_t numElements = std::uint64_t{file->numRows} * file->numColumns;
-    // Divided, as the product of all three can exceed 64 bits.
-    return elementSize != 0 && numElements <= file->Left() / elementSize;
-}
-
 std::size_t SdifFReadOneRow(SdifFileT* file) {
     const std::size_t begin = file->position;
     const std::size_t size = std::size_t{file->numColumns} * ElementSize(file->dataType);
@@ -323,11 +316,13 @@ double SdifFCurrOneRowCol(SdifFileT const* file, std::uint32_t column) {
 std::size_t SdifFSkipMatrixData(SdifFileT* file) {
     if (file->error) return 0;
     const std::uint64_t numElements = std::uint64_t{file->numRows} * file->numColumns;
-    if (!SdifFMatrixFits(file) && numElements != 0 && ElementSize(file->dataType) != 0) {
+    const std::size_t elementSize = ElementSize(file->dataType);
+    // Divided, as the product of all three can exceed 64 bits.
+    if (elementSize != 0 && numElements > file->Left() / elementSize) {
         file->error = SdifErrorT{"a matrix exceeds the file"};
         return 0;
     }
-    const auto size = static_cast<std::size_t>(numElements) * ElementSize(file->dataType);
+    const auto size = static_cast<std::size_t>(numElements) * elementSize;
     file->position += size;
     return size;
 }

@@ -123,8 +123,6 @@ SdifSignature SdifFCurrMatrixSignature(SdifFileT const* file);
 std::uint32_t SdifFCurrNbRow(SdifFileT const* file);
 std::uint32_t SdifFCurrNbCol(SdifFileT const* file);
 std::uint32_t SdifFCurrDataType(SdifFileT const* file);
-/// Whether the rest of the file can hold the current matrix.
-bool SdifFMatrixFits(SdifFileT const* file);
 /// Moves to the next row of the current matrix.
 std::size_t SdifFReadOneRow(SdifFileT* file);
 /// The value in a column, counted from 1, of the current row; 0 for a column that doesn't exist.

@@ -71,12 +71,12 @@ private:
         switch (SdifFCurrMatrixSignature(file)) {
             case SdifSignatureOf("XPOS"): {
                 const std::size_t numBytes = ReadXPOSMatrix(file, point.positions);
-                if (point.positions.size() != numPositions) Fail("exception reading XPOS matrix ", fileName);
+                CheckPositions(point, "exception reading XPOS matrix ");
                 return numBytes;
             }
             case SdifSignatureOf("XAED"): {
                 const std::size_t numBytes = ReadXAEDMatrix(file, point.positions, true);
-                if (point.positions.size() != numPositions) Fail("exception reading XAED matrix ", fileName);
+                CheckPositions(point, "exception reading XAED matrix ");
                 return numBytes;
             }
             case SdifSignatureOf("XITD"):
@@ -91,6 +91,11 @@ private:
             default:
                 return SdifFSkipMatrixData(file);
         }
+    }
+
+    /// A file that ends within the matrix has an error of its own.
+    void CheckPositions(SdifSetPoint const& point, char const* message) const {
+        if (SdifFLastError(file) == nullptr && point.positions.size() != numPositions) Fail(message, fileName);
     }
 
     SdifFileT* file;

@@ -5,8 +5,7 @@
 #include <utility>
 
 #include "dsp/orvan_dsp_exception.h"
-#include "geometry/azimuth.h"
-#include "geometry/spherical_vector.h"
+#include "geometry/azimuth_distance_elevation.h"
 #include "hrtf/builtin_sets.h"
 #include "hrtf/coll_file.h"
 #include "hrtf/max_msp_coll_file_parser.h"
@@ -22,10 +21,7 @@ constexpr float degreesPerPoint = 10.0f;
 
 /// The left loudspeaker of a point, numbered from 1.
 CartesianVector PositionOf(unsigned int number) {
-    const float degrees = Wrap(270.0f + degreesPerPoint * static_cast<float>(number), 360.0f) - 180.0f;
-    CartesianVector position;
-    position = SphericalVector{Wrap(degrees * DegreesToRadians, 6.2831855f), 1.0f, 0.0f};
-    return position;
+    return FromAzimuthDistanceElevation(-degreesPerPoint * static_cast<float>(number), 1.0f, 0.0f);
 }
 
 std::vector<HrtfPoint> ReadPoints(std::istream& stream, HrtfHeaderInfos const& header) {

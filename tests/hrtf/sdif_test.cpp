@@ -121,6 +121,8 @@ TEST(Sdif, WhatIsWrongIsSaid) {
         return writer.bytes;
     };
     const std::string fir = Header("FiltersType", "FIR");
+    std::string cut = frames({Position(1, 2, 3)});
+    cut.resize(cut.size() - 32);  // the second frame and the last coordinate
     SdifWriter oldVersion(2), more = GoodSet(), stranger = GoodSet();
     oldVersion.TextFrame("1NVT", Header());
     more.Frame("HRTF", 1, {});
@@ -141,6 +143,7 @@ TEST(Sdif, WhatIsWrongIsSaid) {
         {frames({{"XPOS", 4, 1, 3, {1, 2, 3}}}), "Invalid XPOS matrix"},
         {frames({Position(1, infinity, 0)}), "Invalid XPOS matrix"},
         {frames({{"XPOS", 8, 0xffffffff, 3, {}}}), "Invalid XPOS matrix"},
+        {cut, "error reading file NAME"},
         {frames({{"XAED", 8, 1, 2, {1, 2}}}), "Invalid XAED matrix"},
         {frames({Position(1e30, 0, 1, "XAED")}), "Invalid XAED matrix"},
         {frames({{"XPOS", 8, 2, 3, {1, 2, 3, 4, 5, 6}}}), "exception reading XPOS matrix NAME"},
