@@ -73,8 +73,9 @@ bool Intersect2D(CartesianVector const& a1, CartesianVector const& a2, Cartesian
     if (aIsVertical && bIsVertical) return false;
     if (aIsVertical) {
         const float m2 = (b2.y - b1.y) / (b2.x - b1.x);
+        const float y = a1.x * m2 + b2.y - m2 * b2.x;
         result.x = a1.x;
-        result.y = a1.x * m2 + b2.y - m2 * b2.x;
+        result.y = y;
         return true;
     }
     const float m1 = (a2.y - a1.y) / (a2.x - a1.x);

@@ -88,8 +88,9 @@ bool IntersectionBetweenLineAndSphere(CartesianVector const& centre, float radiu
         return true;
     }
     const float root = std::sqrt(discriminant);
-    first = PointOnLine(p1, (root - b) / (2.0f * a), d);
+    const CartesianVector further = PointOnLine(p1, (root - b) / (2.0f * a), d);
     second = PointOnLine(p1, (-b - root) / (2.0f * a), d);
+    first = further;
     return true;
 }
 

@@ -63,9 +63,10 @@ void DbapPanning2D::computeProjectionOnSpeakerHull(CartesianVector const& positi
     std::vector<unsigned int> nearest;
     GetNClosestPointIndex2D(position, hullVertices, nearest, 3);
     CartesianVector const& a = hullVertices[nearest[0]];
+    const CartesianVector from = position;  // which may be the result
     for (unsigned int other = 1; other < 3; ++other) {
         CartesianVector const& b = hullVertices[nearest[other]];
-        if (!Intersect2D(a, b, position, barycenter, result)) {
+        if (!Intersect2D(a, b, from, barycenter, result)) {
             result = a;
             return;
         }

@@ -63,7 +63,8 @@ TEST(SpaceGeometry, CentresAndRadii) {
     EXPECT_EQ(centre.radius(), 0.0f);
 }
 
-// Red if first and second change places, or the centre is left out of a term.
+// Red if first and second change places, the centre is left out of a term, or a result that takes the place of an
+// argument is read as one.
 TEST(SpaceGeometry, LineMeetsSphere) {
     const CartesianVector centre{1, 2, 3};
     CartesianVector first{7, 7, 7}, second{7, 7, 7};
@@ -76,6 +77,11 @@ TEST(SpaceGeometry, LineMeetsSphere) {
     ASSERT_TRUE(Lume::IntersectionBetweenLineAndSphere(centre, 2, {0, 4, 3}, {1, 4, 3}, first, second));
     EXPECT_FLOAT_EQ(first.x, 1.0f);
     EXPECT_FLOAT_EQ(second.x, 1.0f);
+
+    CartesianVector from{-5, 2, 3}, to{-4, 2, 3};
+    ASSERT_TRUE(Lume::IntersectionBetweenLineAndSphere(centre, 2, from, to, from, to));
+    EXPECT_FLOAT_EQ(from.x, 3.0f);
+    EXPECT_FLOAT_EQ(to.x, -1.0f);
 }
 
 // Red if a near loudspeaker is projected to the far side, or the delay belongs to another speed of sound.
@@ -172,6 +178,8 @@ TEST(PlaneGeometry, IntersectionLiesOnBothLines) {
         if (std::hypot(p.x, p.y) > 100.0f) continue;  // nearly parallel: the rounding grows
         EXPECT_NEAR(offset(a1, a2, p), 0.0, 1e-3) << i;
         EXPECT_NEAR(offset(b1, b2, p), 0.0, 1e-3) << i;
+        ASSERT_TRUE(Lume::Intersect2D(a1, a2, b1, b2, b2));  // into an argument
+        EXPECT_EQ(b2.y, p.y);
         ++checked;
     }
     EXPECT_GT(checked, 80);
