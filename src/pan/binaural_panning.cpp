@@ -254,6 +254,11 @@ void BinauralPanning::StoreMaxBlockSize(unsigned int blockSize) {
     sums.resize(2ul * blockSize);
 }
 
+void BinauralPanning::Silence(float** outputs, unsigned long numSamples) {
+    std::fill_n(outputs[0], numSamples, 0.0f);
+    std::fill_n(outputs[1], numSamples, 0.0f);
+}
+
 void BinauralPanning::ProcessOntoSilence(float** outputs, float** inputs, unsigned long numSamples,
                                          short const* activeInputs) {
     if (sums.size() < 2 * numSamples) sums.resize(2 * numSamples);

@@ -94,6 +94,8 @@ public:
 protected:
     /// Stores the block size and makes room for ProcessOntoSilence.
     void StoreMaxBlockSize(unsigned int blockSize);
+    /// Clears both ears, whatever number of outputs SetNumOutputs was told.
+    static void Silence(float** outputs, unsigned long numSamples);
     /// Process for any number of inputs: ProcessAdding onto silence, and then into the outputs. These may be inputs,
     /// which are all read before.
     void ProcessOntoSilence(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs);

@@ -114,7 +114,7 @@ void BinauralPanningDirect::Process(float** outputs, float** inputs, unsigned lo
         return;
     }
     if (activeInputs[0] == 0) {
-        Mute(outputs, numSamples);
+        Silence(outputs, numSamples);
         return;
     }
     // Both ears read before either is written: an output may be the input.

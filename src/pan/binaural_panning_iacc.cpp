@@ -81,7 +81,7 @@ void BinauralPanningIACC::Process(float** outputs, float** inputs, unsigned long
     const bool firstActive = activeInputs[0] != 0;
     const bool secondActive = activeInputs[1] != 0;
     if (!firstActive && !secondActive) {
-        Mute(outputs, numSamples);
+        Silence(outputs, numSamples);
         return;
     }
     FitBuffers(numSamples);

@@ -330,7 +330,7 @@ void BinauralPanningNearfield::Process(float** outputs, float** inputs, unsigned
         return;
     }
     if (activeInputs[0] == 0) {
-        Mute(outputs, numSamples);
+        Silence(outputs, numSamples);
         return;
     }
     RunVoice(0, inputs[0], numSamples);

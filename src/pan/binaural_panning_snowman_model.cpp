@@ -236,7 +236,7 @@ void BinauralPanningSnowmanModel::Process(float** outputs, float** inputs, unsig
         return;
     }
     if (activeInputs[0] == 0) {
-        Mute(outputs, numSamples);
+        Silence(outputs, numSamples);
         return;
     }
     // Both ears read before either is written: an output may be the input.

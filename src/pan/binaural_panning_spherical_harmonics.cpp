@@ -128,7 +128,7 @@ void BinauralPanningSphericalHarmonics::Process(float** outputs, float** inputs,
         return;
     }
     if (activeInputs[0] == 0 || !coefficientsReady[0]) {
-        Mute(outputs, numSamples);
+        Silence(outputs, numSamples);
         return;
     }
     voices[0].left.ProcessBlock(outputs[0], inputs[0], numSamples, false);

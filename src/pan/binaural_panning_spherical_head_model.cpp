@@ -110,7 +110,7 @@ void BinauralPanningSphericalHeadModel::Process(float** outputs, float** inputs,
         return;
     }
     if (activeInputs[0] == 0) {
-        Mute(outputs, numSamples);
+        Silence(outputs, numSamples);
         return;
     }
     voices[0].left.Process(outputs[0], inputs[0], numSamples, false);

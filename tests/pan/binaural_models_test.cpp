@@ -325,4 +325,17 @@ TEST(BinauralModels, SeveralInputsAddUpAlsoInPlace) {
     }
 }
 
+// Red if another number of outputs than two leaves an ear undefined.
+TEST(BinauralModels, SilenceIsForBothEars) {
+    const short inactive[] = {0, 0};
+    for (char const* role : {"direct", "diffuse", "nearfield", "sh", "sphericalheadmodel", "snowman"}) {
+        const bool isDiffuse = std::string(role) == "diffuse";
+        std::unique_ptr<Lume::Pan> panner(Lume::Pan::factory(isDiffuse ? 2 : 1, 2, "binaural", role));
+        panner->SetNumOutputs(1);
+        Channels in(2, 64, 1.0f), out(2, 64, 5.0f);
+        panner->Process(out.pointers.data(), in.pointers.data(), 64, inactive);
+        EXPECT_EQ(out.data, Channels(2, 64, 0.0f).data) << role;
+    }
+}
+
 }  // namespace
