@@ -8,14 +8,14 @@
 
 namespace Lume {
 
-StereoABPanning::StereoABPanning(unsigned int numberOfInputs) {
-    numOutputs = 2;
+StereoABPanning::StereoABPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
+    numOutputs = numberOfOutputs;
     StereoABPanning::SetNumInputs(numberOfInputs);
 }
 
 Pan* StereoABPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
     if (numOutputs != 2) return new NullPanning;
-    return new StereoABPanning(numInputs);
+    return new StereoABPanning(numInputs, numOutputs);
 }
 
 void StereoABPanning::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {

@@ -26,7 +26,8 @@ public:
         static constexpr float maxDelayMs = 20.0f;
     };
 
-    explicit StereoABPanning(unsigned int numInputs);
+    /// @param numOutputs  two
+    explicit StereoABPanning(unsigned int numInputs, unsigned int numOutputs = 2);
 
     /// A NullPanning unless there are two outputs.
     static Pan* Create(unsigned int numInputs, unsigned int numOutputs);

@@ -7,11 +7,12 @@
 
 namespace Lume {
 
-StereoMSPanning::StereoMSPanning(unsigned int numberOfInputs) : AmplitudePanning(numberOfInputs, 2) {}
+StereoMSPanning::StereoMSPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : AmplitudePanning(numberOfInputs, numberOfOutputs) {}
 
 Pan* StereoMSPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
     if (numOutputs != 2) return new NullPanning;
-    return new StereoMSPanning(numInputs);
+    return new StereoMSPanning(numInputs, numOutputs);
 }
 
 void StereoMSPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {

@@ -7,7 +7,8 @@ namespace Lume {
 /// Mid-side stereo: output 0 is a cardioid to the front, output 1 a figure of eight across.
 class StereoMSPanning : public AmplitudePanning {
 public:
-    explicit StereoMSPanning(unsigned int numInputs);
+    /// @param numOutputs  two
+    explicit StereoMSPanning(unsigned int numInputs, unsigned int numOutputs = 2);
 
     /// A NullPanning unless there are two outputs.
     static Pan* Create(unsigned int numInputs, unsigned int numOutputs);

@@ -7,11 +7,12 @@
 
 namespace Lume {
 
-StereoXYPanning::StereoXYPanning(unsigned int numberOfInputs) : AmplitudePanning(numberOfInputs, 2) {}
+StereoXYPanning::StereoXYPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : AmplitudePanning(numberOfInputs, numberOfOutputs) {}
 
 Pan* StereoXYPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
     if (numOutputs != 2) return new NullPanning;
-    return new StereoXYPanning(numInputs);
+    return new StereoXYPanning(numInputs, numOutputs);
 }
 
 void StereoXYPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {

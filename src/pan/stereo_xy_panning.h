@@ -7,7 +7,8 @@ namespace Lume {
 /// A coincident pair of directional microphones, aimed 45 degrees to the left and to the right.
 class StereoXYPanning : public AmplitudePanning {
 public:
-    explicit StereoXYPanning(unsigned int numInputs);
+    /// @param numOutputs  two
+    explicit StereoXYPanning(unsigned int numInputs, unsigned int numOutputs = 2);
 
     /// A NullPanning unless there are two outputs.
     static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
