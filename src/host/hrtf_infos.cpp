@@ -24,9 +24,9 @@ void post_hrtf_xml_infos(t_object* x, Lume::HrtfHeaderInfos const* header, char 
     PostOrigin(x, prefix, header->owner.c_str(), header->subject.c_str(), header->copyright.c_str());
     PostTypes(x, prefix, header->hrtfType, header->filterType);
     object_post(x, "%s : flagItdExtracted : %s", prefix, Lume::GetFlagItdExtracted(header->flagItdExtracted).c_str());
-    object_post(x, "%s : flagInterp : %s", prefix, Lume::GetFlagDataInterpolated(header->flagInterp).c_str());
+    object_post(x, "%s : flagInterp : %s", prefix, Lume::GetFlagDataInterpolated(header->flagInterpolated).c_str());
     object_post(x, "%s : original measurement set : %s ", prefix, header->originalMeasurementSet.c_str());
-    object_post(x, "%s : interpolation set : %s ", prefix, header->interpolatedSet.c_str());
+    object_post(x, "%s : interpolation set : %s ", prefix, header->interpolationSet.c_str());
     object_post(x, "%s : coefficients : %d", prefix, static_cast<int>(header->numCoefficients));
     object_post(x, "%s : channels : %d", prefix, static_cast<int>(header->numChannels));
     object_post(x, "%s : sampling rate : %d", prefix, static_cast<int>(header->samplingRate));

@@ -20,7 +20,7 @@ public:
     unsigned int GetSamplingRate() const noexcept { return header.samplingRate; }  ///< [Hz]
     unsigned int GetNumPoints() const noexcept { return header.numPoints; }
     FlagItdExtracted GetFlagItdExtracted() const noexcept { return header.flagItdExtracted; }
-    FlagDataIterpolated GetFlagInterp() const noexcept { return header.flagInterp; }
+    FlagDataIterpolated GetFlagInterp() const noexcept { return header.flagInterpolated; }
     HrtfHeaderInfos const& GetHrtfHeaderInfos() const noexcept { return header; }
 
 protected:

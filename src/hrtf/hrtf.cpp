@@ -70,7 +70,7 @@ void Hrtf::LoadDefault() {
     header.copyright = "MIT";
     header.subject = "KEMAR";
     header.originalMeasurementSet = "unknown";
-    header.interpolatedSet = "none";
+    header.interpolationSet = "none";
     header.numCoefficients = info.coefficientsPerRow - 1;
     header.numChannels = numEars;
     header.samplingRate = 44100;
@@ -87,9 +87,9 @@ void Hrtf::LoadFromColl(std::string const& fileName, HrtfInfo const& info) try {
     newHeader.copyright = "Public";
     newHeader.subject = GetSubjectFromCollFilename(fileName, "");
     newHeader.originalMeasurementSet = "Harken";
-    newHeader.interpolatedSet = "unknown";
+    newHeader.interpolationSet = "unknown";
     newHeader.flagItdExtracted = itdExtracted;
-    newHeader.flagInterp = dataInterpolated;
+    newHeader.flagInterpolated = dataInterpolated;
     newHeader.numCoefficients = info.coefficientsPerRow - 1;
     newHeader.numChannels = numEars;
     newHeader.samplingRate = GetSamplingRateFromCollFileName(fileName, 0);

@@ -41,9 +41,9 @@ struct HrtfHeaderInfos {
     HrtfType hrtfType = hrtfBinaural;
     HrtfFilterType filterType = hrtfBiquadCells;
     FlagItdExtracted flagItdExtracted = itdNotExtracted;
-    FlagDataIterpolated flagInterp = dataNotInterpolated;
+    FlagDataIterpolated flagInterpolated = dataNotInterpolated;
     std::string originalMeasurementSet;
-    std::string interpolatedSet;
+    std::string interpolationSet;
     unsigned int numCoefficients = 0;  // of one ear's filter
     unsigned int numChannels = 0;      // ears, normally 2
     unsigned int samplingRate = 0;     // [Hz]

@@ -51,7 +51,7 @@ HrtfHeaderInfos Header() {
     HrtfHeaderInfos header;
     header.hrtfType = hrtfBinauralToTransauralShufflerSymmetric;
     header.filterType = hrtfBiquadCells;
-    header.interpolatedSet = "unknown";
+    header.interpolationSet = "unknown";
     header.numCoefficients = numCoefficients;
     header.numChannels = numChannels;
     header.numPoints = numAngles;
@@ -96,7 +96,7 @@ void SymmetricTransauralDataLoader::LoadFromColl(std::string const& fileName) {
     newHeader.subject = GetSubjectFromCollFilename(fileName, "");
     newHeader.originalMeasurementSet = "Harken";
     newHeader.flagItdExtracted = itdExtracted;
-    newHeader.flagInterp = dataInterpolated;
+    newHeader.flagInterpolated = dataInterpolated;
     newHeader.samplingRate = GetSamplingRateFromCollFileName(fileName, 0);
     points = ReadPoints(stream, newHeader);
     header = std::move(newHeader);

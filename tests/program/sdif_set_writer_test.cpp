@@ -26,7 +26,7 @@ Lume::SdifSet MakeSet(Lume::HrtfType type, Lume::HrtfFilterType filterType, unsi
     set.header.filterType = filterType;
     set.header.flagItdExtracted = Lume::itdExtracted;
     set.header.originalMeasurementSet = "set";
-    set.header.interpolatedSet = "";
+    set.header.interpolationSet = "";
     set.header.numCoefficients = 5;
     set.header.numChannels = 3;
     set.header.samplingRate = 96000;
@@ -79,9 +79,9 @@ TEST(SdifSetWriter, TheEngineReadsBackWhatWasWritten) {
     EXPECT_EQ(header.subject, biquads.header.subject);
     EXPECT_EQ(header.copyright, biquads.header.copyright);
     EXPECT_EQ(header.flagItdExtracted, Lume::itdExtracted);
-    EXPECT_EQ(header.flagInterp, Lume::dataNotInterpolated);
+    EXPECT_EQ(header.flagInterpolated, Lume::dataNotInterpolated);
     EXPECT_EQ(header.originalMeasurementSet, "set");
-    EXPECT_EQ(header.interpolatedSet, "");
+    EXPECT_EQ(header.interpolationSet, "");
     EXPECT_EQ(header.samplingRate, 96000u);
     EXPECT_EQ(header.date, biquads.header.date);
 

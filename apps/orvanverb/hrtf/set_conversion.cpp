@@ -201,7 +201,7 @@ void FillHeader(MeasuredSet const& measured, ConversionSettings const& settings,
     set.header.filterType = settings.fir ? Lume::hrtfFIR : Lume::hrtfBiquadCells;
     set.header.flagItdExtracted = settings.fir ? Lume::itdNotExtracted : Lume::itdExtracted;
     set.header.originalMeasurementSet = measured.database;
-    set.header.interpolatedSet = "none";
+    set.header.interpolationSet = "none";
     set.header.numCoefficients = static_cast<unsigned int>(numCoefficients);
     set.header.numChannels = 2;
     set.header.samplingRate = static_cast<unsigned int>(settings.samplerate);

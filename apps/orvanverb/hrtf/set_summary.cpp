@@ -170,7 +170,8 @@ std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header) {
         Row("subject", header.subject),
         Row("copyright", header.copyright),
         Row("measured", header.originalMeasurementSet),
-        Row("interpolation", header.interpolatedSet + " (" + Lume::GetFlagDataInterpolated(header.flagInterp) + ")"),
+        Row("interpolation",
+            header.interpolationSet + " (" + Lume::GetFlagDataInterpolated(header.flagInterpolated) + ")"),
         Row("date", header.date),
         Row("points", std::to_string(header.numPoints)),
         Row("filters", Lume::GetHrtfFilterTypeName(header.filterType) + ", " + std::to_string(header.numChannels) +
