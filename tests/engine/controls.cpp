@@ -1,91 +1,98 @@
 #include "engine/controls.h"
 
+#include <array>
+
 #include "engine/engine_rig.h"
 
 namespace {
 
 using Lume::OrvanVerb;
+using Defaults = Lume::LumeDefaultParameters;
 
-constexpr float MinGain = -60.0f, MaxGain = 10.0f;          // of a layer [dB]
-constexpr float MinBandGain = -30.0f, MaxBandGain = 30.0f;  // of a band [dB]
 constexpr float MinFrequency = 20.0f, MaxFrequency = 20000.0f;
 
 using Setter = void (OrvanVerb::*)(float);
 
+struct Limits {
+    double small, full;
+};
+
 std::vector<Control> MakeControls() {
     std::vector<Control> controls;
-    const auto add = [&](std::string const& name, float low, float high, float usual, float small, Setter setter) {
-        controls.push_back({name, low, high, usual, small, [=](OrvanVerb& e, float value) { (e.*setter)(value); }});
+    const auto add = [&](std::string const& name, float low, float high, float usual, float small, Limits limits,
+                         auto set) {
+        controls.push_back({name, low, high, usual, small, limits.small, limits.full,
+                            [=](OrvanVerb& e, float value) { std::invoke(set, e, value); }});
     };
-    const auto addLayer = [&](std::string const& name, Setter gain, Setter low, Setter medium, Setter high,
-                              Setter freqLow, Setter freqHigh) {
-        add(name + " gain", MinGain, MaxGain, 0.0f, 1.0f, gain);
-        add(name + " gain low", MinBandGain, MaxBandGain, 0.0f, 1.0f, low);
-        add(name + " gain medium", MinBandGain, MaxBandGain, 0.0f, 1.0f, medium);
-        add(name + " gain high", MinBandGain, MaxBandGain, 0.0f, 1.0f, high);
-        add(name + " crossover low", MinFrequency, MaxFrequency, 250.0f, 275.0f, freqLow);
-        add(name + " crossover high", MinFrequency, MaxFrequency, 4000.0f, 4400.0f, freqHigh);
+    const auto addLayer = [&](std::string const& name, std::array<Limits, 6> const& limits, Setter gain, Setter low,
+                              Setter medium, Setter high, Setter crossoverLow, Setter crossoverHigh) {
+        add(name + " gain", -60.0f, 10.0f, 0.0f, 1.0f, limits[0], gain);
+        add(name + " gain low", -30.0f, 30.0f, 0.0f, 1.0f, limits[1], low);
+        add(name + " gain medium", -30.0f, 30.0f, 0.0f, 1.0f, limits[2], medium);
+        add(name + " gain high", -30.0f, 30.0f, 0.0f, 1.0f, limits[3], high);
+        add(name + " crossover low", MinFrequency, MaxFrequency, 250.0f, 275.0f, limits[4], crossoverLow);
+        add(name + " crossover high", MinFrequency, MaxFrequency, 4000.0f, 4400.0f, limits[5], crossoverHigh);
     };
-    addLayer("direct", &OrvanVerb::SetDirectGain, &OrvanVerb::SetDirectGainLow, &OrvanVerb::SetDirectGainMedium,
+    addLayer("direct", {{{-60, -53}, {-60, -28}, {-60, -34}, {-60, -39}, {-60, -30}, {-60, -7}}},
+             &OrvanVerb::SetDirectGain, &OrvanVerb::SetDirectGainLow, &OrvanVerb::SetDirectGainMedium,
              &OrvanVerb::SetDirectGainHigh, &OrvanVerb::SetDirectCrossoverFrequencyLow,
              &OrvanVerb::SetDirectCrossoverFrequencyHigh);
-    addLayer("room", &OrvanVerb::SetRoomGain, &OrvanVerb::SetRoomGainLow, &OrvanVerb::SetRoomGainMedium,
+    addLayer("room", {{{-60, -54}, {-60, -34}, {-60, -34}, {-60, -46}, {-60, -36}, {-60, -16}}},
+             &OrvanVerb::SetRoomGain, &OrvanVerb::SetRoomGainLow, &OrvanVerb::SetRoomGainMedium,
              &OrvanVerb::SetRoomGainHigh, &OrvanVerb::SetRoomCrossoverFrequencyLow,
              &OrvanVerb::SetRoomCrossoverFrequencyHigh);
-    addLayer("early", &OrvanVerb::SetEarlyGain, &OrvanVerb::SetEarlyGainLow, &OrvanVerb::SetEarlyGainMedium,
+    addLayer("early", {{{-60, -46}, {-60, -38}, {-60, -30}, {-60, -40}, {-60, -48}, {-60, -10}}},
+             &OrvanVerb::SetEarlyGain, &OrvanVerb::SetEarlyGainLow, &OrvanVerb::SetEarlyGainMedium,
              &OrvanVerb::SetEarlyGainHigh, &OrvanVerb::SetEarlyCrossoverFrequencyLow,
              &OrvanVerb::SetEarlyCrossoverFrequencyHigh);
-    addLayer("cluster", &OrvanVerb::SetClusterGain, &OrvanVerb::SetClusterGainLow, &OrvanVerb::SetClusterGainMedium,
+    addLayer("cluster", {{{-60, -48}, {-60, -40}, {-60, -31}, {-60, -47}, {-60, -44}, {-60, -19}}},
+             &OrvanVerb::SetClusterGain, &OrvanVerb::SetClusterGainLow, &OrvanVerb::SetClusterGainMedium,
              &OrvanVerb::SetClusterGainHigh, &OrvanVerb::SetClusterCrossoverFrequencyLow,
              &OrvanVerb::SetClusterCrossoverFrequencyHigh);
-
-    using Defaults = Lume::LumeDefaultParameters;
-    add("early start", Defaults::MinEarlyStart, Defaults::MaxEarlyStart, Defaults::DefaultEarlyStart,
-        Defaults::DefaultEarlyStart + 1.0f, &OrvanVerb::SetEarlyStart);
-    add("early end", Defaults::MinEarlyEnd, Defaults::MaxEarlyEnd, Defaults::DefaultEarlyEnd,
-        Defaults::DefaultEarlyEnd + 1.0f, &OrvanVerb::SetEarlyEnd);
-    add("early distribution", 0.1f, 0.9f, 0.5f, 0.52f, &OrvanVerb::SetEarlyDistribution);
-    add("early shape", 0.0f, 1.0f, 0.5f, 0.52f, &OrvanVerb::SetEarlyShape);
-    add("early width", 10.0f, 180.0f, 30.0f, 35.0f, &OrvanVerb::SetEarlyWidth);
-    add("cluster start", Defaults::MinClusterStart, Defaults::MaxClusterStart, Defaults::DefaultClusterStart,
-        Defaults::DefaultClusterStart + 1.0f, &OrvanVerb::SetClusterStart);
-    add("cluster end", Defaults::MinClusterEnd, Defaults::MaxClusterEnd, Defaults::DefaultClusterEnd,
-        Defaults::DefaultClusterEnd + 1.0f, &OrvanVerb::SetClusterEnd);
-    add("cluster distribution", 0.1f, 0.9f, 0.5f, 0.52f, &OrvanVerb::SetClusterDistribution);
-
-    add("reverb gain", -30.0f, 30.0f, 0.0f, 1.0f, &OrvanVerb::SetReverbGain);
-    add("decay time", 0.1f, 10.0f, Defaults::DefaultDecayTime, Defaults::DefaultDecayTime + 0.2f,
+    // Times [ms] change by 1.
+    const auto addTime = [&](std::string const& name, float low, float high, float usual, Limits limits, Setter set) {
+        add(name, low, high, usual, usual + 1.0f, limits, set);
+    };
+    addTime("early start", Defaults::MinEarlyStart, Defaults::MaxEarlyStart, Defaults::DefaultEarlyStart, {-27, -1},
+            &OrvanVerb::SetEarlyStart);
+    addTime("early end", Defaults::MinEarlyEnd, Defaults::MaxEarlyEnd, Defaults::DefaultEarlyEnd, {-25, -5},
+            &OrvanVerb::SetEarlyEnd);
+    add("early distribution", 0.1f, 0.9f, 0.5f, 0.52f, {-30, -9}, &OrvanVerb::SetEarlyDistribution);
+    add("early shape", 0.0f, 1.0f, 0.5f, 0.52f, {-39, -7}, &OrvanVerb::SetEarlyShape);
+    add("early width", 10.0f, 180.0f, 30.0f, 35.0f, {-60, -47}, &OrvanVerb::SetEarlyWidth);
+    addTime("cluster start", Defaults::MinClusterStart, Defaults::MaxClusterStart, Defaults::DefaultClusterStart,
+            {-14, -3}, &OrvanVerb::SetClusterStart);
+    addTime("cluster end", Defaults::MinClusterEnd, Defaults::MaxClusterEnd, Defaults::DefaultClusterEnd, {-47, -2},
+            &OrvanVerb::SetClusterEnd);
+    add("cluster distribution", 0.1f, 0.9f, 0.5f, 0.52f, {-38, -5}, &OrvanVerb::SetClusterDistribution);
+    add("reverb gain", -30.0f, 30.0f, 0.0f, 1.0f, {-60, -41}, &OrvanVerb::SetReverbGain);
+    add("decay time", 0.1f, 10.0f, Defaults::DefaultDecayTime, Defaults::DefaultDecayTime + 0.2f, {-41, -16},
         &OrvanVerb::SetDecayTime);
-    add("relative decay low", 0.1f, 10.0f, 1.0f, 1.1f, &OrvanVerb::SetRelativeDecayLow);
-    add("relative decay medium", 0.1f, 10.0f, 1.0f, 1.1f, &OrvanVerb::SetRelativeDecayMedium);
-    add("relative decay high", 0.1f, 1.0f, 0.5f, 0.55f, &OrvanVerb::SetRelativeDecayHigh);
-    add("reverb crossover low", MinFrequency, MaxFrequency, 250.0f, 275.0f, &OrvanVerb::SetReverbCrossoverFrequencyLow);
-    add("reverb crossover high", MinFrequency, MaxFrequency, 8000.0f, 8800.0f,
+    add("relative decay low", 0.1f, 10.0f, 1.0f, 1.1f, {-52, -19}, &OrvanVerb::SetRelativeDecayLow);
+    add("relative decay medium", 0.1f, 10.0f, 1.0f, 1.1f, {-42, -11}, &OrvanVerb::SetRelativeDecayMedium);
+    add("relative decay high", 0.1f, 1.0f, 0.5f, 0.55f, {-55, -16}, &OrvanVerb::SetRelativeDecayHigh);
+    add("reverb crossover low", MinFrequency, MaxFrequency, 250.0f, 275.0f, {-60, -44},
+        &OrvanVerb::SetReverbCrossoverFrequencyLow);
+    add("reverb crossover high", MinFrequency, MaxFrequency, 8000.0f, 8800.0f, {-60, -10},
         &OrvanVerb::SetReverbCrossoverFrequencyHigh);
-    add("reverb start", Defaults::MinReverbStart, Defaults::MaxReverbStart, Defaults::DefaultReverbStart,
-        Defaults::DefaultReverbStart + 1.0f, &OrvanVerb::SetReverbStart);
+    addTime("reverb start", Defaults::MinReverbStart, Defaults::MaxReverbStart, Defaults::DefaultReverbStart, {-15, -8},
+            &OrvanVerb::SetReverbStart);
     add("modal density", Defaults::MinReverbModalDensity, Defaults::MaxReverbModalDensity,
-        Defaults::DefaultReverbModalDensity, 0.9f, &OrvanVerb::SetReverbModalDensity);
-    add("air rolloff frequency", MinFrequency, MaxFrequency, 10000.0f, 11000.0f,
+        Defaults::DefaultReverbModalDensity, 0.9f, {-15, -13}, &OrvanVerb::SetReverbModalDensity);
+    add("air rolloff frequency", MinFrequency, MaxFrequency, 10000.0f, 11000.0f, {-57, 2},
         &OrvanVerb::SetAirAbsorptionRolloffFrequency);
-    controls.push_back(
-        {"air absorption", 0.0f, 1.0f, 1.0f, 0.0f, [](OrvanVerb& e, float on) { e.UseAirAbsorption(on >= 0.5f); }});
-    controls.push_back({"infinite", 0.0f, 1.0f, 0.0f, 1.0f, [](OrvanVerb& e, float on) { e.SetInfinite(on >= 0.5f); }});
-
-    controls.push_back({"source distance", 0.3f, 100.0f, 1.0f, 1.1f, [](OrvanVerb& e, float distance) {
-                            e.SetSourcePosition(0, At(-45.0, static_cast<double>(distance)));
-                        }});
-    controls.push_back({"source azimuth", -180.0f, 180.0f, -45.0f, -40.0f, [](OrvanVerb& e, float degrees) {
-                            e.SetSourcePosition(0, At(static_cast<double>(degrees), 1.0));
-                        }});
-    add("elevation", -80.0f, 80.0f, 0.0f, 5.0f, &OrvanVerb::SetElevation);
-    controls.push_back({"loudspeaker ring", -180.0f, 180.0f, 0.0f, 5.0f, [](OrvanVerb& e, float turn) {
-                            std::vector<Lume::CartesianVector> ring(e.GetNumOutputs());
-                            const double step = 360.0 / static_cast<double>(ring.size());
-                            for (std::size_t i = 0; i < ring.size(); ++i)
-                                ring[i] = At(static_cast<double>(i) * step + static_cast<double>(turn), 1.0);
-                            e.SetSpeakersPositions(ring.data());
-                        }});
+    add("air absorption", 0.0f, 1.0f, 1.0f, 0.0f, {-38, -38},
+        [](OrvanVerb& e, float on) { e.UseAirAbsorption(on >= 0.5f); });
+    add("infinite", 0.0f, 1.0f, 0.0f, 1.0f, {-19, -19}, [](OrvanVerb& e, float on) { e.SetInfinite(on >= 0.5f); });
+    add("source distance", 0.3f, 100.0f, 1.0f, 1.1f, {-60, -38},
+        [](OrvanVerb& e, float m) { e.SetSourcePosition(0, At(-45.0, static_cast<double>(m))); });
+    add("source azimuth", -180.0f, 180.0f, -45.0f, -40.0f, {-60, -43},
+        [](OrvanVerb& e, float degrees) { e.SetSourcePosition(0, At(static_cast<double>(degrees), 1.0)); });
+    add("elevation", -80.0f, 80.0f, 0.0f, 5.0f, {-60, -74}, &OrvanVerb::SetElevation);
+    add("loudspeaker ring", -180.0f, 180.0f, 0.0f, 5.0f, {-60, -45}, [](OrvanVerb& e, float turn) {
+        const std::vector<Lume::CartesianVector> ring = Ring(e.GetNumOutputs(), static_cast<double>(turn));
+        e.SetSpeakersPositions(ring.data());
+    });
     return controls;
 }
 

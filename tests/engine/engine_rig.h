@@ -2,10 +2,10 @@
 
 #include <cmath>
 #include <cstddef>
-#include <random>
 #include <vector>
 
 #include "engine/orvan_verb.h"
+#include "support/signals.h"
 
 /// An engine whose blocks a test can look at.
 class OpenEngine : public Lume::OrvanVerb {
@@ -86,11 +86,17 @@ inline Lume::CartesianVector At(double degrees, double distance) {
     return {static_cast<float>(distance * std::sin(azimuth)), static_cast<float>(distance * std::cos(azimuth)), 0.0f};
 }
 
+/// Equal steps to the right from an azimuth on [degrees], at a distance [m].
+inline std::vector<Lume::CartesianVector> Ring(unsigned int number, double first, double distance = 1.0) {
+    std::vector<Lume::CartesianVector> ring(number);
+    for (unsigned int i = 0; i < number; ++i) ring[i] = At(first + 360.0 / number * i, distance);
+    return ring;
+}
+
 /// Sum of the squares over all channels.
 inline double Energy(EngineRig::Recording const& recording) {
     double energy = 0.0;
-    for (auto const& channel : recording)
-        for (const float x : channel) energy += static_cast<double>(x) * static_cast<double>(x);
+    for (auto const& channel : recording) energy += EnergyOf(channel);
     return energy;
 }
 

@@ -5,7 +5,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <random>
 #include <vector>
 
 #include "filters/multi_hl_shelf.h"
@@ -13,23 +12,16 @@
 #include "filters/unitary_hl_shelf.h"
 #include "support/allocation_count.h"
 #include "support/frequency_response.h"
+#include "support/signals.h"
 
 namespace {
 
 using Lume::HLShelf;
 
 std::vector<float> ImpulseResponse(HLShelf& shelf, std::size_t length) {
-    std::vector<float> x(length);
-    x[0] = 1.0f;
+    std::vector<float> x = MakeImpulse(length);
     shelf.Clear();
     shelf.Process(x.data(), x.data(), x.size());
-    return x;
-}
-
-std::vector<float> Noise(std::size_t length, unsigned int seed) {
-    std::minstd_rand generator(seed);
-    std::vector<float> x(length);
-    for (float& sample : x) sample = static_cast<float>(generator() % 20001) * 1e-4f - 1.0f;
     return x;
 }
 
@@ -117,7 +109,7 @@ TEST(HLShelf, OverallGainActsAtOnceAndOutsideTheRecursion) {
     HLShelf shelf;
     shelf.SetAll(0.0f, 10.0f, 0.0f, -10.0f, 250.0f, 4000.0f);
     HLShelf twin = shelf;
-    std::vector<float> a = Noise(256, 3), b = a;
+    std::vector<float> a = MakeNoise(3, 256), b = a;
     shelf.Process(a.data(), a.data(), 128);
     twin.Process(b.data(), b.data(), 256);
     shelf.SetGain(0.25f);  // an energy
@@ -143,7 +135,7 @@ TEST(HLShelf, OnlyANewRateClears) {
     HLShelf shelf;
     shelf.SetAll(0.0f, 20.0f, 0.0f, 0.0f, 250.0f, 4000.0f);
     HLShelf twin = shelf;
-    const std::vector<float> input = Noise(256, 5);
+    const std::vector<float> input = MakeNoise(5, 256);
     std::vector<float> a = input, b = input;
     shelf.Process(a.data(), a.data(), 256);
     for (std::size_t i = 0; i < 256; i += 64) {
@@ -172,7 +164,7 @@ TEST(MultiHLShelf, ChannelsAreAloneAndInactiveOnesWait) {
     bank.SetGaindB(-6.0f);
 
     std::vector<std::vector<float>> input, output(3, std::vector<float>(256));
-    for (unsigned int c = 0; c < 3; ++c) input.push_back(Noise(256, c + 1));
+    for (unsigned int c = 0; c < 3; ++c) input.push_back(MakeNoise(c + 1, 256));
     for (std::size_t i = 0; i < 256; i += 64) {
         float* ins[] = {&input[0][i], &input[1][i], &input[2][i]};
         float* outs[] = {&output[0][i], &output[1][i], &output[2][i]};

@@ -23,9 +23,12 @@ protected:
 
     void ExpectSource(CartesianVector const& expected, float tolerance = 2e-6f) {
         const auto value = *box.box.GetAttribute("sourcespositions");
-        EXPECT_NEAR(atom_getfloat(&value[0]), expected.x, tolerance);
-        EXPECT_NEAR(atom_getfloat(&value[1]), expected.y, tolerance);
-        EXPECT_NEAR(atom_getfloat(&value[2]), expected.z, tolerance);
+        ExpectNear({atom_getfloat(&value[0]), atom_getfloat(&value[1]), atom_getfloat(&value[2])}, expected, tolerance);
+    }
+    static void ExpectNear(CartesianVector const& position, CartesianVector const& expected, float tolerance) {
+        EXPECT_NEAR(position.x, expected.x, tolerance);
+        EXPECT_NEAR(position.y, expected.y, tolerance);
+        EXPECT_NEAR(position.z, expected.z, tolerance);
     }
 
     RecordingBox box;
@@ -169,24 +172,21 @@ TEST_F(Coordinates, LoudspeakersMoveAloneOrAllTogether) {
 }
 
 TEST_F(Coordinates, ReverbReachesTheLateFieldByWords) {
-    box.Send("reverb tr0 100");
-    EXPECT_EQ(box.Get("tr0"), "10.000000 ");
-    box.Send("reverb start 900");
-    EXPECT_EQ(box.Get("reverb_start"), "500.000000 ");
-    box.Send("reverb infinite 1.9");
-    EXPECT_EQ(box.Get("infinite"), "1 ");
-    for (char const* const word : {"airfreq", "fl", "fh"}) {
-        box.Send(std::string("reverb ") + word + " 321");
-        EXPECT_EQ(box.Get(word), "321.000000 ");
+    const std::tuple<char const*, char const*, char const*> cases[] = {
+        {"tr0 100", "tr0", "10.000000 "},          {"start 900", "reverb_start", "500.000000 "},
+        {"infinite 1.9", "infinite", "1 "},        {"air 1", "air", "1 "},
+        {"airfreq 321", "airfreq", "321.000000 "}, {"fl 321", "fl", "321.000000 "},
+        {"fh 321", "fh", "321.000000 "},           {"trl 0.625", "trl", "0.625000 "},
+        {"trm 0.625", "trm", "0.625000 "},         {"trh 0.625", "trh", "0.625000 "},
+        {"gain 0.625", "gain", "0.625000 "},       {"modaldensity 0.625", "modaldensity", "0.625000 "},
+    };
+    for (auto const& [words, attribute, value] : cases) {
+        EXPECT_EQ(box.Send(std::string("reverb ") + words), "");
+        EXPECT_EQ(box.Get(attribute), value) << words;
     }
-    for (char const* const word : {"trl", "trm", "trh", "modaldensity", "gain"}) {
-        box.Send(std::string("reverb ") + word + " 0.625");
-        EXPECT_EQ(box.Get(word), "0.625000 ");
-    }
-    EXPECT_EQ(box.Send("reverb foo 1"), "error: unknwon reverb parameters : foo 1 |");
-    EXPECT_EQ(box.Send("reverb tr0"), "error: unknwon reverb parameters : tr0 |");
-    EXPECT_EQ(box.Send("reverb"), "error: unknwon reverb parameters : |");
-    EXPECT_EQ(box.Send("reverb tr0 long"), "error: unknwon reverb parameters : tr0 long |");
+    for (char const* const words : {"foo 1 ", "tr0 ", "", "tr0 long "})
+        EXPECT_EQ(box.Send(std::string("reverb ") + words),
+                  std::string("error: unknwon reverb parameters : ").append(words).append("|"));
 }
 
 // Out and in again is where it was, but for wfs, whose way out leaves out half a turn.
@@ -197,9 +197,8 @@ TEST_F(Coordinates, PositionsBecomeAtomsAndComeBack) {
         ASSERT_TRUE(coordinates2atoms(position, format, 3, atoms));
         CartesianVector back{};
         ASSERT_TRUE(atoms2coordinates(back, format, 3, atoms));
-        EXPECT_NEAR(back.x, position.x, 1e-6f) << format;
-        EXPECT_NEAR(back.y, position.y, 1e-6f) << format;
-        EXPECT_NEAR(back.z, position.z, 1e-6f) << format;
+        SCOPED_TRACE(format);
+        ExpectNear(back, position, 1e-6f);
     }
     t_atom atoms[3];
     EXPECT_TRUE(coordinates2atoms({1, 0, 0}, coordinates_wfs, 2, atoms));

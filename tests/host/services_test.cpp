@@ -13,6 +13,7 @@
 #include "host/object_state.h"
 #include "host/probe_object.h"
 #include "host/xml_reference.h"
+#include "max/host.h"
 
 namespace {
 
@@ -28,14 +29,37 @@ protected:
     ProbeBox probe;
 };
 
-const std::vector<std::string> userAttributes{"broken", "bypass", "gains", "hush", "level",
-                                              "mode",   "mute",   "odd",   "seed"};
+void ExpectContains(std::string const& text, std::string const& piece) {
+    EXPECT_NE(text.find(piece), std::string::npos) << "'" << piece << "' in: " << text;
+}
+
+// Red if defaults follow what was typed, or if the first of two wins.
+TEST_F(Services, CreationAppliesDefaultsThenWhatWasTyped) {
+    EXPECT_EQ(RecordingBox("probe~ @seed 3 @gains a 2 @level 9 @level 4").Get("seed"), "3 ");
+    EXPECT_EQ(probeJournal, "gains a 2 level 4 ");
+    probeJournal.clear();
+    const ProbeBox defaults;
+    EXPECT_EQ(probeJournal, "level 1.500000 gains 0.250000 -2.000000 ");
+}
+
+// Lines that no object signs go to the box at work, and to the host when none is.
+TEST_F(Services, ConsoleLinesFindTheirBox) {
+    std::string hostLines;
+    max::Host::Get().SetConsole([&](max::ConsoleLevel, std::string const& text) { hostLines += text + "|"; });
+    probe.Lines();
+    max::post("%s %d", "nobody", 1);
+    max::object_bug(probe.Object(), "%ld of %s", 3L, std::string(2000, 'x').c_str());
+    EXPECT_EQ(hostLines, "nobody 1|");
+    EXPECT_EQ(probe.Lines(), std::string("bug: 3 of ").append(2000, 'x') + "|");
+    EXPECT_EQ(RecordingBox("wavelet~").Lines(), "error: wavelet~: no such object|");
+    max::Host::Get().SetConsole(nullptr);
+}
 
 // Red if one of the five reasons to hide an attribute fails, or if the order isn't that of the names.
 TEST_F(Services, UsersSeeWhatIsTheirs) {
-    EXPECT_EQ(GetListOfUserAttributes(probe.Object()), userAttributes);
-    EXPECT_NE(probe.Send("postattributes").find("post: error attribute invisible not typed long ??|"),
-              std::string::npos);
+    EXPECT_EQ(GetListOfUserAttributes(probe.Object()),
+              (std::vector<std::string>{"broken", "bypass", "gains", "hush", "level", "mode", "mute", "odd", "seed"}));
+    ExpectContains(probe.Send("postattributes"), "post: error attribute invisible not typed long ??|");
     probe.Send("table 1 2 3");
     const auto names = GetListOfUserAttributes(probe.Object());
     EXPECT_EQ(names.back(), "table");
@@ -54,12 +78,9 @@ TEST_F(Services, AttributesTellAboutThemselves) {
         getter(attribute, result, "-");
         return result;
     };
-    EXPECT_EQ(text(level, GetAttributeDescription), "turns it up");
-    EXPECT_EQ(text(level, GetAttributeCategory), "sound");
-    EXPECT_EQ(text(level, GetAttributeUnits), "dB");
-    EXPECT_EQ(text(level, GetAttributeLabel), "how loud");
-    EXPECT_EQ(text(level, GetAttributeMinValue), "-6.00");
-    EXPECT_EQ(text(level, GetAttributeMaxValue), "6");
+    EXPECT_EQ(text(level, GetAttributeDescription) + text(level, GetAttributeCategory), "turns it upsound");
+    EXPECT_EQ(text(level, GetAttributeUnits) + text(level, GetAttributeLabel), "dBhow loud");
+    EXPECT_EQ(text(level, GetAttributeMinValue) + text(level, GetAttributeMaxValue), "-6.006");
     EXPECT_EQ(text(GetAttributeByName(probe.Object(), "gains"), GetAttributeDefaultValue), "0.25");
     EXPECT_EQ(text(GetAttributeByName(probe.Object(), "mute"), GetAttributeUnits), "-");
     std::string value, type;
@@ -82,12 +103,10 @@ TEST_F(Services, AttributesArePosted) {
     EXPECT_EQ(probe.Send("postattributes nobody"), "error: no attribute nobody|");
     EXPECT_EQ(probe.Send("postattributes level mode"), "error: invalid postattributes message : level mode |");
     EXPECT_EQ(probe.Send("postattributes 7"), "error: invalid postattributes message : 7 |");
-    const std::string all = probe.Send("postattributes");
-    EXPECT_NE(all.find("post: found 10 attributes|post: broken : 1 |post: bypass : 0 |post: gains : 0.250000 -2.000000 "
-                       "|post: hush : 3.000000 |post: level : 1.500000 |post: mode : soft |post: mute : 0 |post: odd : "
-                       "1 |post: seed : 6 |post: table : 1.000000 2.000000 |"),
-              std::string::npos)
-        << all;
+    ExpectContains(probe.Send("postattributes"),
+                   "post: found 10 attributes|post: broken : 1 |post: bypass : 0 |post: gains : 0.250000 -2.000000 "
+                   "|post: hush : 3.000000 |post: level : 1.500000 |post: mode : soft |post: mute : 0 |post: odd : "
+                   "1 |post: seed : 6 |post: table : 1.000000 2.000000 |");
     probeError = -2;
     EXPECT_EQ(probe.Send("postattributes broken"),
               "bug: PostValueOfAttribute : MAX_ERR_INVALID_PTR in object_attr_getvalueof (broken)|");
@@ -153,13 +172,12 @@ TEST_F(Services, StateGoesFromObjectToObject) {
     const std::vector<t_atom> state = probe.box.GetState();
     ProbeBox other;
     EXPECT_EQ(other.box.SetState(state), -1);
-    EXPECT_NE(other.Lines().find("error: setvalueof error (received 12 atoms. 10 atoms were expected)|"),
-              std::string::npos);
+    ExpectContains(other.Lines(), "error: setvalueof error (received 12 atoms. 10 atoms were expected)|");
     EXPECT_FLOAT_EQ(other.Record()->level, 1.5f);
 
     other.Send("table 0 0");
     EXPECT_EQ(other.box.SetState(state), 0);
-    EXPECT_NE(other.Lines().find("post: 10 attributes (12 atoms) restored from the pattrstorage|"), std::string::npos);
+    ExpectContains(other.Lines(), "post: 10 attributes (12 atoms) restored from the pattrstorage|");
     EXPECT_EQ(other.Record()->level, probe.Record()->level);
     EXPECT_STREQ(other.Record()->mode->s_name, "hard");
     EXPECT_EQ(other.Record()->table[1], 6.0f);
@@ -176,15 +194,15 @@ TEST_F(Services, RestoringGoesOnBehindWhatFails) {
     EXPECT_EQ(probe.box.SetState(state), 0);
     EXPECT_EQ(probe.Record()->level, 6.0f);
     const std::string lines = probe.Lines();
-    EXPECT_NE(lines.find("error: MAX_ERR_GENERIC in object_attr_setvalueof mute|"), std::string::npos) << lines;
-    EXPECT_NE(lines.find("post: 9 attributes (10 atoms) restored"), std::string::npos) << lines;
+    ExpectContains(lines, "error: MAX_ERR_GENERIC in object_attr_setvalueof mute|");
+    ExpectContains(lines, "post: 9 attributes (10 atoms) restored");
 
     // An atom that no state holds moves all others up, until the list runs dry.
     atom_setobj(&state[0], nullptr);
     EXPECT_EQ(probe.box.SetState(state), -1);
     const std::string dry = probe.Lines();
-    EXPECT_NE(dry.find("warn: unknown atom type in orvanmax_setvalueof|"), std::string::npos) << dry;
-    EXPECT_NE(dry.find("error: error reading atoms in orvanmax_setvalueof|"), std::string::npos) << dry;
+    ExpectContains(dry, "warn: unknown atom type in orvanmax_setvalueof|");
+    ExpectContains(dry, "error: error reading atoms in orvanmax_setvalueof|");
 }
 
 TEST_F(Services, SavingSaysWhatItCouldNotStore) {
@@ -200,7 +218,7 @@ TEST_F(Services, SavingSaysWhatItCouldNotStore) {
     for (char const* const line :
          {"warn: orvanmax_getvalueof : memory passed in|", "bug: orvanmax_getvalueof : unknown atom type|",
           "error: 10 atoms allocated but 9 atoms stored by the pattrstorage|"})
-        EXPECT_NE(lines.find(line), std::string::npos) << lines;
+        ExpectContains(lines, line);
     EXPECT_EQ(atom_getlong(&memory[8]), 6);
     const std::vector<t_atom> state = probe.box.GetState();  // as long as expected, and empty at the end
     ASSERT_EQ(state.size(), 10u);
@@ -216,9 +234,7 @@ TEST_F(Services, PresetsComeBackAsMessages) {
     probe.Send("level 5");
     EXPECT_TRUE(probe.box.RecallPreset(preset));
     EXPECT_EQ(probe.Record()->level, 2.0f);
-    ProbeBox other;
-    EXPECT_FALSE(other.box.RecallPreset(preset));
-    EXPECT_EQ(other.Lines(), "error: no preset of this object|");
+    EXPECT_FALSE(ProbeBox().box.RecallPreset(preset));
     EXPECT_EQ(probe.Send("recallpreset"), "");
     probe.Send("preset");  // into no buffer
 }
@@ -234,28 +250,24 @@ TEST_F(Services, ErrorsHaveNames) {
 
 // The whole file of a small class, as text: order, blank lines and all.
 TEST_F(Services, ReferenceFileHoldsTheClass) {
-    const auto directory = std::filesystem::temp_directory_path() / "orvan_reference_test";
     const auto before = std::filesystem::current_path();
-    std::filesystem::create_directories(directory);
-    std::filesystem::current_path(directory);
+    std::filesystem::current_path(testing::TempDir());
     probe.Send("generatexml");
-    std::filesystem::current_path(before);
-    std::ifstream file(directory / "probe~.ref.xml");
+    std::ifstream file("probe~.ref.xml");
     const std::string text(std::istreambuf_iterator<char>(file), {});
-    std::filesystem::remove_all(directory);
-
+    std::filesystem::remove("probe~.ref.xml");
+    std::filesystem::current_path(before);
     EXPECT_EQ(text.substr(0, text.find("<attribute>")),
               "<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\"?>\n"
               "<?xml-stylesheet type=\"text/xsl\" href=\"orvan.xsl\"?>\n"
               "<external>\n<name>probe~</name>\n\n<version>1.2.3</version>\n\n"
               "<copyright>Copyright (c) 2026 The orvanverb~ developers</copyright>\n\n<brief>A probe</brief>\n\n");
-    EXPECT_NE(text.find("<attribute>\n<name>level</name>\n<brief>how loud</brief>\n<type>float32</type>\n"
-                        "<default>1.50</default>\n<min>-6.00</min>\n<max>6</max>\n<units>dB</units>\n<enum></enum>\n"
-                        "<category>sound</category>\n<description>turns it up</description>\n</attribute>\n\n"
-                        "<attribute>\n<name>mode</name>"),
-              std::string::npos)
-        << text;
-    EXPECT_NE(text.find("<enum>soft hard  </enum>"), std::string::npos);
+    ExpectContains(text,
+                   "<attribute>\n<name>level</name>\n<brief>how loud</brief>\n<type>float32</type>\n"
+                   "<default>1.50</default>\n<min>-6.00</min>\n<max>6</max>\n<units>dB</units>\n<enum></enum>\n"
+                   "<category>sound</category>\n<description>turns it up</description>\n</attribute>\n\n"
+                   "<attribute>\n<name>mode</name>");
+    ExpectContains(text, "<enum>soft hard  </enum>");
     EXPECT_EQ(
         text.substr(text.find("<method>")),
         "<method>\n<name>version</name>\n</method>\n<method>\n<name>postattributes</name>\n</method>\n"
