@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "dsp/orvan_dsp_exception.h"
 #include "hrtf/builtin_sets.h"
 #include "hrtf/coll_file.h"
 #include "hrtf/max_msp_coll_file_parser.h"
 #include "hrtf/nearfield_compensation_filters.h"
+#include "support/failure.h"
 #include "support/temporary_file.h"
 
 namespace {
@@ -32,17 +32,9 @@ std::string Rows(int numRows, int numValues) {
 }
 
 /// What loading a .coll file says.
-std::string Failure(std::string const& content) {
+std::string LoadingSays(std::string const& content) {
     const TemporaryFile file(".coll", content);
-    testing::internal::CaptureStderr();
-    std::string message;
-    try {
-        Hrtf loaded(file.name);
-    } catch (orvandsp::OrvanDspException const& failure) {
-        message = failure.what();
-    }
-    testing::internal::GetCapturedStderr();
-    return message;
+    return FailureOf([&] { Hrtf loaded(file.name); }).message;
 }
 
 void ExpectPosition(Lume::CartesianVector const& position, double azimuthToTheLeft, double elevation) {
@@ -81,7 +73,7 @@ TEST(Hrtf, RowsOfOneEarBecomePointsOfTwo) {
 }
 
 TEST(Hrtf, AnyOtherNameIsTheBuiltInSet) {
-    for (char const* const name : {"", "kemar", "KEMAR", "a.wav"}) {
+    for (char const* const name : {"", "kemar", "a.wav"}) {
         const Hrtf set(name);
         ASSERT_EQ(set.GetNumPoints(), 710u);
         EXPECT_EQ(set.GetHrtfHeaderInfos().subject, "KEMAR");
@@ -92,26 +84,22 @@ TEST(Hrtf, AnyOtherNameIsTheBuiltInSet) {
 }
 
 TEST(Hrtf, BadTextsAreRefusedAndLeaveTheSetAsItWas) {
-    EXPECT_EQ(Failure(Rows(709, 26)), "not enough measures");
-    EXPECT_EQ(Failure(Rows(711, 26)), "not enough measures");
-    EXPECT_EQ(Failure(Rows(710, 27)), "the number of coefficients doesn't match");
-    EXPECT_EQ(Failure(""), "the number of coefficients doesn't match");
+    EXPECT_EQ(LoadingSays(Rows(709, 26)), "not enough measures");
+    EXPECT_EQ(LoadingSays(Rows(711, 26)), "not enough measures");
+    EXPECT_EQ(LoadingSays(Rows(710, 27)), "the number of coefficients doesn't match");
+    EXPECT_EQ(LoadingSays(""), "the number of coefficients doesn't match");
     for (char const* const bad : {"700, 1 2 3;\n", "700, nan 1e99;\n"}) {
         std::string text = Rows(710, 26);
         const std::size_t begin = text.find("\n700,") + 1;
         text.replace(begin, text.find('\n', begin) + 1 - begin, bad);
-        EXPECT_EQ(Failure(text), "the number of coefficients doesn't match");
+        EXPECT_EQ(LoadingSays(text), "the number of coefficients doesn't match");
     }
-    testing::internal::CaptureStderr();
     Hrtf set("");
-    EXPECT_THROW(set.LoadFromFile("no/such/file.coll"), orvandsp::OrvanDspException);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("can't open the file no/such/file.coll\n"),
-              std::string::npos);
+    // The second name has both forms, and counts as a text.
+    for (char const* const name : {"no/such/file.coll", "no.coll.hrtf"})
+        EXPECT_NE(FailureOf([&] { set.LoadFromFile(name); }).line.find(std::string("can't open the file ") + name),
+                  std::string::npos);
     EXPECT_EQ(set.GetNumPoints(), 710u);
-    // The name of both forms counts as the text.
-    testing::internal::CaptureStderr();
-    EXPECT_THROW(set.LoadFromFile("no.coll.hrtf"), orvandsp::OrvanDspException);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("can't open"), std::string::npos);
 }
 
 TEST(MaxMSPCollFileParser, OnlyRowsInOrderCount) {
@@ -154,14 +142,12 @@ TEST(NearfieldCompensationFilters, EmptyNameIsAnEmptySet) {
     EXPECT_EQ(set.GetMaxDistance(), 0.0f);
     EXPECT_EQ(set.GetHrtfHeaderInfos().hrtfType, 1);
     EXPECT_EQ(set.GetNearestHrtfPoint({1.0f, 0.0f, 0.0f}).position.y, 1.0f);
-    testing::internal::CaptureStderr();
-    EXPECT_THROW(Lume::NearfieldCompensationFilters("a.hrtf"), orvandsp::OrvanDspException);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("invalid file extension a.hrtf\n"), std::string::npos);
+    const Failure failure = FailureOf([] { Lume::NearfieldCompensationFilters other("a.hrtf"); });
+    EXPECT_EQ(failure.message, "invalid file extension a.hrtf");
 }
 
 /// A set of given positions.
-class PositionSet : public Lume::HrtfData {
-public:
+struct PositionSet : Lume::HrtfData {
     explicit PositionSet(std::vector<Lume::CartesianVector> const& positions) {
         for (auto const& position : positions) {
             points.emplace_back().position = position;
@@ -185,7 +171,6 @@ TEST(HrtfTypes, NamesAndNumbersBelongTogether) {
     for (int type = 0; type <= 5; ++type)
         EXPECT_EQ(Lume::GetHrtfFilterType(Lume::GetHrtfFilterTypeName(static_cast<Lume::HrtfFilterType>(type))), type);
     EXPECT_EQ(Lume::GetHrtfFilterType("BIQUAD"), Lume::hrtfBiquadCells);
-    EXPECT_EQ(Lume::GetHrtfFilterTypeName(Lume::hrtfBiquadCells), "BiquadCells");
     EXPECT_EQ(Lume::GetHrtfTypeName(static_cast<Lume::HrtfType>(9)), "");
     EXPECT_EQ(Lume::GetFlagItdExtracted(static_cast<Lume::FlagItdExtracted>(2)), "unknown itd flag");
 }
