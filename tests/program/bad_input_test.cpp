@@ -17,15 +17,16 @@ protected:
     std::string In(std::string const& name) const { return inputs / name; }
     std::string Out(std::string const& name) const { return outputs / name; }
 
-    /// One line that names the culprit, the right exit status, and the earlier rendering untouched with nothing beside.
+    /// The complaint, and the earlier rendering untouched with nothing beside.
     void Expect(RunResult const& run, int status, std::string const& culprit) const {
-        EXPECT_EQ(run.status, status) << run.err;
-        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-        EXPECT_TRUE(run.err.starts_with("orvanverb: ")) << run.err;
-        EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
+        ExpectComplaint(run, status, culprit);
         EXPECT_EQ(run.out, "");
         EXPECT_EQ(ReadText(Out("out.wav")), "an earlier rendering");
         EXPECT_EQ(outputs.NumFiles(), 1u);
+    }
+    /// Renders a good recording with more words.
+    RunResult Render(std::vector<std::string> const& words) const {
+        return RunProgram(Joined({"render", In("good.wav"), "-o", Out("out.wav")}, words));
     }
 
     TemporaryDirectory inputs, outputs;
@@ -45,32 +46,21 @@ TEST_F(BadInput, FilesAreNamedWithStatusOne) {
     std::filesystem::resize_file(In("cut.flac"), std::filesystem::file_size(In("cut.flac")) / 2);
     for (char const* name :
          {"missing.wav", "empty.wav", "text.wav", "wide.wav", "silent.wav", "cut.wav", "cut.flac", "."})
-        Expect(RunProgram({"render", In("good.wav"), In(name), "-o", Out("out.wav")}), 1, In(name));
+        Expect(Render({In(name)}), 1, In(name));
 
     WriteText(In("speakers"), "-30\nthirty\n");
     WriteText(In("room"), "tr0 2\n\ntr0 200\n");
-    const std::vector<std::string> render{"render", In("good.wav"), "-o", Out("out.wav")};
-    const std::tuple<char const*, std::string, std::string> cases[] = {
-        {"--speakers", In("speakers"), In("speakers") + ":2: "},
-        {"--speakers", In("none"), In("none")},
-        {"--preset", In("room"), In("room") + ":3: "},
-        {"--output", Out("no/such/place.wav"), Out("no/such/place.wav")},
-        {"--output", "/dev/null", "/dev/null"},
-    };
-    for (const auto& [option, value, culprit] : cases)
-        Expect(
-            RunProgram(std::string(option) == "--output"
-                           ? std::vector<std::string>{"render", In("good.wav"), option, value}
-                           : std::vector<std::string>{"render", In("good.wav"), "-o", Out("out.wav"), option, value}),
-            1, culprit);
+    Expect(Render({"--speakers", In("speakers")}), 1, In("speakers") + ":2: ");
+    Expect(Render({"--speakers", In("none")}), 1, In("none"));
+    Expect(Render({"--preset", In("room")}), 1, In("room") + ":3: ");
+    for (std::string const& place : {Out("no/such/place.wav"), std::string("/dev/null")})
+        Expect(RunProgram({"render", In("good.wav"), "-o", place}), 1, place);
 }
 
 TEST_F(BadInput, OptionsAreNamedWithStatusTwo) {
     const std::vector<std::string> cases[] = {
-        {"--speakers", "0"},
         {"--speakers", "1"},
         {"--speakers", "65"},
-        {"--speakers", "-4"},
         {"--rate", "7999"},
         {"--rate", "fast"},
         {"--vector", "48"},
@@ -88,11 +78,7 @@ TEST_F(BadInput, OptionsAreNamedWithStatusTwo) {
         {"--source", "1", "0", "0"},
         {"--surprise"},
     };
-    for (std::vector<std::string> const& words : cases) {
-        std::vector<std::string> arguments{"render", In("good.wav"), "-o", Out("out.wav")};
-        arguments.insert(arguments.end(), words.begin(), words.end());
-        Expect(RunProgram(arguments), 2, words[0]);
-    }
+    for (std::vector<std::string> const& words : cases) Expect(Render(words), 2, words[0]);
     Expect(RunProgram({"render", "-o", Out("out.wav")}), 2, "inputs");
     Expect(RunProgram({"render", In("good.wav")}), 2, "--output");
     Expect(RunProgram({"rendr"}), 2, "rendr");

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <limits>
-#include <numeric>
 #include <thread>
 
 #include "program/run_program.h"
@@ -16,32 +16,15 @@ namespace {
 // The built-in rooms answer after 22 ms: up to there a rendered impulse holds the direct sound alone.
 constexpr std::size_t directFrames = 1000;  // at 48 kHz
 
-/// Energy of each channel within a piece of a sound.
-std::vector<double> Energies(Sound const& sound, std::size_t begin, std::size_t end) {
-    std::vector<double> energies;
-    for (std::vector<float> const& channel : sound.samples) {
-        double energy = 0.0;
-        for (std::size_t i = begin; i < std::min(end, channel.size()); ++i)
-            energy += static_cast<double>(channel[i]) * static_cast<double>(channel[i]);
-        energies.push_back(energy);
-    }
-    return energies;
-}
-
-double Sum(std::vector<double> const& values) {
-    return std::accumulate(values.begin(), values.end(), 0.0);
-}
-
 class Rendering : public testing::Test {
 protected:
     /// The impulse response of a room with one source.
     Sound ImpulseResponse(std::string const& speakers, std::string const& azimuth, std::string const& distance = "1",
                           std::vector<std::string> const& more = {}) {
-        std::vector<std::string> arguments{
+        const std::vector<std::string> words{
             "ir",     "-o", directory / "ir.wav", "--speakers", speakers, "--source", "1", azimuth, "0", distance,
             "--tail", "0.5"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        const RunResult run = RunProgram(arguments);
+        const RunResult run = RunProgram(Joined(words, more));
         EXPECT_EQ(run.status, 0) << run.err;
         return ReadSound(directory / "ir.wav");
     }
@@ -51,50 +34,34 @@ protected:
 
 constexpr double directPower = 1.0 / 8.0;  // one source among eight internal channels: sqrt(1/8) in amplitude
 
-// Red if a channel is swapped, a ring is mirrored, or a neighbour leaks.
+// Red if a channel is swapped, a ring is mirrored, a neighbour leaks, the distance is lost, or if the first millisecond
+// is still fading in.
 TEST_F(Rendering, SourceAtALoudspeakerComesOutOfItAlone) {
-    const std::pair<char const*, std::vector<char const*>> rings[] = {
+    WriteText(directory / "uneven", "-50\n-10\n35\n100 0 1.5\n170\n-120\n");
+    const std::pair<std::string, std::vector<char const*>> rings[] = {
         {"4", {"-45", "45", "135", "-135"}},
         {"5", {"-30", "30", "0", "-110", "110"}},  // files of this layout go by pairs
         {"6", {"-45", "45", "90", "135", "-135", "-90"}},
-        {"9", {"0", "40", "80", "120", "160", "200", "240", "280", "-40"}},
+        {"8", {"-45", "0", "45", "90", "135", "180", "-135", "-90"}},
+        {directory / "uneven", {"-50", "-10", "35", "100", "170", "-120"}},
     };
-    for (const auto& [count, azimuths] : rings)
+    for (const auto& [layout, azimuths] : rings)
         for (std::size_t c = 0; c < azimuths.size(); ++c) {
-            const std::vector<double> energies = Energies(ImpulseResponse(count, azimuths[c]), 0, directFrames);
+            const Sound sound = ImpulseResponse(layout, azimuths[c], "2");
+            std::vector<double> energies = Energies(sound, 0, directFrames);
             ASSERT_EQ(energies.size(), azimuths.size());
-            EXPECT_NEAR(energies[c], directPower, 1e-5) << count << " " << azimuths[c];
-            EXPECT_LT(Sum(energies) - energies[c], 1e-9) << count << " " << azimuths[c];
+            EXPECT_NEAR(energies[c], directPower / 16.0, 1e-6) << layout << " " << azimuths[c];
+            EXPECT_NEAR(static_cast<double>(sound.samples[c][0]), std::sqrt(directPower) / 4.0, 1e-4);
+            energies[c] = 0.0;
+            EXPECT_LT(*std::max_element(energies.begin(), energies.end()), 1e-10) << layout << " " << azimuths[c];
         }
 }
 
-TEST_F(Rendering, SourceBetweenLoudspeakersKeepsItsPowerAndItsSide) {
-    WriteText(directory / "uneven", "-50\n-10\n35\n100 0 1.5\n170\n-120\n");
-    for (std::string const& speakers : {std::string("6"), directory / "uneven"})
-        for (char const* azimuth : {"-170", "-100", "-63", "-20", "5", "60", "111", "179"}) {
-            const std::vector<double> energies = Energies(ImpulseResponse(speakers, azimuth), 0, directFrames);
-            EXPECT_NEAR(Sum(energies), directPower, 1e-5) << speakers << " " << azimuth;
-            EXPECT_LE(std::count_if(energies.begin(), energies.end(), [](double energy) { return energy > 1e-9; }), 2);
-        }
-    // Front left is channel 1 of four and of eight, and at -63 degrees it shares with the left of eight alone.
-    EXPECT_GT(Energies(ImpulseResponse("4", "-45"), 0, directFrames)[0], 0.12);
-    const std::vector<double> left = Energies(ImpulseResponse("8", "-63"), 0, directFrames);
-    EXPECT_GT(left[0], left[7]);
-    EXPECT_NEAR(left[0] + left[7], directPower, 1e-5);
-}
-
-// Red if the ears are swapped: to the left of the listener is the first channel, the left one.
-TEST_F(Rendering, HeadphonesHearTheSide) {
-    for (char const* side : {"-45", "45"}) {
-        const Sound sound = ImpulseResponse("2", side);
-        const std::vector<double> ears = Energies(sound, 0, directFrames);
-        ASSERT_EQ(ears.size(), 2u);
-        EXPECT_GT(ears[side[0] == '-' ? 0 : 1], 4.0 * ears[side[0] == '-' ? 1 : 0]) << side;
-    }
-}
-
-// Red if --hrtf isn't read, or read into a room that isn't for headphones. A gain of a quarter in all rows tells.
-TEST_F(Rendering, HeadphonesTakeAnotherSet) {
+// To the left of the listener is the first channel. Red if the ears are swapped, if --hrtf isn't read, or read into a
+// room that isn't for headphones: a gain of a quarter in all rows tells.
+TEST_F(Rendering, HeadphonesHearTheSideAndTakeAnotherSet) {
+    const std::vector<double> own = Energies(ImpulseResponse("2", "-45"), 0, directFrames);
+    EXPECT_GT(own[0], 4.0 * own[1]);
     std::string rows;
     for (int row = 1; row <= 710; ++row) {
         rows += std::to_string(row) + ", 1 0.25";
@@ -108,22 +75,7 @@ TEST_F(Rendering, HeadphonesTakeAnotherSet) {
     EXPECT_NEAR(ears[0], ears[1], 1e-6);
     EXPECT_NEAR(ears[0], 0.5 * 0.25 * 0.25 * directPower, 1e-3 * directPower);
 
-    const RunResult run = RunProgram({"ir", "-o", directory / "ring.wav", "--speakers", "4", "--hrtf", set});
-    EXPECT_EQ(run.status, 2);
-    EXPECT_NE(run.err.find("--hrtf"), std::string::npos) << run.err;
-}
-
-// Red if the first millisecond is still fading in, or if one of the two laws is taken for the other.
-TEST_F(Rendering, DirectSoundFallsWithTheSquareOfTheDistanceAndTheRoomWithTheDistance) {
-    const Sound near = ImpulseResponse("6", "45", "1");
-    const double nearRoom = Sum(Energies(near, directFrames, near.NumFrames()));
-    for (const double distance : {0.3, 2.0, 5.0, 40.0, 100.0, 300.0}) {
-        const double counted = std::min(distance, 100.0);
-        const Sound sound = ImpulseResponse("6", "45", std::to_string(distance));
-        EXPECT_NEAR(static_cast<double>(sound.samples[1][0]) * counted * counted, std::sqrt(directPower), 1e-4);
-        EXPECT_NEAR(Sum(Energies(sound, directFrames, sound.NumFrames())) * counted * counted / nearRoom, 1.0, 1e-3)
-            << distance;
-    }
+    ExpectComplaint(RunProgram({"ir", "-o", directory / "ring.wav", "--speakers", "4", "--hrtf", set}), 2, "--hrtf");
 }
 
 // Red if --set or a preset doesn't reach the room, or the preset wins over --set.
@@ -155,8 +107,7 @@ TEST_F(Rendering, TakesManyFilesOfDifferentKindsAndRates) {
     EXPECT_EQ(out.samples.size(), 7u);
     EXPECT_NEAR(static_cast<double>(out.NumFrames()), 0.75 * 44100.0, 1.0);
     EXPECT_EQ(ReadChannelMask(directory / "out.wav"), 0x637u);
-    for (std::string const& word : {std::string("out.wav: 7 channels"), std::string("0.750 s"), std::string("peak"),
-                                    std::string("times faster than real time")})
+    for (char const* const word : {"out.wav: 7 channels", "0.750 s", "peak", "times faster than real time"})
         EXPECT_NE(run.err.find(word), std::string::npos) << run.err;
     EXPECT_EQ(run.err.find('\r'), std::string::npos) << "a progress line in a pipe";
 

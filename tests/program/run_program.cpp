@@ -1,9 +1,11 @@
 #include "program/run_program.h"
 
+#include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "program/sound_files.h"
@@ -54,4 +56,16 @@ RunResult RunProgram(std::vector<std::string> const& arguments, std::string cons
     std::vector<std::string> words{ORVANVERB_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     return RunCommand(words, before, input);
+}
+
+void ExpectComplaint(RunResult const& run, int status, std::string const& culprit) {
+    EXPECT_EQ(run.status, status) << culprit << ": " << run.err;
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+    EXPECT_TRUE(run.err.starts_with("orvanverb: ")) << run.err;
+    EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
+}
+
+std::vector<std::string> Joined(std::vector<std::string> words, std::vector<std::string> const& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
 }

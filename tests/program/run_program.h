@@ -19,3 +19,9 @@ RunResult RunCommand(std::vector<std::string> const& words, std::string const& b
 /// @param input   what it reads from standard input
 RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before = {},
                      std::string const& input = {});
+
+/// Fails unless a run ended with a status and one line on standard error that names the culprit.
+void ExpectComplaint(RunResult const& run, int status, std::string const& culprit);
+
+/// Words, and more behind them.
+std::vector<std::string> Joined(std::vector<std::string> words, std::vector<std::string> const& more);

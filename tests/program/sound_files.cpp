@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <span>
 #include <sstream>
 
 #include "support/signals.h"
@@ -78,4 +80,11 @@ unsigned int ReadChannelMask(std::string const& path) {
     unsigned int mask = 0;
     if (chunk != std::string::npos) std::memcpy(&mask, text.data() + chunk + 28, sizeof mask);
     return mask;
+}
+
+std::vector<double> Energies(Sound const& sound, std::size_t begin, std::size_t end) {
+    std::vector<double> energies;
+    for (std::vector<float> const& channel : sound.samples)
+        energies.push_back(EnergyOf(std::span(channel).first(std::min(end, channel.size())).subspan(begin)));
+    return energies;
 }

@@ -44,3 +44,6 @@ Sound MakeTone(double hertz, double seconds, int samplerate);
 
 /// The channel mask of a WAV file's header.
 unsigned int ReadChannelMask(std::string const& path);
+
+/// Energy of each channel within a piece of a sound [frames].
+std::vector<double> Energies(Sound const& sound, std::size_t begin, std::size_t end);
