@@ -50,6 +50,8 @@ public:
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
     void Clear() override { shelf.Clear(); }
+    /// The filter itself, for banks that run several at once.
+    HLShelf& GetShelf() noexcept { return shelf; }
 
 private:
     HLShelf shelf;

@@ -100,7 +100,7 @@ void Delay::Process(float** outputs, float** inputs, unsigned long numSamples, s
 void Delay::Process(float* out, float* in, int count) {
     orvandsp::FlushDenormals();
     tapIn(in, count, 0);
-    tapOut(out, static_cast<unsigned int>(count), delayRamp, interpolationMode, allpassState);
+    ReadBuiltIn(out, count);
     AdvanceWritePosition(count);
 }
 
@@ -120,7 +120,7 @@ void Delay::RefreshGuards(int numNeighbours) noexcept {
 }
 
 void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode readMode, float& state) {
-    const float position = static_cast<float>(writePosition) + static_cast<float>(size) - delaySamples;
+    const float position = PositionOf(delaySamples);
     const bool rounds = readMode == nearest || readMode == nearestXfade;
     const interpolation::Position split = interpolation::Split(position);
     int index = (rounds ? interpolation::Nearest(position) : split.index) & mask;
@@ -144,6 +144,17 @@ void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode 
         state = memory;
     });
     if (!interpolates) forEachRun([](float* to, float const* from, int length) { std::copy_n(from, length, to); });
+}
+
+std::optional<Delay::AllpassHead> Delay::FindAllpassHead(Ramp const& ramp) noexcept {
+    if (ramp.remaining > 0 || interpolationMode != allpass) return std::nullopt;
+    RefreshGuards(interpolation::Allpass::numNeighbours);
+    const interpolation::Position split = interpolation::Split(PositionOf(ramp.current));
+    return AllpassHead{.ring = Ring(),
+                       .size = size,
+                       .index = split.index & mask,
+                       .coefficient = interpolation::Allpass(split.fraction).a,
+                       .state = &allpassState};
 }
 
 void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode readMode, float& state) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "dsp/ramp.h"
@@ -75,6 +76,18 @@ public:
     /// @param delaySamples  [samples], `count` values
     void tapOut(float* out, float* delaySamples, int count, InterpolationMode mode, float& state);
 
+    /// A read head that stands still on a line with the mode allpass.
+    struct AllpassHead {
+        float const* ring;  // with one guard cell behind its end
+        int size;           // of the ring [samples]
+        int index;          // in the ring, of the older neighbour of the next sample
+        float coefficient;
+        float* state;  // previous output
+    };
+    /// The head that tapOut along this ramp would read with, if that is such a one: for FourAllpassHeads. It holds
+    /// until the line changes or moves on. Real-time safe.
+    std::optional<AllpassHead> FindAllpassHead(orvandsp::Ramp const& ramp) noexcept;
+
     /// Moves the write position past a block written by tapIn, once every head has read it. Real-time safe.
     void AdvanceWritePosition(int count) noexcept { writePosition = (writePosition + count) & mask; }
 
@@ -104,6 +117,17 @@ public:
     static char const* GetInterpolationModeName(InterpolationMode mode);
 
 private:
+    friend class MultiDelay;  // reads the built-in heads of four lines at once
+
+    /// Reads a block with the built-in head.
+    void ReadBuiltIn(float* out, int count) {
+        tapOut(out, static_cast<unsigned int>(count), delayRamp, interpolationMode, allpassState);
+    }
+    /// Where a fixed delay is read.
+    float PositionOf(float delaySamples) const noexcept {
+        return static_cast<float>(writePosition) + static_cast<float>(size) - delaySamples;
+    }
+
     /// Cells on either side of the ring that repeat its other end, so that readers need no test for the wrap.
     static constexpr int numGuards = 4;
 

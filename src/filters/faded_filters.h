@@ -52,15 +52,18 @@ public:
     /// Filters one block; output may be input. Real-time safe while the block length is steady.
     /// @param add  adds the result to the output instead of replacing it
     void ProcessBlock(float* output, float* input, unsigned long numSamples, bool add) {
-        if (bufferA.size() != numSamples) bufferA.resize(numSamples);
-        if (bufferB.size() != numSamples) bufferB.resize(numSamples);
-        update();
-        if (remaining < 1)
+        BeginBlock(numSamples);
+        if (!IsFading()) {
             RunAlone(output, input, numSamples, add);
-        else if (static_cast<unsigned long>(remaining) > numSamples)
-            Fade(output, input, numSamples, add);
-        else
-            EndFade(output, input, numSamples, add);
+        } else if (EndsWithin(numSamples) && !NeedsWholeBlocks()) {
+            const auto numFaded = static_cast<unsigned long>(remaining);
+            RunBoth(input, numFaded);
+            MixFade(output, numFaded, add);
+            RunAlone(output + numFaded, input + numFaded, numSamples - numFaded, add);
+        } else {
+            RunBoth(input, numSamples);
+            MixFade(output, numSamples, add);
+        }
     }
 
     /// Starts the fade to a waiting set, if there is one that isn't held and no fade runs. ProcessBlock does so itself;
@@ -109,12 +112,37 @@ public:
 protected:
     enum FadeState : int { aRuns = 0, bRuns = 1, fromAToB = 2, fromBToA = 3 };
 
+    /// Makes room for the block and starts a fade if a set waits.
+    void BeginBlock(unsigned long numSamples) {
+        if (bufferA.size() != numSamples) bufferA.resize(numSamples);
+        if (bufferB.size() != numSamples) bufferB.resize(numSamples);
+        update();
+    }
+
+    bool IsFading() const noexcept { return remaining >= 1; }
+
+    /// Mixes a block, of which bufferA and bufferB hold what the two filters made, and moves the fade on. What lies
+    /// behind the end of the fade is the new filter's alone.
+    void MixFade(float* output, unsigned long numSamples, bool add) {
+        const unsigned long numFaded = std::min(static_cast<unsigned long>(remaining), numSamples);
+        Mix(output, numFaded, add);
+        remaining -= static_cast<int>(numFaded);
+        if (remaining > 0) return;
+        fadeState = fadeState == fromAToB ? bRuns : aRuns;
+        if (add)
+            Add(output + numFaded, IncomingBuffer().data() + numFaded, numSamples - numFaded);
+        else
+            std::copy_n(IncomingBuffer().data() + numFaded, numSamples - numFaded, output + numFaded);
+    }
+
     /// The filter that runs or is being faded in.
     T& Incoming() noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
     T const& Incoming() const noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
 
     T filterA;
     T filterB;
+    std::vector<float> bufferA;  // what the filters make of a block while a fade runs
+    std::vector<float> bufferB;
     std::vector<float> newCoefficients;  // as long as one set of T; a class that changes its order sizes it anew
 
 private:
@@ -148,38 +176,28 @@ private:
         filterB.Process(bufferB.data(), input, numSamples);
     }
 
-    void Fade(float* output, float* input, unsigned long numSamples, bool add) {
-        RunBoth(input, numSamples);
-        Mix(output, numSamples, add);
-        remaining -= static_cast<int>(numSamples);
-    }
-
-    /// A block within which, or at whose end, the fade ends.
-    void EndFade(float* output, float* input, unsigned long numSamples, bool add) {
-        const auto numFaded = static_cast<unsigned long>(remaining);
-        const unsigned long numAlone = numSamples - numFaded;
-        const bool whole = NeedsWholeBlocks();
-        RunBoth(input, whole ? numSamples : numFaded);
-        Mix(output, numFaded, add);
-        remaining = 0;
-        fadeState = fadeState == fromAToB ? bRuns : aRuns;
-        if (!whole)
-            RunAlone(output + numFaded, input + numFaded, numAlone, add);
-        else if (add)
-            Add(output + numFaded, IncomingBuffer().data() + numFaded, numAlone);
-        else
-            std::copy_n(IncomingBuffer().data() + numFaded, numAlone, output + numFaded);
-    }
-
     /// Gains by accumulation, one step a sample.
     void Mix(float* output, unsigned long numSamples, bool add) {
+        // Local copies: the output might alias the members, for all that the compiler knows.
+        float const* const a = bufferA.data();
+        float const* const b = bufferB.data();
+        float runningA = gainA;
+        float runningB = gainB;
+        const float stepA = incrementA;
+        const float stepB = incrementB;
         for (unsigned long k = 0; k < numSamples; ++k) {
-            float value = gainA * bufferA[k];
+            float value = runningA * a[k];
             if (add) value = output[k] + value;
-            output[k] = gainB * bufferB[k] + value;
-            gainA += incrementA;
-            gainB += incrementB;
+            output[k] = runningB * b[k] + value;
+            runningA += stepA;
+            runningB += stepB;
         }
+        gainA = runningA;
+        gainB = runningB;
+    }
+
+    bool EndsWithin(unsigned long numSamples) const noexcept {
+        return static_cast<unsigned long>(remaining) <= numSamples;
     }
 
     static void Add(float* output, float const* buffer, unsigned long numSamples) {
@@ -195,8 +213,6 @@ private:
 
     std::vector<float>& IncomingBuffer() noexcept { return &Incoming() == &filterA ? bufferA : bufferB; }
 
-    std::vector<float> bufferA;
-    std::vector<float> bufferB;
     float gainA = 1.0f;
     float gainB = 0.0f;
     float incrementA = 0.0f;                     // per sample

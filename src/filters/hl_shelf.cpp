@@ -71,24 +71,27 @@ void HLShelf::Clear() {
 }
 
 void HLShelf::Process(float* output, float* input, unsigned long numSamples) {
-    Run(output, input, numSamples, linearGain);
-}
-
-void HLShelf::Run(float* output, float const* input, unsigned long numSamples, float outputGain) {
     orvandsp::FlushDenormals();
     // Local copies: the output might alias the members, for all that the compiler knows.
-    const float t0 = b0, t1 = b1, t2 = b2, d1 = a1, d2 = a2;
-    float inBefore = state[x1], inBeforeThat = state[x2], outBefore = state[y1], outBeforeThat = state[y2];
-    for (unsigned long i = 0; i < numSamples; ++i) {
-        const float x = input[i];
-        const float y = t1 * inBefore + t2 * inBeforeThat + t0 * x - d2 * outBeforeThat - d1 * outBefore;
-        // The gain stays outside the recursion, so that a change of it leaves no transient.
-        output[i] = y * outputGain;
-        inBeforeThat = inBefore;
-        inBefore = x;
-        outBeforeThat = outBefore;
-        outBefore = y;
-    }
+    ShelfRecursion<float> recursion = GetRecursion();
+    const float outputGain = OutputGain();
+    for (unsigned long i = 0; i < numSamples; ++i) output[i] = recursion(input[i]) * outputGain;
+    KeepState(recursion.x1, recursion.x2, recursion.y1, recursion.y2);
+}
+
+ShelfRecursion<float> HLShelf::GetRecursion() const noexcept {
+    return {.b0 = b0,
+            .b1 = b1,
+            .b2 = b2,
+            .a1 = a1,
+            .a2 = a2,
+            .x1 = state[x1],
+            .x2 = state[x2],
+            .y1 = state[y1],
+            .y2 = state[y2]};
+}
+
+void HLShelf::KeepState(float inBefore, float inBeforeThat, float outBefore, float outBeforeThat) noexcept {
     state[x1] = inBefore;
     state[x2] = inBeforeThat;
     state[y1] = outBefore;

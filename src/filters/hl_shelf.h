@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dsp/filter.h"
+#include "filters/shelf_recursion.h"
 #include "parameters/hl_shelf_parameters.h"
 
 namespace Lume {
@@ -61,15 +62,19 @@ public:
     virtual void SetCoefficients(HLShelf const& other);
 
 protected:
-    /// Filters, and multiplies by a gain behind the recursion.
-    void Run(float* output, float const* input, unsigned long numSamples, float outputGain);
+    /// The linear gain behind the recursion. It stays outside, so that a change of it leaves no transient.
+    virtual float OutputGain() const noexcept { return linearGain; }
     /// Sets the overall gain [dB] without a design.
     void StoreGain(float gaindB);
 
 private:
     friend class MultiHLShelf;  // sets the gains of its channels without a design
+    friend class FourShelves;   // filters four of them at once
 
     void Design();
+    /// Copies of taps and audio memory.
+    ShelfRecursion<float> GetRecursion() const noexcept;
+    void KeepState(float inBefore, float inBeforeThat, float outBefore, float outBeforeThat) noexcept;
 
     // The working parameters, clamped by the design.
     float gain = 0.0f;      // [dB]

@@ -60,8 +60,13 @@ struct Allpass {
         a = (1.0f - p) / (p + 1.0f);
     }
     float operator()(float const* y, float& state) const noexcept {
-        state = a * (y[1] - state) + y[0];
+        state = Next(a, y[0], y[1], state);
         return state;
+    }
+    /// The recursion, of one line (float) or of several at once.
+    template <typename Value>
+    static Value Next(Value a, Value y0, Value y1, Value state) noexcept {
+        return a * (y1 - state) + y0;
     }
     float a;
 };

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "dsp/denormals.h"
+#include "filters/four_allpass_heads.h"
+
 namespace Lume {
 
 MultiDelay::MultiDelay(unsigned int numDelays, float maxDelay) {
@@ -12,12 +15,31 @@ MultiDelay::MultiDelay(unsigned int numDelays, float maxDelay) {
 }
 
 void MultiDelay::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
-    for (unsigned int i = 0; i < GetNumDelays(); ++i) {
-        if (activeInputs[i] == 0)
-            std::fill_n(outputs[i], numSamples, 0.0f);
+    orvandsp::FlushDenormals();
+    const auto count = static_cast<int>(numSamples);
+    struct Job {
+        Delay* delay;
+        float* output;
+    };
+    const auto read = [count](orvandsp::PerLane<Job> const& jobs, std::size_t numJobs) {
+        const auto find = [](Job const& job) { return job.delay->FindAllpassHead(job.delay->delayRamp); };
+        if (auto heads = FourAllpassHeads::From({find(jobs[0]), find(jobs[1]), find(jobs[2]), find(jobs[3])}))
+            heads->Read({jobs[0].output, jobs[1].output, jobs[2].output, jobs[3].output}, count,
+                        orvandsp::PassThrough());
         else
-            delays[i]->Process(outputs[i], inputs[i], static_cast<int>(numSamples));
+            for (std::size_t i = 0; i < numJobs; ++i) jobs[i].delay->ReadBuiltIn(jobs[i].output, count);
+        for (std::size_t i = 0; i < numJobs; ++i) jobs[i].delay->AdvanceWritePosition(count);
+    };
+    orvandsp::InFours<Job, decltype(read)> jobs(read);
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) {
+        if (activeInputs[i] == 0) {
+            std::fill_n(outputs[i], numSamples, 0.0f);
+            continue;
+        }
+        delays[i]->tapIn(inputs[i], count, 0);
+        jobs.Add({delays[i].get(), outputs[i]});
     }
+    jobs.Finish();
 }
 
 void MultiDelay::SetSamplerate(float newSamplerate) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "filters/four_shelves.h"
+
 namespace Lume {
 
 MultiFadedHLShelf::MultiFadedHLShelf(unsigned int numChannels) {
@@ -36,12 +38,17 @@ void MultiFadedHLShelf::ResetToDefaults() {
 }
 
 void MultiFadedHLShelf::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
+    const auto filter = [numSamples](auto const& jobs, std::size_t) { FilterFourShelves(jobs, numSamples); };
+    orvandsp::InFours<ShelfJob, decltype(filter)> jobs(filter);
     for (std::size_t i = 0; i < shelves.size(); ++i) {
         if (activeInputs[i] != 0)
-            shelves[i].ProcessBlock(outputs[i], inputs[i], numSamples, false);
+            shelves[i].BeginBlock(outputs[i], inputs[i], numSamples, jobs);
         else
             std::fill_n(outputs[i], numSamples, 0.0f);
     }
+    jobs.Finish();
+    for (std::size_t i = 0; i < shelves.size(); ++i)
+        if (activeInputs[i] != 0) shelves[i].FinishBlock(outputs[i], numSamples);
 }
 
 void MultiFadedHLShelf::SetSamplerate(float newSamplerate) {

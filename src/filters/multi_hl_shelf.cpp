@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "filters/four_shelves.h"
+
 namespace Lume {
 
 MultiHLShelf::MultiHLShelf(unsigned int numChannels) {
@@ -15,12 +17,15 @@ void MultiHLShelf::SetNumChannels(unsigned int numChannels) {
 }
 
 void MultiHLShelf::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
+    const auto filter = [numSamples](auto const& jobs, std::size_t) { FilterFourShelves(jobs, numSamples); };
+    orvandsp::InFours<ShelfJob, decltype(filter)> jobs(filter);
     for (std::size_t i = 0; i < shelves.size(); ++i) {
         if (activeInputs[i] != 0)
-            shelves[i].Process(outputs[i], inputs[i], numSamples);
+            jobs.Add({&shelves[i], outputs[i], inputs[i]});
         else
             std::fill_n(outputs[i], numSamples, 0.0f);
     }
+    jobs.Finish();
 }
 
 void MultiHLShelf::SetSamplerate(float newSamplerate) {

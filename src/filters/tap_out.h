@@ -18,6 +18,9 @@ public:
     /// Reads a block that the line's owner has written. Real-time safe.
     void Process(float* out, unsigned int count) { line->tapOut(out, count, delayRamp, interpolationMode, state); }
 
+    /// The head that Process would read with, if it stands still in the mode allpass.
+    std::optional<Delay::AllpassHead> FindAllpassHead() noexcept { return line->FindAllpassHead(delayRamp); }
+
     /// Sets the delay [ms]. One above the line's maximum grows the line, which silences it.
     void SetDelay(float ms, bool immediately);
     /// The delay [ms] that was set last, which may be still on its way.

@@ -29,8 +29,7 @@ void Cluster::DeleteCluster(Cluster* cluster) {
 void Cluster::Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) {
     const auto length = static_cast<unsigned int>(numSamples);
     if (scratch.GetNumSamples() != length) scratch.Resize(numInputs, length);
-    scratch.CopyFrom(orvandsp::AudioBuffer(inputs, numInputs, length, 0), 1.0f);
-    shuffle.Process(scratch.GetChannels(), scratch.GetChannels(), numSamples, orvandsp::allActiveInputs);
+    shuffle.Process(scratch.GetChannels(), inputs, numSamples, orvandsp::allActiveInputs);
     delays->Process(outputs, scratch.GetChannels(), numSamples, orvandsp::allActiveInputs);
 }
 

@@ -3,7 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dsp/denormals.h"
+#include "filters/four_allpass_heads.h"
+#include "filters/four_shelves.h"
+
 namespace Lume {
+
+using orvandsp::PerLane;
 
 namespace {
 
@@ -22,6 +28,17 @@ constexpr float maxGainStepDb = 10.0f;         // of the input gain without a re
 constexpr float gainRampMs = 30.0f;
 constexpr unsigned int manyChannels = 8;  // above it the delays crowd towards the minimum
 constexpr float distributionOfManyChannels = 0.3f;
+
+/// What four channels lose behind their lines.
+struct Losses {
+    orvandsp::Float4 operator()(orvandsp::Float4 x) noexcept {
+        x = absorbent(x);
+        return useAir ? air(x) : x;
+    }
+    FourShelves absorbent;
+    FourShelves air;
+    bool useAir;
+};
 
 float Decibels(float gain) {
     return 20.0f * std::log10(gain);
@@ -248,34 +265,62 @@ void Reverb::Process(float** outputs, float** inputs, unsigned long numSamples, 
         // One gain for the chunk, that from before its step.
         const float gain = inputGain.Advance(chunk);
         const float compensation = compensateInputPower ? 1.0f / gain : 1.0f;
-        orvandsp::AudioBuffer in(inputs, GetNumDelays(), chunk, static_cast<unsigned int>(done));
-        orvandsp::AudioBuffer out(outputs, GetNumDelays(), chunk, static_cast<unsigned int>(done));
-        ProcessChunk(out, in, gain, compensation);
+        ProcessChunk(outputs, inputs, done, chunk, gain, compensation);
         done += chunk;
     }
 }
 
-void Reverb::ProcessChunk(orvandsp::AudioBuffer& out, orvandsp::AudioBuffer& in, float gain, float compensation) {
-    const unsigned int chunk = in.GetNumSamples();
+void Reverb::ProcessChunk(float** outputs, float** inputs, unsigned long first, unsigned int chunk, float gain,
+                          float compensation) {
     if (chunk != tapBuffer.GetNumSamples()) {
         tapBuffer.Resize(GetNumDelays(), chunk);
         feedbackBuffer.Resize(GetNumDelays(), chunk);
     }
+    ReadTaps(chunk);
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
-        float* const tapped = tapBuffer.GetChannel(i);
-        taps[i]->Process(tapped, chunk);
         // Before the line is written: what goes in now is read a chunk and a delay later, and the loop of each line is
-        // a chunk longer than its delay. The filters above are made for the delay alone; both are meant.
+        // a chunk longer than its delay. The filters are made for the delay alone; both are meant.
         lines[i]->AdvanceWritePosition(static_cast<int>(chunk));
-        absorbentFilters[i].Process(tapped, tapped, chunk);
-        if (airAbsorptionOn) airFilters[i].Process(tapped, tapped, chunk);
-        feedbackBuffer.CopyFrom(i, 0, tapBuffer, i, 0, 1.0f);
-        feedbackBuffer.AddFrom(i, 0, in, i, 0, gain);
-        out.CopyFrom(i, 0, tapBuffer, i, 0, compensation);
+        float const* const tapped = tapBuffer.GetChannel(i);
+        float* const feedback = feedbackBuffer.GetChannel(i);
+        float const* const in = inputs[i] + first;
+        float* const out = outputs[i] + first;
+        for (unsigned int k = 0; k < chunk; ++k) {
+            feedback[k] = tapped[k] + gain * in[k];
+            out[k] = compensation * tapped[k];
+        }
     }
     shuffle.Process(feedbackBuffer.GetChannels(), feedbackBuffer.GetChannels(), chunk, orvandsp::allActiveInputs);
     for (unsigned int i = 0; i < GetNumDelays(); ++i)
         lines[i]->tapIn(feedbackBuffer.GetChannel(i), static_cast<int>(chunk), 0);
+}
+
+void Reverb::ReadTaps(unsigned int chunk) {
+    orvandsp::FlushDenormals();
+    const auto readFour = [&](PerLane<unsigned int> const& channels, std::size_t numChannels) {
+        PerLane<float*> tapped;
+        PerLane<HLShelf*> absorbing, air;
+        PerLane<std::optional<Delay::AllpassHead>> heads;
+        for (std::size_t lane = 0; lane < orvandsp::numLanes; ++lane) {
+            const unsigned int i = channels[lane];
+            tapped[lane] = tapBuffer.GetChannel(i);
+            absorbing[lane] = &absorbentFilters[i];
+            air[lane] = &airFilters[i].GetShelf();
+            heads[lane] = taps[i]->FindAllpassHead();
+        }
+        Losses losses = {FourShelves(absorbing), FourShelves(air), airAbsorptionOn};
+        if (auto four = FourAllpassHeads::From(heads)) {
+            losses = four->Read(tapped, static_cast<int>(chunk), losses);
+        } else {
+            for (std::size_t i = 0; i < numChannels; ++i) taps[channels[i]]->Process(tapped[i], chunk);
+            losses = orvandsp::FilterFourChannels(tapped, {tapped[0], tapped[1], tapped[2], tapped[3]}, chunk, losses);
+        }
+        losses.absorbent.GiveStateTo(absorbing);
+        losses.air.GiveStateTo(air);
+    };
+    orvandsp::InFours<unsigned int, decltype(readFour)> channels(readFour);
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) channels.Add(i);
+    channels.Finish();
 }
 
 }  // namespace Lume

@@ -98,7 +98,11 @@ private:
     void update();
     /// The input gain as it is in the midst of its ramp.
     float PresentInputGain() const noexcept;
-    void ProcessChunk(orvandsp::AudioBuffer& out, orvandsp::AudioBuffer& in, float gain, float compensation);
+    /// Fills the tap buffer: what comes out of the lines, behind the filters.
+    void ReadTaps(unsigned int chunk);
+    /// @param first  where the chunk begins in the block
+    void ProcessChunk(float** outputs, float** inputs, unsigned long first, unsigned int chunk, float gain,
+                      float compensation);
 
     float decayTime;               // [s]
     float relativeDecayLow;        // factors of the decay time

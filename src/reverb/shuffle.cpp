@@ -1,5 +1,6 @@
 #include "reverb/shuffle.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 
@@ -83,26 +84,27 @@ void Shuffle::MixGeneral(unsigned int numSamples) {
 void Shuffle::Process(float** outputs, float** inputs, unsigned long numSamples, short const*) {
     const auto count = static_cast<unsigned int>(numSamples);
     if (work.GetNumSamples() != count) SetMaxBlockSize(count);
-    orvandsp::AudioBuffer in(inputs, numChannels, count, 0);
-    orvandsp::AudioBuffer out(outputs, numChannels, count, 0);
-
-    work.CopyFrom(in, 1.0f);
+    for (unsigned int c = 0; c < numChannels; ++c) std::copy_n(inputs[c], count, work.GetChannel(c));
+    float scale = 1.0f;
     switch (mixingType) {
         case general:
             MixGeneral(count);
             break;
         case hadamard:
             transform.Process(work.GetChannels(), numChannels, count);
-            work.ApplyGain(1.0f / std::sqrt(static_cast<float>(numChannels)));
+            scale = 1.0f / std::sqrt(static_cast<float>(numChannels));
             break;
         case twelveChannels:
             for (unsigned int first = 0; first < numChannels; first += groupSize)
                 transform.Process(work.GetChannels() + first, groupSize, count);
-            work.ApplyGain(0.5f);
+            scale = 0.5f;
             break;
     }
-    if (usePermutation) work.Permute(permutation.data());
-    out.CopyFrom(work, 1.0f);
+    for (unsigned int c = 0; c < numChannels; ++c) {
+        float const* const mixed = work.GetChannel(usePermutation ? permutation[c] : c);
+        float* const output = outputs[c];
+        for (unsigned int k = 0; k < count; ++k) output[k] = mixed[k] * scale;
+    }
 }
 
 }  // namespace Lume
