@@ -101,14 +101,12 @@ TEST_F(Coordinates, SourcesRefuseInTheirWords) {
     } cases[] = {
         {"source", "error: invalid source index 0|"},
         {"source 7 xyz 0 0 0", "error: invalid source index 7|"},
-        {"source 0 xyz 0 0 0", "error: invalid source index 0|"},
         {"source one", "error: invalid source index 0|"},
         {"source 1", "error: not enough source coordinates. expected 3 coordinates|"},
         {"source 1 ad 1", "error: not enough source coordinates. expected 2 coordinates|"},
         {"source 1 polar 1 2", "error: unknown coordinate type|"},
         {"source 1 xyz 1 two 3", "error: error reading source coordinates|"},
         {"source 1 lume3", "error: error reading source coordinates|"},
-        {"source 1 lume3 far 2", "error: error reading source coordinates|"},
         {"source 1 az 1e30", "error: error reading source coordinates|"},
         {"source 1 x 1e39", "error: error reading source coordinates|"},
         {"source 1 elev++ -1000001", "error: error reading source coordinates|"},
@@ -153,9 +151,7 @@ TEST_F(Coordinates, LoudspeakersMoveAloneOrAllTogether) {
     } cases[] = {
         {"speaker", "error: invalid speaker message|"},
         {"speaker az 10", "error: invalid speaker message|"},
-        {"speaker 1.0 az 10", "error: invalid speaker message|"},
         {"speaker 5 az 10", "error: invalid speaker index 5|"},
-        {"loudspeaker 2", "error: invalid speaker message|"},
         {"loudspeaker 2 az", "error: invalid speaker message|"},
         {"loudspeaker 2 az left", "error: error reading speaker position|"},
         {"loudspeaker 2 somewhere 1", "error: unknown coordinate type|"},
@@ -219,32 +215,26 @@ TEST_F(Coordinates, ListenersAndPointsAreRead) {
         CartesianVector position{0, 1, 0};
         const auto atoms = max::ParseAtoms(text);
         get_listener_coordinates_from_atoms(box.Object(), static_cast<long>(atoms.size()), atoms.data(), position);
-        return position;
+        return std::to_string(position.y) + " " + box.Lines();
     };
-    EXPECT_EQ(listener("y++ 1 2").y, 2.0f);
-    EXPECT_EQ(listener("xy 1").y, 1.0f);
-    EXPECT_EQ(listener("xy 1 y").y, 1.0f);
-    EXPECT_EQ(listener("xyy 1 y").y, 1.0f);
-    EXPECT_EQ(box.Lines(),
-              "warn: too many listener positions. only 1 position will be read|error: invalid listener message|"
-              "error: error reading listener position|error: unknown coordinate type|");
+    EXPECT_EQ(listener("y++ 1 2"), "2.000000 warn: too many listener positions. only 1 position will be read|");
+    EXPECT_EQ(listener("xy 1"), "1.000000 error: invalid listener message|");
+    EXPECT_EQ(listener("xy 1 y"), "1.000000 error: error reading listener position|");
+    EXPECT_EQ(listener("xyy 1 y"), "1.000000 error: unknown coordinate type|");
 
-    const auto points = [this](char const* text, unsigned int capacity) {
-        std::vector<CartesianVector> positions(capacity);
+    const auto points = [this](char const* text) {
+        CartesianVector positions[3];
         unsigned int read = 99;
         const auto atoms = max::ParseAtoms(text);
-        const bool done = get_points_coordinates_from_atoms(box.Object(), capacity, static_cast<long>(atoms.size()),
-                                                            atoms.data(), positions.data(), read);
-        return (done ? "read " : "stopped at ") + std::to_string(read);
+        const bool done = get_points_coordinates_from_atoms(box.Object(), 2, static_cast<long>(atoms.size()),
+                                                            atoms.data(), positions, read);
+        return (done ? "read " : "stopped at ") + std::to_string(read) + " " + box.Lines();
     };
-    EXPECT_EQ(points("xy 1 2 3 4", 3), "read 2");
-    EXPECT_EQ(points("xy 1 2 3", 3), "stopped at 1");
-    EXPECT_EQ(points("x 1 2 3", 2), "read 2");
-    EXPECT_EQ(points("hm 1 2 3", 2), "stopped at 0");
-    EXPECT_EQ(points("", 2), "read 0");
-    EXPECT_EQ(box.Lines(),
-              "error: error reading 1 th point position|warn: too many point positions. only 2 positions will be read|"
-              "error: unknown coordinate type|");
+    EXPECT_EQ(points("xy 1 2 3 4"), "read 2 ");
+    EXPECT_EQ(points("xy 1 2 3"), "stopped at 1 error: error reading 1 th point position|");
+    EXPECT_EQ(points("x 1 2 3"), "read 2 warn: too many point positions. only 2 positions will be read|");
+    EXPECT_EQ(points("hm 1 2 3"), "stopped at 0 error: unknown coordinate type|");
+    EXPECT_EQ(points(""), "read 0 ");
 }
 
 TEST_F(Coordinates, KeywordsAreLookedUpWithTheirOddFallback) {
@@ -269,14 +259,17 @@ TEST_F(Coordinates, ParameterListsAreReadInTheirForms) {
         post_hlshelf_parameters(box.Object(), p, "shelf");
         return box.Lines();
     };
-    EXPECT_EQ(shelf("hlshelf 99 -99 1 2 3 30000"),
-              "post: shelf : 10.000000 -30.000000 1.000000 2.000000 20.000000 20000.000000 |");
-    EXPECT_EQ(shelf("9 8 7 6 55 44"), "post: shelf : 9.000000 8.000000 7.000000 6.000000 55.000000 44.000000 |");
-    EXPECT_EQ(shelf("gains 9 8 7 6"), "post: shelf : 9.000000 8.000000 7.000000 6.000000 100.000000 200.000000 |");
-    EXPECT_EQ(shelf("freqs 50 60"), "post: shelf : 1.000000 2.000000 3.000000 4.000000 50.000000 60.000000 |");
-    EXPECT_EQ(shelf("gm 100"), "post: shelf : 1.000000 2.000000 20.000000 4.000000 100.000000 200.000000 |");
-    EXPECT_EQ(shelf("G0 -70"), "post: shelf : -60.000000 2.000000 3.000000 4.000000 100.000000 200.000000 |");
-    EXPECT_EQ(shelf("fh 5"), "post: shelf : 1.000000 2.000000 3.000000 4.000000 100.000000 20.000000 |");
+    const std::pair<char const*, char const*> cases[] = {
+        {"hlshelf 99 -99 1 2 3 30000", "10.000000 -30.000000 1.000000 2.000000 20.000000 20000.000000"},
+        {"9 8 7 6 55 44", "9.000000 8.000000 7.000000 6.000000 55.000000 44.000000"},
+        {"gains 9 8 7 6", "9.000000 8.000000 7.000000 6.000000 100.000000 200.000000"},
+        {"freqs 50 60", "1.000000 2.000000 3.000000 4.000000 50.000000 60.000000"},
+        {"gm 100", "1.000000 2.000000 20.000000 4.000000 100.000000 200.000000"},
+        {"G0 -70", "-60.000000 2.000000 3.000000 4.000000 100.000000 200.000000"},
+        {"fh 5", "1.000000 2.000000 3.000000 4.000000 100.000000 20.000000"},
+    };
+    for (auto const& [text, values] : cases)
+        EXPECT_EQ(shelf(text), std::string("post: shelf : ").append(values).append(" |"));
     for (char const* const text : {"g0 0", "gl -1", "Gx 1", "1 2", "freqs 1 x", ""}) EXPECT_EQ(shelf(text), "refused");
 
     Lume::ReverbDspParameters p{};
@@ -284,12 +277,9 @@ TEST_F(Coordinates, ParameterListsAreReadInTheirForms) {
         const auto atoms = max::ParseAtoms(text);
         return atoms2reverb(p, static_cast<long>(atoms.size()), atoms.data());
     };
-    EXPECT_TRUE(reverb("times 4 0.9 0.8 0.7"));
-    EXPECT_TRUE(reverb("freqs 111 2222"));
-    EXPECT_TRUE(reverb("gain -99"));
+    EXPECT_TRUE(reverb("times 4 0.9 0.8 0.7") && reverb("freqs 111 2222") && reverb("gain -99"));
     EXPECT_FALSE(reverb("gain 1 2 3 4"));  // the form of times decides
-    EXPECT_FALSE(reverb("times 1"));
-    EXPECT_FALSE(reverb("gain loud"));
+    EXPECT_FALSE(reverb("times 1") || reverb("gain loud"));
     EXPECT_EQ(p.decayTime, 4.0f);
     EXPECT_EQ(p.relativeDecayHigh, 0.7f);
     EXPECT_EQ(p.crossoverFrequencyLow, 111.0f);

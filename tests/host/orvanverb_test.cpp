@@ -25,16 +25,16 @@ public:
     /// Starts audio and makes buffers; inputs hold ones, outputs sevens.
     void Start(float rate, long vectorSize) {
         box.StartAudio(rate, vectorSize);
-        const auto make = [vectorSize](long channels, float value) {
-            return std::vector<std::vector<float>>(static_cast<std::size_t>(channels),
-                                                   std::vector<float>(static_cast<std::size_t>(vectorSize), value));
+        const auto make = [vectorSize](auto& channels, auto& pointers, long number, float value) {
+            channels.assign(static_cast<std::size_t>(number), std::vector(static_cast<std::size_t>(vectorSize), value));
+            pointers.clear();
+            for (auto& channel : channels) pointers.push_back(channel.data());
         };
-        in = make(box.NumSignalInlets(), 1.0f);
-        out = make(box.NumSignalOutlets(), 7.0f);
-        ins.clear();
-        outs.clear();
-        for (auto& channel : in) ins.push_back(channel.data());
-        for (auto& channel : out) outs.push_back(channel.data());
+        make(in, ins, box.NumSignalInlets(), 1.0f);
+        make(out, outs, box.NumSignalOutlets(), 7.0f);
+    }
+    void Feed(float value) {
+        for (auto& channel : in) std::fill(channel.begin(), channel.end(), value);
     }
     /// Runs some vectors; the peak of each output.
     std::vector<float> Run(int vectors) {
@@ -214,19 +214,16 @@ TEST(OrvanverbAudio, SwitchesChooseWhatTheCallbackDoes) {
 TEST(OrvanverbAudio, ClearAndASecondStartSilenceTheRoom) {
     PlacedBox box("@numsources 1 @numspeakers 6");
     Lume::OrvanVerb const* const engine = box.Record()->engine;
-    const auto feed = [&](float value) {
-        for (auto& channel : box.in) std::fill(channel.begin(), channel.end(), value);
-    };
     box.Start(44100.0f, 64);
     box.Run(400);
-    feed(0.0f);
+    box.Feed(0.0f);
     EXPECT_FALSE(AllZero(box.Run(1)));
     box.Send("clear");
     EXPECT_TRUE(AllZero(box.Run(1)));
-    feed(1.0f);
+    box.Feed(1.0f);
     box.Run(100);
     box.Start(96000.0f, 32);
-    feed(0.0f);
+    box.Feed(0.0f);
     EXPECT_TRUE(AllZero(box.Run(1)));
     EXPECT_EQ(box.Record()->engine, engine);
     EXPECT_EQ(engine->GetSamplerate(), 96000.0f);
@@ -243,33 +240,13 @@ TEST(OrvanverbAudio, CallbackWithoutEngineLeavesTheOutputsAlone) {
     box.Record()->outputs[0][5] = 3.0f;
     box.Run(1);
     EXPECT_EQ(box.out[0][5], 3.0f);
-    orvanverb_clear(box.Record());
-    orvanverb_update_reverb(box.Record());
-    orvanverb_update_time_structure(box.Record());
-    orvanverb_update_speakerspositions(box.Record());
     box.Record()->engine = engine;
 }  // and is freed with audio set up
-
-// Azimuth -45 comes out at the front left, whatever the way that the position takes.
-TEST(OrvanverbAudio, MinusFortyFiveIsFrontLeft) {
-    for (char const* const message : {"source 1 ade -45 1 0", "source 1 xyz -0.7071 0.7071 0", "source 1 lume3 45 1 0",
-                                      "sourcespositions -0.7071 0.7071 0"}) {
-        SCOPED_TRACE(message);
-        OrvanBox box("@numsources 1 @numspeakers 4 @early -60 0 0 0 177 5657 @cluster -60 0 0 0 177 5657 @gain -30");
-        box.Send("speakers az -45 45 135 -135");
-        box.Send(message);
-        box.Start(48000.0f, 64);
-        box.Run(400);
-        const std::vector<float> peaks = box.Run(10);
-        EXPECT_GT(peaks[0], 0.2f);
-        for (std::size_t c = 1; c < 4; ++c) EXPECT_LT(peaks[c], 0.2f * peaks[0]) << c;
-    }
-}
 
 /// What an object plays for an impulse at each source, all outputs one after the other.
 std::vector<float> Response(OrvanBox& box) {
     box.Start(48000.0f, 64);
-    for (auto& channel : box.in) std::fill(channel.begin(), channel.end(), 0.0f);
+    box.Feed(0.0f);
     box.Run(200);  // until every gain has risen
     std::vector<float> response;
     for (int i = 0; i < 300; ++i) {
@@ -351,16 +328,6 @@ TEST(OrvanverbState, RestoredObjectSoundsTheSame) {
     OrvanBox other("@numsources 3 @numspeakers 5 @numinternals 6");
     EXPECT_EQ(other.box.SetState(state), -1);
     EXPECT_EQ(other.Get("tr0"), "1.995000 ");
-}
-
-// A state of other sizes but the same number of atoms is caught where the sizes are set.
-TEST(OrvanverbState, SizesGuardThemselves) {
-    OrvanBox first("@numsources 3 @numspeakers 4"), second("@numsources 4 @numspeakers 3");
-    EXPECT_EQ(second.box.SetState(first.box.GetState()), 0);
-    const std::string lines = second.Lines();
-    EXPECT_NE(lines.find("could not dynamically change number of sources|"), std::string::npos);
-    EXPECT_NE(lines.find("could not dynamically change number of speakers|"), std::string::npos);
-    EXPECT_EQ(second.Get("numsources"), "4 ");
 }
 
 }  // namespace
