@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <functional>
 
+#include "engine/controls.h"
 #include "engine/engine_rig.h"
 #include "support/allocation_count.h"
 #include "support/failure.h"
@@ -36,14 +38,12 @@ void ExpectSameBits(EngineRig::Recording const& a, EngineRig::Recording const& b
 }
 
 TEST(OrvanVerb, SupportsConfiguration) {
-    const struct {
-        unsigned int sources, speakers, internals;
-        bool supported;
-    } cases[] = {{1, 2, 2, true},   {64, 64, 16, true}, {6, 3, 8, true},  {1, 1, 2, false}, {0, 2, 2, false},
-                 {65, 2, 2, false}, {1, 65, 2, false},  {1, 0, 8, false}, {1, 2, 1, false}, {1, 2, 17, false}};
-    for (auto const& c : cases)
-        EXPECT_EQ(OrvanVerb::SupportsConfiguration(c.sources, c.speakers, c.internals), c.supported)
-            << c.sources << " " << c.speakers << " " << c.internals;
+    for (auto const& [sources, speakers, internals] : {std::array{1u, 2u, 2u}, {64, 64, 16}, {6, 3, 8}})
+        EXPECT_TRUE(OrvanVerb::SupportsConfiguration(sources, speakers, internals)) << sources;
+    for (auto const& [sources, speakers, internals] :
+         {std::array{1u, 1u, 2u}, {0, 2, 2}, {65, 2, 2}, {1, 65, 2}, {1, 0, 8}, {1, 2, 1}, {1, 2, 17}})
+        EXPECT_FALSE(OrvanVerb::SupportsConfiguration(sources, speakers, internals))
+            << sources << " " << speakers << " " << internals;
     EXPECT_NE(FailureOf([] { OrvanVerb one(1); }).message, "");
 }
 
@@ -171,6 +171,34 @@ TEST(OrvanVerb, ControlsOfALayerReachWhatTheyShould) {
     ExpectSameBits(record(reverb, nothing), record(reverb, clusterLayer));
 }
 
+// Red if the setter of one value writes another one, or isn't taken up: with the other five it makes the whole.
+TEST(OrvanVerb, SettersOfOneValueArePartsOfTheWhole) {
+    using Whole = void (OrvanVerb::*)(Lume::HLShelfParameters const&);
+    constexpr std::array values{-3.0f, -6.0f, 2.0f, -9.0f, 300.0f, 3000.0f};
+    std::vector<Control> const& controls = AllControls();  // six of each layer come first
+    std::size_t layer = 0;
+    for (const Whole whole : {&OrvanVerb::SetDirectParameters, &OrvanVerb::SetRoomParameters,
+                              &OrvanVerb::SetEarlyParameters, &OrvanVerb::SetClusterParameters}) {
+        const auto respond = [&](std::array<float, 6> const& v, auto change) {
+            EngineRig rig(1, 4, 8);
+            SetAllLayers(rig.engine, 0.0f, 0.0f, 0.0f, -800.0f);
+            (rig.engine.*whole)({v[0], v[1], v[2], v[3], v[4], v[5]});
+            change(rig.engine);
+            rig.Settle();
+            return rig.ImpulseResponse(0.15);
+        };
+        const auto complete = respond(values, [](OrvanVerb&) {});
+        for (std::size_t k = 0; k < values.size(); ++k) {
+            Control const& control = controls[6 * layer + k];
+            SCOPED_TRACE(control.name);
+            auto others = values;
+            others[k] = control.usual;
+            ExpectSameBits(complete, respond(others, [&](OrvanVerb& e) { control.set(e, values[k]); }));
+        }
+        ++layer;
+    }
+}
+
 // Red if decibels are those of another quantity, or a gain is applied by the ramp and by the shelf.
 TEST(OrvanVerb, LayerGainsAreDecibelsAndActOnce) {
     using Set = std::function<void(OrvanVerb&, float)>;
@@ -270,7 +298,7 @@ TEST(OrvanVerb, ProcessAllocatesNothing) {
         rig.engine.SetDecayTime(1.0f);
         const long before = AllocationCount();
         for (int i = 0; i < 100; ++i)
-            rig.engine.Process(rig.outputs.data(), rig.inputs.data(), block, orvandsp::allActiveInputs);
+            rig.engine.Process(rig.outputs.data(), rig.inputs.data(), block, rig.activeInputs);
         EXPECT_EQ(AllocationCount(), before) << block << " " << speakers;
     }
 }

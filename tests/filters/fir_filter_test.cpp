@@ -88,10 +88,6 @@ TEST(FIRFilter, DirectFormIsThePlainSumWithTheFirstTwoTapsTogether) {
         ExpectNear(out, Convolve(noise, DirectResponse(taps)), 2e-5);
         EXPECT_EQ(Filtered(plain, noise, 37), out);
     }
-    FIRFilter ones(2, Filter::timedomain);
-    float three[] = {1.0f, 1.0f, 1.0f};
-    ones.SetCoefficients(three);
-    EXPECT_EQ(Filtered(ones, {1.0f, 0.0f, 0.0f}, 3), (std::vector<float>{2.0f, 1.0f, 0.0f}));
 }
 
 // A block of no power of two takes no input and lets go of what is owed; the filter then goes on as from silence.
@@ -142,21 +138,18 @@ TEST(FIRFilter, ClearAndAnotherBlockLengthRestartFromSilence) {
         copy.SetState(filter);
         // By FFT from silence, in direct form from the other's memory: then both go on alike.
         EXPECT_EQ(Filtered(copy, noise, 64) == fresh, implementation == Filter::fftconvolution);
-        Filtered(filter, noise, 64);
-        EXPECT_EQ(Filtered(filter, noise, 128) == fresh, false);
     }
     FIRFilter filter = MakeFastFilter(taps, 64);
     Filtered(filter, noise, 64);
     const std::vector<float> restarted = Filtered(filter, noise, 128);
     ExpectNear(restarted, Convolve(noise, taps), 2e-5);
     EXPECT_TRUE(filter.IsStable());
-    float minimumPhase[] = {1.0f, -0.5f, 0.1f};
     FIRFilter small(2, Filter::timedomain);
-    small.SetCoefficients(minimumPhase);
-    EXPECT_TRUE(small.IsMinimumPhase());
-    minimumPhase[2] = 1.5f;
-    small.SetCoefficients(minimumPhase);
-    EXPECT_FALSE(small.IsMinimumPhase());
+    for (const float last : {0.1f, 1.5f}) {
+        float three[] = {1.0f, -0.5f, last};
+        small.SetCoefficients(three);
+        EXPECT_EQ(small.IsMinimumPhase(), last < 1.0f);
+    }
 }
 
 // A fade never loses input: before, within and behind it the output is the mix of two plain sums. By FFT the new filter
@@ -168,7 +161,7 @@ TEST(FadedFIRFilter, FadesBetweenTwoConvolutions) {
     for (const auto implementation : {Filter::fftconvolution, Filter::timedomain}) {
         const bool isFast = implementation == Filter::fftconvolution;
         Lume::FadedFIRFilter filter(149);
-        filter.SetImplementationMethod(implementation);
+        filter.SetImplementationMethod(isFast ? "fftconvolution" : "timedomain");
         filter.SetMaxBlockSize(block);
         filter.SetCoefficients(before.data(), false);
         std::vector<float> zeros(1024, 0.0f), signal = noise;
@@ -194,9 +187,8 @@ TEST(FadedFIRFilter, FadesBetweenTwoConvolutions) {
     }
     Lume::FadedFIRTimeDomainFilter other(149);
     other.SetCoefficients(after.data(), false);
-    std::vector<float> impulse(block, 0.0f);
+    std::vector<float> impulse(block, 0.0f), taken(other.GetNumCoefficients());
     other.ProcessBlock(impulse.data(), impulse.data(), block, false);
-    std::vector<float> taken(other.GetNumCoefficients());
     other.GetCoefficients(taken);
     EXPECT_EQ(taken, after);
 }

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
-#include <cstdint>
 #include <vector>
 
 #include "filters/multi_hl_shelf.h"
@@ -48,40 +46,30 @@ TEST(HLShelf, FollowsTheAnalogShelvesAtEveryFrequency) {
     }
 }
 
-// Red if the tangent passes its pole at half the sample rate, or isn't kept from it for a crossover above.
-TEST(HLShelf, StaysStableAtExtremeCrossovers) {
+// Crossovers at and past both ends, and the bands that a decay time of 0.1 s asks of a long delay. Red if the tangent
+// passes its pole at half the sample rate or isn't kept from it for a crossover above, or if the ratio of two bands
+// becomes zero or infinite.
+TEST(HLShelf, StaysStableAndFiniteAtExtremes) {
     for (const float rate : {8000.0f, 44100.0f, 192000.0f}) {
         HLShelf shelf;
         shelf.SetSamplerate(rate);
         for (const float high : {rate * 0.499f, rate * 0.5f, rate, 1e6f})
             for (const float low : {-10.0f, 20.0f, rate * 0.4f, rate * 0.5f, rate}) {
+                SCOPED_TRACE(testing::Message() << low << " " << high << " " << rate);
                 shelf.SetAll(0.0f, 12.0f, 6.0f, -12.0f, low, high);
-                const std::vector<float> response = ImpulseResponse(shelf, 20000);
-                float peak = 0.0f;
-                for (const float sample : response) {
-                    ASSERT_TRUE(std::isfinite(sample)) << low << " " << high << " " << rate;
-                    peak = std::max(peak, std::abs(sample));
-                }
-                EXPECT_LT(peak, 4.1f) << low << " " << high << " " << rate;
+                for (const float sample : ImpulseResponse(shelf, 20000)) ASSERT_LT(std::abs(sample), 4.1f);
                 // At 0 Hz and at half the rate a pole and its zero meet on the circle, where the test says no.
-                if (low > 0.0f && low < rate * 0.49f) {
-                    EXPECT_TRUE(shelf.IsStable()) << low << " " << high << " " << rate;
-                }
+                EXPECT_TRUE(shelf.IsStable() || low <= 0.0f || low >= rate * 0.49f);
             }
+        for (const float low : {-10.0f, -300.0f, -9000.0f})
+            for (const float medium : {-10.0f, -900.0f, -9000.0f})
+                for (const float high : {-10.0f, -1500.0f, -9000.0f})
+                    for (const float crossover : {250.0f, rate / 2.0f}) {
+                        shelf.SetAll(0.0f, low, medium, high, crossover, rate / 2.0f);
+                        for (const float sample : ImpulseResponse(shelf, 500))
+                            ASSERT_LT(std::abs(sample), 1.0f) << low << " " << medium << " " << high << " " << rate;
+                    }
     }
-}
-
-// What a decay time of 0.1 s asks of a long delay. Red if the ratio of two bands becomes zero or infinite.
-TEST(HLShelf, StaysFiniteBetweenBandsThatAreThousandsOfDecibelsApart) {
-    for (const float low : {-10.0f, -300.0f, -9000.0f})
-        for (const float medium : {-10.0f, -900.0f, -9000.0f})
-            for (const float high : {-10.0f, -1500.0f, -9000.0f})
-                for (const float crossover : {250.0f, 22050.0f}) {
-                    HLShelf shelf;
-                    shelf.SetAll(0.0f, low, medium, high, crossover, 22050.0f);
-                    for (const float sample : ImpulseResponse(shelf, 1000))
-                        ASSERT_LT(std::abs(sample), 1.0f) << low << " " << medium << " " << high;
-                }
 }
 
 // The parameters that GetCoefficients returns are those given, not those in force: users see what they set.
@@ -143,16 +131,15 @@ TEST(HLShelf, OnlyANewRateClears) {
         twin.SetAll(0.0f, 20.0f, 0.0f, 0.0f, 250.0f, 4000.0f);
         twin.SetSamplerate(44100.0f);
     }
-    for (std::size_t i = 0; i < 256; ++i)
-        ASSERT_EQ(std::bit_cast<std::uint32_t>(a[i]), std::bit_cast<std::uint32_t>(b[i])) << i;
+    EXPECT_EQ(a, b);
 
     shelf.SetSamplerate(48000.0f);
-    std::vector<float> silence(64);
-    shelf.Process(a.data(), silence.data(), 64);
-    EXPECT_EQ(std::vector<float>(a.begin(), a.begin() + 64), silence);
+    std::vector<float> silence(64), out(64);
+    shelf.Process(out.data(), silence.data(), 64);
+    EXPECT_EQ(out, silence);
     shelf.ClearTaps();
-    shelf.Process(a.data(), b.data(), 64);
-    EXPECT_EQ(std::vector<float>(a.begin(), a.begin() + 64), silence);
+    shelf.Process(out.data(), a.data(), 64);
+    EXPECT_EQ(out, silence);
 }
 
 // Red if channels share anything, if an inactive channel's filter is run or cleared, or if a block allocates.

@@ -59,7 +59,6 @@ TEST(SymmetricTransauralDataLoader, OtherNamesStandForTheBuiltInSet) {
         const SymmetricTransauralDataLoader set(name);
         EXPECT_EQ(set.GetNumPoints(), 17u) << name;
         EXPECT_EQ(set.GetHrtfPoint(16).coefficients.size(), 50u) << name;
-        EXPECT_EQ(set.GetHrtfHeaderInfos().owner, "MIT") << name;
         EXPECT_EQ(set.GetSamplingRate(), 44100u) << name;
     }
 }
@@ -79,7 +78,7 @@ TEST(SymmetricTransauralDataLoader, BadTextsAreNamedAndChangeNothing) {
     SymmetricTransauralDataLoader set("");
     std::istringstream stream(Rows(20, 26));
     EXPECT_NE(FailureOf([&] { set.LoadFromColl(stream); }).message, "");
-    EXPECT_EQ(set.GetHrtfPoint(16).coefficients.size(), 50u);
+    EXPECT_EQ(set.GetNumPoints(), 17u);
 }
 
 std::string TransauralFile(char const* dataType, std::uint32_t positionsPerFrame) {
@@ -127,12 +126,10 @@ TEST(AsymmetricTransauralDataLoader, BadFilesAreNamed) {
     EXPECT_EQ(LoadingSays<SymmetricTransauralDataLoader>(two.name), "exception reading XPOS matrix " + two.name);
 }
 
-/// A set of four harmonics and three bins.
-class SmallSet : public Lume::SphericalHarmonicData {
-public:
+/// A set of four harmonics and three bins: each value tells its ear (tens), its row and its bin.
+struct SmallSet : Lume::SphericalHarmonicData {
     SmallSet() {
-        left = orvandsp::MatrixComplex(4, 3, 0.0f);
-        right = orvandsp::MatrixComplex(4, 3, 0.0f);
+        left = right = orvandsp::MatrixComplex(4, 3, 0.0f);
         for (unsigned int row = 0; row < 4; ++row)
             for (unsigned int bin = 0; bin < 3; ++bin) {
                 left[row][bin] = {static_cast<float>(row), static_cast<float>(bin)};

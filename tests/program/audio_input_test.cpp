@@ -25,11 +25,14 @@ std::vector<float> ReadAll(AudioInput& input, std::size_t frames) {
     return all;
 }
 
-// Red if the conversion shifts, loses its end, filters the wrong way, or depends on how it is read.
+// Red if the conversion shifts, loses its end, filters the wrong way, or depends on how it is read; or if what isn't
+// finite is replaced behind it, which would spread it over its whole window.
 TEST(AudioInput, ConvertsTheRateAndKeepsPhaseAndLength) {
     const TemporaryDirectory directory;
     for (const auto& [from, to] : {std::pair{44100, 48000}, {48000, 44100}, {96000, 48000}, {8000, 48000}}) {
-        WriteSound(directory / "tone.wav", MakeTone(1000.0, 1.0, from));
+        Sound tone = MakeTone(1000.0, 1.0, from);
+        tone.samples[0][100] = std::numeric_limits<float>::infinity();
+        WriteSound(directory / "tone.wav", tone);
         AudioInput input(directory / "tone.wav");
         input.SetOutputRate(to);
         const std::vector<float> converted = ReadAll(input, 777);
@@ -40,21 +43,8 @@ TEST(AudioInput, ConvertsTheRateAndKeepsPhaseAndLength) {
         for (std::size_t i = 4000; i < converted.size() - 4000; ++i)
             worst = std::max(worst, std::abs(converted[i] - ideal.samples[0][i]));
         EXPECT_LT(worst, 1e-5f) << from << " to " << to;  // -94 dB relative to the tone
-    }
-}
-
-// Red if the replacement comes behind the conversion, which would spread what isn't finite over its whole window.
-TEST(AudioInput, ReplacesWhatIsNotFiniteBeforeConverting) {
-    const TemporaryDirectory directory;
-    Sound sound = MakeTone(1000.0, 0.5, 48000);
-    sound.samples[0][100] = std::numeric_limits<float>::quiet_NaN();
-    sound.samples[0][9000] = std::numeric_limits<float>::infinity();
-    WriteSound(directory / "broken.wav", sound);
-    for (const int rate : {48000, 32000}) {
-        AudioInput input(directory / "broken.wav");
-        input.SetOutputRate(rate);
-        for (const float sample : ReadAll(input, 4096)) ASSERT_LT(std::abs(sample), 1.0f);
-        EXPECT_EQ(input.NumReplaced(), 2u);
+        EXPECT_EQ(input.NumReplaced(), 1u);
+        for (const float sample : converted) ASSERT_LT(std::abs(sample), 1.0f);
     }
 }
 

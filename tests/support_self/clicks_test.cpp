@@ -45,19 +45,4 @@ TEST(MeasureToneResidual, ClicksShowWithTheirHeightAndPlace) {
     }
 }
 
-// A gain that follows a slope in steps of 64 samples is that slope and a sawtooth one step high, the zipper noise. Its
-// part at 750 Hz is 1/pi of the step, and meets the tone's two sides: no more than the whole sawtooth remains.
-TEST(MeasureToneResidual, ZipperNoiseShowsWithItsSteps) {
-    std::vector<float> stepped = Tone();
-    for (std::size_t t = 0; t < stepped.size(); ++t) {
-        const double slope = std::min(1.0, std::max(0.0, (std::floor(static_cast<double>(t) / 64.0) - 400.0) / 75.0));
-        stepped[t] *= static_cast<float>(0.5 + 0.5 * slope);
-    }
-    const double step = 0.5 / 75.0;
-    const Recording channels = {stepped};
-    const double peak = std::pow(10.0, MeasureToneResidual(channels, rate, tone).peakDb / 20.0);
-    EXPECT_GT(peak, step / std::numbers::pi);
-    EXPECT_LT(peak, step);
-}
-
 }  // namespace
