@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -144,35 +145,28 @@ TEST(HLShelf, OnlyANewRateClears) {
 
 // Red if channels share anything, if an inactive channel's filter is run or cleared, or if a block allocates.
 TEST(MultiHLShelf, ChannelsAreAloneAndInactiveOnesWait) {
-    Lume::MultiHLShelf bank(3);
-    HLShelf single;
+    Lume::MultiHLShelf bank(2);
     bank.SetAll(0.0f, 12.0f, 0.0f, -6.0f, 250.0f, 4000.0f);
-    single.SetAll(0.0f, 12.0f, 0.0f, -6.0f, 250.0f, 4000.0f);
     bank.SetGaindB(-6.0f);
+    HLShelf first, second;
+    first.SetAll(-6.0f, 12.0f, 0.0f, -6.0f, 250.0f, 4000.0f);
+    second.SetAll(-6.0f, 12.0f, 0.0f, -6.0f, 250.0f, 4000.0f);
 
-    std::vector<std::vector<float>> input, output(3, std::vector<float>(256));
-    for (unsigned int c = 0; c < 3; ++c) input.push_back(MakeNoise(c + 1, 256));
+    std::vector<float> input[] = {MakeNoise(1, 256), MakeNoise(2, 256)}, output[] = {input[0], input[1]};
     for (std::size_t i = 0; i < 256; i += 64) {
-        float* ins[] = {&input[0][i], &input[1][i], &input[2][i]};
-        float* outs[] = {&output[0][i], &output[1][i], &output[2][i]};
-        const short active[] = {1, static_cast<short>(i != 64 && i != 128), 1};
+        float* channels[] = {&output[0][i], &output[1][i]};
+        const short active[] = {1, static_cast<short>(i != 64)};
         const long allocations = AllocationCount();
-        bank.Process(outs, ins, 64, active);
+        bank.Process(channels, channels, 64, active);
         EXPECT_EQ(AllocationCount(), allocations);
+        first.Process(&input[0][i], &input[0][i], 64);
+        if (i != 64)
+            second.Process(&input[1][i], &input[1][i], 64);
+        else
+            std::fill_n(&input[1][i], 64, 0.0f);
     }
-    EXPECT_EQ(std::vector<float>(&output[1][64], &output[1][192]), std::vector<float>(128));
-
-    std::vector<float> heard(input[1].begin(), input[1].begin() + 64);
-    heard.insert(heard.end(), input[1].begin() + 192, input[1].end());
-    single.Process(heard.data(), heard.data(), 128);
-    for (std::size_t i = 0; i < 64; ++i) {
-        EXPECT_NEAR(output[1][i], heard[i] * 0.501187f, 2e-6f);
-        EXPECT_NEAR(output[1][192 + i], heard[64 + i] * 0.501187f, 2e-6f);
-    }
-    HLShelf third;
-    third.SetAll(-6.0f, 12.0f, 0.0f, -6.0f, 250.0f, 4000.0f);
-    third.Process(input[2].data(), input[2].data(), 256);
-    EXPECT_EQ(output[2], input[2]);
+    EXPECT_EQ(output[0], input[0]);
+    EXPECT_EQ(output[1], input[1]);
 }
 
 }  // namespace

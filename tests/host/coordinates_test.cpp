@@ -242,12 +242,9 @@ TEST_F(Coordinates, KeywordsAreLookedUpWithTheirOddFallback) {
     long stride = 0;
     t_symbol* keyword = nullptr;
     get_coordinates_format_and_stride(gensym("elev++"), box.Object(), format, stride, keyword);
-    EXPECT_EQ(format, 13);
-    EXPECT_EQ(stride, 1);
-    EXPECT_STREQ(keyword->s_name, "elev++");
+    EXPECT_TRUE(format == 13 && stride == 1 && keyword == gensym("elev++"));
     get_coordinates_format_and_stride(gensym("foo"), box.Object(), format, stride, keyword);
-    EXPECT_EQ(format, 6);
-    EXPECT_EQ(stride, 3);
+    EXPECT_TRUE(format == 6 && stride == 3);
     EXPECT_EQ(box.Lines(), "warn: unknown coordinate type: foo. using default coordinate type (ade)|");
 }
 

@@ -88,9 +88,7 @@ TEST(OrvanverbObject, CreationFailsLoudly) {
     EXPECT_FALSE(one.box.AudioRuns());
     EXPECT_TRUE(one.box.GetState().empty());
     OrvanBox delays("@delays 1 2 3 4 5 6 7 -8");
-    EXPECT_EQ(delays.Lines(),
-              "error: couldnt set delays because reverb is not yet initialized. numchannels should be the first "
-              "attribute|");
+    EXPECT_NE(delays.Lines().find("couldnt set delays because reverb is not yet initialized"), std::string::npos);
     EXPECT_EQ(delays.Get("delays"), "1.000000 2.000000 3.000000 4.000000 5.000000 6.000000 7.000000 0.000000 ");
 }
 
@@ -213,6 +211,7 @@ TEST(OrvanverbAudio, SwitchesChooseWhatTheCallbackDoes) {
 
 TEST(OrvanverbAudio, ClearAndASecondStartSilenceTheRoom) {
     PlacedBox box("@numsources 1 @numspeakers 6");
+    EXPECT_EQ(box.Get("speakerspositions").substr(0, 27), "-0.707107 0.707107 0.000000");  // front left
     Lume::OrvanVerb const* const engine = box.Record()->engine;
     box.Start(44100.0f, 64);
     box.Run(400);

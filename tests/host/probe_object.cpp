@@ -32,25 +32,6 @@ t_max_err SetLogged(Probe* x, t_attr* attribute, long count, t_atom* atoms) {
     return MAX_ERR_NONE;
 }
 
-t_max_err GetOne(long* count, t_atom** atoms) {
-    *atoms = static_cast<t_atom*>(sysmem_newptr(sizeof(t_atom)));
-    *count = 1;
-    return atom_setlong(*atoms, 1);
-}
-
-t_max_err GetBroken(Probe*, t_attr*, long* count, t_atom** atoms) {
-    return probeError != MAX_ERR_NONE ? probeError : GetOne(count, atoms);
-}
-
-t_max_err GetOdd(Probe* x, t_attr*, long* count, t_atom** atoms) {
-    GetOne(count, atoms);
-    return probeOdd ? atom_setobj(*atoms, x) : MAX_ERR_NONE;
-}
-
-t_max_err SetNothing(Probe*, t_attr*, long, t_atom*) {
-    return probeError;
-}
-
 template <class Function>
 method Method(Function* function) {
     return reinterpret_cast<method>(function);
@@ -82,9 +63,8 @@ void RegisterProbe() {
     class_addmethod(c, Method(Nothing), "clear", 0);
     c->c_messages.push_back({nullptr, Method(Nothing), {}});
 
-    const auto scalar = [c](char const* name, t_symbol* t, long flags, long offset, method get = nullptr,
-                            method set = nullptr) {
-        class_addattr(c, attr_offset_new(name, t, flags, get, set, offset));
+    const auto scalar = [c](char const* name, t_symbol* t, long flags, long offset, method set = nullptr) {
+        class_addattr(c, attr_offset_new(name, t, flags, nullptr, set, offset));
     };
     const auto say = [c, &type](char const* name, char const* word, char const* text, bool isSymbol = false) {
         class_attr_addattr_parse(c, name, word, isSymbol ? type.s_symbol : type.s_atom, 0, text);
@@ -97,7 +77,7 @@ void RegisterProbe() {
     say("externalversion", "invisible", "1");
     scalar("mute", type.s_long, 0, calcoffset(Probe, mute));
     scalar("bypass", type.s_long, 0, calcoffset(Probe, bypass));
-    scalar("level", type.s_float32, 0, calcoffset(Probe, level), nullptr, Method(SetLogged));
+    scalar("level", type.s_float32, 0, calcoffset(Probe, level), Method(SetLogged));
     attr_addfilter_clip(max::class_attr_get(c, gensym("level")), -6.0, 6.0, 1, 1);
     say("level", "default", "1.5");
     say("level", "minvalue", "-6.000000");
@@ -119,8 +99,6 @@ void RegisterProbe() {
     scalar("seed", type.s_long, 0, calcoffset(Probe, seed));
     say("seed", "default", "6");
     say("seed", "dontreset", "1");
-    scalar("broken", type.s_long, 0, 0, Method(GetBroken), Method(SetNothing));
-    scalar("odd", type.s_long, 0, 0, Method(GetOdd), Method(SetNothing));
     scalar("invisible", type.s_float32, 0, calcoffset(Probe, other));
     say("invisible", "invisible", "1");
     scalar("hush", type.s_float32, 0, calcoffset(Probe, other));

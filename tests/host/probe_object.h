@@ -10,7 +10,6 @@
 ///
 ///     bypass, mute, gains (two floats with a default), level (clipped, with everything that it can say about itself),
 ///     mode (a symbol with choices), table (counted), seed (not to be reset)            -- what a user sees
-///     broken (can't be read), odd (holds an object)                                    -- trouble on demand
 ///     void (counted, empty), invisible, hush (invisible by a float), varname (of the box), opaque1 to opaque512
 struct Probe {
     t_pxobject ob;
@@ -25,10 +24,6 @@ struct Probe {
     void* outlet;
 };
 
-/// Error that reading the attribute "broken" gives; MAX_ERR_NONE: it reads as a long.
-inline t_max_err probeError = MAX_ERR_NONE;
-/// Whether reading the attribute "odd" gives an object; otherwise it reads as a long.
-inline bool probeOdd = false;
 /// What the setter of "gains" and "level" was called with.
 inline std::string probeJournal;
 

@@ -76,7 +76,6 @@ TEST(Hrtf, AnyOtherNameIsTheBuiltInSet) {
     for (char const* const name : {"", "kemar", "a.wav"}) {
         const Hrtf set(name);
         ASSERT_EQ(set.GetNumPoints(), 710u);
-        EXPECT_EQ(set.GetHrtfHeaderInfos().subject, "KEMAR");
         EXPECT_EQ(set.GetFlagItdExtracted(), Lume::itdNotExtracted);
         for (unsigned int i = 0; i < 50; ++i)
             EXPECT_EQ(set.GetHrtfPoint(279).coefficients[i], Lume::hrtf_2b_KEMAR_44100[i < 25 ? 279 : 313][i % 25 + 1]);

@@ -3,11 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "common/floating_point_mode.h"
-#include "geometry/speakers.h"
+#include "host/orvanverb.h"
 #include "host/orvanverb_class.h"
 #include "max/api.h"
 #include "support/allocation_count.h"
-#include "support/signals.h"
 
 namespace {
 
@@ -26,27 +25,13 @@ std::string Text(std::vector<max::t_atom> const& atoms) {
     return text;
 }
 
-/// The state of an object that was told these messages.
-std::string StateAfter(char const* words, std::vector<std::string> const& messages) {
+/// The state of a bare object that was told to stand in the built-in layout of its sources or loudspeakers.
+std::string StateOf(std::string const& words, bool sources, bool speakers) {
     const plugin::FloatingPointMode unchanged;
     orvanverb_main();
-    max::Box box(std::string("orvanverb~ ") + words);
-    for (std::string const& message : messages) EXPECT_TRUE(box.Send(message));
+    max::Box box("orvanverb~ " + words);
+    orvanverb_place_defaults(reinterpret_cast<orvanverb_t*>(box.Object()), sources, speakers);
     return Text(box.GetState());
-}
-
-/// "speakerspositions x y z ..." of the built-in layout.
-std::string Layout(std::string const& attribute, unsigned int number) {
-    std::vector<Lume::CartesianVector> positions;
-    Lume::Speakers::GetDefaultForChannels(positions, number);
-    std::string message = attribute;
-    for (auto const& [x, y, z] : positions)
-        for (const float value : {x, y, z}) {
-            char text[32];
-            std::snprintf(text, sizeof text, " %.9g", static_cast<double>(value));
-            message += text;
-        }
-    return message;
 }
 
 bool DenormalsCount() {
@@ -54,36 +39,16 @@ bool DenormalsCount() {
     return tiny * 1.0f != 0.0f;
 }
 
-/// What the room answers to a second of noise from one source.
-std::vector<std::vector<float>> Render(std::size_t blockSize, std::size_t numBlocks) {
-    plugin::HostedRoom room = MakeRoom("@numsources 1 @numspeakers 4 @tr0 0.5");
-    room.Start(48000.0f, blockSize);
-    std::vector<float> noise = MakeNoise(1u, blockSize * numBlocks);
-    std::vector<std::vector<float>> channels(4, std::vector<float>(noise.size()));
-    bool clean = true;
-    for (std::size_t begin = 0; begin < noise.size(); begin += blockSize) {
-        float const* const input = &noise[begin];
-        float* outputs[4];
-        for (std::size_t c = 0; c < 4; ++c) outputs[c] = &channels[c][begin];
-        const long before = AllocationCount();
-        room.Process(&input, outputs);
-        clean = clean && AllocationCount() == before && DenormalsCount();
-    }
-    EXPECT_TRUE(clean) << "a block allocated memory, or left the floating-point mode changed";
-    return channels;
-}
-
 }  // namespace
 
 // Red if the record of a new room stays at zeros, or if places that the user typed are overwritten.
 TEST(HostedRoom, StandsInTheBuiltInLayoutUnlessPlaced) {
-    constexpr char sizes[] = "@numsources 2 @numspeakers 5";
-    EXPECT_EQ(Text(MakeRoom(sizes).State()),
-              StateAfter(sizes, {Layout("speakerspositions", 5), Layout("sourcespositions", 2)}));
+    constexpr char plain[] = "@numsources 2 @numspeakers 5";
+    EXPECT_EQ(Text(MakeRoom(plain).State()), StateOf(plain, true, true));
     constexpr char sources[] = "@numsources 2 @numspeakers 5 @sourcespositions 1 2 3 0 0 0";
-    EXPECT_EQ(Text(MakeRoom(sources).State()), StateAfter(sources, {Layout("speakerspositions", 5)}));
+    EXPECT_EQ(Text(MakeRoom(sources).State()), StateOf(sources, false, true));
     constexpr char speakers[] = "@numsources 1 @numspeakers 3 @speakerspositions -1 1 0 1 1 0 0 -2 0";
-    EXPECT_EQ(Text(MakeRoom(speakers).State()), StateAfter(speakers, {Layout("sourcespositions", 1)}));
+    EXPECT_EQ(Text(MakeRoom(speakers).State()), StateOf(speakers, true, false));
 }
 
 // The engine runs without denormal numbers and leaves the processor so. Red if any way into the room does that too.
@@ -97,16 +62,11 @@ TEST(HostedRoom, LeavesNoTraceOnTheFloatingPointMode) {
     EXPECT_TRUE(DenormalsCount());
     room.Restore(room.State());
     EXPECT_TRUE(DenormalsCount());
-    Render(64, 1);  // looks at it after each block
-}
-
-// Red if blocks of a host reach the engine as they are: its late field would change.
-TEST(HostedRoom, SoundsTheSameInBlocksOfAnySize) {
-    const auto in16 = Render(16, 3000), in100 = Render(100, 480), in64 = Render(64, 750), in192 = Render(192, 250);
-    constexpr std::size_t late = 12;
-    for (std::size_t c = 0; c < 4; ++c) {
-        EXPECT_GT(EnergyOf(std::span(in16[c]).subspan(24000)), 0.1);
-        EXPECT_TRUE(std::equal(in100[c].begin() + late, in100[c].end(), in16[c].begin()));
-        EXPECT_TRUE(in192[c] == in64[c]);
-    }
+    float block[64] = {1.0f};
+    float const* const inputs[] = {block, block, block, block, block, block};
+    float* outputs[] = {block, block};
+    const long before = AllocationCount();
+    room.Process(inputs, outputs);
+    EXPECT_EQ(AllocationCount(), before);
+    EXPECT_TRUE(DenormalsCount());
 }

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
-
 #include "support/allocation_count.h"
 
 namespace {
@@ -51,17 +48,4 @@ TEST(SteadyVectors, EveryBlockSizeBecomesVectorsOfOneSize) {
         }
         EXPECT_EQ(wrong, 0u) << blockSize;
     }
-}
-
-TEST(SteadyVectors, SamplesThatAreNotFiniteBecomeZeroAndAreCounted) {
-    constexpr float infinity = std::numeric_limits<float>::infinity();
-    plugin::SteadyVectors vectors;
-    vectors.Configure(1, 1, 16);
-    float block[16] = {1.0f, infinity, -infinity, std::nanf(""), std::numeric_limits<float>::max(), -2.0f};
-    float const* inputs[] = {block};
-    float* outputs[] = {block};
-    vectors.Process(inputs, outputs, [](auto from, auto to) { std::copy_n(from[0], 16, to[0]); });
-    const float expected[] = {1.0f, 0.0f, 0.0f, 0.0f, std::numeric_limits<float>::max(), -2.0f};
-    for (std::size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(block[i], expected[i]) << i;
-    EXPECT_EQ(vectors.NumReplaced(), 3u);
 }

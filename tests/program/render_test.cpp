@@ -40,8 +40,9 @@ TEST_F(Rendering, SourceAtALoudspeakerComesOutOfItAlone) {
     WriteText(directory / "uneven", "-50\n-10\n35\n100 0 1.5\n170\n-120\n");
     const std::pair<std::string, std::vector<char const*>> rings[] = {
         {"4", {"-45", "45", "135", "-135"}},
-        {"5", {"-30", "30", "0", "-110", "110"}},  // files of this layout go by pairs
+        {"5", {"-30", "30", "0", "-110", "110"}},  // files of this layout and of seven go by pairs
         {"6", {"-45", "45", "90", "135", "-135", "-90"}},
+        {"7", {"-30", "30", "0", "-150", "150", "-90", "90"}},
         {"8", {"-45", "0", "45", "90", "135", "180", "-135", "-90"}},
         {directory / "uneven", {"-50", "-10", "35", "100", "170", "-120"}},
     };

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
 
 #include "orvanverb/control.h"
@@ -33,7 +32,6 @@ TEST(SpeakerLayout, ReadsPositionFilesAsListenersSeeThem) {
     EXPECT_NEAR(layout.positions[0].y, std::sqrt(0.5f), 1e-6f);
     EXPECT_NEAR(layout.positions[1].x, std::sqrt(2.0f), 1e-6f);
     EXPECT_NEAR(layout.positions[2].z, 3.0f, 1e-6f);
-    EXPECT_NEAR(layout.AzimuthDeg(1), 45.0f, 1e-4f);
     EXPECT_EQ(layout.channelMask, 0u);
 }
 
@@ -53,25 +51,6 @@ TEST(SpeakerLayout, NamesTheLineThatIsWrong) {
     EXPECT_THROW(SpeakerLayout::Parse(directory / "one"), program::WorkError);
     for (char const* count : {"0", "1", "65", "-2", "2.5"})
         EXPECT_THROW(SpeakerLayout::Parse(count), program::UsageError) << count;
-}
-
-// Red if a file's channel goes to another loudspeaker than its mask says: the azimuths are those of the masks' names.
-TEST(SpeakerLayout, StoresStandardLayoutsInTheOrderOfTheirMask) {
-    const std::pair<char const*, std::vector<float>> cases[] = {
-        {"2", {-30, 30}},
-        {"5", {-30, 30, 0, -110, 110}},
-        {"7", {-30, 30, 0, -150, 150, -90, 90}},
-        {"8", {-45, 0, 45, 90, 135, -180, -135, -90}},
-    };
-    for (const auto& [count, azimuths] : cases) {
-        const SpeakerLayout layout = SpeakerLayout::Parse(count);
-        ASSERT_EQ(layout.positions.size(), azimuths.size());
-        EXPECT_EQ(static_cast<std::size_t>(std::popcount(layout.channelMask)),
-                  azimuths.size() < 8 ? azimuths.size() : 0);
-        for (std::size_t c = 0; c < azimuths.size(); ++c)
-            // Either end of the circle is straight behind.
-            EXPECT_NEAR(std::remainder(layout.AzimuthDeg(c) - azimuths[c], 360.0f), 0.0f, 1e-3f) << count << " " << c;
-    }
 }
 
 TEST(Preset, IsReadAndNamesWhatIsWrongInIt) {
