@@ -60,6 +60,7 @@
 #include "filters/fir_filter.h"
 #include "filters/fir_time_domain_filter.h"
 #include "filters/four_allpass_heads.h"
+#include "filters/four_cascades.h"
 #include "filters/four_shelves.h"
 #include "filters/hl_shelf.h"
 #include "filters/iir_filter.h"

@@ -50,6 +50,20 @@ inline void Transpose(PerLane<Float4>& rows) noexcept {
     rows[3] = __builtin_shufflevector(high01, high23, 2, 3, 6, 7);
 }
 
+/// Reads four values of each of four arrays; row i holds value i of every lane.
+inline PerLane<Float4> LoadRows(PerLane<float const*> const& arrays, std::size_t first) noexcept {
+    PerLane<Float4> rows = {Load(arrays[0] + first), Load(arrays[1] + first), Load(arrays[2] + first),
+                            Load(arrays[3] + first)};
+    Transpose(rows);
+    return rows;
+}
+
+/// Writes what LoadRows reads.
+inline void StoreRows(PerLane<float*> const& arrays, std::size_t first, PerLane<Float4> rows) noexcept {
+    Transpose(rows);
+    for (std::size_t lane = 0; lane < numLanes; ++lane) Store(arrays[lane] + first, rows[lane]);
+}
+
 /// Runs four channels, sample by sample, through a filter that takes a Float4 and returns one.
 /// @param outputs, inputs  an output may be the input of the same lane
 /// @param filter           by value, so that its state stays in registers
@@ -59,11 +73,9 @@ Filter FilterFourChannels(PerLane<float*> const& outputs, PerLane<float const*> 
                           Filter filter) {
     std::size_t k = 0;
     for (; k + numLanes <= numSamples; k += numLanes) {
-        PerLane<Float4> rows = {Load(inputs[0] + k), Load(inputs[1] + k), Load(inputs[2] + k), Load(inputs[3] + k)};
-        Transpose(rows);
-        for (Float4& frame : rows) frame = filter(frame);
-        Transpose(rows);
-        for (std::size_t lane = 0; lane < numLanes; ++lane) Store(outputs[lane] + k, rows[lane]);
+        PerLane<Float4> frames = LoadRows(inputs, k);
+        for (Float4& frame : frames) frame = filter(frame);
+        StoreRows(outputs, k, frames);
     }
     for (; k < numSamples; ++k) {
         const Float4 frame = filter(Float4{inputs[0][k], inputs[1][k], inputs[2][k], inputs[3][k]});

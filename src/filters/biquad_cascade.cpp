@@ -5,41 +5,27 @@
 #include <utility>
 
 #include "dsp/denormals.h"
+#include "filters/biquad_recursion.h"
 
 namespace Lume {
 
 namespace {
 
-enum TapIndex : unsigned int { tapB1, tapB2, tapMinusA1, tapMinusA2, numTapsPerStage };
-enum StateIndex : unsigned int { stateX1, stateX2, stateY1, stateY2, numStatesPerStage };
-
-/// Stages that one pass over the block takes. Within a pass the stages of several samples overlap in the processor's
-/// pipeline, which is what hides the latency of each stage's recursion.
-constexpr std::size_t maxStagesPerPass = 8;
+using One = BiquadRecursion<float, 1>;
+constexpr std::size_t numTapsPerStage = One::numTapsPerStage;
+constexpr std::size_t numStatesPerStage = One::numStatesPerStage;
 
 /// Runs N stages over a block; output may be input.
 template <std::size_t N>
 void RunStages(float* output, float const* input, unsigned long numSamples, float gain, float const* taps,
                float* states) noexcept {
     // Local copies: the output might alias the members, for all that the compiler knows.
-    std::array<float, N * numTapsPerStage> t;
-    std::array<float, N * numStatesPerStage> s;
-    std::copy_n(taps, t.size(), t.begin());
-    std::copy_n(states, s.size(), s.begin());
-    for (unsigned long k = 0; k < numSamples; ++k) {
-        float v = input[k] * gain;
-        for (std::size_t i = 0; i < N * 4; i += 4) {
-            const float y = t[i + tapB2] * s[i + stateX2] + t[i + tapB1] * s[i + stateX1] +
-                            t[i + tapMinusA1] * s[i + stateY1] + t[i + tapMinusA2] * s[i + stateY2] + v;
-            s[i + stateY2] = s[i + stateY1];
-            s[i + stateY1] = y;
-            s[i + stateX2] = s[i + stateX1];
-            s[i + stateX1] = v;
-            v = y;
-        }
-        output[k] = v;
-    }
-    std::copy_n(s.begin(), s.size(), states);
+    BiquadRecursion<float, N> recursion;
+    recursion.gain = gain;
+    std::copy_n(taps, recursion.taps.size(), recursion.taps.begin());
+    std::copy_n(states, recursion.states.size(), recursion.states.begin());
+    for (unsigned long k = 0; k < numSamples; ++k) output[k] = recursion(input[k]);
+    std::copy_n(recursion.states.begin(), recursion.states.size(), states);
 }
 
 using RunFunction = void (*)(float*, float const*, unsigned long, float, float const*, float*) noexcept;
@@ -91,10 +77,10 @@ void BiquadCascade::Process(float* output, float* input, unsigned long numSample
 void BiquadCascade::SetCoefficients(float* set) {
     gain = set[0];
     for (std::size_t i = 0; i < coefficients.size(); i += numTapsPerStage) {
-        coefficients[i + tapB1] = set[i + 1];
-        coefficients[i + tapB2] = set[i + 2];
-        coefficients[i + tapMinusA1] = -set[i + 3];
-        coefficients[i + tapMinusA2] = -set[i + 4];
+        coefficients[i + One::tapB1] = set[i + 1];
+        coefficients[i + One::tapB2] = set[i + 2];
+        coefficients[i + One::tapMinusA1] = -set[i + 3];
+        coefficients[i + One::tapMinusA2] = -set[i + 4];
     }
 }
 
@@ -108,14 +94,14 @@ void BiquadCascade::ClearTaps() {
 
 bool BiquadCascade::IsStable() const {
     for (std::size_t i = 0; i < coefficients.size(); i += numTapsPerStage)
-        if (!DurbinStepDownRecursion({1.0f, -coefficients[i + tapMinusA1], -coefficients[i + tapMinusA2]}))
+        if (!DurbinStepDownRecursion({1.0f, -coefficients[i + One::tapMinusA1], -coefficients[i + One::tapMinusA2]}))
             return false;
     return true;
 }
 
 bool BiquadCascade::IsMinimumPhase() const {
     for (std::size_t i = 0; i < coefficients.size(); i += numTapsPerStage)
-        if (!DurbinStepDownRecursion({1.0f, coefficients[i + tapB1], coefficients[i + tapB2]})) return false;
+        if (!DurbinStepDownRecursion({1.0f, coefficients[i + One::tapB1], coefficients[i + One::tapB2]})) return false;
     return true;
 }
 

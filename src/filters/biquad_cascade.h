@@ -1,8 +1,11 @@
 #pragma once
 
 #include "dsp/filter.h"
+#include "dsp/four_channels.h"
 
 namespace Lume {
+
+struct CascadeJob;
 
 /// Chain of second-order sections with one common gain in front:
 /// H(z) = gain * product of (1 + b1 z^-1 + b2 z^-2) / (1 + a1 z^-1 + a2 z^-2).
@@ -45,6 +48,10 @@ public:
     unsigned int GetNumCoefficients() const override { return 4 * numStages + 1; }
 
 private:
+    /// Runs four of them at once.
+    friend void FilterFourCascades(orvandsp::PerLane<CascadeJob> const& jobs, std::size_t numJobs,
+                                   unsigned long numSamples);
+
     unsigned int numStages = 0;
     float gain = 1.0f;
 };

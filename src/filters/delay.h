@@ -3,10 +3,13 @@
 #include <optional>
 #include <vector>
 
+#include "dsp/four_channels.h"
 #include "dsp/ramp.h"
 #include "dsp/signal_processing.h"
 
 namespace Lume {
+
+struct DelayJob;
 
 /// Delay line for one channel: a ring whose length is a power of two, with one read head built in. Further heads are
 /// TapOut objects.
@@ -117,7 +120,8 @@ public:
     static char const* GetInterpolationModeName(InterpolationMode mode);
 
 private:
-    friend class MultiDelay;  // reads the built-in heads of four lines at once
+    /// Reads the built-in heads of four lines at once.
+    friend void ProcessFourDelays(orvandsp::PerLane<DelayJob> const& jobs, std::size_t numJobs, int count);
 
     /// Reads a block with the built-in head.
     void ReadBuiltIn(float* out, int count) {

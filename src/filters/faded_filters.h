@@ -52,7 +52,7 @@ public:
     /// Filters one block; output may be input. Real-time safe while the block length is steady.
     /// @param add  adds the result to the output instead of replacing it
     void ProcessBlock(float* output, float* input, unsigned long numSamples, bool add) {
-        BeginBlock(numSamples);
+        PrepareBlock(numSamples);
         if (!IsFading()) {
             RunAlone(output, input, numSamples, add);
         } else if (EndsWithin(numSamples) && !NeedsWholeBlocks()) {
@@ -64,6 +64,27 @@ public:
             RunBoth(input, numSamples);
             MixFade(output, numSamples, add);
         }
+    }
+
+    /// ProcessBlock in two parts, between which a bank runs the filters of all its channels, four at a time.
+    ///
+    /// The first part starts a waiting fade and names what is to be filtered: one job outside a fade, two in it.
+    /// @param jobs  orvandsp::InFours of jobs that are made of a filter, an output and an input
+    template <typename Jobs>
+    void BeginBlock(float* output, float* input, unsigned long numSamples, Jobs& jobs) {
+        PrepareBlock(numSamples);
+        if (IsFading()) {
+            jobs.Add({&filterA, bufferA.data(), input});
+            jobs.Add({&filterB, bufferB.data(), input});
+        } else {
+            jobs.Add({&Incoming(), output, input});
+        }
+    }
+
+    /// The second part mixes the two if a fade runs. In the block in which it ends the old filter has run too far;
+    /// nothing comes of that, as its next fade begins with SetState.
+    void FinishBlock(float* output, unsigned long numSamples) {
+        if (IsFading()) MixFade(output, numSamples, false);
     }
 
     /// Starts the fade to a waiting set, if there is one that isn't held and no fade runs. ProcessBlock does so itself;
@@ -112,8 +133,17 @@ public:
 protected:
     enum FadeState : int { aRuns = 0, bRuns = 1, fromAToB = 2, fromBToA = 3 };
 
+    /// The filter that runs or is being faded in.
+    T& Incoming() noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
+    T const& Incoming() const noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
+
+    T filterA;
+    T filterB;
+    std::vector<float> newCoefficients;  // as long as one set of T; a class that changes its order sizes it anew
+
+private:
     /// Makes room for the block and starts a fade if a set waits.
-    void BeginBlock(unsigned long numSamples) {
+    void PrepareBlock(unsigned long numSamples) {
         if (bufferA.size() != numSamples) bufferA.resize(numSamples);
         if (bufferB.size() != numSamples) bufferB.resize(numSamples);
         update();
@@ -135,17 +165,6 @@ protected:
             std::copy_n(IncomingBuffer().data() + numFaded, numSamples - numFaded, output + numFaded);
     }
 
-    /// The filter that runs or is being faded in.
-    T& Incoming() noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
-    T const& Incoming() const noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
-
-    T filterA;
-    T filterB;
-    std::vector<float> bufferA;  // what the filters make of a block while a fade runs
-    std::vector<float> bufferB;
-    std::vector<float> newCoefficients;  // as long as one set of T; a class that changes its order sizes it anew
-
-private:
     void StartFade(T& idle, T& running) {
         idle.SetCoefficients(newCoefficients.data());
         idle.SetState(running);
@@ -213,6 +232,8 @@ private:
 
     std::vector<float>& IncomingBuffer() noexcept { return &Incoming() == &filterA ? bufferA : bufferB; }
 
+    std::vector<float> bufferA;  // what the filters make of a block while a fade runs
+    std::vector<float> bufferB;
     float gainA = 1.0f;
     float gainB = 0.0f;
     float incrementA = 0.0f;                     // per sample

@@ -70,4 +70,15 @@ private:
     Recursion recursion;
 };
 
+/// A channel to be delayed by a line of its own; output may be input.
+struct DelayJob {
+    Delay* delay;
+    float* output;
+    float* input;
+};
+
+/// Delays four channels: what Process of each line does. Real-time safe.
+/// @param numJobs  those behind repeat the last one
+void ProcessFourDelays(orvandsp::PerLane<DelayJob> const& jobs, std::size_t numJobs, int count);
+
 }  // namespace Lume

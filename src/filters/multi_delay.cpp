@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "dsp/denormals.h"
 #include "filters/four_allpass_heads.h"
 
 namespace Lume {
@@ -15,29 +14,15 @@ MultiDelay::MultiDelay(unsigned int numDelays, float maxDelay) {
 }
 
 void MultiDelay::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
-    orvandsp::FlushDenormals();
-    const auto count = static_cast<int>(numSamples);
-    struct Job {
-        Delay* delay;
-        float* output;
+    const auto process = [numSamples](auto const& jobs, std::size_t numJobs) {
+        ProcessFourDelays(jobs, numJobs, static_cast<int>(numSamples));
     };
-    const auto read = [count](orvandsp::PerLane<Job> const& jobs, std::size_t numJobs) {
-        const auto find = [](Job const& job) { return job.delay->FindAllpassHead(job.delay->delayRamp); };
-        if (auto heads = FourAllpassHeads::From({find(jobs[0]), find(jobs[1]), find(jobs[2]), find(jobs[3])}))
-            heads->Read({jobs[0].output, jobs[1].output, jobs[2].output, jobs[3].output}, count,
-                        orvandsp::PassThrough());
-        else
-            for (std::size_t i = 0; i < numJobs; ++i) jobs[i].delay->ReadBuiltIn(jobs[i].output, count);
-        for (std::size_t i = 0; i < numJobs; ++i) jobs[i].delay->AdvanceWritePosition(count);
-    };
-    orvandsp::InFours<Job, decltype(read)> jobs(read);
+    orvandsp::InFours<DelayJob, decltype(process)> jobs(process);
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
-        if (activeInputs[i] == 0) {
+        if (activeInputs[i] != 0)
+            jobs.Add({delays[i].get(), outputs[i], inputs[i]});
+        else
             std::fill_n(outputs[i], numSamples, 0.0f);
-            continue;
-        }
-        delays[i]->tapIn(inputs[i], count, 0);
-        jobs.Add({delays[i].get(), outputs[i]});
     }
     jobs.Finish();
 }

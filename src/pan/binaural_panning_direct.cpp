@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "dsp/constants.h"
+#include "dsp/four_channels.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -30,8 +31,7 @@ void BinauralPanningDirect::ForEachEar(Function function) {
 BinauralPanningDirect::BinauralPanningDirect(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs),
       hrtf(std::make_unique<Hrtf>("")),
-      leftBuffer(512),
-      rightBuffer(512) {
+      earBuffers(orvandsp::numLanes, 512) {
     BinauralPanningDirect::SetNumInputs(numberOfInputs);
 }
 
@@ -118,21 +118,27 @@ void BinauralPanningDirect::Process(float** outputs, float** inputs, unsigned lo
         return;
     }
     // Both ears read before either is written: an output may be the input.
-    voices[0].left.Process(leftBuffer.data(), inputs[0], numSamples);
-    voices[0].right.Process(rightBuffer.data(), inputs[0], numSamples);
-    Scale(outputs[0], leftBuffer.data(), numSamples);
-    Scale(outputs[1], rightBuffer.data(), numSamples);
+    const HrtfFiltering::Job ears[] = {{&voices[0].left, earBuffers.GetChannel(0), inputs[0]},
+                                       {&voices[0].right, earBuffers.GetChannel(1), inputs[0]}};
+    HrtfFiltering::ProcessSeveral(ears, numSamples);
+    Scale(outputs[0], ears[0].output, numSamples);
+    Scale(outputs[1], ears[1].output, numSamples);
 }
 
 void BinauralPanningDirect::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
                                           short const* activeInputs) {
+    const auto addFour = [=](auto const& ears, std::size_t numEars) {
+        HrtfFiltering::ProcessSeveral({ears.data(), numEars}, numSamples);
+        for (std::size_t e = 0; e < numEars; ++e) ScaleAdding(outputs[e % 2], ears[e].output, numSamples);
+    };
+    orvandsp::InFours<HrtfFiltering::Job, decltype(addFour)> ears(addFour);
+    unsigned int buffer = 0;
     for (unsigned int i = 0; i < numInputs; ++i) {
         if (activeInputs[i] == 0) continue;
-        voices[i].left.Process(leftBuffer.data(), inputs[i], numSamples);
-        voices[i].right.Process(rightBuffer.data(), inputs[i], numSamples);
-        ScaleAdding(outputs[0], leftBuffer.data(), numSamples);
-        ScaleAdding(outputs[1], rightBuffer.data(), numSamples);
+        for (HrtfFiltering* const ear : {&voices[i].left, &voices[i].right})
+            ears.Add({ear, earBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]});
     }
+    ears.Finish();
 }
 
 void BinauralPanningDirect::SetSamplerate(float newSamplerate) {
@@ -142,8 +148,7 @@ void BinauralPanningDirect::SetSamplerate(float newSamplerate) {
 
 void BinauralPanningDirect::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
-    leftBuffer.resize(blockSize);
-    rightBuffer.resize(blockSize);
+    earBuffers.Resize(orvandsp::numLanes, blockSize);
     ForEachEar([=](HrtfFiltering& ear) { ear.SetMaxBlockSize(blockSize); });
 }
 

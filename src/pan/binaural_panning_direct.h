@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "dsp/audio_buffer.h"
 #include "hrtf/hrtf.h"
 #include "pan/binaural_panning.h"
 #include "pan/hrtf_filtering.h"
@@ -59,9 +60,8 @@ private:
     std::unique_ptr<Hrtf> hrtf;         // never null
     unsigned int numCoefficients = 25;  // per ear
     HRTFFilterType filterType = biquadFilters;
-    std::vector<Voice> voices;  // one per input
-    std::vector<float> leftBuffer;
-    std::vector<float> rightBuffer;
+    std::vector<Voice> voices;         // one per input
+    orvandsp::AudioBuffer earBuffers;  // left and right of two sources, which are filtered at once
 };
 
 }  // namespace Lume

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "filters/four_allpass_heads.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -68,33 +69,46 @@ void BinauralPanningITD::Process(float** outputs, float** inputs, unsigned long 
     }
     if (activeInputs[0] == 0) return;
     if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
-    if (signalBuffer.size() != numSamples) signalBuffer.resize(numSamples);
+    signalBuffers.Resize(orvandsp::numLanes, static_cast<unsigned int>(numSamples));
     Voice& voice = voices[0];
     const int count = static_cast<int>(numSamples);
     // Both ears read before either is written: an output may be the input.
-    voice.leftDelay.Process(signalBuffer.data(), inputs[0], count);
-    voice.rightDelay.Process(outputs[1], inputs[0], count);
+    const DelayJob left = {&voice.leftDelay, signalBuffers.GetChannel(0), inputs[0]};
+    const DelayJob right = {&voice.rightDelay, signalBuffers.GetChannel(1), inputs[0]};
+    ProcessFourDelays({left, right, right, right}, 2, count);
     voice.leftGain.Process(gainBuffer.data(), count);
-    Multiply(outputs[0], signalBuffer.data(), gainBuffer.data(), numSamples);
+    Multiply(outputs[0], left.output, gainBuffer.data(), numSamples);
     voice.rightGain.Process(gainBuffer.data(), count);
-    Multiply(outputs[1], outputs[1], gainBuffer.data(), numSamples);
+    Multiply(outputs[1], right.output, gainBuffer.data(), numSamples);
 }
 
 void BinauralPanningITD::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
                                        short const* activeInputs) {
     if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
-    if (signalBuffer.size() != numSamples) signalBuffer.resize(numSamples);
+    signalBuffers.Resize(orvandsp::numLanes, static_cast<unsigned int>(numSamples));
     const int count = static_cast<int>(numSamples);
+    struct Ear {
+        DelayJob delay;
+        orvandsp::Ramp* gain;
+    };
+    const auto addFour = [&](orvandsp::PerLane<Ear> const& ears, std::size_t numEars) {
+        ProcessFourDelays({ears[0].delay, ears[1].delay, ears[2].delay, ears[3].delay}, numEars, count);
+        for (std::size_t e = 0; e < numEars; ++e) {
+            ears[e].gain->Process(gainBuffer.data(), count);
+            MultiplyAdding(outputs[e % 2], ears[e].delay.output, gainBuffer.data(), numSamples);
+        }
+    };
+    orvandsp::InFours<Ear, decltype(addFour)> ears(addFour);
+    unsigned int buffer = 0;
     for (unsigned int i = 0; i < numInputs; ++i) {
         if (activeInputs[i] == 0) continue;
         Voice& voice = voices[i];
-        voice.leftDelay.Process(signalBuffer.data(), inputs[i], count);
-        voice.leftGain.Process(gainBuffer.data(), count);
-        MultiplyAdding(outputs[0], signalBuffer.data(), gainBuffer.data(), numSamples);
-        voice.rightDelay.Process(signalBuffer.data(), inputs[i], count);
-        voice.rightGain.Process(gainBuffer.data(), count);
-        MultiplyAdding(outputs[1], signalBuffer.data(), gainBuffer.data(), numSamples);
+        ears.Add(
+            {{&voice.leftDelay, signalBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]}, &voice.leftGain});
+        ears.Add({{&voice.rightDelay, signalBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]},
+                  &voice.rightGain});
     }
+    ears.Finish();
 }
 
 void BinauralPanningITD::SetSamplerate(float newSamplerate) {
@@ -110,7 +124,7 @@ void BinauralPanningITD::SetSamplerate(float newSamplerate) {
 void BinauralPanningITD::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
     gainBuffer.resize(blockSize);
-    signalBuffer.resize(blockSize);
+    signalBuffers.Resize(orvandsp::numLanes, blockSize);
     for (Voice& voice : voices) {
         voice.leftDelay.SetMaxBlockSize(blockSize);
         voice.rightDelay.SetMaxBlockSize(blockSize);
@@ -119,7 +133,6 @@ void BinauralPanningITD::SetMaxBlockSize(unsigned int blockSize) {
 
 void BinauralPanningITD::Clear() {
     gainBuffer.clear();
-    signalBuffer.clear();
     for (Voice& voice : voices) {
         voice.leftDelay.Clear();
         voice.rightDelay.Clear();

@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include "dsp/audio_buffer.h"
+#include "dsp/four_channels.h"
 #include "dsp/ramp.h"
 #include "filters/delay.h"
 #include "pan/binaural_panning.h"
@@ -54,8 +56,8 @@ private:
 
     std::vector<Voice> voices;  // one per input
     std::vector<float> gainBuffer;
-    std::vector<float> signalBuffer;
-    float interpolationTime = DefaultInterpolationTime;  // [ms]
+    orvandsp::AudioBuffer signalBuffers{orvandsp::numLanes, 512};  // the ears of two sources, delayed at once
+    float interpolationTime = DefaultInterpolationTime;            // [ms]
 };
 
 }  // namespace Lume

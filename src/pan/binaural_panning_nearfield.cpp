@@ -311,15 +311,17 @@ CartesianVector BinauralPanningNearfield::getCrossEarsPosition(CartesianVector c
 void BinauralPanningNearfield::RunVoice(unsigned int index, float* input, unsigned long numSamples) {
     Voice& voice = voices[index];
     if (IsEnabled(hrtfFilters)) {
-        voice.leftHrtf.Process(leftBuffer.data(), input, numSamples);
-        voice.rightHrtf.Process(rightBuffer.data(), input, numSamples);
+        const HrtfFiltering::Job ways[] = {{&voice.leftHrtf, leftBuffer.data(), input},
+                                           {&voice.rightHrtf, rightBuffer.data(), input}};
+        HrtfFiltering::ProcessSeveral(ways, numSamples);
     } else {
         std::copy_n(input, numSamples, leftBuffer.data());
         std::copy_n(input, numSamples, rightBuffer.data());
     }
     if (IsEnabled(nearfieldFilters)) {
-        voice.leftNearfield.Process(leftBuffer.data(), leftBuffer.data(), numSamples);
-        voice.rightNearfield.Process(rightBuffer.data(), rightBuffer.data(), numSamples);
+        const HrtfFiltering::Job ways[] = {{&voice.leftNearfield, leftBuffer.data(), leftBuffer.data()},
+                                           {&voice.rightNearfield, rightBuffer.data(), rightBuffer.data()}};
+        HrtfFiltering::ProcessSeveral(ways, numSamples);
     }
 }
 

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "filters/four_allpass_heads.h"
+#include "filters/four_cascades.h"
+
 namespace Lume {
 
 HrtfFiltering::HrtfFiltering(HRTFFilterType type, bool needed) : filterType(type), needToProcessITD(needed) {
@@ -117,6 +120,31 @@ void HrtfFiltering::Process(float* output, float* input, unsigned long numSample
             return;
     }
     std::fill_n(output, numSamples, 0.0f);
+}
+
+void HrtfFiltering::ProcessSeveral(std::span<Job const> jobs, unsigned long numSamples) {
+    const auto delayFour = [numSamples](auto const& four, std::size_t numJobs) {
+        ProcessFourDelays(four, numJobs, static_cast<int>(numSamples));
+    };
+    const auto filterFour = [numSamples](auto const& four, std::size_t numJobs) {
+        FilterFourCascades(four, numJobs, numSamples);
+    };
+    orvandsp::InFours<DelayJob, decltype(delayFour)> delays(delayFour);
+    orvandsp::InFours<CascadeJob, decltype(filterFour)> cascades(filterFour);
+    for (auto const& [way, output, input] : jobs) {
+        if (way->filterType != biquadFilters)
+            way->Process(output, input, numSamples);
+        else if (way->needToProcessITD)
+            delays.Add({&way->delay, way->delayedInput.data(), input});
+    }
+    delays.Finish();
+    for (auto const& [way, output, input] : jobs)
+        if (way->filterType == biquadFilters)
+            way->biquads.BeginBlock(output, way->needToProcessITD ? way->delayedInput.data() : input, numSamples,
+                                    cascades);
+    cascades.Finish();
+    for (auto const& [way, output, input] : jobs)
+        if (way->filterType == biquadFilters) way->biquads.FinishBlock(output, numSamples);
 }
 
 void HrtfFiltering::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "filters/four_allpass_heads.h"
+#include "filters/four_cascades.h"
 #include "filters/four_shelves.h"
 #include "filters/multi_delay.h"
 #include "filters/multi_faded_hl_shelf.h"
@@ -86,6 +87,34 @@ TEST(FourChannels, ShelvesGiveTheBitsOfOne) {
         FilterFourShelves(jobs, length);
     });
     ExpectSameBits(expected, actual);
+}
+
+// Numbers of stages with one pass, with a full one and with several; and cascades that differ, with a job that is
+// repeated.
+TEST(FourChannels, CascadesGiveTheBitsOfOne) {
+    for (const PerLane<unsigned int> numStages :
+         {PerLane<unsigned int>{0, 0, 0, 0}, {6, 6, 6, 6}, {8, 8, 8, 8}, {19, 19, 19, 19}, {2, 6, 2, 2}}) {
+        const std::size_t numJobs = numStages[0] == numStages[1] ? 4 : 2;
+        PerLane<Lume::BiquadCascade> alone, together;
+        for (std::size_t i = 0; i < 4; ++i) {
+            std::vector<float> set = MakeNoise(static_cast<std::uint32_t>(i), 4 * numStages[i] + 1, 0.4f);
+            for (Lume::BiquadCascade* const cascade : {&alone[i], &together[i]}) {
+                cascade->SetNumStages(numStages[i]);
+                cascade->SetCoefficients(set.data());
+            }
+        }
+        Channels expected = Noise(4, numJobs, totalLength), actual = expected;
+        InBlocks([&](std::size_t first, std::size_t length) {
+            PerLane<Lume::CascadeJob> jobs;
+            for (std::size_t i = 0; i < 4; ++i) {
+                const std::size_t c = std::min(i, numJobs - 1);
+                if (c == i) alone[c].Process(&expected[c][first], &expected[c][first], length);
+                jobs[i] = {&together[c], &actual[c][first], &actual[c][first]};
+            }
+            FilterFourCascades(jobs, numJobs, length);
+        });
+        ExpectSameBits(expected, actual);
+    }
 }
 
 // Red if the lanes mix up heads, if a run ends at the wrong ring, or if a head forgets its previous output: each line

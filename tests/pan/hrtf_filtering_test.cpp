@@ -1,0 +1,51 @@
+#include "pan/hrtf_filtering.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <vector>
+
+#include "support/signals.h"
+
+namespace {
+
+using Lume::HrtfFiltering;
+
+// Five ways, one of them an FIR filter and one without a delay; sets and delays change while sound runs, so that fades
+// begin and end among ways that stand still. Red if a way gets another's delay, buffer or memory, or if one that is
+// repeated to fill four lanes fades twice.
+TEST(HrtfFiltering, SeveralWaysGiveTheBitsOfOne) {
+    constexpr std::size_t numWays = 5;
+    constexpr unsigned int block = 64;
+    std::vector<HrtfFiltering> alone, together;
+    for (std::vector<HrtfFiltering>* const ways : {&alone, &together})
+        for (std::size_t i = 0; i < numWays; ++i) {
+            ways->emplace_back(i == 1 ? Lume::firFilter : Lume::biquadFilters, i != 3);
+            ways->back().Configure(48000.0f, block, true);
+            ways->back().SetNumCoefficients(25);
+        }
+    for (unsigned int round = 0; round < 60; ++round) {
+        const std::size_t changed = round * 7 % numWays;
+        const std::vector<float> set = MakeNoise(round, 25, 0.3f);
+        for (std::vector<HrtfFiltering>* const ways : {&alone, &together}) {
+            HrtfFiltering& way = (*ways)[changed];
+            if (round % 5 < 2) way.SetCoefficients(set, false);
+            if (round % 6 == 0) way.SetDelay(0.02f * static_cast<float>(round), round % 12 == 0);
+        }
+        std::array<std::vector<float>, numWays> expected, actual;
+        std::vector<HrtfFiltering::Job> jobs;
+        for (std::size_t i = 0; i < numWays; ++i) {
+            expected[i] = actual[i] = MakeNoise(100 * round + static_cast<std::uint32_t>(i), block);
+            alone[i].Process(expected[i].data(), expected[i].data(), block);
+            jobs.push_back({&together[i], actual[i].data(), actual[i].data()});
+        }
+        HrtfFiltering::ProcessSeveral(jobs, block);
+        for (std::size_t i = 0; i < numWays; ++i)
+            for (std::size_t k = 0; k < block; ++k)
+                ASSERT_EQ(std::bit_cast<std::uint32_t>(expected[i][k]), std::bit_cast<std::uint32_t>(actual[i][k]))
+                    << "round " << round << ", way " << i << ", sample " << k;
+    }
+}
+
+}  // namespace
