@@ -15,6 +15,21 @@
 
 namespace {
 
+int ObeyHrtf(program::HrtfOptions const& options) {
+    using Action = program::HrtfOptions::Action;
+    switch (options.action) {
+        case Action::Info:
+            return program::ShowHrtf(options);
+        case Action::Convert:
+            program::ConvertHrtf(options);
+            break;
+        case Action::Transaural:
+            program::MakeTransaural(options);
+            break;
+    }
+    return 0;
+}
+
 /// @return the exit status
 int Obey(program::Options const& options) {
     using Command = program::Options::Command;
@@ -30,9 +45,7 @@ int Obey(program::Options const& options) {
             program::RunDecode(options);
             break;
         case Command::Hrtf:
-            if (options.hrtf.action == program::HrtfOptions::Action::Info) return program::ShowHrtf(options.hrtf);
-            program::ConvertHrtf(options.hrtf);
-            break;
+            return ObeyHrtf(options.hrtf);
         case Command::Shell:
             return program::RunShell(program::JoinWords(options.attributes));
         case Command::Attributes:

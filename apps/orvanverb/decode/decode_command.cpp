@@ -1,9 +1,9 @@
 #include "orvanverb/decode/decode_command.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
-#include "dsp/constants.h"
 #include "orvanverb/decode/decode_setup.h"
 #include "orvanverb/input_bank.h"
 #include "orvanverb/streaming.h"
@@ -21,20 +21,20 @@ void RunDecode(Options const& options) {
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
     if (options.decode.matrix) std::fputs(setup.MatrixText().c_str(), stdout);
     if (options.output.empty()) return;
-    setup.Start(input.Samplerate(), options.vectorSize);
+    if (const std::string remark = setup.RateRemark(input.Samplerate()); !remark.empty()) Say(remark);
+    const unsigned int vectorSize = std::max(options.vectorSize, setup.blockLength.value_or(0));
+    setup.Start(input.Samplerate(), vectorSize);
 
     // What filters and delays still give when the input has ended.
     constexpr double usualTailSeconds = 0.1;
     Streaming streaming;
     streaming.samplerate = input.Samplerate();
-    streaming.vectorSize = options.vectorSize;
+    streaming.vectorSize = vectorSize;
     streaming.numInputs = setup.NumInputs();
     streaming.numOutputs = setup.NumOutputs();
     streaming.fileOrder = setup.layout.fileOrder;
     streaming.tail = options.tailGiven ? options.tail : Tail(usualTailSeconds);
-    streaming.process = [&](float** outputs, float** inputs) {
-        setup.decoder->Process(outputs, inputs, options.vectorSize, orvandsp::allActiveInputs);
-    };
+    streaming.process = [&](float** outputs, float** inputs) { setup.Process(outputs, inputs); };
 
     const SampleFormat format = ChooseFormat(options.format, options.output);
     AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);

@@ -9,9 +9,11 @@
 #include "decoders/transaural_decoder.h"
 #include "dsp/constants.h"
 #include "geometry/speakers.h"
+#include "hrtf/sdif_access.h"
 #include "orvanverb/channel_mask.h"
 #include "orvanverb/channel_words.h"
 #include "orvanverb/hrtf/engine_loading.h"
+#include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/program_error.h"
 #include "orvanverb/text.h"
 #include "orvanverb/vector_channels.h"
@@ -84,6 +86,25 @@ Value FindByName(char const* option, std::string const& word, int count, NameOf 
     throw UsageError(std::string(option) + ": '" + word + "' is none; there are" + names);
 }
 
+/// Loads the filters of a transaural network.
+/// @throws WorkError that names the file, and says what it is for if it isn't for this network
+void LoadFilters(std::string const& path, Lume::TransauralDecoder& decoder) {
+    RequireSetFile(path, ".bin2trans, .hrtf or .coll");
+    Lume::HrtfHeaderInfos infos;
+    bool known = false;
+    if (path.ends_with(".bin2trans")) LoadQuietly(path, [&] { known = Lume::GetHrtfHeaderInfos(path, infos); });
+    const Lume::HrtfType wanted = decoder.getExpectedHrtfTypeInHrtfFiles();
+    bool taken = false;
+    if (!known || infos.hrtfType == wanted) LoadQuietly(path, [&] { taken = decoder.LoadFromFile(path.c_str()); });
+    if (taken) return;
+    const auto describe = [](Lume::HrtfType type, unsigned int count) {
+        return Lume::GetHrtfTypeName(type) + " of " + std::to_string(count) + " filters a point";
+    };
+    throw WorkError(path + ": is no set that this network takes, which is " +
+                    describe(wanted, decoder.getExpectedNumberOfFiltersInHrtfFiles()) +
+                    (known ? ", but " + describe(infos.hrtfType, infos.numChannels) : ""));
+}
+
 }  // namespace
 
 DecodeSetup::DecodeSetup(Options const& options, unsigned int newNumInputs) : numInputs(newNumInputs) {
@@ -92,7 +113,9 @@ DecodeSetup::DecodeSetup(Options const& options, unsigned int newNumInputs) : nu
         throw UsageError("--type: '" + name + "' is none; orvanverb decode --list shows them");
     type = Decoder::GetType(name.c_str());
     ChooseOutputs(options);
-    const auto subType = FindByName<Decoder::SubType>("--sub-type", options.decode.subType, 9, Decoder::GetSubTypeName);
+    const Decoder::SubType subType = Decoder::GetSubType(options.decode.subType.c_str());
+    if (subType == Decoder::nullSubType && options.decode.subType != "null")
+        throw UsageError("--sub-type: '" + options.decode.subType + "' is none; orvanverb decode --list shows them");
     if (subType != Decoder::nullSubType && type != Decoder::transaural)
         throw UsageError("--sub-type: is for the type transaural");
     if (Decoder::SupportsConfiguration(type, numInputs, NumOutputs()))
@@ -170,15 +193,9 @@ void DecodeSetup::SetUpTransaural(Options const& options) {
         return;
     }
     if (options.decode.filters) {
-        std::string const& path = *options.decode.filters;
-        RequireSetFile(path, ".bin2trans, .hrtf or .coll");
-        bool taken = false;
-        LoadQuietly(path, [&] { taken = transaural->LoadFromFile(path.c_str()); });
-        if (!taken)
-            throw WorkError(path + ": has not what this network takes: " +
-                            std::to_string(transaural->getExpectedNumberOfFiltersInHrtfFiles()) +
-                            " filters a point, for " +
-                            Lume::GetHrtfTypeName(transaural->getExpectedHrtfTypeInHrtfFiles()));
+        filters = *options.decode.filters;
+        LoadFilters(filters, *transaural);
+        if (filters.ends_with(".bin2trans")) blockLength = BlockLengthOf(filters);
     } else {
         // A network that the built-in set doesn't suit refuses it, in one way or the other.
         try {
@@ -187,16 +204,40 @@ void DecodeSetup::SetUpTransaural(Options const& options) {
         }
     }
     if (transaural->GetHrtfHeaderInfos() == nullptr)
-        warnings.push_back("this network has no built-in filters: the output is silent without --filters, a set for " +
-                           Lume::GetHrtfTypeName(transaural->getExpectedHrtfTypeInHrtfFiles()));
+        warnings.push_back(
+            "this network has no built-in filters: the output is silent without --filters; orvanverb hrtf transaural "
+            "kemar OUT.bin2trans --network " +
+            options.decode.subType + " makes some, a set for " +
+            Lume::GetHrtfTypeName(transaural->getExpectedHrtfTypeInHrtfFiles()));
 }
 
-void DecodeSetup::Start(int samplerate, unsigned int vectorSize) {
-    decoder->Configure(static_cast<float>(samplerate), vectorSize, true);
+void DecodeSetup::Start(int samplerate, unsigned int newVectorSize) {
+    vectorSize = newVectorSize;
+    decoder->Configure(static_cast<float>(samplerate), blockLength.value_or(vectorSize), true);
     VectorChannels silence(numInputs, vectorSize);
     VectorChannels discarded(NumOutputs(), vectorSize);
     for (double seconds = 0.0; seconds < settleSeconds; seconds += static_cast<double>(vectorSize) / samplerate)
-        decoder->Process(discarded.Pointers(), silence.Pointers(), vectorSize, orvandsp::allActiveInputs);
+        Process(discarded.Pointers(), silence.Pointers());
+}
+
+void DecodeSetup::Process(float** outputs, float** inputs) {
+    const unsigned int block = blockLength.value_or(vectorSize);
+    std::vector<float*> from(inputs, inputs + NumInputs()), to(outputs, outputs + NumOutputs());
+    for (unsigned int n = 0; n < vectorSize; n += block) {
+        decoder->Process(to.data(), from.data(), block, orvandsp::allActiveInputs);
+        for (auto* const pointers : {&from, &to})
+            for (float*& pointer : *pointers) pointer += block;
+    }
+}
+
+std::string DecodeSetup::RateRemark(int samplerate) const {
+    auto const* const transaural = dynamic_cast<Lume::TransauralDecoder const*>(decoder.get());
+    Lume::HrtfHeaderInfos const* const header = transaural != nullptr ? transaural->GetHrtfHeaderInfos() : nullptr;
+    if (header == nullptr || header->samplingRate == static_cast<unsigned int>(samplerate)) return {};
+    return (filters.empty() ? std::string("the built-in filters") : filters) + ": made for " +
+           std::to_string(header->samplingRate) + " Hz, the output has " + std::to_string(samplerate) +
+           "; orvanverb hrtf " + (header->hrtfType == Lume::hrtfBinaural ? "convert" : "transaural") +
+           " --rate makes some for it";
 }
 
 std::string DecodeSetup::MatrixText() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,14 @@ public:
     DecodeSetup(Options const& options, unsigned int numInputs);
 
     /// Announces the rate and runs over silence until the gains have come to where they belong.
-    void Start(int samplerate, unsigned int vectorSize);
+    /// @param newVectorSize  samples of each call of Process, at least those of a block that the filters prescribe
+    void Start(int samplerate, unsigned int newVectorSize);
+
+    /// Runs the decoder over one vector, in the blocks that its filters prescribe if they do so.
+    void Process(float** outputs, float** inputs);
+
+    /// What to tell of filters that were made for another rate; empty if there is nothing.
+    std::string RateRemark(int samplerate) const;
 
     unsigned int NumInputs() const { return numInputs; }
     unsigned int NumOutputs() const { return static_cast<unsigned int>(layout.fileOrder.size()); }
@@ -30,6 +38,7 @@ public:
     SpeakerLayout layout;               // positions only if the outputs are loudspeakers
     std::vector<std::string> channels;  // in words, in the order of the file
     std::vector<std::string> warnings;
+    std::optional<unsigned int> blockLength;  // samples, of a network whose filters were made for blocks of a length
 
 private:
     void ChooseOutputs(Options const& options);
@@ -39,6 +48,8 @@ private:
 
     Lume::Decoder::Type type;
     unsigned int numInputs;
+    unsigned int vectorSize = 0;
+    std::string filters;  // the file's name; empty for built-in ones
 };
 
 /// What --list prints: each type with its numbers of channels, the networks of the transaural one, and the weights of

@@ -3,8 +3,12 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <bit>
 #include <memory>
+#include <optional>
 
+#include "orvanverb/hrtf/transaural_conversion.h"
+#include "orvanverb/hrtf/transaural_design.h"
 #include "orvanverb/option_values.h"
 #include "orvanverb/program_error.h"
 #include "orvanverb/text.h"
@@ -17,29 +21,133 @@ struct Words {
     std::string rate, length, equalise;
 };
 
-void TakeMeaning(Words const& words, HrtfOptions& options) {
-    constexpr unsigned int minLength = 16, maxLength = 65536;
+struct TransauralWords {
+    Words common;
+    std::string maxGain, block, step;
+    std::vector<std::string> pairs;  // two to a pair
+};
+
+std::size_t ParseLength(std::string const& word, unsigned int least, unsigned int most) {
+    const std::optional<unsigned int> length = ParseCount(word);
+    if (!length || *length < least || *length > most)
+        throw UsageError("--length: '" + word + "' is no number of samples from " + std::to_string(least) + " to " +
+                         std::to_string(most));
+    return *length;
+}
+
+void TakeRateAndEqualisation(Words const& words, HrtfOptions& options) {
     if (!words.rate.empty()) options.rate = ParseRate(words.rate);
-    if (!words.length.empty()) {
-        const std::optional<unsigned int> length = ParseCount(words.length);
-        if (!length || *length < minLength || *length > maxLength)
-            throw UsageError("--length: '" + words.length + "' is no number of samples from " +
-                             std::to_string(minLength) + " to " + std::to_string(maxLength));
-        if (!options.fir) throw UsageError("--length: is for --fir");
-        options.length = *length;
+    if (words.equalise.empty()) return;
+    if (words.equalise != "diffuse" && words.equalise != "none")
+        throw UsageError("--equalise: '" + words.equalise + "' is neither diffuse nor none");
+    options.equalise = words.equalise == "diffuse";
+}
+
+void TakeMeaning(Words const& words, HrtfOptions& options) {
+    TakeRateAndEqualisation(words, options);
+    if (words.length.empty()) return;
+    options.length = ParseLength(words.length, 16, 65536);
+    if (!options.fir) throw UsageError("--length: is for --fir");
+}
+
+double ParseWithin(char const* option, std::string const& word, float least, float most, char const* unit) {
+    const std::optional<float> value = ParseNumber(word);
+    if (!value || *value < least || *value > most)
+        throw UsageError(std::string(option) + ": '" + word + "' is no number of " + unit + " from " +
+                         NumberText(least) + " to " + NumberText(most));
+    return static_cast<double>(*value);
+}
+
+std::vector<TransauralOptions::Pair> ParsePairs(std::vector<std::string> const& words, bool symmetric) {
+    constexpr float nearest = 5.0f, farthest = 175.0f;
+    std::vector<TransauralOptions::Pair> pairs;
+    for (std::size_t i = 0; i + 2 <= words.size(); i += 2) {
+        const TransauralOptions::Pair pair{ParseWithin("--pair", words[i], -farthest, -nearest, "degrees to the left"),
+                                           ParseWithin("--pair", words[i + 1], nearest, farthest, "degrees")};
+        if (symmetric && pair.leftDeg != -pair.rightDeg)
+            throw UsageError("--pair: " + words[i] + " and " + words[i + 1] +
+                             " don't mirror each other, as this network needs it; there are asymmetric ones");
+        pairs.push_back(pair);
     }
-    if (!words.equalise.empty()) {
-        if (words.equalise != "diffuse" && words.equalise != "none")
-            throw UsageError("--equalise: '" + words.equalise + "' is neither diffuse nor none");
-        options.equalise = words.equalise == "diffuse";
+    return pairs;
+}
+
+void TakeTransauralMeaning(TransauralWords const& words, HrtfOptions& options) {
+    constexpr unsigned int maxBlock = 64;
+    TransauralOptions& transaural = options.transaural;
+    const Lume::HrtfType type = TransauralTypeOf(transaural.network);
+    TakeRateAndEqualisation(words.common, options);
+    if (!words.common.length.empty()) transaural.length = ParseLength(words.common.length, 64, 8192);
+    if (!words.maxGain.empty())
+        transaural.maxGainDb = ParseWithin("--max-gain", words.maxGain, 6.0f, 40.0f, "decibels");
+    if (!words.block.empty()) {
+        const std::optional<unsigned int> block = ParseCount(words.block);
+        if (!HasBlockLateLoop(type)) throw UsageError("--block: is for the recursive networks");
+        if (!block || *block > maxBlock || !std::has_single_bit(*block))
+            throw UsageError("--block: '" + words.block + "' is no power of two from 1 to " + std::to_string(maxBlock));
+        transaural.blockLength = *block;
     }
+    if (!words.step.empty()) transaural.stepDeg = ParseWithin("--step", words.step, 0.5f, 30.0f, "degrees");
+    transaural.pairs = ParsePairs(words.pairs, IsSymmetricNetwork(type));
+    if (transaural.stepDeg && !transaural.pairs.empty()) throw UsageError("--step: is of the grid, in place of --pair");
+}
+
+void AddTransauralCommand(CLI::App& hrtf, HrtfOptions& options) {
+    TransauralOptions& transaural = options.transaural;
+    CLI::App* command =
+        hrtf.add_subcommand("transaural", "Make a .bin2trans file: filters for two loudspeakers, from a measured head");
+    const auto words = std::make_shared<TransauralWords>();
+    command->add_option("input", options.input, "A .sofa, .coll or .hrtf file, or kemar")->required()->type_name("IN");
+    command->add_option("output", options.output, "The .bin2trans file to write")->required()->type_name("OUT");
+    command
+        ->add_option("--network", transaural.network, "What it is for: a sub-type that orvanverb decode --list shows")
+        ->required()
+        ->type_name("NAME")
+        ->take_last();
+    command
+        ->add_option("--pair", words->pairs,
+                     "Azimuths of the loudspeakers, as -30 30; may be repeated\n"
+                     "[a grid, from 10 degrees on either side]")
+        ->type_name("LEFT RIGHT")
+        ->type_size(2)
+        ->allow_extra_args(false);
+    command->add_option("--step", words->step, "Step of the grid in degrees [2.5 for symmetric networks, else 5]")
+        ->type_name("DEGREES")
+        ->take_last();
+    command->add_option("--length", words->common.length, "Samples of each filter [512 up to 48 kHz, more above]")
+        ->type_name("SAMPLES")
+        ->take_last();
+    command
+        ->add_option("--max-gain", words->maxGain,
+                     "Most that cancelling may add: less cancels less in the lows, and leaves more headroom [18]")
+        ->type_name("DB")
+        ->take_last();
+    command
+        ->add_option("--block", words->block,
+                     "Samples of the blocks in which a recursive network will run [4]; longer ones\n"
+                     "cancel only for loudspeakers further apart")
+        ->type_name("SAMPLES")
+        ->take_last();
+    command->add_option("--rate", words->common.rate, "Sample rate of the filters [that of the input]")
+        ->type_name("HZ")
+        ->take_last();
+    command
+        ->add_option("--equalise", words->common.equalise,
+                     "diffuse: take out what all directions have in common first; or none\n"
+                     "[diffuse for .sofa, none for the others]")
+        ->type_name("HOW")
+        ->take_last();
+    command->callback([&options, words] {
+        options.action = HrtfOptions::Action::Transaural;
+        TakeTransauralMeaning(*words, options);
+    });
 }
 
 }  // namespace
 
 CLI::App* AddHrtfCommand(CLI::App& app, Options& all) {
     HrtfOptions& options = all.hrtf;
-    CLI::App* hrtf = app.add_subcommand("hrtf", "Look at sets of filters for headphones, and make them");
+    CLI::App* hrtf = app.add_subcommand("hrtf", "Look at sets of filters for headphones and loudspeaker pairs, and make them");
     hrtf->require_subcommand(1);
 
     CLI::App* info = hrtf->add_subcommand("info", "Show what a set says about itself, and check it");
@@ -72,6 +180,7 @@ CLI::App* AddHrtfCommand(CLI::App& app, Options& all) {
         options.action = HrtfOptions::Action::Convert;
         TakeMeaning(*words, options);
     });
+    AddTransauralCommand(*hrtf, options);
     return hrtf;
 }
 

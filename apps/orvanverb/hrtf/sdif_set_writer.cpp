@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <utility>
+#include <vector>
 
 #include "hrtf/sdif_reader.h"
 
@@ -79,8 +80,9 @@ void PutText(Bytes& file, char const* signature, std::string const& text) {
     frame.AppendTo(file, signature, noTime, textStream);
 }
 
-std::string Table(Lume::HrtfHeaderInfos const& header, std::size_t numPoints, std::string const& author) {
-    const std::pair<char const*, std::string> pairs[] = {
+std::string Table(Lume::HrtfHeaderInfos const& header, std::size_t numPoints, std::string const& author,
+                  std::optional<unsigned int> blockLength) {
+    std::vector<std::pair<char const*, std::string>> pairs{
         {"TableName", "HrtfInfos"},
         {"Owner", header.owner},
         {"Author", author},
@@ -98,6 +100,7 @@ std::string Table(Lume::HrtfHeaderInfos const& header, std::size_t numPoints, st
         {"NumPoints", std::to_string(numPoints)},
         {"Generated", header.date},
     };
+    if (blockLength) pairs.emplace_back(blockLengthKey, std::to_string(*blockLength));
     std::string text;
     for (auto const& [name, value] : pairs) {
         text.append(name).append("\t");
@@ -128,13 +131,14 @@ void PutPoint(Bytes& file, Lume::HrtfHeaderInfos const& header, Lume::SdifSetPoi
 
 }  // namespace
 
-std::string SdifSetBytes(Lume::SdifSet const& set, std::string const& author) {
+std::string SdifSetBytes(Lume::SdifSet const& set, std::string const& author,
+                         std::optional<unsigned int> blockLength) {
     Bytes file;
     file.Put("SDIF");
     file.Put4(8);  // bytes that follow in this header
     file.Put4(Lume::SdifFormatVersion);
     file.Put4(predefinedTypesVersion);
-    PutText(file, "1NVT", Table(set.header, set.points.size(), author));
+    PutText(file, "1NVT", Table(set.header, set.points.size(), author, blockLength));
     PutText(file, "1TYP", types);
     for (std::size_t i = 0; i < set.points.size(); ++i)
         PutPoint(file, set.header, set.points[i], static_cast<std::uint32_t>(i + 1));

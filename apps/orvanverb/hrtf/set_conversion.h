@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "hrtf/hrtf_data.h"
 #include "hrtf/sdif_set.h"
+#include "hrtf/symmetric_transaural_data_loader.h"
 #include "orvanverb/hrtf/measured_set.h"
 
 namespace program {
@@ -18,6 +20,9 @@ struct ConversionSettings {
     /// Takes out what all directions have in common: the power mean over the sphere then is flat, at 0 dB. This is what
     /// the built-in set has, and what the engine's filters for the room expect.
     bool equalise = true;
+    /// The directions to convert, by their positions, one at least; none: all of them. All count for the mean over the
+    /// sphere.
+    std::function<bool(Lume::CartesianVector const&)> wanted;
 };
 
 /// How good the fit is, over all ears: RMS difference in bands of one ERB [dB].
@@ -37,6 +42,10 @@ Lume::SdifSet ConvertSet(MeasuredSet const& measured, ConversionSettings const& 
 
 /// A set of filters as if it had been measured, to be converted to another rate or form.
 MeasuredSet MeasureSet(Lume::HrtfData const& filters);
+
+/// What the symmetric shuffler's filters say of the head that they were made for: the responses to both loudspeakers of
+/// each pair, with the phase between the ears, which filters for headphones have no place for.
+MeasuredSet MeasurePairs(Lume::SymmetricTransauralDataLoader const& pairs);
 
 /// A set as it stands, to be written to a file.
 Lume::SdifSet CopySet(Lume::HrtfData const& filters);

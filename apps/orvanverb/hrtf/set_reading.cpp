@@ -1,0 +1,97 @@
+#include "orvanverb/hrtf/set_reading.h"
+
+#include <exception>
+
+#include "hrtf/coll_file.h"
+#include "hrtf/sdif_access.h"
+#include "hrtf/symmetric_transaural_data_loader.h"
+#include "orvanverb/hrtf/engine_loading.h"
+#include "orvanverb/hrtf/sdif_set_writer.h"
+#include "orvanverb/hrtf/set_conversion.h"
+#include "orvanverb/hrtf/sofa_file.h"
+#include "orvanverb/limits.h"
+#include "orvanverb/program_error.h"
+#include "orvanverb/text.h"
+
+namespace program {
+
+namespace {
+
+constexpr char const* builtIn = "kemar";
+
+/// A text of rows: for the ears, or, with 34 of them, for two loudspeakers.
+Lume::SdifSet ReadColl(std::string const& path) {
+    Lume::SdifSet set;
+    LoadQuietly(path, [&] {
+        try {
+            set = CopySet(Lume::Hrtf(path));
+        } catch (std::exception const&) {
+            try {
+                set = CopySet(Lume::SymmetricTransauralDataLoader(path));
+                return;
+            } catch (std::exception const&) {
+            }
+            throw;
+        }
+    });
+    return set;
+}
+
+}  // namespace
+
+Lume::SdifSet ReadAnySet(std::string const& path) {
+    if (path == builtIn) return CopySet(Lume::Hrtf(""));
+    RequireSetFile(path, ".hrtf, .near, .bin2trans or .coll");
+    if (Lume::CheckFileExtension(path, ".coll")) return ReadColl(path);
+    Lume::SdifSet set;
+    LoadQuietly(path, [&] {
+        try {
+            set = Lume::ReadSdifSet(path, 1);
+        } catch (std::exception const& error) {
+            // Sets for loudspeakers that stand anywhere have two positions a point.
+            if (std::string(error.what()).find("exception reading X") == std::string::npos) throw;
+            set = Lume::ReadSdifSet(path, 2);
+        }
+    });
+    return set;
+}
+
+bool IsSofa(std::string const& path) {
+    return path.ends_with(".sofa") || path.ends_with(".SOFA");
+}
+
+std::optional<unsigned int> BlockLengthOf(std::string const& path) {
+    std::string text;
+    LoadQuietly(path, [&] {
+        Lume::SdifGenInitCond("");
+        const Lume::SdifFilePointer file(Lume::SdifFOpen(path.c_str(), Lume::SdifReadFile));
+        if (file == nullptr) return;
+        Lume::SdifFReadGeneralHeader(file.get());
+        Lume::SdifFReadAllASCIIChunks(file.get());
+        Lume::GetValueFromNVT(text, file.get(), "HrtfInfos", blockLengthKey);
+    });
+    const std::optional<unsigned int> length = ParseCount(text);
+    return length.value_or(0) > 0 ? length : std::nullopt;
+}
+
+Lume::Hrtf ReadHrtf(std::string const& path) {
+    if (path == builtIn) return Lume::Hrtf("");
+    RequireSetFile(path, ".sofa, .coll or .hrtf");
+    Lume::Hrtf set("");
+    LoadQuietly(path, [&] { set.LoadFromFile(path); });
+    Lume::HrtfHeaderInfos const& header = set.GetHrtfHeaderInfos();
+    if (header.hrtfType != Lume::hrtfBinaural || header.numChannels != 2 || header.filterType > Lume::hrtfFIR ||
+        header.numPoints == 0 || header.numCoefficients == 0)
+        throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
+    if (header.samplingRate < minRate || header.samplingRate > maxRate)
+        throw WorkError(path + ": has a sample rate of " + std::to_string(header.samplingRate) +
+                        " Hz; that of a .coll file stands in its name, as in NAME-SUBJECT-44100.coll");
+    return set;
+}
+
+MeasuredSet ReadHead(std::string const& path) {
+    if (path == builtIn) return MeasurePairs(Lume::SymmetricTransauralDataLoader(""));
+    return IsSofa(path) ? ReadSofaFile(path) : MeasureSet(ReadHrtf(path));
+}
+
+}  // namespace program

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "hrtf/hrtf.h"
+#include "hrtf/sdif_set.h"
+#include "orvanverb/hrtf/measured_set.h"
+
+/// How the commands read the sets that they are given. The word "kemar" means the built-in set. All throw WorkError
+/// that names the file.
+namespace program {
+
+/// A set of any kind, as it stands.
+Lume::SdifSet ReadAnySet(std::string const& path);
+
+/// Whether a file holds measurements, by its name.
+bool IsSofa(std::string const& path);
+
+/// The length of the blocks for which an SDIF file was made, if it holds one.
+std::optional<unsigned int> BlockLengthOf(std::string const& path);
+
+/// Measurements of a head, to make filters for loudspeakers from: a SOFA file, or what a set of filters for headphones
+/// says. The built-in one is that for loudspeakers, which says more.
+MeasuredSet ReadHead(std::string const& path);
+
+/// A set of filters for headphones, to be converted.
+Lume::Hrtf ReadHrtf(std::string const& path);
+
+}  // namespace program
