@@ -14,6 +14,7 @@
 #include "orvanverb/channel_words.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
+#include "orvanverb/hrtf/transaural_design.h"
 #include "orvanverb/program_error.h"
 #include "orvanverb/text.h"
 #include "orvanverb/vector_channels.h"
@@ -86,23 +87,40 @@ Value FindByName(char const* option, std::string const& word, int count, NameOf 
     throw UsageError(std::string(option) + ": '" + word + "' is none; there are" + names);
 }
 
+/// The network that takes a type of set; empty for a type that none takes.
+std::string NetworkFor(Lume::HrtfType type) {
+    for (int i = Decoder::shufflersymmetric; i <= Decoder::recursivesymmetricbiquads; ++i) {
+        const auto subType = static_cast<Decoder::SubType>(i);
+        const std::unique_ptr<Decoder> decoder(Decoder::factory(2, 2, Decoder::transaural, subType));
+        if (dynamic_cast<Lume::TransauralDecoder const&>(*decoder).getExpectedHrtfTypeInHrtfFiles() == type)
+            return Decoder::GetSubTypeName(subType);
+    }
+    return {};
+}
+
+/// The files that a network can take; the engine would read other names as the built-in set.
+char const* FilesFor(Lume::HrtfType type) {
+    if (type == Lume::hrtfBinaural) return ".hrtf, .bin2trans or .coll";
+    return type == Lume::hrtfBinauralToTransauralShufflerSymmetric ? ".bin2trans or .coll" : ".bin2trans";
+}
+
 /// Loads the filters of a transaural network.
 /// @throws WorkError that names the file, and says what it is for if it isn't for this network
 void LoadFilters(std::string const& path, Lume::TransauralDecoder& decoder) {
-    RequireSetFile(path, ".bin2trans, .hrtf or .coll");
+    const Lume::HrtfType wanted = decoder.getExpectedHrtfTypeInHrtfFiles();
+    RequireSetFile(path, FilesFor(wanted));
     Lume::HrtfHeaderInfos infos;
     bool known = false;
     if (path.ends_with(".bin2trans")) LoadQuietly(path, [&] { known = Lume::GetHrtfHeaderInfos(path, infos); });
-    const Lume::HrtfType wanted = decoder.getExpectedHrtfTypeInHrtfFiles();
+    if (known && infos.hrtfType != wanted && !NetworkFor(infos.hrtfType).empty())
+        throw WorkError(path + ": is for the network " + NetworkFor(infos.hrtfType) + ", not for " +
+                        NetworkFor(wanted));
     bool taken = false;
-    if (!known || infos.hrtfType == wanted) LoadQuietly(path, [&] { taken = decoder.LoadFromFile(path.c_str()); });
-    if (taken) return;
-    const auto describe = [](Lume::HrtfType type, unsigned int count) {
-        return Lume::GetHrtfTypeName(type) + " of " + std::to_string(count) + " filters a point";
-    };
-    throw WorkError(path + ": is no set that this network takes, which is " +
-                    describe(wanted, decoder.getExpectedNumberOfFiltersInHrtfFiles()) +
-                    (known ? ", but " + describe(infos.hrtfType, infos.numChannels) : ""));
+    LoadQuietly(path, [&] { taken = decoder.LoadFromFile(path.c_str()); });
+    if (!taken)
+        throw WorkError(path + ": has not what this network takes: " +
+                        std::to_string(decoder.getExpectedNumberOfFiltersInHrtfFiles()) + " filters a point, for " +
+                        Lume::GetHrtfTypeName(wanted));
 }
 
 }  // namespace
@@ -203,12 +221,16 @@ void DecodeSetup::SetUpTransaural(Options const& options) {
         } catch (WorkError const&) {
         }
     }
+    const Lume::HrtfType expected = transaural->getExpectedHrtfTypeInHrtfFiles();
     if (transaural->GetHrtfHeaderInfos() == nullptr)
         warnings.push_back(
-            "this network has no built-in filters: the output is silent without --filters; orvanverb hrtf transaural "
-            "kemar OUT.bin2trans --network " +
-            options.decode.subType + " makes some, a set for " +
-            Lume::GetHrtfTypeName(transaural->getExpectedHrtfTypeInHrtfFiles()));
+            "this network has no built-in filters: the output is silent without --filters; orvanverb "
+            "hrtf transaural kemar OUT.bin2trans --network " +
+            NetworkFor(expected) + " makes some");
+    if ((IsSymmetricNetwork(expected) || expected == Lume::hrtfBinaural) && !transaural->IsSpeakersSetupSymmetric())
+        warnings.push_back(
+            "the loudspeakers don't mirror each other, and this network takes the left one for both; an "
+            "asymmetric one suits them");
 }
 
 void DecodeSetup::Start(int samplerate, unsigned int newVectorSize) {

@@ -22,8 +22,8 @@ double Lag(RealTransform const& transform, Spectrum const& a, Spectrum const& b,
     for (std::size_t k = 0; k < a.size() && transform.FrequencyOf(k, samplerate) < highHz; ++k)
         cross[k] = b[k] * std::conj(a[k]);
     const std::vector<double> correlation = transform.Inverse(cross);
-    const auto peak = static_cast<std::size_t>(std::max_element(correlation.begin(), correlation.end()) -
-                                               correlation.begin());
+    const auto peak =
+        static_cast<std::size_t>(std::max_element(correlation.begin(), correlation.end()) - correlation.begin());
     const std::size_t size = correlation.size();
     const double before = correlation[(peak + size - 1) % size], after = correlation[(peak + 1) % size];
     const double bend = before - 2.0 * correlation[peak] + after;

@@ -78,8 +78,8 @@ private:
 
 std::vector<std::vector<double>> FitFilters(RealTransform const& transform, FilterWish const& wish,
                                             std::size_t length) {
-    constexpr int numSteps = 40;       // more change the crosstalk that is left by parts of a decibel
-    constexpr double enough = 1e-20;   // of the first residual's power
+    constexpr int numSteps = 40;      // more change the crosstalk that is left by parts of a decibel
+    constexpr double enough = 1e-20;  // of the first residual's power
     const Equations equations(transform, wish, length);
     Signals residual = equations.RightSide(wish);
     Signals direction = residual, filters(residual.size(), std::vector<double>(length, 0.0));

@@ -119,13 +119,13 @@ void AddTransauralCommand(CLI::App& hrtf, HrtfOptions& options) {
         ->take_last();
     command
         ->add_option("--max-gain", words->maxGain,
-                     "Most that cancelling may add: less cancels less in the lows, and leaves more headroom [18]")
+                     "Most that cancelling may add [18]; less leaves more headroom, and cancels less\nin the lows")
         ->type_name("DB")
         ->take_last();
     command
         ->add_option("--block", words->block,
-                     "Samples of the blocks in which a recursive network will run [4]; longer ones\n"
-                     "cancel only for loudspeakers further apart")
+                     "Samples of the blocks in which a recursive network is to run [4]: the longer,\n"
+                     "the further apart the loudspeakers have to be")
         ->type_name("SAMPLES")
         ->take_last();
     command->add_option("--rate", words->common.rate, "Sample rate of the filters [that of the input]")
@@ -147,7 +147,8 @@ void AddTransauralCommand(CLI::App& hrtf, HrtfOptions& options) {
 
 CLI::App* AddHrtfCommand(CLI::App& app, Options& all) {
     HrtfOptions& options = all.hrtf;
-    CLI::App* hrtf = app.add_subcommand("hrtf", "Look at sets of filters for headphones and loudspeaker pairs, and make them");
+    CLI::App* hrtf =
+        app.add_subcommand("hrtf", "Look at sets of filters for headphones and loudspeaker pairs, and make them");
     hrtf->require_subcommand(1);
 
     CLI::App* info = hrtf->add_subcommand("info", "Show what a set says about itself, and check it");

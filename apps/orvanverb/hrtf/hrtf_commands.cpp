@@ -37,11 +37,9 @@ int ShowHrtf(HrtfOptions const& options) {
     const auto add = [&](std::vector<std::string> const& lines) {
         for (std::string const& line : lines) text.append("  ").append(line).append("\n");
     };
-    add(DescribeHeader(set.header));
+    add(DescribeHeader(set.header, BlockLengthOf(options.input)));
     const SetCheck check = CheckSet(set);
     add(check.findings);
-    if (const std::optional<unsigned int> length = BlockLengthOf(options.input))
-        add({"for blocks of      " + std::to_string(*length) + " samples"});
     for (std::string const& fault : check.faults) text.append("  FAULT: ").append(fault).append("\n");
     if (check.faults.empty()) text.append("  no fault found\n");
     std::fputs(text.c_str(), stdout);

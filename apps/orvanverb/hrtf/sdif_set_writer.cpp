@@ -131,8 +131,7 @@ void PutPoint(Bytes& file, Lume::HrtfHeaderInfos const& header, Lume::SdifSetPoi
 
 }  // namespace
 
-std::string SdifSetBytes(Lume::SdifSet const& set, std::string const& author,
-                         std::optional<unsigned int> blockLength) {
+std::string SdifSetBytes(Lume::SdifSet const& set, std::string const& author, std::optional<unsigned int> blockLength) {
     Bytes file;
     file.Put("SDIF");
     file.Put4(8);  // bytes that follow in this header

@@ -11,11 +11,11 @@
 
 #include "dsp/constants.h"
 #include "filters/biquad_cascade.h"
-#include "pan/hrtf_filtering.h"
 #include "orvanverb/hrtf/cascade_fit.h"
 #include "orvanverb/hrtf/parallel.h"
 #include "orvanverb/hrtf/responses.h"
 #include "orvanverb/hrtf/sphere.h"
+#include "pan/hrtf_filtering.h"
 
 namespace program {
 
@@ -348,10 +348,12 @@ MeasuredSet MeasurePairs(Lume::SymmetricTransauralDataLoader const& pairs) {
         for (const std::size_t ear : {0u, 1u}) {
             std::vector<float>& response = left.ears[ear].response;
             for (std::size_t n = 0; n < inverses[0].size(); ++n)
-                response.push_back(scale * (ear == 0 ? inverses[0][n] + inverses[1][n] : inverses[0][n] - inverses[1][n]));
+                response.push_back(scale *
+                                   (ear == 0 ? inverses[0][n] + inverses[1][n] : inverses[0][n] - inverses[1][n]));
             left.ears[ear].delaySamples = NearEarDelay(point.position, set.samplerate);
         }
-        MeasuredSet::Direction right{{-point.position.x, point.position.y, point.position.z}, {left.ears[1], left.ears[0]}};
+        MeasuredSet::Direction right{{-point.position.x, point.position.y, point.position.z},
+                                     {left.ears[1], left.ears[0]}};
         set.directions.push_back(std::move(left));
         set.directions.push_back(std::move(right));
     }

@@ -162,9 +162,9 @@ void CheckFilters(Lume::SdifSet const& set, SetCheck& check) {
 
 }  // namespace
 
-std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header) {
+std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header, std::optional<unsigned int> blockLength) {
     const bool isFir = header.filterType == Lume::hrtfFIR;
-    return {
+    std::vector<std::string> rows{
         Row("type", Lume::GetHrtfTypeName(header.hrtfType)),
         Row("owner", header.owner),
         Row("subject", header.subject),
@@ -180,6 +180,8 @@ std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header) {
                            Lume::GetFlagItdExtracted(header.flagItdExtracted)),
         Row("sample rate", std::to_string(header.samplingRate) + " Hz"),
     };
+    if (blockLength) rows.push_back(Row("blocks", std::to_string(*blockLength) + " samples, in which it has to run"));
+    return rows;
 }
 
 SetCheck CheckSet(Lume::SdifSet const& set) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,7 +9,7 @@
 namespace program {
 
 /// What a set says about itself, a line each: "subject  KEMAR".
-std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header);
+std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header, std::optional<unsigned int> blockLength);
 
 /// A short check of a set.
 struct SetCheck {

@@ -76,7 +76,8 @@ std::vector<double> RealTransform::Inverse(Spectrum const& spectrum) const {
 
 Spectrum RealTransform::Delayed(Spectrum spectrum, double samples) const {
     for (std::size_t k = 0; k < spectrum.size(); ++k)
-        spectrum[k] *= std::polar(1.0, -2.0 * std::numbers::pi * static_cast<double>(k) * samples / static_cast<double>(size));
+        spectrum[k] *=
+            std::polar(1.0, -2.0 * std::numbers::pi * static_cast<double>(k) * samples / static_cast<double>(size));
     return spectrum;
 }
 

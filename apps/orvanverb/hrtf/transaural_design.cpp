@@ -30,6 +30,19 @@ Spectrum MeanOf(Spectrum const& a, Spectrum const& b) {
     return mean;
 }
 
+/// A level with its details smoothed out: the power mean over an octave.
+std::vector<double> OctaveMean(std::vector<double> const& level) {
+    std::vector<double> sums{0.0}, mean;
+    for (const double value : level) sums.push_back(sums.back() + value * value);
+    for (std::size_t k = 0; k < level.size(); ++k) {
+        const auto centre = static_cast<double>(k);
+        const auto first = static_cast<std::size_t>(centre / std::numbers::sqrt2);
+        const std::size_t end = std::min(level.size(), static_cast<std::size_t>(centre * std::numbers::sqrt2) + 1);
+        mean.push_back(std::sqrt((sums[end] - sums[first]) / static_cast<double>(end - first)));
+    }
+    return mean;
+}
+
 }  // namespace
 
 bool IsSymmetricNetwork(Lume::HrtfType network) {
@@ -130,13 +143,15 @@ TransauralDesign::Filter TransauralDesign::LoopFilter(Plant const& plant, Spectr
     wish.wanted = {far};
     wish.weights = {importance};
     wish.effort = 1e-3;
-    // A loop must stay below a gain of 1, and must not add to a near ear's equaliser beyond the largest gain: where the
-    // two together would do so, and above the range where cancelling counts, it gets what the equaliser leaves.
+    // A loop must stay below a gain of 1. Filling a notch of the near ear and cancelling must not add up beyond the
+    // largest gain either: where they would, and above the range where cancelling counts, the loop gets what is left.
+    const std::vector<double> broad = OctaveMean(plant.near);
     std::vector<double> most(transform.NumBins(), largest);
     for (std::size_t k = 0; k < most.size(); ++k) {
         wish.weights[0][k] /= plant.near[k] * plant.near[k];
-        const double share = std::abs(plant.target[k]) / (plant.near[k] * maxGain);
-        const Complex around = plant.lr[k] * plant.rl[k] / (plant.ll[k] * plant.rr[k]);
+        const double share = broad[k] / (plant.near[k] * maxGain);
+        Complex around = plant.lr[k] * plant.rl[k] / (plant.ll[k] * plant.rr[k]);
+        around *= std::min(1.0, largest * largest / std::max(std::abs(around), 1e-9));
         if (Frequency(k) > cancelledToHz || !(share <= std::abs(1.0 - around)))
             most[k] = std::min(largest, std::sqrt(std::max(0.0, 1.0 - share)));
         const double ratio = std::abs(far[k]) / std::max(std::abs(near[k]), 1e-9);

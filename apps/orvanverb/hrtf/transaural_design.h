@@ -44,8 +44,8 @@ public:
     /// @param wayLength  samples of the impulse responses
     TransauralDesign(Lume::HrtfType network, TransauralLimits const& limits, std::size_t wayLength);
 
-    /// The filters for a pair of loudspeakers, one behind the other. What both ears hear comes a quarter of the filters'
-    /// length late, but from networks with an inverse determinant, which has the least phase.
+    /// The filters for a pair of loudspeakers, one behind the other. What both ears hear comes a quarter of the
+    /// filters' length late, but from networks with an inverse determinant, which has the least phase.
     std::vector<float> Filters(Ways const& ways) const;
 
 private:

@@ -1,0 +1,267 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+
+#include "decoders/measured_ways.h"
+#include "hrtf/hrtf.h"
+#include "orvanverb/hrtf/filter_fit.h"
+#include "orvanverb/hrtf/sdif_set_writer.h"
+#include "orvanverb/hrtf/set_conversion.h"
+#include "program/run_program.h"
+#include "program/sound_files.h"
+#include "support/frequency_response.h"
+#include "support/signals.h"
+
+namespace {
+
+constexpr char const* measured = "/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa";
+
+/// What a set reaches at the ears of the measured head, over 200 Hz to 8 kHz with each Hz weighted alike, for the worse
+/// of the two sides.
+struct Figures {
+    double reductionDb = 1000.0;  // of crosstalk against bare loudspeakers, mean
+    double colourDb = 0.0;        // standard deviation of the near ear's level
+    double levelDb = 0.0;         // mean level of the near ear, the one further from 0
+};
+
+class Transaural : public testing::Test {
+protected:
+    RunResult Make(std::vector<std::string> const& words) const {
+        std::vector<std::string> arguments{"hrtf", "transaural"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        return RunProgram(arguments);
+    }
+    RunResult Decode(std::string const& network, std::string const& set, std::string const& speakers = "2") const {
+        return RunProgram({"decode", directory / "in.wav", "-o", directory / "out.wav", "--type", "transaural",
+                           "--sub-type", network, "--filters", set, "--speakers", speakers, "--tail", "0"});
+    }
+
+    /// Plays an impulse to the left and one to the right ear with a set, over loudspeakers at these angles, and listens
+    /// with the measured responses, frequency by frequency, so that the rates may be different.
+    Figures Measure(std::string const& network, std::string const& set, int left, int right, int rate = 44100) const {
+        constexpr std::size_t length = 8192;
+        constexpr float height = 0.01f;  // no loop comes near its limits
+        Sound impulses;
+        impulses.samplerate = rate;
+        impulses.samples.assign(2, std::vector<float>(2 * length, 0.0f));
+        impulses.samples[0][0] = impulses.samples[1][length] = height;
+        WriteSound(directory / "in.wav", impulses);
+        WriteText(directory / "pair", std::to_string(-left) + "\n" + std::to_string(right) + "\n");
+        const RunResult run = Decode(network, set, directory / "pair");
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(run.err.find("warning"), std::string::npos) << run.err;
+        const Sound feeds = ReadSound(directory / "out.wav");
+        const Ways ways(left, right);
+
+        Figures figures;
+        for (const std::size_t input : {0u, 1u}) {
+            std::vector<double> levels;
+            double reduction = 0.0, level = 0.0, deviation = 0.0;
+            for (double hertz = 200.0; hertz <= 8000.0; hertz += 25.0) {
+                const auto feed = [&](std::size_t speaker) {
+                    return ResponseAt(std::span(feeds.samples[speaker]).subspan(input * length, length), hertz / rate) /
+                           static_cast<double>(height);
+                };
+                const auto way = [&](std::vector<float> const& response) {
+                    return ResponseAt(response, hertz / measuredRate);
+                };
+                const std::complex<double> first = feed(0), second = feed(1);
+                const std::complex<double> ll = way(ways.ll), lr = way(ways.lr), rl = way(ways.rl), rr = way(ways.rr);
+                const double ears[] = {std::abs(ll * first + rl * second), std::abs(lr * first + rr * second)};
+                const double bare = input == 0 ? std::abs(lr / ll) : std::abs(rl / rr);
+                reduction += 20.0 * std::log10(bare * ears[input] / std::max(ears[1 - input], 1e-7));
+                levels.push_back(20.0 * std::log10(ears[input]));
+                level += levels.back();
+            }
+            const auto count = static_cast<double>(levels.size());
+            level /= count;
+            for (const double value : levels) deviation += std::pow(value - level, 2.0) / count;
+            figures.reductionDb = std::min(figures.reductionDb, reduction / count);
+            figures.colourDb = std::max(figures.colourDb, std::sqrt(deviation));
+            if (std::abs(level) > std::abs(figures.levelDb)) figures.levelDb = level;
+        }
+        std::printf("%s, %d and %d degrees: crosstalk reduced by %.1f dB; colour %.2f dB, level %.2f dB\n",
+                    network.c_str(), left, right, figures.reductionDb, figures.colourDb, figures.levelDb);
+        return figures;
+    }
+
+    TemporaryDirectory directory;
+};
+
+struct Network {
+    char const* name;
+    int right;                  // of a pair whose left loudspeaker stands at the same angle, or at 25 degrees
+    double reductionDb;         // from the measurements of the head that listens
+    double builtInReductionDb;  // from what the program knows of it
+};
+
+class TransauralNetwork : public Transaural, public testing::WithParamInterface<Network> {};
+
+// Each network, from the command to the ears. Red if two filters change places, if one has the wrong sign or delay, if
+// a loop doesn't run in the blocks of its set, or if the ears or the loudspeakers change sides.
+TEST_P(TransauralNetwork, CancelsCrosstalkAtTheMeasuredEars) {
+    Network const& network = GetParam();
+    const bool symmetric = network.right == 30;
+    const int left = symmetric ? 30 : 25;
+    const std::string set = directory / "set.bin2trans";
+    // Another pair must not be taken in place of the right one.
+    const std::vector<std::string> words{"--network",
+                                         network.name,
+                                         "--pair",
+                                         "-60",
+                                         "60",
+                                         "--pair",
+                                         std::to_string(-left),
+                                         std::to_string(network.right)};
+    const auto make = [&](char const* head, std::vector<std::string> const& more) {
+        std::vector<std::string> all{head, set};
+        all.insert(all.end(), words.begin(), words.end());
+        all.insert(all.end(), more.begin(), more.end());
+        const RunResult run = Make(all);
+        EXPECT_EQ(run.status, 0) << run.err;
+    };
+    make(measured, {"--equalise", "none"});
+    const Figures own = Measure(network.name, set, left, network.right);
+    EXPECT_GE(own.reductionDb, network.reductionDb);
+    EXPECT_LE(own.colourDb, 1.2);
+    EXPECT_NEAR(own.levelDb, 0.0, 1.0);
+    make("kemar", {});
+    EXPECT_GE(Measure(network.name, set, left, network.right).reductionDb, network.builtInReductionDb);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, TransauralNetwork,
+    testing::Values(Network{"shufflersymmetric", 30, 21.5, 14.5}, Network{"shufflerasymmetric", 40, 30.0, 13.0},
+                    Network{"feedforwardsymmetric", 30, 33.0, 14.5}, Network{"feedforwardasymmetric", 40, 30.0, 13.0},
+                    Network{"leastsquares", 40, 20.5, 13.0}, Network{"recursivesymmetric", 30, 28.0, 14.5},
+                    Network{"recursiveasymmetric", 40, 24.0, 13.0}),
+    [](auto const& test) { return std::string(test.param.name); });
+
+// A head measured every 10 degrees only, and loudspeakers between. Red if neighbours are mixed without regard to when
+// each hears the source, or in the wrong shares.
+TEST_F(Transaural, StandsBetweenMeasuredDirections) {
+    ASSERT_EQ(RunProgram({"hrtf", "convert", measured, directory / "all.hrtf", "--fir", "--equalise", "none"}).status,
+              0);
+    Lume::SdifSet thin = program::CopySet(Lume::Hrtf(directory / "all.hrtf"));
+    std::erase_if(thin.points, [](Lume::SdifSetPoint const& point) {
+        const float radians = std::atan2(point.positions[0].x, point.positions[0].y);
+        return std::lround(radians * 180.0f / std::numbers::pi_v<float>) % 10 != 0;
+    });
+    WriteText(directory / "thin.hrtf", program::SdifSetBytes(thin, "me"));
+    const std::string set = directory / "set.bin2trans";
+    ASSERT_EQ(Make({directory / "thin.hrtf", set, "--network", "feedforwardasymmetric", "--pair", "-25", "35"}).status,
+              0);
+    EXPECT_GE(Measure("feedforwardasymmetric", set, 25, 35).reductionDb, 20.0);
+}
+
+// At another rate than the measurements', and with a longer loop for loudspeakers that leave room for one. Red if a
+// rate or a block's length is taken for granted.
+TEST_F(Transaural, OtherRatesAndBlocks) {
+    const std::string set = directory / "set.bin2trans";
+    ASSERT_EQ(Make({measured, set, "--network", "leastsquares", "--pair", "-30", "30", "--rate", "96000", "--equalise",
+                    "none"})
+                  .status,
+              0);
+    EXPECT_GE(Measure("leastsquares", set, 30, 30, 96000).reductionDb, 20.0);
+    for (char const* block : {"1", "16"}) {
+        const RunResult run = Make({measured, set, "--network", "recursiveSymmetric", "--block", block, "--pair", "-60",
+                                    "60", "--equalise", "none"});
+        ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_GE(Measure("recursivesymmetric", set, 60, 60).reductionDb, 20.0) << block;
+        EXPECT_NE(RunProgram({"hrtf", "info", set}).out.find(std::string("blocks            ") + block),
+                  std::string::npos);
+    }
+}
+
+// Red if the gradient of what is minimised isn't 0: no tap can be moved either way without a loss, with the errors
+// summed up frequency by frequency.
+TEST(FilterFit, NoTapCanBeMovedForTheBetter) {
+    constexpr std::size_t size = 64, length = 7;
+    const program::RealTransform transform(size);
+    program::FilterWish wish;
+    for (std::uint32_t signal = 0; signal < 2; ++signal) {
+        const auto noise = [&](std::uint32_t seed) {
+            const std::vector<float> samples = MakeNoise(10 * signal + seed, 12);
+            return std::vector<double>(samples.begin(), samples.end());
+        };
+        wish.ways.push_back({transform.Forward(noise(1)), transform.Forward(noise(2))});
+        wish.wanted.push_back(transform.Forward(noise(3)));
+        std::vector<double> weights(transform.NumBins());
+        for (std::size_t k = 0; k < weights.size(); ++k) weights[k] = 1.0 + 0.1 * static_cast<double>(k * (signal + 1));
+        wish.weights.push_back(weights);
+    }
+    wish.effort = 0.02;
+    const auto cost = [&](std::vector<std::vector<double>> const& filters) {
+        double sum = 0.0;
+        for (std::size_t k = 0; k <= size / 2; ++k) {
+            std::vector<std::complex<double>> responses;
+            for (std::vector<double> const& taps : filters) {
+                const std::vector<float> narrow(taps.begin(), taps.end());
+                responses.push_back(ResponseAt(narrow, static_cast<double>(k) / size));
+            }
+            double here = wish.effort * (std::norm(responses[0]) + std::norm(responses[1]));
+            for (std::size_t e = 0; e < 2; ++e)
+                here += wish.weights[e][k] * std::norm(wish.ways[e][0][k] * responses[0] +
+                                                       wish.ways[e][1][k] * responses[1] - wish.wanted[e][k]);
+            sum += k % (size / 2) == 0 ? here : 2.0 * here;  // the bins between have a mirror image
+        }
+        return sum;
+    };
+    std::vector<std::vector<double>> filters = program::FitFilters(transform, wish, length);
+    const double least = cost(filters);
+    for (std::vector<double>& filter : filters)
+        for (double& tap : filter)
+            for (const double step : {0.001, -0.001}) {
+                tap += step;
+                EXPECT_GT(cost(filters), least);
+                tap -= step;
+            }
+}
+
+TEST_F(Transaural, WrongWordsAndFilesEndInOneLineThatNamesThem) {
+    Sound sound;
+    sound.samplerate = 44100;
+    sound.samples.assign(2, std::vector<float>(64, 0.1f));
+    WriteSound(directory / "in.wav", sound);
+    const std::string out = directory / "out.bin2trans";
+    ASSERT_EQ(Make({"kemar", out, "--network", "recursivesymmetric", "--pair", "-30", "30"}).status, 0);
+    const std::string before = ReadText(out);
+    const auto expect = [&](RunResult const& run, int status, std::string const& culprit) {
+        EXPECT_EQ(run.status, status) << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
+        EXPECT_EQ(ReadText(out), before);
+    };
+    const std::vector<std::pair<std::vector<std::string>, std::string>> usage{
+        {{"--network", "magic"}, "--network"},
+        {{"--network", "recursivesymmetricbiquads"}, "convert"},
+        {{"--network", "leastsquares", "--pair", "30", "-30"}, "--pair"},
+        {{"--network", "shufflersymmetric", "--pair", "-25", "40"}, "asymmetric"},
+        {{"--network", "leastsquares", "--block", "4"}, "--block"},
+        {{"--network", "recursivesymmetric", "--block", "3"}, "--block"},
+        {{"--network", "leastsquares", "--length", "1"}, "--length"},
+        {{"--network", "leastsquares", "--max-gain", "nan"}, "--max-gain"},
+        {{"--network", "leastsquares", "--step", "0"}, "--step"},
+        {{}, "--network"},
+    };
+    for (auto const& [words, culprit] : usage) {
+        std::vector<std::string> all{"kemar", out};
+        all.insert(all.end(), words.begin(), words.end());
+        expect(Make(all), 2, culprit);
+    }
+    expect(Make({"kemar", directory / "out.hrtf", "--network", "leastsquares"}), 2, "out.hrtf");
+    expect(Make({directory / "none.sofa", out, "--network", "leastsquares"}), 1, "none.sofa");
+    expect(Make({"kemar", out, "--network", "leastsquares", "--pair", "-7", "30"}), 1, "-7 degrees");
+    // A set for another network, and sets that the engine would read as the built-in one.
+    expect(Decode("leastsquares", out), 1, "for the network recursivesymmetric, not for leastsquares");
+    WriteText(directory / "ears.hrtf", "");
+    expect(Decode("shufflersymmetric", directory / "ears.hrtf"), 1, ".bin2trans or .coll");
+    // Loudspeakers that a symmetric network can't serve.
+    WriteText(directory / "pair", "-25\n40\n");
+    EXPECT_NE(Decode("recursivesymmetric", out, directory / "pair").err.find("don't mirror each other"),
+              std::string::npos);
+}
+
+}  // namespace
