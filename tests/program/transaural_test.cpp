@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <numbers>
+#include <ostream>
+#include <span>
 
 #include "decoders/measured_ways.h"
-#include "hrtf/hrtf.h"
 #include "orvanverb/hrtf/filter_fit.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
-#include "orvanverb/hrtf/set_conversion.h"
 #include "program/run_program.h"
 #include "program/sound_files.h"
 #include "support/frequency_response.h"
@@ -97,6 +98,10 @@ struct Network {
     double builtInReductionDb;  // from what the program knows of it
 };
 
+void PrintTo(Network const& network, std::ostream* stream) {
+    *stream << network.name;
+}
+
 class TransauralNetwork : public Transaural, public testing::WithParamInterface<Network> {};
 
 // Each network, from the command to the ears. Red if two filters change places, if one has the wrong sign or delay, if
@@ -142,13 +147,21 @@ INSTANTIATE_TEST_SUITE_P(
 // A head measured every 10 degrees only, and loudspeakers between. Red if neighbours are mixed without regard to when
 // each hears the source, or in the wrong shares.
 TEST_F(Transaural, StandsBetweenMeasuredDirections) {
-    ASSERT_EQ(RunProgram({"hrtf", "convert", measured, directory / "all.hrtf", "--fir", "--equalise", "none"}).status,
-              0);
-    Lume::SdifSet thin = program::CopySet(Lume::Hrtf(directory / "all.hrtf"));
-    std::erase_if(thin.points, [](Lume::SdifSetPoint const& point) {
-        const float radians = std::atan2(point.positions[0].x, point.positions[0].y);
-        return std::lround(radians * 180.0f / std::numbers::pi_v<float>) % 10 != 0;
-    });
+    Lume::SdifSet thin;
+    thin.header.filterType = Lume::hrtfFIR;
+    thin.header.numCoefficients = 512;
+    thin.header.numChannels = 2;
+    thin.header.samplingRate = 44100;
+    for (int degrees = 10; degrees <= 60; degrees += 10) {
+        const Ways ways(degrees, degrees);
+        const auto add = [&](float side, std::vector<float> left, std::vector<float> const& right) {
+            const float radians = static_cast<float>(degrees) * std::numbers::pi_v<float> / 180.0f;
+            left.insert(left.end(), right.begin(), right.end());
+            thin.points.push_back({{{side * std::sin(radians), std::cos(radians), 0.0f}}, 0.0f, left});
+        };
+        add(-1.0f, ways.ll, ways.lr);
+        add(1.0f, ways.rl, ways.rr);
+    }
     WriteText(directory / "thin.hrtf", program::SdifSetBytes(thin, "me"));
     const std::string set = directory / "set.bin2trans";
     ASSERT_EQ(Make({directory / "thin.hrtf", set, "--network", "feedforwardasymmetric", "--pair", "-25", "35"}).status,
@@ -192,7 +205,7 @@ TEST(FilterFit, NoTapCanBeMovedForTheBetter) {
         for (std::size_t k = 0; k < weights.size(); ++k) weights[k] = 1.0 + 0.1 * static_cast<double>(k * (signal + 1));
         wish.weights.push_back(weights);
     }
-    wish.effort = 0.02;
+    wish.effort = 2.0;
     const auto cost = [&](std::vector<std::vector<double>> const& filters) {
         double sum = 0.0;
         for (std::size_t k = 0; k <= size / 2; ++k) {
