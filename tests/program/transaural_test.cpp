@@ -30,9 +30,7 @@ struct Figures {
 class Transaural : public testing::Test {
 protected:
     RunResult Make(std::vector<std::string> const& words) const {
-        std::vector<std::string> arguments{"hrtf", "transaural"};
-        arguments.insert(arguments.end(), words.begin(), words.end());
-        return RunProgram(arguments);
+        return RunProgram(Joined({"hrtf", "transaural"}, words));
     }
     RunResult Decode(std::string const& network, std::string const& set, std::string const& speakers = "2") const {
         return RunProgram({"decode", directory / "in.wav", "-o", directory / "out.wav", "--type", "transaural",
@@ -121,10 +119,7 @@ TEST_P(TransauralNetwork, CancelsCrosstalkAtTheMeasuredEars) {
                                          std::to_string(-left),
                                          std::to_string(network.right)};
     const auto make = [&](char const* head, std::vector<std::string> const& more) {
-        std::vector<std::string> all{head, set};
-        all.insert(all.end(), words.begin(), words.end());
-        all.insert(all.end(), more.begin(), more.end());
-        const RunResult run = Make(all);
+        const RunResult run = Make(Joined({head, set}, Joined(words, more)));
         EXPECT_EQ(run.status, 0) << run.err;
     };
     make(measured, {"--equalise", "none"});
@@ -140,8 +135,8 @@ INSTANTIATE_TEST_SUITE_P(
     All, TransauralNetwork,
     testing::Values(Network{"shufflersymmetric", 30, 21.5, 14.5}, Network{"shufflerasymmetric", 40, 30.0, 13.0},
                     Network{"feedforwardsymmetric", 30, 33.0, 14.5}, Network{"feedforwardasymmetric", 40, 30.0, 13.0},
-                    Network{"leastsquares", 40, 20.5, 13.0}, Network{"recursivesymmetric", 30, 28.0, 14.5},
-                    Network{"recursiveasymmetric", 40, 24.0, 13.0}),
+                    Network{"leastsquares", 40, 20.5, 13.0}, Network{"recursivesymmetric", 30, 24.0, 14.5},
+                    Network{"recursiveasymmetric", 40, 25.5, 12.0}),
     [](auto const& test) { return std::string(test.param.name); });
 
 // A head measured every 10 degrees only, and loudspeakers between. Red if neighbours are mixed without regard to when
@@ -242,9 +237,7 @@ TEST_F(Transaural, WrongWordsAndFilesEndInOneLineThatNamesThem) {
     ASSERT_EQ(Make({"kemar", out, "--network", "recursivesymmetric", "--pair", "-30", "30"}).status, 0);
     const std::string before = ReadText(out);
     const auto expect = [&](RunResult const& run, int status, std::string const& culprit) {
-        EXPECT_EQ(run.status, status) << run.err;
-        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-        EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
+        ExpectComplaint(run, status, culprit);
         EXPECT_EQ(ReadText(out), before);
     };
     const std::vector<std::pair<std::vector<std::string>, std::string>> usage{
@@ -259,11 +252,7 @@ TEST_F(Transaural, WrongWordsAndFilesEndInOneLineThatNamesThem) {
         {{"--network", "leastsquares", "--step", "0"}, "--step"},
         {{}, "--network"},
     };
-    for (auto const& [words, culprit] : usage) {
-        std::vector<std::string> all{"kemar", out};
-        all.insert(all.end(), words.begin(), words.end());
-        expect(Make(all), 2, culprit);
-    }
+    for (auto const& [words, culprit] : usage) expect(Make(Joined({"kemar", out}, words)), 2, culprit);
     expect(Make({"kemar", directory / "out.hrtf", "--network", "leastsquares"}), 2, "out.hrtf");
     expect(Make({directory / "none.sofa", out, "--network", "leastsquares"}), 1, "none.sofa");
     expect(Make({"kemar", out, "--network", "leastsquares", "--pair", "-7", "30"}), 1, "-7 degrees");

@@ -124,7 +124,7 @@ void AddTransauralCommand(CLI::App& hrtf, HrtfOptions& options) {
         ->take_last();
     command
         ->add_option("--block", words->block,
-                     "Samples of the blocks in which a recursive network is to run [4]: the longer,\n"
+                     "Samples of the blocks in which a recursive network is to run [2]: the longer,\n"
                      "the further apart the loudspeakers have to be")
         ->type_name("SAMPLES")
         ->take_last();

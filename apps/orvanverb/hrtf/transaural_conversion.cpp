@@ -106,8 +106,8 @@ Lume::SdifSet MakeTransauralSet(MeasuredSet const& measured, TransauralOptions c
     });
     set.header = ears.header;
     set.header.hrtfType = type;
-    set.header.flagInterp = Lume::dataInterpolated;
-    set.header.interpolatedSet = "between neighbours in azimuth";
+    set.header.flagInterpolated = Lume::dataInterpolated;
+    set.header.interpolationSet = "between neighbours in azimuth";
     set.header.numCoefficients = static_cast<unsigned int>(limits.length);
     set.header.numChannels = static_cast<unsigned int>(set.points[0].coefficients.size() / limits.length);
     set.header.numPoints = static_cast<unsigned int>(set.points.size());

@@ -137,7 +137,7 @@ TransauralDesign::Filter TransauralDesign::Inverse(Plant const& plant, Spectrum 
 TransauralDesign::Filter TransauralDesign::LoopFilter(Plant const& plant, Spectrum const& far,
                                                       Spectrum const& near) const {
     constexpr int mostRounds = 6;
-    constexpr double tolerance = 0.04, dearer = 8.0, largest = 0.95;
+    constexpr double tolerance = 0.02, dearer = 8.0, largest = 0.92;
     FilterWish wish;
     wish.ways = {{transform.Delayed(near, limits.blockLength)}};
     wish.wanted = {far};

@@ -13,7 +13,7 @@ struct TransauralLimits {
     int samplerate = 44100;        // [Hz]
     std::size_t length = 512;      // samples of each filter
     double maxGainDb = 18.0;       // that cancelling may ask of the loudspeakers, on top of equalising the near ear
-    unsigned int blockLength = 4;  // samples by which the loops of the recursive networks come late
+    unsigned int blockLength = 2;  // samples by which the loops of the recursive networks come late
 };
 
 /// Whether a network is for pairs of loudspeakers that mirror each other.

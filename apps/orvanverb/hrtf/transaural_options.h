@@ -16,7 +16,7 @@ struct TransauralOptions {
     std::string network;                // as `decode --sub-type` has it
     std::optional<std::size_t> length;  // samples of each filter; none: enough for the rate
     double maxGainDb = 18.0;
-    unsigned int blockLength = 4;   // samples, of the recursive networks
+    unsigned int blockLength = 2;   // samples, of the recursive networks
     std::optional<double> stepDeg;  // of the grid; none: what suits the network
     std::vector<Pair> pairs;        // none: a grid
 };
