@@ -14,6 +14,8 @@ namespace Lume {
 /// Frame of the transaural decoders whose filters come ready from a set, as cascades of second-order sections or as
 /// impulse responses. Each point of a set holds one filter after another, in the order of the network: F1, F2, ...
 ///
+/// `orvanverb hrtf transaural` makes such sets from a measured head; docs/decoders.md tells what they reach.
+///
 /// New loudspeakers and sets change the filters at once, which can be heard.
 class FilteredTransauralDecoder : public TransauralDecoder {
 public:

@@ -14,9 +14,16 @@ namespace Lume {
 /// late by beyond one block. That has to be positive: with loudspeakers at 30 degrees crosstalk is about 0.25 ms late,
 /// which allows blocks of 8 samples at 44.1 kHz. With longer blocks the loop comes too late to cancel anything.
 ///
-/// In blocks of 8, with 512 taps made from the measured responses of a KEMAR manikin, crosstalk falls by 20 dB at 30
-/// degrees, on average from 200 Hz to 8 kHz on a logarithmic axis: what the inverse would need ahead of time is cut
-/// off.
+/// With filters of 512 samples that `orvanverb hrtf transaural` fits to the measured responses of a KEMAR manikin,
+/// crosstalk falls by so much, on average from 200 Hz to 8 kHz with each Hz weighted alike, at 44.1 kHz:
+///
+///     samples of a block     1       2       4       8      16      32
+///     at 20 degrees       26 dB   28 dB   18 dB    5 dB    0 dB    0 dB
+///     at 30 degrees       21 dB   26 dB   30 dB   17 dB    0 dB    0 dB
+///     at 60 degrees       31 dB   24 dB   25 dB   27 dB   21 dB    0 dB
+///     at 90 degrees       33 dB   36 dB   34 dB   30 dB   33 dB    4 dB
+///
+/// The ups and downs are those of notches at single ears; at twice the rate blocks may be twice as long.
 ///
 /// A loop whose gain is above 1 runs away. Once it is 40 dB above full scale, where no signal gets by other means, it
 /// falls silent, forgets everything and starts anew.

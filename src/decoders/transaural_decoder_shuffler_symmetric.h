@@ -14,7 +14,8 @@ namespace Lume {
 /// built-in set, and needs the least of all members: two filters, and no loop.
 ///
 /// On a KEMAR manikin the built-in set takes 21.2 dB off the crosstalk at 30 degrees, on average from 200 Hz to 8 kHz
-/// on a logarithmic axis.
+/// on a logarithmic axis. It has a point every 10 degrees; halfway between two of them crosstalk falls by 6 to 17 dB
+/// alone. `orvanverb hrtf transaural` makes denser sets.
 class TransauralDecoderShufflerSymmetric : public FilteredTransauralDecoder {
 public:
     TransauralDecoderShufflerSymmetric(unsigned int numInputs, unsigned int numOutputs);
