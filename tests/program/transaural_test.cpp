@@ -264,6 +264,9 @@ TEST_F(Transaural, WrongWordsAndFilesEndInOneLineThatNamesThem) {
     WriteText(directory / "pair", "-25\n40\n");
     EXPECT_NE(Decode("recursivesymmetric", out, directory / "pair").err.find("don't mirror each other"),
               std::string::npos);
+    WriteText(directory / "pair", "-35\n35\n");
+    EXPECT_NE(Decode("recursivesymmetric", out, directory / "pair").err.find("for loudspeakers at -30.0 degrees"),
+              std::string::npos);
 }
 
 }  // namespace

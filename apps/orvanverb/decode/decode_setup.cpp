@@ -9,9 +9,9 @@
 #include "decoders/transaural_decoder.h"
 #include "dsp/constants.h"
 #include "geometry/speakers.h"
-#include "hrtf/sdif_access.h"
 #include "orvanverb/channel_mask.h"
 #include "orvanverb/channel_words.h"
+#include "orvanverb/decode/transaural_filters.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/transaural_design.h"
@@ -85,42 +85,6 @@ Value FindByName(char const* option, std::string const& word, int count, NameOf 
         names.append(" ").append(name);
     }
     throw UsageError(std::string(option) + ": '" + word + "' is none; there are" + names);
-}
-
-/// The network that takes a type of set; empty for a type that none takes.
-std::string NetworkFor(Lume::HrtfType type) {
-    for (int i = Decoder::shufflersymmetric; i <= Decoder::recursivesymmetricbiquads; ++i) {
-        const auto subType = static_cast<Decoder::SubType>(i);
-        const std::unique_ptr<Decoder> decoder(Decoder::factory(2, 2, Decoder::transaural, subType));
-        if (dynamic_cast<Lume::TransauralDecoder const&>(*decoder).getExpectedHrtfTypeInHrtfFiles() == type)
-            return Decoder::GetSubTypeName(subType);
-    }
-    return {};
-}
-
-/// The files that a network can take; the engine would read other names as the built-in set.
-char const* FilesFor(Lume::HrtfType type) {
-    if (type == Lume::hrtfBinaural) return ".hrtf, .bin2trans or .coll";
-    return type == Lume::hrtfBinauralToTransauralShufflerSymmetric ? ".bin2trans or .coll" : ".bin2trans";
-}
-
-/// Loads the filters of a transaural network.
-/// @throws WorkError that names the file, and says what it is for if it isn't for this network
-void LoadFilters(std::string const& path, Lume::TransauralDecoder& decoder) {
-    const Lume::HrtfType wanted = decoder.getExpectedHrtfTypeInHrtfFiles();
-    RequireSetFile(path, FilesFor(wanted));
-    Lume::HrtfHeaderInfos infos;
-    bool known = false;
-    if (path.ends_with(".bin2trans")) LoadQuietly(path, [&] { known = Lume::GetHrtfHeaderInfos(path, infos); });
-    if (known && infos.hrtfType != wanted && !NetworkFor(infos.hrtfType).empty())
-        throw WorkError(path + ": is for the network " + NetworkFor(infos.hrtfType) + ", not for " +
-                        NetworkFor(wanted));
-    bool taken = false;
-    LoadQuietly(path, [&] { taken = decoder.LoadFromFile(path.c_str()); });
-    if (!taken)
-        throw WorkError(path + ": has not what this network takes: " +
-                        std::to_string(decoder.getExpectedNumberOfFiltersInHrtfFiles()) + " filters a point, for " +
-                        Lume::GetHrtfTypeName(wanted));
 }
 
 }  // namespace
@@ -213,7 +177,10 @@ void DecodeSetup::SetUpTransaural(Options const& options) {
     if (options.decode.filters) {
         filters = *options.decode.filters;
         LoadFilters(filters, *transaural);
-        if (filters.ends_with(".bin2trans")) blockLength = BlockLengthOf(filters);
+        if (filters.ends_with(".bin2trans")) {
+            blockLength = BlockLengthOf(filters);
+            if (const std::string other = OtherPair(filters, *transaural); !other.empty()) warnings.push_back(other);
+        }
     } else {
         // A network that the built-in set doesn't suit refuses it, in one way or the other.
         try {

@@ -8,6 +8,7 @@
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "orvanverb/hrtf/set_conversion.h"
+#include "orvanverb/hrtf/set_measurement.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/set_summary.h"
 #include "orvanverb/hrtf/sofa_file.h"

@@ -7,7 +7,6 @@
 
 #include "hrtf/hrtf_data.h"
 #include "hrtf/sdif_set.h"
-#include "hrtf/symmetric_transaural_data_loader.h"
 #include "orvanverb/hrtf/measured_set.h"
 
 namespace program {
@@ -39,13 +38,6 @@ struct ConversionErrors {
 /// @param errors  filled for sections
 /// @throws std::invalid_argument for a measurement without sound, WorkError when the user interrupts
 Lume::SdifSet ConvertSet(MeasuredSet const& measured, ConversionSettings const& settings, ConversionErrors& errors);
-
-/// A set of filters as if it had been measured, to be converted to another rate or form.
-MeasuredSet MeasureSet(Lume::HrtfData const& filters);
-
-/// What the symmetric shuffler's filters say of the head that they were made for: the responses to both loudspeakers of
-/// each pair, with the phase between the ears, which filters for headphones have no place for.
-MeasuredSet MeasurePairs(Lume::SymmetricTransauralDataLoader const& pairs);
 
 /// A set as it stands, to be written to a file.
 Lume::SdifSet CopySet(Lume::HrtfData const& filters);

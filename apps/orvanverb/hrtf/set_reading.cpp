@@ -8,6 +8,7 @@
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "orvanverb/hrtf/set_conversion.h"
+#include "orvanverb/hrtf/set_measurement.h"
 #include "orvanverb/hrtf/sofa_file.h"
 #include "orvanverb/limits.h"
 #include "orvanverb/program_error.h"

@@ -68,7 +68,7 @@ TransauralDesign::TransauralDesign(Lume::HrtfType newNetwork, TransauralLimits c
     : network(newNetwork),
       limits(newLimits),
       maxGain(std::pow(10.0, limits.maxGainDb / 20.0)),
-      delay(static_cast<double>(limits.length / 4)),
+      delay(0.25 * static_cast<double>(limits.length)),
       transform(std::bit_ceil(4 * std::max(limits.length, wayLength))) {
     for (std::size_t k = 0; k < transform.NumBins(); ++k)
         importance.push_back(Frequency(k) <= cancelledToHz ? 1.0 : Frequency(k) <= measuredToHz ? 0.3 : 0.1);
