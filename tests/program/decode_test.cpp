@@ -26,9 +26,7 @@ protected:
         WriteSound(Path(name), sound);
     }
     Sound Decode(std::string const& name, std::vector<std::string> const& words) const {
-        std::vector<std::string> arguments{"decode", Path(name), "-o", Path("out.wav")};
-        arguments.insert(arguments.end(), words.begin(), words.end());
-        const RunResult run = RunProgram(arguments);
+        const RunResult run = RunProgram(Joined({"decode", Path(name), "-o", Path("out.wav")}, words));
         EXPECT_EQ(run.status, 0) << run.err;
         return ReadSound(Path("out.wav"));
     }
@@ -50,10 +48,9 @@ TEST_F(DecodeCommand, BringsBackWhatPanEncoded) {
     WriteText(Path("ring"), "-135\n-90\n-45\n0\n45\n90\n135\n180\n");
     for (auto [encode, decode] : ways) {
         for (const double azimuth : {-70.0, 20.0, 130.0}) {
-            std::vector<std::string> arguments{
+            const std::vector<std::string> arguments{
                 "pan", Path("ones.wav"), "-o", Path("coded.wav"), "--source", "1", std::to_string(azimuth), "0", "1"};
-            arguments.insert(arguments.end(), encode.begin(), encode.end());
-            ASSERT_EQ(RunProgram(arguments).status, 0);
+            ASSERT_EQ(RunProgram(Joined(arguments, encode)).status, 0);
             const bool cube = decode[1] == "hoa3d";
             if (!cube) decode.insert(decode.end(), {"--speakers", Path("ring")});
             const Sound sound = Decode("coded.wav", decode);
@@ -114,7 +111,6 @@ TEST_F(DecodeCommand, WrongWordsAreNamed) {
     WriteText(Path("text.bin2trans"), "no set\n");
     const std::tuple<char const*, std::vector<std::string>, int, std::string> cases[] = {
         {"two.wav", {}, 2, "--type"},
-        {"two.wav", {"--type", "magic"}, 2, "--type"},
         {"two.wav", {"--type", "hoa3d"}, 2, "4, 9, 16"},
         {"four.wav", {"--type", "hoa2d"}, 2, "3, 5, 7"},
         {"two.wav", {"--type", "surround", "--outputs", "2"}, 2, "2 to 3 or 4"},
@@ -127,14 +123,8 @@ TEST_F(DecodeCommand, WrongWordsAreNamed) {
         {"two.wav", {"--type", "transaural", "--filters", Path("text.bin2trans")}, 1, Path("text.bin2trans")},
         {"none.wav", {"--type", "surround"}, 1, Path("none.wav")},
     };
-    for (const auto& [input, words, status, culprit] : cases) {
-        std::vector<std::string> arguments{"decode", Path(input), "-o", Path("out.wav")};
-        arguments.insert(arguments.end(), words.begin(), words.end());
-        const RunResult run = RunProgram(arguments);
-        EXPECT_EQ(run.status, status) << culprit << run.err;
-        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-        EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
-    }
+    for (const auto& [input, words, status, culprit] : cases)
+        ExpectComplaint(RunProgram(Joined({"decode", Path(input), "-o", Path("out.wav")}, words)), status, culprit);
     // Networks without built-in filters say what they need.
     const RunResult silent = RunProgram(
         {"decode", Path("two.wav"), "-o", Path("out.wav"), "--type", "transaural", "--sub-type", "leastsquares"});

@@ -202,7 +202,6 @@ TEST(HrtfConvert, SLOW_FitsAMeasuredHead) {
     const std::size_t at = run.err.find("mean ");
     ASSERT_NE(at, std::string::npos);
     EXPECT_LT(std::stod(run.err.substr(at + 5)), 0.4) << run.err;
-    EXPECT_EQ(RunProgram({"hrtf", "info", directory / "own.hrtf"}).status, 0);
 }
 
 TEST(HrtfInfo, ShowsTheHeaderAndFindsFaults) {
@@ -241,10 +240,7 @@ TEST(Hrtf, WrongFilesAndWordsEndInOneLineThatNamesThem) {
     WriteText(directory / "a-b-44100.coll", "1, 0.1 0.2;\n2, 0.1 0.2;\n");
     WriteText(directory / "out.hrtf", "an earlier one");
     const auto expect = [&](std::vector<std::string> const& arguments, int status, std::string const& culprit) {
-        const RunResult run = RunProgram(arguments);
-        EXPECT_EQ(run.status, status) << run.err;
-        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-        EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
+        ExpectComplaint(RunProgram(arguments), status, culprit);
         EXPECT_EQ(ReadText(directory / "out.hrtf"), "an earlier one");
     };
     for (char const* name :
