@@ -9,16 +9,13 @@
 #include <numbers>
 #include <vector>
 
-#include "filters/multi_delay.h"
 #include "filters/tap_out.h"
-#include "support/allocation_count.h"
 #include "support/frequency_response.h"
 #include "support/signals.h"
 
 namespace {
 
 using Lume::Delay;
-using Lume::MultiDelay;
 using Lume::TapOut;
 using orvandsp::Ramp;
 
@@ -262,35 +259,6 @@ TEST(Delay, ModesAreFoundByName) {
                   mode == unnamedMode ? Delay::allpass : mode)
             << mode;
     EXPECT_EQ(Delay::GetInterpolationMode("cubic"), Delay::allpass);
-}
-
-// Red if an inactive channel is written or moved on, or if a bank allocates while its lines glide.
-TEST(MultiDelay, InactiveChannelIsSilentAndStandsStill) {
-    MultiDelay bank(2, 50.0f);
-    bank.SetInterpolationTime(0.0f);
-    float delays[] = {10.0f, 20.0f};
-    bank.SetDelays(delays);
-    bank.SetInterpolationTime(5.0f);
-    float a[100], b[100];
-    float* channels[] = {a, b};
-    const auto process = [&](short first, short second, float value) {
-        std::fill_n(a, 100, value);
-        std::fill_n(b, 100, value);
-        const short active[] = {first, second};
-        bank.Process(channels, channels, 100, active);
-    };
-    const long before = AllocationCount();
-    for (int i = 0; i < 10; ++i) process(1, 1, 1.0f);
-    process(1, 0, 0.0f);
-    EXPECT_EQ(a[0], 1.0f);
-    EXPECT_EQ(b[0], 0.0f);
-    for (int i = 0; i < 10; ++i) process(1, 0, 0.0f);
-    bank.SetDelay(0, 12.0f);
-    process(1, 1, 0.0f);
-    EXPECT_EQ(AllocationCount(), before);
-    EXPECT_EQ(a[99], 0.0f);
-    EXPECT_EQ(b[99], 1.0f);
-    EXPECT_EQ(bank.GetMaxDelay(), 55.0f);
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "filters/faded_hl_shelf.h"
-#include "filters/multi_faded_hl_shelf.h"
 
 namespace {
 
@@ -133,27 +132,6 @@ TEST(FadedHLShelf, TakesOverTheMemoryOfTheOldShelf) {
         single.Process(b.data(), b.data(), b.size());
         for (std::size_t n = 1; n < a.size(); ++n) ASSERT_NEAR(a[n], b[n], 1e-6f) << n;
     }
-}
-
-// Red if channels share a fade, if an inactive channel goes on fading, or if its output isn't cleared.
-TEST(MultiFadedHLShelf, FadesOfInactiveChannelsWait) {
-    Lume::MultiFadedHLShelf bank(2);
-    bank.SetMaxBlockSize(64);
-    bank.SetAll(20.0f, 0.0f, 0.0f, 0.0f, 250.0f, 4000.0f);
-    std::vector<float> in(64, 1.0f), first(64), second(64);
-    float* ins[] = {in.data(), in.data()};
-    float* outs[] = {first.data(), second.data()};
-    const short onlyFirst[] = {1, 0};
-    for (int i = 0; i < 30; ++i) bank.Process(outs, ins, 64, onlyFirst);
-    EXPECT_NEAR(first[63], 10.0f, 1e-4f);
-    EXPECT_EQ(second, std::vector<float>(64));
-    bank.Process(outs, ins, 64, orvandsp::allActiveInputs);
-    EXPECT_NEAR(second[0], 1.0f, 1e-5f);
-    EXPECT_NEAR(second[63], 1.0f + 9.0f * 63.0f / 1324.0f, 1e-4f);
-    bank.ResetToDefaults();
-    for (int i = 0; i < 60; ++i) bank.Process(outs, ins, 64, orvandsp::allActiveInputs);
-    EXPECT_NEAR(first[63], 1.0f, 1e-5f);
-    EXPECT_NEAR(second[63], 1.0f, 1e-5f);
 }
 
 }  // namespace

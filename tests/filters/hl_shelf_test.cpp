@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <vector>
 
-#include "filters/multi_hl_shelf.h"
 #include "filters/shelf_prototype.h"
 #include "filters/unitary_hl_shelf.h"
-#include "support/allocation_count.h"
 #include "support/frequency_response.h"
 #include "support/signals.h"
 
@@ -141,32 +138,6 @@ TEST(HLShelf, OnlyANewRateClears) {
     shelf.ClearTaps();
     shelf.Process(out.data(), a.data(), 64);
     EXPECT_EQ(out, silence);
-}
-
-// Red if channels share anything, if an inactive channel's filter is run or cleared, or if a block allocates.
-TEST(MultiHLShelf, ChannelsAreAloneAndInactiveOnesWait) {
-    Lume::MultiHLShelf bank(2);
-    bank.SetAll(0.0f, 12.0f, 0.0f, -6.0f, 250.0f, 4000.0f);
-    bank.SetGaindB(-6.0f);
-    HLShelf first, second;
-    first.SetAll(-6.0f, 12.0f, 0.0f, -6.0f, 250.0f, 4000.0f);
-    second.SetAll(-6.0f, 12.0f, 0.0f, -6.0f, 250.0f, 4000.0f);
-
-    std::vector<float> input[] = {MakeNoise(1, 256), MakeNoise(2, 256)}, output[] = {input[0], input[1]};
-    for (std::size_t i = 0; i < 256; i += 64) {
-        float* channels[] = {&output[0][i], &output[1][i]};
-        const short active[] = {1, static_cast<short>(i != 64)};
-        const long allocations = AllocationCount();
-        bank.Process(channels, channels, 64, active);
-        EXPECT_EQ(AllocationCount(), allocations);
-        first.Process(&input[0][i], &input[0][i], 64);
-        if (i != 64)
-            second.Process(&input[1][i], &input[1][i], 64);
-        else
-            std::fill_n(&input[1][i], 64, 0.0f);
-    }
-    EXPECT_EQ(output[0], input[0]);
-    EXPECT_EQ(output[1], input[1]);
 }
 
 }  // namespace
