@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 #include <functional>
+#include <tuple>
 
 #include "engine/controls.h"
 #include "engine/engine_rig.h"
@@ -234,6 +235,25 @@ TEST(OrvanVerb, BeginsSilentAndRises) {
     EXPECT_EQ(levelAt(63), 0.0f);
     EXPECT_NEAR(levelAt(9000), 0.5f, 1e-4f);
     EXPECT_LT(levelAt(2400), 0.35f);  // half of the 100 ms of the layer's gain
+}
+
+// Red if a ramp of the distance takes its 30 ms for those of another rate.
+TEST(OrvanVerb, DistanceRampsTakeTheirTimeAtAnyRate) {
+    using Layer = void (OrvanVerb::*)(float);
+    for (auto const& [layer, latency, halfway] : {std::tuple{Layer(&OrvanVerb::SetDirectGain), 0.0, 0.625f},
+                                                  {Layer(&OrvanVerb::SetEarlyGain), 0.02222, 0.75f}}) {
+        EngineRig rig(1, 4, 2, 192000.0f);
+        rig.engine.SetEarlyShape(0.0f);  // one tap
+        (rig.engine.*layer)(0.0f);
+        const auto levelAfter = [&](double seconds) {
+            const auto recording = rig.Run(rig.Samples(seconds), [](unsigned int, std::size_t) { return 1.0f; });
+            return std::hypot(recording[0].back(), recording[1].back());
+        };
+        rig.engine.SetSourcePosition(0, At(0.0, 1.0));
+        const float near = levelAfter(0.3);
+        rig.engine.SetSourcePosition(0, At(0.0, 2.0));
+        EXPECT_NEAR(levelAfter(latency + 0.015) / near, halfway, 0.01f);
+    }
 }
 
 TEST(OrvanVerb, ClearAndSecondConfigureEmptyIt) {
