@@ -11,6 +11,7 @@
 namespace {
 
 using orvandsp::AudioBuffer;
+using Samples = std::vector<float>;
 
 AudioBuffer Filled(unsigned int numChannels, unsigned int numSamples) {
     AudioBuffer buffer(numChannels, numSamples);
@@ -18,34 +19,34 @@ AudioBuffer Filled(unsigned int numChannels, unsigned int numSamples) {
     return buffer;
 }
 
+Samples Of(AudioBuffer const& buffer, unsigned int channel) {
+    return {buffer.GetChannel(channel), buffer.GetChannel(channel) + buffer.GetNumSamples()};
+}
+
 // Red if a copy of a view owns memory, if an assignment writes through the view that it replaces, or if a copy of a
 // permuted buffer loses the order.
 TEST(AudioBuffer, ViewsShareAndOwnersDontShare) {
-    float left[4] = {1, 2, 3, 4};
-    float right[4] = {5, 6, 7, 8};
+    float left[4] = {1, 2, 3, 4}, right[4] = {5, 6, 7, 8};
     float* arrays[] = {left, right};
     AudioBuffer view(arrays, 2, 3, 1);
-    const AudioBuffer viewCopy(view);
-    view.GetChannel(0)[0] = 9.0f;
-    EXPECT_EQ(left[1], 9.0f);
-    EXPECT_EQ(viewCopy.GetChannel(0), left + 1);
+    EXPECT_EQ(AudioBuffer(view).GetChannel(0), left + 1);
 
-    AudioBuffer owner = Filled(2, 3);
-    const unsigned int swap[] = {1, 0};
-    owner.Permute(swap);
-    AudioBuffer ownerCopy(owner);
-    EXPECT_EQ(ownerCopy.GetChannel(0)[2], 2.0f);
-    ownerCopy.Fill(0.0f);
-    EXPECT_EQ(owner.GetChannel(1)[0], 1.0f);
+    AudioBuffer owner = Filled(3, 3);
+    const unsigned int order[] = {1, 2, 0};
+    owner.Permute(order);
+    AudioBuffer copy(owner);
+    EXPECT_EQ(copy.GetChannel(0)[2], 2.0f);
+    copy.Fill(0.0f);
+    EXPECT_EQ(owner.GetChannel(1)[0], 3.0f);
 
     view = owner;
     EXPECT_TRUE(view.OwnsData());
-    EXPECT_EQ(view.GetChannel(1)[2], 1.0f);
-    EXPECT_EQ(left[1], 9.0f);
+    EXPECT_EQ(Of(view, 1), Samples(3, 3.0f));
+    EXPECT_EQ(left[1], 2.0f);
 
-    float* wider[] = {owner.GetChannel(0), owner.GetChannel(1), owner.GetChannel(0)};
-    owner = AudioBuffer(wider, 3, 3, 0);  // a view on the very memory that it replaces
-    EXPECT_EQ(owner.GetChannel(2)[1], 2.0f);
+    float* fewer[] = {owner.GetChannel(2), owner.GetChannel(0)};
+    owner = AudioBuffer(fewer, 2, 3, 0);  // a view on the very memory that it replaces
+    EXPECT_EQ(Of(owner, 1), Samples(3, 2.0f));
 }
 
 // Red if a shorter block or a return to the full one allocates: the audio path resizes with the last chunk of a block.
@@ -58,9 +59,7 @@ TEST(AudioBuffer, ResizeReusesItsMemory) {
     buffer.Resize(4, 17);
     EXPECT_EQ(buffer.GetChannel(1), buffer.GetChannel(0) + 17);
     buffer.Resize(4, 64);
-    buffer.Resize(2, 64);
     EXPECT_EQ(AllocationCount(), before);
-    EXPECT_EQ(buffer.GetNumChannels(), 2u);
 }
 
 TEST(AudioBuffer, GainsOfExactlyZeroAndOneAreExact) {
@@ -68,9 +67,7 @@ TEST(AudioBuffer, GainsOfExactlyZeroAndOneAreExact) {
     buffer.Fill(std::nanf(""));
     buffer.ApplyGain(0.0f);
     EXPECT_EQ(buffer.GetChannel(0)[1], 0.0f);
-    buffer.Fill(1.0f);
-    EXPECT_TRUE(buffer.CheckSaturation());
-    buffer.ApplyGain(-1.0f);
+    buffer.Fill(-1.0f);
     EXPECT_TRUE(buffer.CheckSaturation());
     buffer.ApplyGain(0, 1.0000001f);
     EXPECT_FALSE(buffer.CheckSaturation());
@@ -78,44 +75,32 @@ TEST(AudioBuffer, GainsOfExactlyZeroAndOneAreExact) {
 
 // Red if the ramp ends one step early or late, if its length ignores the offsets, or if a single sample divides by 0.
 TEST(AudioBuffer, RampsMeetBothEnds) {
-    AudioBuffer ones(1, 5);
+    AudioBuffer ones(1, 5), target(1, 8);
     ones.Fill(1.0f);
-    AudioBuffer target(1, 8);
     target.Fill(10.0f);
     target.CopyFromWithRamp(0, 1, ones, 0, 1, 0.0f, 3.0f);
     target.AddFromWithRamp(0, 1, ones, 0, 1, 1.0f, 4.0f);
-    const std::vector<float> expected = {10, 1, 3, 5, 7, 10, 10, 10};
-    EXPECT_EQ(std::vector<float>(target.GetChannel(0), target.GetChannel(0) + 8), expected);
-
     target.AddFromWithRamp(0, 7, ones, 0, 0, 2.0f, 4.0f);  // one sample takes the first gain
-    EXPECT_EQ(target.GetChannel(0)[7], 12.0f);
-    target.CopyFrom(0, 8, ones, 0, 0, 1.0f);  // nothing remains behind the offset
+    target.CopyFrom(0, 8, ones, 0, 0, 1.0f);               // nothing remains behind the offset
     target.AddFrom(0, 9, ones, 0, 0, 1.0f);
-
+    EXPECT_EQ(Of(target, 0), (Samples{10, 1, 3, 5, 7, 10, 10, 12}));
     ones.ApplyRamp(1.0f, 0.0f);
-    EXPECT_EQ(ones.GetChannel(0)[0], 1.0f);
-    EXPECT_EQ(ones.GetChannel(0)[2], 0.5f);
-    EXPECT_EQ(ones.GetChannel(0)[4], 0.0f);
+    EXPECT_EQ(Of(ones, 0), (Samples{1.0f, 0.75f, 0.5f, 0.25f, 0.0f}));
 }
 
 // Red if the first pass adds, a later one overwrites, or the two forms wrap alike.
 TEST(AudioBuffer, MergeWrapsAround) {
-    AudioBuffer two = Filled(2, 3);
-    two.Fill(100.0f);
-    orvandsp::Merge(two, Filled(8, 3), 0.5f);
-    EXPECT_EQ(two.GetChannel(0)[2], 0.5f * (1 + 3 + 5 + 7));
-    EXPECT_EQ(two.GetChannel(1)[0], 0.5f * (2 + 4 + 6 + 8));
-
-    const AudioBuffer one = Filled(1, 3);
-    two.Fill(100.0f);
-    orvandsp::Merge(two, one, 1.0f);
-    EXPECT_EQ(two.GetChannel(0)[0], 1.0f);
-    EXPECT_EQ(two.GetChannel(1)[0], 101.0f);
-
-    two.Fill(100.0f);
-    two.MergeFrom(one, 1.0f);
-    EXPECT_EQ(two.GetChannel(0)[0], 1.0f);
-    EXPECT_EQ(two.GetChannel(1)[0], 100.0f);
+    AudioBuffer two(2, 3);
+    const auto heard = [&two](auto&& merge) {
+        two.Fill(100.0f);
+        merge();
+        return Samples{two.GetChannel(0)[2], two.GetChannel(1)[2]};
+    };
+    const AudioBuffer eight = Filled(8, 3), one = Filled(1, 3);
+    EXPECT_EQ(heard([&] { orvandsp::Merge(two, eight, 0.5f); }), (Samples{8, 10}));
+    EXPECT_EQ(heard([&] { orvandsp::Merge(two, one, 1.0f); }), (Samples{1, 101}));
+    EXPECT_EQ(heard([&] { two.MergeFrom(one, 1.0f); }), (Samples{1, 100}));
+    EXPECT_EQ(heard([&] { two.MergeFrom(eight, 0.5f); }), (Samples{8, 10}));
 }
 
 TEST(AudioBuffer, MetersAndComparison) {
@@ -133,7 +118,6 @@ TEST(AudioBuffer, MetersAndComparison) {
     EXPECT_FALSE(orvandsp::IsEqual(a, b, 0.125f));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "sample 2 differ (difference=0.25)\n");
     EXPECT_FALSE(orvandsp::IsEqual(a, AudioBuffer(2, 3), 1.0f));
-
     std::ostringstream text;
     text << Filled(1, 2);
     EXPECT_EQ(text.str(), "buffer[0][0] = 1\nbuffer[0][1] = 1\n");

@@ -51,32 +51,23 @@ TEST(FastHadamardTransform, OrderingsHaveTheirRows) {
     }
 }
 
-// Red if the channel form follows the flags, mixes samples of different times, or differs from the one-array form.
-TEST(FastHadamardTransform, ChannelsAreTransformedInNaturalOrderWithoutScaling) {
-    const FastHadamardTransform scaled(4, FastHadamardTransform::sequencyWalsh, true);
-    float samples[4][3] = {{1, 2, 3}, {4, 5, -6}, {7, 8, 9}, {10, -11, 12}};
-    const FastHadamardTransform plain(4, FastHadamardTransform::naturalHadamard, false);
-    std::vector<Row> expected;
-    for (int k = 0; k < 3; ++k) {
-        Row column = {samples[0][k], samples[1][k], samples[2][k], samples[3][k]};
-        plain.Process(column.data(), 4);
-        expected.push_back(column);
-    }
+// Red if the channel form follows the flags or mixes samples of different times; if scaling divides by anything but the
+// size, or if the form with two arrays changes its input.
+TEST(FastHadamardTransform, FormsAndScaling) {
+    const FastHadamardTransform scaled(4, FastHadamardTransform::naturalHadamard, true);
+    const FastHadamardTransform walsh(4, FastHadamardTransform::sequencyWalsh, true);
+    float samples[4][2] = {{1, 2}, {4, 5}, {7, 8}, {10, -11}};
     float* channels[] = {samples[0], samples[1], samples[2], samples[3]};
-    scaled.Process(channels, 4, 3);
-    for (std::size_t k = 0; k < 3; ++k)
-        for (std::size_t c = 0; c < 4; ++c) EXPECT_EQ(samples[c][k], expected[k][c]);
-}
-
-TEST(FastHadamardTransform, ScalingDividesByTheSizeAndTheInputStays) {
-    const FastHadamardTransform transform(8, FastHadamardTransform::naturalHadamard, true);
-    const Row in = {1, 2, 3, 4, 5, 6, 7, 8};
-    Row out(8);
-    transform.Process(out.data(), in.data(), 8);
-    EXPECT_EQ(out[0], 4.5f);  // the mean
-    EXPECT_EQ(in[7], 8.0f);
-    transform.Process(out.data(), 8);
-    for (std::size_t i = 0; i < 8; ++i) EXPECT_FLOAT_EQ(out[i], in[i] / 8.0f);
+    std::vector<Row> expected(2, Row(4));
+    for (std::size_t k = 0; k < 2; ++k) {
+        const Row in = {samples[0][k], samples[1][k], samples[2][k], samples[3][k]};
+        scaled.Process(expected[k].data(), in.data(), 4);
+        EXPECT_EQ(in[3], samples[3][k]);
+        EXPECT_EQ(expected[k][0], (in[0] + in[1] + in[2] + in[3]) / 4.0f);  // the mean
+    }
+    walsh.Process(channels, 4, 2);
+    for (std::size_t k = 0; k < 2; ++k)
+        for (std::size_t c = 0; c < 4; ++c) EXPECT_EQ(samples[c][k], 4.0f * expected[k][c]);
 }
 
 // Red if a size between two powers of two writes beyond its data or its table (the sanitizers watch too).

@@ -6,21 +6,15 @@
 #include <complex>
 #include <limits>
 #include <numbers>
+#include <span>
 #include <vector>
+
+#include "support/frequency_response.h"
+#include "support/signals.h"
 
 namespace {
 
 using orvandsp::HilbertTransform;
-
-// The response of one channel at a frequency: the correlation with a complex exponential over whole periods, after
-// the start has faded.
-std::complex<double> Response(std::vector<float> const& signal, std::size_t from, double cyclesPerSample) {
-    std::complex<double> sum = 0.0;
-    for (std::size_t n = from; n < signal.size(); ++n)
-        sum += static_cast<double>(signal[n]) *
-               std::polar(1.0, -2.0 * std::numbers::pi * cyclesPerSample * static_cast<double>(n));
-    return sum * 2.0 / static_cast<double>(signal.size() - from);
-}
 
 // Red if one corner is wrong, if the chains change places, or if a section isn't an allpass.
 TEST(HilbertTransform, OutputsAreNinetyDegreesApart) {
@@ -28,22 +22,20 @@ TEST(HilbertTransform, OutputsAreNinetyDegreesApart) {
         for (const double frequency : {20.0, 100.0, 1000.0, 5000.0, 12000.0}) {
             HilbertTransform hilbert;
             hilbert.Configure(rate, 512, true);
-            const std::size_t length = static_cast<std::size_t>(rate);  // 1 s: whole periods, and the half that is read
-            std::vector<float> left(length);
-            std::vector<float> right(length);
-            for (std::size_t n = 0; n < length; ++n)
-                left[n] = static_cast<float>(
-                    std::cos(2.0 * std::numbers::pi * frequency * static_cast<double>(n) / static_cast<double>(rate)));
+            const auto length = static_cast<std::size_t>(rate);  // 1 s: whole periods, and the half that is read
+            const double cycles = frequency / static_cast<double>(rate);
+            std::vector<float> left = MakeSine(frequency, static_cast<double>(rate), length), right(length);
             float* outputs[] = {left.data(), right.data()};
-            float* inputs[] = {left.data()};  // in place
-            hilbert.Process(outputs, inputs, length, orvandsp::allActiveInputs);
+            hilbert.Process(outputs, outputs, length, orvandsp::allActiveInputs);  // in place
 
-            const std::complex<double> first = Response(left, length / 2, frequency / static_cast<double>(rate));
-            const std::complex<double> second = Response(right, length / 2, frequency / static_cast<double>(rate));
+            const std::size_t half = length / 2;
+            const auto scale = 2.0 / static_cast<double>(half);
+            const std::complex<double> first = scale * ResponseAt(std::span(left).last(half), cycles);
+            const std::complex<double> second = scale * ResponseAt(std::span(right).last(half), cycles);
             EXPECT_NEAR(std::abs(first), 1.0, 1e-3) << frequency << " Hz at " << rate;
             EXPECT_NEAR(std::abs(second), 1.0, 1e-3) << frequency << " Hz at " << rate;
-            const double degrees = std::arg(second / first) * 180.0 / std::numbers::pi;
-            EXPECT_NEAR(degrees, 90.0, 1.0) << frequency << " Hz at " << rate;
+            EXPECT_NEAR(std::arg(second / first) * 180.0 / std::numbers::pi, 90.0, 1.0)
+                << frequency << " Hz at " << rate;
         }
     }
 }
@@ -63,19 +55,15 @@ TEST(HilbertTransform, RecoversAndWaits) {
     HilbertTransform twin;
     twin.Configure(48000.0f, 4, true);
     const short inactive[] = {0};
-    float other[2][4];
+    float input[] = {1, -2, 3, -4}, other[2][4];
+    float* inputs[] = {input};
     float* otherOutputs[] = {other[0], other[1]};
     for (const bool wait : {false, true, false}) {
-        float input[4] = {1, -2, 3, -4};
-        float* inputs[] = {input};
-        if (wait) {
-            twin.Process(otherOutputs, inputs, 4, inactive);
-            EXPECT_EQ(other[0][3], 0.0f);
-            EXPECT_EQ(other[1][0], 0.0f);
-        } else {
+        twin.Process(otherOutputs, inputs, 4, wait ? inactive : orvandsp::allActiveInputs);
+        if (wait)
+            EXPECT_TRUE(other[0][3] == 0.0f && other[1][0] == 0.0f);
+        else
             hilbert.Process(outputs, inputs, 4, orvandsp::allActiveInputs);
-            twin.Process(otherOutputs, inputs, 4, orvandsp::allActiveInputs);
-        }
     }
     for (int i = 0; i < 4; ++i) EXPECT_EQ(left[i], other[0][i]) << i;
 }

@@ -24,28 +24,23 @@ TEST(Ramp, PiecesTouchAndEndAtTheTarget) {
     EXPECT_NEAR(out[499], 500.0f / 1323.0f, 1e-6f);
     EXPECT_NEAR(out[1] - out[0], 1.0f / 1323.0f * 500.0f / 499.0f, 1e-8f);
     for (std::size_t i = 1323; i < 1400; ++i) EXPECT_EQ(out[i], 1.0f) << i;
-}
 
-// Red if somebody guards the division: a single-sample piece has no slope, and its sample is not a number.
-TEST(Ramp, PieceOfOneSampleIsNotANumber) {
-    Ramp ramp;
-    ramp.Start(1.0f, 30.0f);
-    float out[2] = {};
-    ramp.Process(out, 1);
+    // Red if somebody guards the division: a single-sample piece has no slope, and its sample is not a number.
+    Ramp single;
+    single.Start(1.0f, 30.0f);
+    single.Process(out.data(), 1);
     EXPECT_TRUE(std::isnan(out[0]));
-    EXPECT_NEAR(ramp.current, 1.0f / 1323.0f, 1e-8f);
-    EXPECT_EQ(ramp.remaining, 1322);
+    EXPECT_NEAR(single.current, 1.0f / 1323.0f, 1e-8f);
 }
 
 TEST(Ramp, ZeroTimeJumpsAndNegativeTimeJumpsAtTheNextBlock) {
     Ramp ramp;
-    ramp.Start(2.0f, 0.0f);
-    EXPECT_EQ(ramp.current, 2.0f);
-    EXPECT_EQ(ramp.total, 0u);
-
-    ramp.Start(3.0f, std::nanf(""));
-    EXPECT_EQ(ramp.current, 3.0f);
-
+    for (const float time : {0.0f, std::nanf("")}) {
+        ramp.Start(2.0f, 30.0f);
+        ramp.Start(3.0f, time);
+        EXPECT_EQ(ramp.total, 0u);
+        EXPECT_EQ(ramp.current, 3.0f);
+    }
     ramp.Start(5.0f, -1.0f);
     EXPECT_EQ(ramp.current, 3.0f);
     float out[4];

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <memory>
+#include <initializer_list>
 #include <vector>
 
 #include "pan/dbap_panning_2d.h"
@@ -16,35 +16,20 @@ using Lume::DbapPanning;
 using Lume::DbapPanning2D;
 using Lume::DbapPanning3D;
 
-std::vector<float> Gains(Lume::AmplitudePanning& panner, CartesianVector const& source) {
-    panner.SetSourcePosition(0, source, false);
-    std::vector<float> gains(static_cast<std::size_t>(panner.GetNumInputs()) * panner.GetNumOutputs());
-    panner.GetGains(gains.data());
-    gains.resize(panner.GetNumOutputs());
-    return gains;
-}
-
-std::vector<CartesianVector> Scattered(unsigned int count, unsigned int seed) {
-    Uniform uniform(seed);
-    std::vector<CartesianVector> positions;
-    for (unsigned int i = 0; i < count; ++i)
-        positions.push_back(At(uniform(-180, 180), uniform(-80, 80), uniform(0.2, 6.0)));
-    return positions;
-}
-
 // Ground truth: power 1 everywhere, also on top of loudspeakers and with two of them in one place, and gains in inverse
 // proportion to the distance to each loudspeaker.
 TEST(DbapPanning, PowerIsOneAndGainsFallWithDistance) {
     Uniform uniform(9);
     for (const unsigned int outputs : {1u, 2u, 5u, 24u, 64u}) {
-        std::vector<CartesianVector> positions = Scattered(outputs, outputs);
+        std::vector<CartesianVector> positions(outputs);
+        for (auto& p : positions) p = At(uniform(-180, 180), uniform(-80, 80), uniform(0.2, 6.0));
         if (outputs > 2) positions[1] = positions[0];
         DbapPanning3D panner(1, outputs);
         panner.SetLoudspeakerPositions(positions.data());
         for (int i = 0; i < 300; ++i) {
             const CartesianVector source = i < 20 ? positions[static_cast<unsigned int>(i) % outputs]
                                                   : At(uniform(-180, 180), uniform(-90, 90), uniform(0.0, 1000.0));
-            const std::vector<float> gains = Gains(panner, source);
+            const std::vector<float> gains = GainsAt(panner, source);
             EXPECT_NEAR(Power(gains), 1.0, 1e-5);
             const auto distance = [&](CartesianVector const& p) {
                 return CartesianVector{source.x - p.x, source.y - p.y, source.z - p.z}.radius();
@@ -72,7 +57,7 @@ TEST(DbapPanning, SpreadWidensOneSource) {
     EXPECT_NEAR(gains[1], 0.0f, 1e-4f);
     for (unsigned int j = 4; j < 8; ++j) EXPECT_NEAR(gains[j], 0.5f, 1e-5f);
     panner.SetOmniSpreadFactor(100.0f);
-    EXPECT_NEAR(Gains(panner, source)[3], 0.5f, 1e-5f);
+    EXPECT_NEAR(GainsAt(panner, source)[3], 0.5f, 1e-5f);
 
     // Spread along one axis: the loudspeaker that lies apart along this axis only joins in.
     panner.SetSpreadMode("xyz");
@@ -81,7 +66,7 @@ TEST(DbapPanning, SpreadWidensOneSource) {
         float percents[3] = {};
         percents[axis] = 300.0f;
         panner.SetDirectionalSpreadFactor(percents);
-        const std::vector<float> wide = Gains(panner, source);
+        const std::vector<float> wide = GainsAt(panner, source);
         for (unsigned int j = 1; j < 4; ++j) EXPECT_NEAR(wide[j], j == axis + 1 ? std::sqrt(0.5f) : 0.0f, 1e-4f);
     }
     panner.SetSpreadMode("nonsense");
@@ -94,12 +79,12 @@ TEST(DbapPanning2D, SourcesFadeOutsideTheHull) {
     const std::vector<CartesianVector> square = {{-1, 1, 0}, {1, 1, 0}, {1, -1, 0}, {-1, -1, 0}};
     DbapPanning2D panner(1, 4);
     panner.SetLoudspeakerPositions(square.data());
-    EXPECT_NEAR(Power(Gains(panner, {0.3f, -0.9f, 0.0f})), 1.0, 1e-5);
-    EXPECT_NEAR(Power(Gains(panner, {0.25f, 1.0f, 0.0f})), 1.0, 1e-5);
-    EXPECT_NEAR(Power(Gains(panner, {0.3f, -0.9f, 7.0f})), 1.0, 1e-5);
-    EXPECT_EQ(Gains(panner, {0.3f, -0.9f, 7.0f}), Gains(panner, {0.3f, -0.9f, 0.0f}));
+    EXPECT_NEAR(Power(GainsAt(panner, {0.3f, -0.9f, 0.0f})), 1.0, 1e-5);
+    EXPECT_NEAR(Power(GainsAt(panner, {0.25f, 1.0f, 0.0f})), 1.0, 1e-5);
+    EXPECT_NEAR(Power(GainsAt(panner, {0.3f, -0.9f, 7.0f})), 1.0, 1e-5);
+    EXPECT_EQ(GainsAt(panner, {0.3f, -0.9f, 7.0f}), GainsAt(panner, {0.3f, -0.9f, 0.0f}));
     const double fade = (std::sqrt(2.0) + 1.0) / (5.0 + 1.0);
-    EXPECT_NEAR(Power(Gains(panner, {3.0f, 4.0f, 0.0f})), fade * fade, 1e-5);
+    EXPECT_NEAR(Power(GainsAt(panner, {3.0f, 4.0f, 0.0f})), fade * fade, 1e-5);
 
     CartesianVector edge;
     panner.computeProjectionOnSpeakerHull({3.0f, 1.5f, 0.0f}, edge);
@@ -107,8 +92,8 @@ TEST(DbapPanning2D, SourcesFadeOutsideTheHull) {
     EXPECT_NEAR(edge.y, 0.5f, 1e-5f);
 
     panner.MuteSourceOutsideSpeakersHull(true);
-    EXPECT_EQ(Power(Gains(panner, {3.0f, 4.0f, 0.0f})), 0.0);
-    EXPECT_NEAR(Power(Gains(panner, {0.25f, 1.0f, 0.0f})), 1.0, 1e-5);
+    EXPECT_EQ(Power(GainsAt(panner, {3.0f, 4.0f, 0.0f})), 0.0);
+    EXPECT_NEAR(Power(GainsAt(panner, {0.25f, 1.0f, 0.0f})), 1.0, 1e-5);
 }
 
 // The border of silence lies at the square root of the radius: the squared distance meets the plain radius.
@@ -117,10 +102,10 @@ TEST(DbapPanning3D, MutesBeyondTheSquareRootOfTheRadius) {
                                                      {0, -4, 0}, {0, 0, 4},  {0, 0, -4}};
     DbapPanning3D panner(1, 6);
     panner.SetLoudspeakerPositions(octahedron.data());
-    EXPECT_NEAR(Power(Gains(panner, {0.0f, 9.0f, 0.0f})), 1.0, 1e-5);
+    EXPECT_NEAR(Power(GainsAt(panner, {0.0f, 9.0f, 0.0f})), 1.0, 1e-5);
     panner.MuteSourceOutsideSpeakersHull(true);
-    EXPECT_NEAR(Power(Gains(panner, {0.0f, 1.99f, 0.0f})), 1.0, 1e-5);
-    EXPECT_EQ(Power(Gains(panner, {0.0f, 2.01f, 0.0f})), 0.0);
+    EXPECT_NEAR(Power(GainsAt(panner, {0.0f, 1.99f, 0.0f})), 1.0, 1e-5);
+    EXPECT_EQ(Power(GainsAt(panner, {0.0f, 2.01f, 0.0f})), 0.0);
 }
 
 // Red if the ends of the fade move, if it isn't straight, or if a source's row is another's.
@@ -130,43 +115,20 @@ TEST(VDbapPanning, FadesFromDistanceToDirectionAcrossTheRadius) {
     Lume::VDbapPanning mixed(2, 6);
     DbapPanning3D near(1, 6);
     Lume::VbapPanning far(1, 6);
-    for (Lume::AmplitudePanning* panner :
-         {static_cast<Lume::AmplitudePanning*>(&mixed), static_cast<Lume::AmplitudePanning*>(&near),
-          static_cast<Lume::AmplitudePanning*>(&far)})
+    for (Lume::Pan* panner : std::initializer_list<Lume::Pan*>{&mixed, &near, &far})
         panner->SetLoudspeakerPositions(octahedron.data());
-    const float weights[][2] = {{0.3f, 0.0f}, {0.7f, 0.0f}, {0.85f, 0.25f}, {1.0f, 0.5f}, {1.3f, 1.0f}, {5.0f, 1.0f}};
+    const double weights[][2] = {{0.3, 0.0}, {0.7, 0.0}, {0.85, 0.25}, {1.0, 0.5}, {1.3, 1.0}, {5.0, 1.0}};
     for (auto const& [distance, vbapWeight] : weights) {
-        const CartesianVector source = At(30, 20, static_cast<double>(2.0f * distance));
-        mixed.SetSourcePosition(1, At(-80, -40, 1.3), false);
-        const std::vector<float> gains = Gains(mixed, source), dbap = Gains(near, source), vbap = Gains(far, source);
-        for (unsigned int j = 0; j < 6; ++j)
-            EXPECT_NEAR(gains[j], vbapWeight * vbap[j] + (1.0f - vbapWeight) * dbap[j], 1e-5f) << distance;
-    }
-}
-
-// A layout in one point, or in one line, or nowhere: gains of some kind, and no end of the world.
-TEST(DbapPanning, BadLayoutsReturn) {
-    const float nan = std::nanf("");
-    const std::vector<std::vector<CartesianVector>> layouts = {
-        {{1, 1, 0}, {1, 1, 0}, {1, 1, 0}}, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}, {{nan, 0, 0}, {0, nan, 0}, {0, 0, nan}}};
-    for (auto const& layout : layouts) {
-        DbapPanning2D planar(1, 3);
-        DbapPanning3D spatial(1, 3);
-        Lume::VDbapPanning virtualised(1, 3);
-        for (Lume::AmplitudePanning* panner :
-             {static_cast<Lume::AmplitudePanning*>(&planar), static_cast<Lume::AmplitudePanning*>(&spatial),
-              static_cast<Lume::AmplitudePanning*>(&virtualised)}) {
-            panner->SetLoudspeakerPositions(layout.data());
-            for (CartesianVector const& source : {layout[0], CartesianVector{3, 1, 2}}) {
-                const double power = Power(Gains(*panner, source));
-                EXPECT_TRUE(std::isfinite(power) || std::isnan(layout[0].x));
-            }
+        const CartesianVector sources[] = {At(-80, -40, 1.3), At(30, 20, 2.0 * distance)};
+        mixed.SetSourcePositions(sources);
+        std::vector<float> gains(12);
+        mixed.GetGains(gains.data());
+        const std::vector<float> dbap = GainsAt(near, sources[1]), vbap = GainsAt(far, sources[1]);
+        for (std::size_t j = 0; j < 6; ++j) {
+            const auto weight = static_cast<float>(vbapWeight);
+            EXPECT_NEAR(gains[6 + j], weight * vbap[j] + (1.0f - weight) * dbap[j], 1e-5f) << distance;
         }
-        CartesianVector result;
-        planar.computeProjectionOnSpeakerHull({3, 1, 2}, result);
     }
-    EXPECT_EQ(std::unique_ptr<Lume::Pan>(DbapPanning2D::Create(1, 0))->GetNumInputs(), 0u);
-    EXPECT_EQ(std::unique_ptr<Lume::Pan>(Lume::VDbapPanning::Create(1, 2))->GetNumInputs(), 0u);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "geometry/cartesian_vector.h"
+#include "pan/amplitude_panning.h"
 
 /// A position by the listener's azimuth [degrees] (0 ahead, 90 on the right), elevation [degrees] and distance [m].
 inline Lume::CartesianVector At(double azimuth, double elevation = 0.0, double distance = 1.0) {
@@ -47,3 +47,45 @@ inline double Power(std::vector<float> const& gains) {
     for (const float gain : gains) power += static_cast<double>(gain) * static_cast<double>(gain);
     return power;
 }
+
+/// The gains of a place, without a source that stands there.
+inline std::vector<float> GainsAt(Lume::AmplitudePanning& panner, Lume::CartesianVector const& position) {
+    std::vector<float> gains(panner.GetNumOutputs(), 9.0f);
+    panner.convert(position, gains.data(), 0);
+    return gains;
+}
+
+/// Places the only source and waits until all glides and fades are over.
+inline void PlaceAndWait(Lume::Pan& panner, Lume::CartesianVector const& position) {
+    Channels silence(1, 512, 0.0f), out(2, 512, 0.0f);
+    for (const bool jump : {false, true}) {  // a glide ends beside its target, a jump on it
+        panner.SetSourcePosition(0, position, jump);
+        for (int i = 0; i < 8; ++i)
+            panner.Process(out.pointers.data(), silence.pointers.data(), 512, orvandsp::allActiveInputs);
+    }
+}
+
+/// The responses of two outputs to an impulse on the only input.
+inline Channels ImpulseResponses(Lume::Pan& panner, std::size_t length = 2048) {
+    Channels in(1, length, 0.0f), out(2, length, 0.0f);
+    in.data[0][0] = 1.0f;
+    for (std::size_t i = 0; i < length; i += 512)
+        panner.Process(out.From(i).data(), in.From(i).data(), 512, orvandsp::allActiveInputs);
+    return out;
+}
+
+/// Sums of the responses of two outputs to an impulse, and their centres of gravity [samples]. An allpass that reads
+/// between samples shows its gain and its delay at 0 Hz exactly.
+struct Arrivals {
+    explicit Arrivals(Lume::Pan& panner) {
+        const Channels out = ImpulseResponses(panner, 512);
+        for (std::size_t c = 0; c < 2; ++c) {
+            for (std::size_t n = 0; n < 512; ++n) {
+                sum[c] += static_cast<double>(out.data[c][n]);
+                delay[c] += static_cast<double>(n) * static_cast<double>(out.data[c][n]);
+            }
+            delay[c] /= sum[c];
+        }
+    }
+    double sum[2] = {}, delay[2] = {};
+};

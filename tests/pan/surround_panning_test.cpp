@@ -16,12 +16,6 @@ namespace {
 
 using Lume::CartesianVector;
 
-std::vector<float> Gains(Lume::AmplitudePanning& panner, CartesianVector const& source) {
-    std::vector<float> gains(panner.GetNumOutputs(), 9.0f);
-    panner.convert(source, gains.data(), 0);
-    return gains;
-}
-
 /// Rings in the order of outputs that the recursive laws expect: clockwise, with loudspeakers 0 (or 0 and 11) front
 /// left.
 std::vector<CartesianVector> Ring(std::vector<double> const& azimuths) {
@@ -51,14 +45,12 @@ TEST(RecursivePanning, PowerIsOneAndCornersSoundAlone) {
         panner.SetLoudspeakerPositions(ring.data());
         for (int k = 0; k < 500; ++k) {
             const std::vector<float> gains =
-                Gains(panner, At(uniform(-180, 180), uniform(-90, 90), uniform(0, k < 100 ? 1 : 30)));
+                GainsAt(panner, At(uniform(-180, 180), uniform(-90, 90), uniform(0, k < 100 ? 1 : 30)));
             EXPECT_NEAR(Power(gains), 1.0, 1e-5) << ring.size();
             EXPECT_GE(*std::min_element(gains.begin(), gains.end()), 0.0f);
         }
         for (int c = 0; c < 4 && i < 5; ++c)
-            EXPECT_NEAR(Gains(panner, ring[corners[i][c]])[corners[i][c]], 1.0f, 1e-4f) << ring.size();
-        // Straight up and at the centre nothing is nearer to the front than to the rear.
-        EXPECT_EQ(Gains(panner, At(0, 90, 2)).size(), ring.size());
+            EXPECT_NEAR(GainsAt(panner, ring[corners[i][c]])[corners[i][c]], 1.0f, 1e-4f) << ring.size();
     }
 }
 
@@ -129,13 +121,13 @@ TEST(SurroundPanning, FrontAndSurround) {
         EXPECT_NEAR(Power(placed), 1.0, 1e-5);
         const std::vector<CartesianVector> ring = outputs == 3 ? Ring({-40, 50, 180}) : Ring({-40, 5, 50, 180});
         panner.SetLoudspeakerPositions(ring.data());
-        EXPECT_NEAR(Gains(panner, At(-40))[0], 1.0f, 1e-4f);
-        EXPECT_NEAR(Gains(panner, At(50))[outputs - 2], 1.0f, 1e-4f);
-        EXPECT_NEAR(Gains(panner, At(180))[outputs - 1], 1.0f, 1e-4f);
-        const std::vector<float> ahead = Gains(panner, At(5));
+        EXPECT_NEAR(GainsAt(panner, At(-40))[0], 1.0f, 1e-4f);
+        EXPECT_NEAR(GainsAt(panner, At(50))[outputs - 2], 1.0f, 1e-4f);
+        EXPECT_NEAR(GainsAt(panner, At(180))[outputs - 1], 1.0f, 1e-4f);
+        const std::vector<float> ahead = GainsAt(panner, At(5));
         EXPECT_NEAR(ahead[1], outputs == 3 ? std::sqrt(0.5f) : 1.0f, 1e-4f);
         for (double azimuth = -180.0; azimuth < 180.0; azimuth += 10.0)
-            EXPECT_NEAR(Power(Gains(panner, At(azimuth, 30, 0.7))), 1.0, 1e-5);
+            EXPECT_NEAR(Power(GainsAt(panner, At(azimuth, 30, 0.7))), 1.0, 1e-5);
     }
 }
 
@@ -149,37 +141,18 @@ TEST(AngularPanning, SharesEachGapByCosineAndSine) {
     for (unsigned int i = 0; i < 5; ++i) {
         std::vector<float> alone(5, 0.0f);
         alone[i] = 1.0f;
-        EXPECT_EQ(Gains(panner, ring[i]), alone);
+        EXPECT_EQ(GainsAt(panner, ring[i]), alone);
         const unsigned int prev = order[i], next = order[(i + 1) % 5];
         const double gap = std::fmod(azimuths[prev] - azimuths[next] + 360.0, 360.0);
         for (const double place : {0.001, 0.25, 0.5, 0.9}) {
-            const std::vector<float> gains = Gains(panner, At(azimuths[prev] - place * gap, 40, 5));
+            const std::vector<float> gains = GainsAt(panner, At(azimuths[prev] - place * gap, 40, 5));
             EXPECT_NEAR(gains[prev], std::cos(place * std::numbers::pi / 2), 1e-5);
             EXPECT_NEAR(gains[next], std::sin(place * std::numbers::pi / 2), 1e-5);
             EXPECT_NEAR(Power(gains), 1.0, 1e-5);
         }
     }
-    Lume::AngularPanning mono(1, 1), none(1, 0);
-    EXPECT_EQ(Gains(mono, At(77))[0], 1.0f);
-    none.SetSourcePosition(0, At(77), false);
-}
-
-TEST(SurroundPanning, BadLayoutsReturn) {
-    const float nan = std::nanf("");
-    for (const CartesianVector place : {CartesianVector{1, 0, 0}, CartesianVector{}, CartesianVector{nan, nan, nan}}) {
-        const std::vector<CartesianVector> layout(12, place);
-        for (const unsigned int outputs : {0u, 1u, 3u, 4u, 5u, 12u}) {
-            Lume::AngularPanning angular(1, outputs);
-            Lume::RecursivePanning recursive(1, outputs);
-            Lume::SurroundPanning surround(1, outputs);
-            for (Lume::Pan* panner : {static_cast<Lume::Pan*>(&angular), static_cast<Lume::Pan*>(&recursive),
-                                      static_cast<Lume::Pan*>(&surround)}) {
-                panner->SetLoudspeakerPositions(layout.data());
-                panner->SetSourcePosition(0, At(33), false);
-                panner->SetSourcePosition(0, place, false);
-            }
-        }
-    }
+    Lume::AngularPanning mono(1, 1);
+    EXPECT_EQ(GainsAt(mono, At(77))[0], 1.0f);
 }
 
 }  // namespace

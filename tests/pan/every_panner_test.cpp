@@ -1,0 +1,174 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "pan/panning_support.h"
+#include "support/allocation_count.h"
+#include "support/signals.h"
+
+// What holds for each panner that the factory makes.
+
+namespace {
+
+using Lume::CartesianVector;
+using Lume::Pan;
+
+struct Kind {
+    std::string type;
+    unsigned int numOutputs;
+    char const* role;
+    bool isSumOfSources;
+};
+
+// Spherical harmonics are left out: without data they are silent.
+const Kind kinds[] = {{"xy", 2, "direct", true},         {"ms", 2, "direct", true},
+                      {"ab", 2, "direct", true},         {"surround", 4, "direct", true},
+                      {"panr", 5, "direct", true},       {"angular", 5, "direct", true},
+                      {"vbap2d", 5, "direct", true},     {"vbap", 7, "direct", true},
+                      {"dbap", 5, "direct", true},       {"dbap3d", 5, "direct", true},
+                      {"vdbap", 6, "direct", true},      {"bformat", 4, "direct", true},
+                      {"hoa2d", 5, "direct", true},      {"hoa3d", 9, "direct", true},
+                      {"vbap2d", 5, "diffuse", false},   {"binaural", 2, "diffuse", false},
+                      {"binaural", 2, "direct", true},   {"binaural", 2, "early", true},
+                      {"binaural", 2, "snowman", true},  {"binaural", 2, "sphericalheadmodel", true},
+                      {"binaural", 2, "nearfield", true}};
+
+std::unique_ptr<Pan> Make(Kind const& kind, unsigned int numInputs) {
+    std::unique_ptr<Pan> panner(Pan::factory(numInputs, kind.numOutputs, kind.type.c_str(), kind.role));
+    panner->Configure(48000.0f, 64, true);
+    return panner;
+}
+
+constexpr std::size_t length = 3072, block = 64;
+
+Channels Noise(std::size_t width) {
+    Channels noise(width, length, 0.0f);
+    for (std::uint32_t c = 0; c < 2; ++c) std::ranges::copy(MakeNoise(c + 1, length), noise.pointers[c]);
+    return noise;
+}
+
+/// Runs one block without allocation.
+void Play(Pan& panner, bool adding, std::vector<float*> outs, std::vector<float*> ins, short const* active) {
+    const long before = AllocationCount();
+    if (adding)
+        panner.ProcessAdding(outs.data(), ins.data(), block, active);
+    else
+        panner.Process(outs.data(), ins.data(), block, active);
+    EXPECT_EQ(AllocationCount(), before);
+}
+
+/// Where the first source is at a sample; the second one rests.
+CartesianVector Moving(std::size_t sample) {
+    return At(40.0 + 0.02 * static_cast<double>(sample), 20.0);
+}
+const CartesianVector resting = At(-70.0, 10.0);
+
+// Red if outputs that are inputs are read after they were written, if adding replaces, if Process and ProcessAdding
+// differ, if a block allocates, or if Clear leaves something behind.
+TEST(EveryPanner, WorksInPlaceAddsAndClears) {
+    for (Kind const& kind : kinds)
+        for (unsigned int numInputs = kind.isSumOfSources ? 1 : 2; numInputs <= 2; ++numInputs) {
+            SCOPED_TRACE(kind.type + " " + kind.role + " of " + std::to_string(numInputs));
+            const auto process = Make(kind, numInputs), add = Make(kind, numInputs);
+            const Channels in = Noise(2);
+            Channels inPlace = Noise(kind.numOutputs), added(kind.numOutputs, length, 0.0f);
+            for (std::size_t i = 0; i < length; i += block) {
+                for (Pan* panner : {process.get(), add.get()}) {
+                    panner->SetSourcePosition(numInputs - 1, resting, false);
+                    panner->SetSourcePosition(0, Moving(i), false);
+                }
+                Play(*process, false, inPlace.From(i), inPlace.From(i), orvandsp::allActiveInputs);
+                Play(*add, true, added.From(i), in.From(i), orvandsp::allActiveInputs);
+            }
+            EXPECT_EQ(inPlace.data, added.data);
+            EXPECT_GT(EnergyOf(inPlace.data[0]) + EnergyOf(inPlace.data[1]), 1.0);
+
+            process->Clear();
+            Channels silence(kind.numOutputs, block, 0.0f), out(kind.numOutputs, block, 9.0f);
+            Play(*process, false, out.pointers, silence.pointers, orvandsp::allActiveInputs);
+            EXPECT_EQ(out.data, silence.data);
+        }
+}
+
+// Red if several sources aren't the sum of each alone, or if an inactive input, whose pointer is null, is read. Red if
+// somebody tidies up: a single source that isn't active leaves the outputs of two panners alone; others clear them.
+TEST(EveryPanner, AddsUpItsActiveSources) {
+    for (Kind const& kind : kinds) {
+        if (!kind.isSumOfSources) continue;
+        SCOPED_TRACE(kind.type + " " + kind.role);
+        const auto both = Make(kind, 2), first = Make(kind, 1), second = Make(kind, 1);
+        const Channels in = Noise(2);
+        Channels together(kind.numOutputs, length, 9.0f), sum(kind.numOutputs, length, 0.0f);
+        for (std::size_t i = 0; i < length; i += block) {
+            for (Pan* panner : {both.get(), first.get()}) panner->SetSourcePosition(0, Moving(i), false);
+            both->SetSourcePosition(1, resting, false);
+            second->SetSourcePosition(0, resting, false);
+            const short active[] = {1, static_cast<short>(i < length / 2)};
+            std::vector<float*> ins = in.From(i);
+            if (active[1] == 0) ins[1] = nullptr;
+            Play(*both, false, together.From(i), ins, active);
+            Play(*first, true, sum.From(i), ins, active);
+            Play(*second, true, sum.From(i), {ins[1]}, active + 1);
+        }
+        EXPECT_EQ(together.data, sum.data);
+
+        const bool leavesAlone = kind.type == "ab" || std::string(kind.role) == "early";
+        const short none[] = {0, 0};
+        for (Pan* panner : {first.get(), both.get()}) {
+            Channels out(kind.numOutputs, block, 9.0f);
+            Play(*panner, false, out.pointers, {nullptr, nullptr}, none);
+            EXPECT_EQ(out.data[0].back(), leavesAlone && panner == first.get() ? 9.0f : 0.0f);
+            EXPECT_EQ(out.data[0], out.data[1]);
+        }
+    }
+}
+
+// Red if another number of outputs than two leaves an ear undefined.
+TEST(EveryPanner, BinauralSilenceIsForBothEars) {
+    for (char const* role : {"direct", "diffuse", "nearfield", "sh", "sphericalheadmodel", "snowman"}) {
+        const auto panner = Make({"binaural", 2, role, true}, std::string(role) == "diffuse" ? 2 : 1);
+        panner->SetNumOutputs(1);
+        Channels in(2, block, 1.0f), out(2, block, 5.0f);
+        const short inactive[] = {0, 0};
+        panner->Process(out.pointers.data(), in.pointers.data(), block, inactive);
+        EXPECT_EQ(out.data, Channels(2, block, 0.0f).data) << role;
+    }
+}
+
+// Loudspeakers in one place, in one line, in the listener's place, or nowhere, and fewer outputs later: gains of some
+// kind, and an end.
+TEST(EveryPanner, SurvivesBadLayouts) {
+    const float nan = std::nanf("");
+    const std::vector<CartesianVector> places = {{1, 1, 0}, {0, 0, 0}, {nan, nan, nan}};
+    for (Kind const& kind : kinds)
+        for (const unsigned int numOutputs : {1u, 2u, 3u, 4u, 5u, 12u})
+            for (std::size_t layout = 0; layout < 5; ++layout) {
+                const std::unique_ptr<Pan> panner(Pan::factory(1, numOutputs, kind.type.c_str(), kind.role));
+                std::vector<CartesianVector> speakers(12, places[std::min<std::size_t>(layout, 2)]);
+                if (layout > 2) {  // a line, and places of all kinds
+                    for (std::size_t j = 0; j < 12; ++j) speakers[j] = {static_cast<float>(j), 0, 0};
+                    if (layout == 4) speakers[1] = speakers[0] = At(10), speakers[2] = {nan, nan, nan};
+                }
+                panner->SetLoudspeakerPositions(speakers.data());
+                for (CartesianVector const& source : {CartesianVector{3, 1, 2}, speakers[0], At(10)})
+                    panner->SetSourcePosition(0, source, false);
+                auto* const amplitude = dynamic_cast<Lume::AmplitudePanning*>(panner.get());
+                if (amplitude != nullptr && kind.type.find("dbap") != std::string::npos && layout != 2 && layout != 4) {
+                    std::vector<float> gains(panner->GetNumOutputs());
+                    amplitude->GetGains(gains.data());
+                    EXPECT_TRUE(std::isfinite(Power(gains))) << kind.type << " " << numOutputs << " " << layout;
+                }
+                for (const unsigned int fewer : {3u, 1u, 0u}) {
+                    if (fewer > numOutputs) continue;
+                    panner->SetNumOutputs(fewer);
+                    panner->SetLoudspeakerPositions(speakers.data());
+                    panner->SetSourcePosition(0, At(33), false);
+                }
+            }
+}
+
+}  // namespace
