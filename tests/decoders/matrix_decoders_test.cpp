@@ -13,6 +13,7 @@
 #include "dsp/hilbert_transform.h"
 #include "filters/hl_shelf.h"
 #include "filters/low_pass.h"
+#include "support/channels.h"
 #include "support/frequency_response.h"
 
 namespace {
@@ -25,15 +26,12 @@ constexpr std::size_t responseLength = 32768;
 /// before, so that every delay has come to rest.
 std::vector<std::vector<float>> Responses(orvandsp::SignalProcessing& block, unsigned int input) {
     block.Configure(44100.0f, static_cast<unsigned int>(responseLength), true);
-    std::vector<std::vector<float>> in(block.GetNumInputs(), std::vector<float>(responseLength, 0.0f));
-    std::vector<std::vector<float>> out(block.GetNumOutputs(), std::vector<float>(responseLength, 0.0f));
-    std::vector<float*> ins, outs;
-    for (auto& channel : in) ins.push_back(channel.data());
-    for (auto& channel : out) outs.push_back(channel.data());
-    block.Process(outs.data(), ins.data(), responseLength, orvandsp::allActiveInputs);
-    in[input][0] = 1.0f;
-    block.Process(outs.data(), ins.data(), responseLength, orvandsp::allActiveInputs);
-    return out;
+    Channels in(block.GetNumInputs(), responseLength, 0.0f), out(block.GetNumOutputs(), responseLength, 0.0f);
+    for (const float impulse : {0.0f, 1.0f}) {
+        in.data[input][0] = impulse;
+        block.Process(out.pointers.data(), in.pointers.data(), responseLength, orvandsp::allActiveInputs);
+    }
+    return out.data;
 }
 
 std::unique_ptr<Lume::Decoder> Make(unsigned int numInputs, unsigned int numOutputs, Lume::Decoder::Type type) {
@@ -209,14 +207,12 @@ TEST(Uhj, InactiveInputsSilence) {
     for (auto* block : {encoder.get(), decoder.get()})
         for (unsigned int inactive = 0; inactive < block->GetNumInputs(); ++inactive) {
             block->Configure(48000.0f, 64, true);
-            std::vector<std::vector<float>> in(4, std::vector<float>(64, 1.0f)), out(3, std::vector<float>(64, 9.0f));
-            float* ins[] = {in[0].data(), in[1].data(), in[2].data(), in[3].data()};
-            float* outs[] = {out[0].data(), out[1].data(), out[2].data()};
+            Channels in(4, 64, 1.0f), out(3, 64, 9.0f);
             short active[] = {1, 1, 1, 1};
             active[inactive] = 0;
-            block->Process(outs, ins, 64, active);
+            block->Process(out.pointers.data(), in.pointers.data(), 64, active);
             const unsigned int numNeeded = block == encoder.get() ? 3 : 2;
-            EXPECT_EQ(out[0] == std::vector<float>(64, 0.0f), inactive < numNeeded) << inactive;
+            EXPECT_EQ(out.data[0] == std::vector<float>(64, 0.0f), inactive < numNeeded) << inactive;
         }
 }
 

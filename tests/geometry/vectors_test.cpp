@@ -40,23 +40,17 @@ TEST(Vectors, DirectionsHaveTheirSigns) {
     }
 }
 
-// Red if it doesn't compile: three numbers could be either kind of vector.
-TEST(Vectors, TakeNumbersInBraces) {
+// Red if it doesn't compile, as three numbers could be either kind of vector; or if the division by the distance isn't
+// guarded at the origin.
+TEST(Vectors, TakeNumbersInBracesAndTheOriginHasADirection) {
     CartesianVector cartesian;
     cartesian = {1.0f, 2.0f, 3.0f};
     EXPECT_EQ(cartesian.z, 3.0f);
     SphericalVector spherical;
     spherical = {0.5f, 2.0f, -0.5f};
     EXPECT_EQ(spherical.distance, 2.0f);
-}
-
-// Red if the division by the distance isn't guarded.
-TEST(Vectors, TheOriginHasADirection) {
-    SphericalVector spherical{1.0f, 1.0f, 1.0f};
     spherical = CartesianVector{};
-    EXPECT_EQ(spherical.azimuth, 0.0f);
-    EXPECT_EQ(spherical.distance, 0.0f);
-    EXPECT_EQ(spherical.elevation, 0.0f);
+    EXPECT_TRUE(spherical.azimuth == 0.0f && spherical.distance == 0.0f && spherical.elevation == 0.0f);
 }
 
 TEST(Azimuth, SwapsConventionsBothWays) {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
-#include <random>
 #include <vector>
 
 #include "math/gauss_jordan_elimination.h"
@@ -21,11 +21,8 @@ using orvandsp::SVD;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 MatrixDouble MakeRandom(unsigned int rows, unsigned int columns, unsigned int seed) {
-    std::mt19937 generator(seed);
-    MatrixDouble m(rows, columns, 0.0);
-    for (unsigned int i = 0; i < rows; ++i)
-        for (double& x : m[i]) x = static_cast<double>(generator()) / 2147483648.0 - 1.0;
-    return m;
+    std::srand(seed);
+    return orvandsp::Random(rows, columns, -1.0, 1.0);
 }
 
 MatrixDouble MakeIdentity(unsigned int n) {

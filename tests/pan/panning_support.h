@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "pan/amplitude_panning.h"
+#include "support/channels.h"
 
 /// A position by the listener's azimuth [degrees] (0 ahead, 90 on the right), elevation [degrees] and distance [m].
 inline Lume::CartesianVector At(double azimuth, double elevation = 0.0, double distance = 1.0) {
@@ -26,20 +27,6 @@ public:
 
 private:
     std::mt19937 random;
-};
-
-/// Channels of samples with the pointers that a panner takes.
-struct Channels {
-    Channels(std::size_t count, std::size_t samples, float value) : data(count, std::vector<float>(samples, value)) {
-        for (auto& channel : data) pointers.push_back(channel.data());
-    }
-    std::vector<float*> From(std::size_t sample) const {
-        std::vector<float*> result = pointers;
-        for (float*& pointer : result) pointer += sample;
-        return result;
-    }
-    std::vector<std::vector<float>> data;
-    std::vector<float*> pointers;
 };
 
 inline double Power(std::vector<float> const& gains) {

@@ -9,27 +9,22 @@
 
 #include "reverb/early_gains.h"
 #include "support/allocation_count.h"
+#include "support/channels.h"
+#include "support/signals.h"
 
 namespace {
 
-using Channels = std::vector<std::vector<float>>;
-
-/// Runs blocks of 64 samples of the inputs through a block.
-Channels Processed(Lume::Early& early, Channels const& inputs, short const* active) {
-    Channels outputs(early.GetNumDelays(), std::vector<float>(inputs[0].size(), 9.0f));
+/// Runs inputs through a block, 64 samples at a time, without allocation.
+std::vector<std::vector<float>> Processed(Lume::Early& early, std::vector<std::vector<float>> const& inputs,
+                                          short const* active = orvandsp::allActiveInputs) {
+    const Channels in(inputs), out(early.GetNumDelays(), inputs[0].size(), 9.0f);
     for (std::size_t i = 0; i < inputs[0].size(); i += 64) {
-        std::vector<float*> out, in;
-        for (auto& channel : outputs) out.push_back(channel.data() + i);
-        for (auto& channel : inputs) in.push_back(const_cast<float*>(channel.data()) + i);
+        std::vector<float*> ins = in.From(i), outs = out.From(i);
         const long before = AllocationCount();
-        early.Process(out.data(), in.data(), 64, active);
+        early.Process(outs.data(), ins.data(), 64, active);
         EXPECT_EQ(AllocationCount(), before);
     }
-    return outputs;
-}
-
-Channels Processed(Lume::Early& early, Channels const& inputs) {
-    return Processed(early, inputs, orvandsp::allActiveInputs);
+    return out.data;
 }
 
 /// Where the only sample that isn't 0 stands, and 1 for it.
@@ -39,12 +34,6 @@ void ExpectImpulseAt(std::vector<float> const& signal, float samples) {
     EXPECT_EQ(std::count(signal.begin(), signal.end(), 0.0f), static_cast<long>(signal.size()) - 1);
     // A glide ends beside its target by up to 0.5 samples, and the nearest sample by another half.
     EXPECT_NEAR(static_cast<float>(peak - signal.begin()), samples, 1.01f);
-}
-
-std::vector<float> Impulse(std::size_t length) {
-    std::vector<float> signal(length, 0.0f);
-    signal[0] = 1.0f;
-    return signal;
 }
 
 const std::vector<float> quarterSecond(64 * 172, 0.0f);
@@ -58,7 +47,7 @@ TEST(Early, EachTapIsOneOutputOneImpulseLater) {
         const float delays[] = {20.0f, 31.0f, 25.0f, 70.0f, 1.0f, 119.3f, 50.0f, 44.4f};
         early.SetDelays(delays);
         Processed(early, {quarterSecond});
-        const Channels out = Processed(early, {Impulse(64 * 128)});
+        const auto out = Processed(early, {MakeImpulse(64 * 128)});
         for (std::size_t i = 0; i < 8; ++i) ExpectImpulseAt(out[i], delays[i] * rate * 0.001f);
         EXPECT_NEAR(early.GetLength(), 118.3f, 1e-3f);
     }
@@ -71,7 +60,7 @@ TEST(Early, TwoInputsTakeTurns) {
     early.SetDelays(delays);
     EXPECT_NEAR(early.GetLength(), 50.0f, 1e-3f);  // the seventh has no tap
     Processed(early, {quarterSecond, quarterSecond});
-    const Channels out = Processed(early, {Impulse(4096), std::vector<float>(4096, 0.0f)});
+    const auto out = Processed(early, {MakeImpulse(4096), std::vector<float>(4096, 0.0f)});
     for (std::size_t i = 0; i < 6; i += 2) ExpectImpulseAt(out[i], delays[i] * 44.1f);
     for (std::size_t i = 1; i < 6; i += 2) EXPECT_EQ(out[i], std::vector<float>(4096, 0.0f));
     EXPECT_EQ(out[6], std::vector<float>(4096, 9.0f));
@@ -84,9 +73,9 @@ TEST(Early, TimeStandsStillWhileTheInputIsInactive) {
     const float delays[] = {10.0f, 20.0f};
     early.SetDelays(delays);
     Processed(early, {quarterSecond});
-    Processed(early, {Impulse(320)});
+    Processed(early, {MakeImpulse(320)});
     const short inactive[] = {0};
-    EXPECT_EQ(Processed(early, {Impulse(6400)}, inactive)[0], std::vector<float>(6400, 0.0f));
+    EXPECT_EQ(Processed(early, {MakeImpulse(6400)}, inactive)[0], std::vector<float>(6400, 0.0f));
     ExpectImpulseAt(Processed(early, {std::vector<float>(6400, 0.0f)})[0], 441.0f - 320.0f);
 }
 

@@ -152,42 +152,35 @@ void ExpectDecay(Reverb& reverb, double seconds, std::vector<double> const& band
             << seconds << " s at " << rate << " Hz, band " << centre;
 }
 
+/// All bands together, the medium one alone, and the low and the high one, away from the crossovers. With other numbers
+/// of channels the decay is less exact: few channels have delays beyond the decay time, many have delays hardly longer
+/// than a chunk.
+void ExpectAllDecays(float rate, float seconds) {
+    const auto wanted = static_cast<double>(seconds);
+    for (const unsigned int n : {8u, 12u})
+        ExpectDecay(*Make(n, rate, Decay(seconds)), wanted, {250.0, 500.0, 1000.0, 2000.0, 4000.0});
+    const auto expect = [&](float low, float medium, float high, float crossoverLow, float crossoverHigh, double share,
+                            std::vector<double> const& bands) {
+        Lume::ReverbDspParameters parameters = Decay(seconds, low, medium, high);
+        parameters.crossoverFrequencyLow = crossoverLow;
+        parameters.crossoverFrequencyHigh = crossoverHigh;
+        ExpectDecay(*Make(8, rate, parameters), share * wanted, bands);
+    };
+    expect(1.0f, 0.6f, 0.3f, 80.0f, 16000.0f, 0.6, {1000.0, 2000.0});
+    expect(0.6f, 1.0f, 0.8f, 2000.0f, 16000.0f, 0.6, {250.0});
+    expect(1.0f, 1.0f, 0.8f, Lume::ReverbDspParameters().crossoverFrequencyLow, 1000.0f, 0.8, {4000.0});
+}
+
 // The promise of the whole block. Each loop is a chunk longer than the delay that its filter is made for, which makes
 // the decay some 2 % long.
 TEST(Reverb, BandsDecayInTheirTime) {
-    const std::vector<double> bands = {250.0, 500.0, 1000.0, 2000.0, 4000.0};
-    ExpectDecay(*Make(8, 44100.0f, Decay(0.5f)), 0.5, bands);
-    ExpectDecay(*Make(8, 48000.0f, Decay(2.0f)), 2.0, bands);
-    ExpectDecay(*Make(12, 96000.0f, Decay(1.0f)), 1.0, bands);
-
-    Lume::ReverbDspParameters parameters = Decay(2.0f, 1.0f, 0.5f, 0.25f);
-    parameters.crossoverFrequencyLow = 80.0f;
-    parameters.crossoverFrequencyHigh = 16000.0f;
-    ExpectDecay(*Make(8, 48000.0f, parameters), 1.0, {1000.0, 2000.0});
+    ExpectAllDecays(44100.0f, 0.5f);
+    ExpectAllDecays(96000.0f, 0.5f);
 }
 
-// All of it. With other numbers of channels the decay is less exact: few channels have delays beyond the decay time,
-// many have delays hardly longer than a chunk.
 TEST(SLOW_Reverb, BandsDecayInTheirTime) {
-    for (const float rate : {44100.0f, 48000.0f, 96000.0f}) {
-        for (const float seconds : {0.5f, 1.0f, 2.0f, 4.0f, 8.0f}) {
-            const auto wanted = static_cast<double>(seconds);
-            for (const unsigned int n : {8u, 12u})
-                ExpectDecay(*Make(n, rate, Decay(seconds)), wanted, {250.0, 500.0, 1000.0, 2000.0, 4000.0});
-            // The medium band alone, and the low and the high one, away from the crossovers.
-            Lume::ReverbDspParameters parameters = Decay(seconds, 1.0f, 0.6f, 0.3f);
-            parameters.crossoverFrequencyLow = 80.0f;
-            parameters.crossoverFrequencyHigh = 16000.0f;
-            ExpectDecay(*Make(8, rate, parameters), 0.6 * wanted, {1000.0, 2000.0});
-            parameters = Decay(seconds, 0.6f, 1.0f, 0.8f);
-            parameters.crossoverFrequencyLow = 2000.0f;
-            parameters.crossoverFrequencyHigh = 16000.0f;
-            ExpectDecay(*Make(8, rate, parameters), 0.6 * wanted, {250.0});
-            parameters = Decay(seconds, 1.0f, 1.0f, 0.8f);
-            parameters.crossoverFrequencyHigh = 1000.0f;
-            ExpectDecay(*Make(8, rate, parameters), 0.8 * wanted, {4000.0});
-        }
-    }
+    for (const float rate : {44100.0f, 48000.0f, 96000.0f})
+        for (const float seconds : {0.5f, 1.0f, 2.0f, 4.0f, 8.0f}) ExpectAllDecays(rate, seconds);
 }
 
 // Over windows of 4 s: the energy that leaves in less fluctuates with what the lines hold.
