@@ -20,18 +20,4 @@ void LtRt2LCRSDecoder::Process(float** outputs, float** inputs, unsigned long nu
     chain.Process(outputs[3], numSamples);
 }
 
-void LtRt2LCRSDecoder::SetSamplerate(float newSamplerate) {
-    FixedDecoder::SetSamplerate(newSamplerate);
-    chain.SetSamplerate(newSamplerate);
-}
-
-void LtRt2LCRSDecoder::SetMaxBlockSize(unsigned int blockSize) {
-    FixedDecoder::SetMaxBlockSize(blockSize);
-    chain.SetMaxBlockSize(blockSize);
-}
-
-void LtRt2LCRSDecoder::Clear() {
-    chain.Clear();
-}
-
 }  // namespace Lume

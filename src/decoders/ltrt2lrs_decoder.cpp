@@ -19,18 +19,4 @@ void LtRt2LRSDecoder::Process(float** outputs, float** inputs, unsigned long num
     chain.Process(outputs[2], numSamples);
 }
 
-void LtRt2LRSDecoder::SetSamplerate(float newSamplerate) {
-    FixedDecoder::SetSamplerate(newSamplerate);
-    chain.SetSamplerate(newSamplerate);
-}
-
-void LtRt2LRSDecoder::SetMaxBlockSize(unsigned int blockSize) {
-    FixedDecoder::SetMaxBlockSize(blockSize);
-    chain.SetMaxBlockSize(blockSize);
-}
-
-void LtRt2LRSDecoder::Clear() {
-    chain.Clear();
-}
-
 }  // namespace Lume

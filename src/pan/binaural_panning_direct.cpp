@@ -20,14 +20,6 @@ void ScaleAdding(float* out, float const* in, unsigned long numSamples) {
 
 }  // namespace
 
-template <typename Function>
-void BinauralPanningDirect::ForEachEar(Function function) {
-    for (Voice& voice : voices) {
-        function(voice.left);
-        function(voice.right);
-    }
-}
-
 BinauralPanningDirect::BinauralPanningDirect(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs),
       hrtf(std::make_unique<Hrtf>("")),
@@ -42,14 +34,12 @@ Pan* BinauralPanningDirect::Create(unsigned int requestedInputs, unsigned int re
 
 void BinauralPanningDirect::SetNumInputs(unsigned int newNumInputs) {
     BinauralPanning::SetNumInputs(newNumInputs);
-    const std::size_t numBefore = voices.size();
-    voices.resize(newNumInputs);
-    for (std::size_t i = numBefore; i < voices.size(); ++i)
-        for (HrtfFiltering* ear : {&voices[i].left, &voices[i].right}) {
-            ear->SetFilterType(filterType);
-            ear->SetNumCoefficients(numCoefficients);
-            ear->Configure(samplerate, buffersize, false);
-        }
+    const auto prepare = [this](HrtfFiltering& ear) {
+        ear.SetFilterType(filterType);
+        ear.SetNumCoefficients(numCoefficients);
+        ear.Configure(samplerate, buffersize, false);
+    };
+    voices.Resize(newNumInputs, prepare, HrtfFiltering::DefaultHrtfFilterType, true);
 }
 
 bool BinauralPanningDirect::LoadFromFile(char const* path) {
@@ -65,7 +55,7 @@ bool BinauralPanningDirect::LoadFromFile(char const* path) {
     setHrtfFilterType(isFir ? firFilter : biquadFilters);
     hrtf = std::move(loaded);
     numCoefficients = hrtf->GetNumCoefficients();
-    ForEachEar([this](HrtfFiltering& ear) { ear.SetNumCoefficients(numCoefficients); });
+    voices.ForEach([this](HrtfFiltering& ear) { ear.SetNumCoefficients(numCoefficients); });
     forceUpdate(false);
     return true;
 }
@@ -75,11 +65,11 @@ HrtfHeaderInfos const* BinauralPanningDirect::GetHrtfHeaderInfos() const {
 }
 
 void BinauralPanningDirect::SetFilterCrossFadeTime(float milliseconds) {
-    ForEachEar([=](HrtfFiltering& ear) { ear.SetCrossFadeTime(milliseconds); });
+    voices.ForEach([=](HrtfFiltering& ear) { ear.SetCrossFadeTime(milliseconds); });
 }
 
 void BinauralPanningDirect::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) {
-    ForEachEar([=](HrtfFiltering& ear) { ear.SetFIRFiltersImplementationMethod(implementation); });
+    voices.ForEach([=](HrtfFiltering& ear) { ear.SetFIRFiltersImplementationMethod(implementation); });
     forceUpdate(false);
 }
 
@@ -91,7 +81,7 @@ void BinauralPanningDirect::setSourceRelativePosition(unsigned int index, Cartes
     HrtfPoint const& point = hrtf->GetNearestHrtfPoint(position);
     float leftDelay, rightDelay;
     getMonauralDelays(position, point, leftDelay, rightDelay);
-    Voice& voice = voices[index];
+    auto& voice = voices[index];
     voice.left.SetDelay(leftDelay, flag);
     voice.right.SetDelay(rightDelay, flag);
     voice.left.SetCoefficients(EarCoefficients(point, 0), flag);
@@ -104,7 +94,7 @@ void BinauralPanningDirect::updateFiltersCoefficients() {
 
 void BinauralPanningDirect::setHrtfFilterType(HRTFFilterType type) {
     filterType = type;
-    ForEachEar([=](HrtfFiltering& ear) { ear.SetFilterType(type); });
+    voices.ForEach([=](HrtfFiltering& ear) { ear.SetFilterType(type); });
 }
 
 void BinauralPanningDirect::Process(float** outputs, float** inputs, unsigned long numSamples,
@@ -143,21 +133,21 @@ void BinauralPanningDirect::ProcessAdding(float** outputs, float** inputs, unsig
 
 void BinauralPanningDirect::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
-    ForEachEar([=](HrtfFiltering& ear) { ear.SetSamplerate(newSamplerate); });
+    voices.ForEach([=](HrtfFiltering& ear) { ear.SetSamplerate(newSamplerate); });
 }
 
 void BinauralPanningDirect::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
     earBuffers.Resize(orvandsp::numLanes, blockSize);
-    ForEachEar([=](HrtfFiltering& ear) { ear.SetMaxBlockSize(blockSize); });
+    voices.ForEach([=](HrtfFiltering& ear) { ear.SetMaxBlockSize(blockSize); });
 }
 
 void BinauralPanningDirect::Clear() {
-    ForEachEar([](HrtfFiltering& ear) { ear.Clear(); });
+    voices.ForEach([](HrtfFiltering& ear) { ear.Clear(); });
 }
 
 void BinauralPanningDirect::SetInterpolationTime(float milliseconds) {
-    ForEachEar([=](HrtfFiltering& ear) { ear.SetInterpolationTime(milliseconds); });
+    voices.ForEach([=](HrtfFiltering& ear) { ear.SetInterpolationTime(milliseconds); });
 }
 
 }  // namespace Lume

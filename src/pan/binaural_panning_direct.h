@@ -6,6 +6,7 @@
 #include "dsp/audio_buffer.h"
 #include "hrtf/hrtf.h"
 #include "pan/binaural_panning.h"
+#include "pan/ear_pairs.h"
 #include "pan/hrtf_filtering.h"
 
 namespace Lume {
@@ -49,18 +50,10 @@ public:
     void SetInterpolationTime(float milliseconds) override;
 
 private:
-    struct Voice {
-        HrtfFiltering left{HrtfFiltering::DefaultHrtfFilterType, true};
-        HrtfFiltering right{HrtfFiltering::DefaultHrtfFilterType, true};
-    };
-    /// Calls function with each ear's filtering.
-    template <typename Function>
-    void ForEachEar(Function function);
-
     std::unique_ptr<Hrtf> hrtf;         // never null
     unsigned int numCoefficients = 25;  // per ear
     HRTFFilterType filterType = biquadFilters;
-    std::vector<Voice> voices;         // one per input
+    EarPairs<HrtfFiltering> voices;
     orvandsp::AudioBuffer earBuffers;  // left and right of two sources, which are filtered at once
 };
 

@@ -55,11 +55,7 @@ void BinauralPanningITD::setSourceRelativePosition(unsigned int index, Cartesian
     const float nearness = std::clamp(distance, -1.0f, 1.0f);
     const float side = std::sin(1.5707964f - std::atan2(position.y, position.x));  // of the listener's azimuth
     const float v = std::cos(elevation) * side * sideEffect * nearness;
-    Voice& voice = voices[index];
-    voice.leftDelay.SetDelay(1.0f - v, flag);
-    voice.rightDelay.SetDelay(1.0f + v, flag);
-    voice.leftGain.SetValue(0.70710678f + v, flag);
-    voice.rightGain.SetValue(0.70710678f - v, flag);
+    voices[index].Set(1.0f - v, 1.0f + v, 0.70710678f + v, 0.70710678f - v, flag);
 }
 
 void BinauralPanningITD::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
@@ -70,7 +66,7 @@ void BinauralPanningITD::Process(float** outputs, float** inputs, unsigned long 
     if (activeInputs[0] == 0) return;
     if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
     signalBuffers.Resize(orvandsp::numLanes, static_cast<unsigned int>(numSamples));
-    Voice& voice = voices[0];
+    DelayGainPair& voice = voices[0];
     const int count = static_cast<int>(numSamples);
     // Both ears read before either is written: an output may be the input.
     const DelayJob left = {&voice.leftDelay, signalBuffers.GetChannel(0), inputs[0]};
@@ -102,7 +98,7 @@ void BinauralPanningITD::ProcessAdding(float** outputs, float** inputs, unsigned
     unsigned int buffer = 0;
     for (unsigned int i = 0; i < numInputs; ++i) {
         if (activeInputs[i] == 0) continue;
-        Voice& voice = voices[i];
+        DelayGainPair& voice = voices[i];
         ears.Add(
             {{&voice.leftDelay, signalBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]}, &voice.leftGain});
         ears.Add({{&voice.rightDelay, signalBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]},
@@ -113,59 +109,37 @@ void BinauralPanningITD::ProcessAdding(float** outputs, float** inputs, unsigned
 
 void BinauralPanningITD::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
-    for (Voice& voice : voices) {
-        voice.leftDelay.SetSamplerate(newSamplerate);
-        voice.rightDelay.SetSamplerate(newSamplerate);
-        voice.leftGain.SetSamplerate(newSamplerate);
-        voice.rightGain.SetSamplerate(newSamplerate);
-    }
+    for (DelayGainPair& voice : voices) voice.SetSamplerate(newSamplerate);
 }
 
 void BinauralPanningITD::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
     gainBuffer.resize(blockSize);
     signalBuffers.Resize(orvandsp::numLanes, blockSize);
-    for (Voice& voice : voices) {
-        voice.leftDelay.SetMaxBlockSize(blockSize);
-        voice.rightDelay.SetMaxBlockSize(blockSize);
-    }
+    for (DelayGainPair& voice : voices) voice.SetMaxBlockSize(blockSize);
 }
 
 void BinauralPanningITD::Clear() {
     gainBuffer.clear();
-    for (Voice& voice : voices) {
-        voice.leftDelay.Clear();
-        voice.rightDelay.Clear();
-    }
+    for (DelayGainPair& voice : voices) voice.Clear();
 }
 
 void BinauralPanningITD::SetNumInputs(unsigned int newNumInputs) {
     BinauralPanning::SetNumInputs(newNumInputs);
     const std::size_t numBefore = voices.size();
     voices.resize(newNumInputs);
-    for (std::size_t i = numBefore; i < voices.size(); ++i) {
-        Voice& voice = voices[i];
-        voice.leftDelay.Configure(samplerate, buffersize, false);
-        voice.rightDelay.Configure(samplerate, buffersize, false);
-        voice.leftGain.SetSamplerate(samplerate);
-        voice.rightGain.SetSamplerate(samplerate);
-    }
+    for (std::size_t i = numBefore; i < voices.size(); ++i) voices[i].Configure(samplerate, buffersize);
     SetInterpolationTime(interpolationTime);
     SetInterpolationMode(DefaultInterpolationModeForDelayLines);
 }
 
 void BinauralPanningITD::SetInterpolationTime(float milliseconds) {
     interpolationTime = milliseconds;
-    for (Voice& voice : voices) {
-        voice.leftGain.SetTimeConstant(milliseconds);
-        voice.rightGain.SetTimeConstant(milliseconds);
-        voice.leftDelay.SetInterpolationTime(milliseconds);
-        voice.rightDelay.SetInterpolationTime(milliseconds);
-    }
+    for (DelayGainPair& voice : voices) voice.SetInterpolationTime(milliseconds);
 }
 
 void BinauralPanningITD::SetInterpolationMode(Delay::InterpolationMode mode) {
-    for (Voice& voice : voices) {
+    for (DelayGainPair& voice : voices) {
         voice.leftDelay.SetInterpolationMode(mode);
         voice.rightDelay.SetInterpolationMode(mode);
     }

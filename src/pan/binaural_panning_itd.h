@@ -4,9 +4,9 @@
 
 #include "dsp/audio_buffer.h"
 #include "dsp/four_channels.h"
-#include "dsp/ramp.h"
 #include "filters/delay.h"
 #include "pan/binaural_panning.h"
+#include "pan/delay_gain_pair.h"
 
 namespace Lume {
 
@@ -46,15 +46,7 @@ public:
     void SetInterpolationMode(Delay::InterpolationMode mode);
 
 private:
-    struct Voice {
-        static constexpr float MaxDelay = 20.0f;  // [ms]
-        Delay leftDelay{MaxDelay};
-        Delay rightDelay{MaxDelay};
-        orvandsp::Ramp leftGain;
-        orvandsp::Ramp rightGain;
-    };
-
-    std::vector<Voice> voices;  // one per input
+    std::vector<DelayGainPair> voices;  // one per input
     std::vector<float> gainBuffer;
     orvandsp::AudioBuffer signalBuffers{orvandsp::numLanes, 512};  // the ears of two sources, delayed at once
     float interpolationTime = DefaultInterpolationTime;            // [ms]

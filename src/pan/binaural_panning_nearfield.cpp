@@ -47,22 +47,6 @@ void ScaleAdding(float* out, float const* in, float gain, unsigned long numSampl
 
 }  // namespace
 
-template <typename Function>
-void BinauralPanningNearfield::ForEachHrtfChain(Function function) {
-    for (Voice& voice : voices) {
-        function(voice.leftHrtf);
-        function(voice.rightHrtf);
-    }
-}
-
-template <typename Function>
-void BinauralPanningNearfield::ForEachNearfieldChain(Function function) {
-    for (Voice& voice : voices) {
-        function(voice.leftNearfield);
-        function(voice.rightNearfield);
-    }
-}
-
 BinauralPanningNearfield::BinauralPanningNearfield(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs),
       hrtf(std::make_unique<Hrtf>("")),
@@ -79,21 +63,18 @@ Pan* BinauralPanningNearfield::Create(unsigned int requestedInputs, unsigned int
 
 void BinauralPanningNearfield::SetNumInputs(unsigned int newNumInputs) {
     BinauralPanning::SetNumInputs(newNumInputs);
-    const std::size_t numBefore = voices.size();
-    voices.resize(newNumInputs);
-    for (std::size_t i = numBefore; i < voices.size(); ++i) {
-        Voice& voice = voices[i];
-        for (HrtfFiltering* chain : {&voice.leftHrtf, &voice.rightHrtf}) {
-            chain->SetFilterType(hrtfFilterType);
-            chain->SetNumCoefficients(numHrtfCoefficients);
-            chain->Configure(samplerate, buffersize, false);
-        }
-        for (HrtfFiltering* chain : {&voice.leftNearfield, &voice.rightNearfield}) {
-            chain->SetFilterType(nearfieldFilterType);
-            chain->SetNumCoefficients(numNearfieldCoefficients);
-            chain->Configure(samplerate, buffersize, false);
-        }
-    }
+    const auto prepareHrtf = [this](HrtfFiltering& chain) {
+        chain.SetFilterType(hrtfFilterType);
+        chain.SetNumCoefficients(numHrtfCoefficients);
+        chain.Configure(samplerate, buffersize, false);
+    };
+    const auto prepareNearfield = [this](HrtfFiltering& chain) {
+        chain.SetFilterType(nearfieldFilterType);
+        chain.SetNumCoefficients(numNearfieldCoefficients);
+        chain.Configure(samplerate, buffersize, false);
+    };
+    hrtfChains.Resize(newNumInputs, prepareHrtf, biquadFilters, true);
+    nearfieldChains.Resize(newNumInputs, prepareNearfield, noFilter, false);
     orvandsp::Ramp gain;
     gain.SetSamplerate(samplerate);
     leftGains.resize(newNumInputs, gain);
@@ -112,7 +93,7 @@ bool BinauralPanningNearfield::LoadFromFile(char const* path) {
     setHrtfFilterType(FilteringOf(loaded->GetHrtfHeaderInfos()), false);
     hrtf = std::move(loaded);
     numHrtfCoefficients = hrtf->GetNumCoefficients();
-    ForEachHrtfChain([this](HrtfFiltering& chain) { chain.SetNumCoefficients(numHrtfCoefficients); });
+    hrtfChains.ForEach([this](HrtfFiltering& chain) { chain.SetNumCoefficients(numHrtfCoefficients); });
     forceUpdate(false);
     return true;
 }
@@ -123,7 +104,7 @@ bool BinauralPanningNearfield::LoadCompensationFilters(char const* path) {
     setNearfieldFilterType(FilteringOf(loaded->GetHrtfHeaderInfos()), false);
     compensationFilters = std::move(loaded);
     numNearfieldCoefficients = compensationFilters->GetNumCoefficients();
-    ForEachNearfieldChain([this](HrtfFiltering& chain) { chain.SetNumCoefficients(numNearfieldCoefficients); });
+    nearfieldChains.ForEach([this](HrtfFiltering& chain) { chain.SetNumCoefficients(numNearfieldCoefficients); });
     forceUpdate(false);
     return true;
 }
@@ -186,33 +167,33 @@ void BinauralPanningNearfield::SetHRTFMeasurementSphereRadius(float metres) {
 
 void BinauralPanningNearfield::setHrtfFilterType(HRTFFilterType type, bool update) {
     hrtfFilterType = type;
-    ForEachHrtfChain([=](HrtfFiltering& chain) { chain.SetFilterType(type); });
+    hrtfChains.ForEach([=](HrtfFiltering& chain) { chain.SetFilterType(type); });
     if (update) forceUpdate(false);
 }
 
 void BinauralPanningNearfield::setNearfieldFilterType(HRTFFilterType type, bool update) {
     nearfieldFilterType = type;
-    ForEachNearfieldChain([=](HrtfFiltering& chain) { chain.SetFilterType(type); });
+    nearfieldChains.ForEach([=](HrtfFiltering& chain) { chain.SetFilterType(type); });
     if (update) forceUpdate(false);
 }
 
 void BinauralPanningNearfield::SetFilterCrossFadeTime(float milliseconds) {
     const auto set = [=](HrtfFiltering& chain) { chain.SetCrossFadeTime(milliseconds); };
-    ForEachHrtfChain(set);
-    ForEachNearfieldChain(set);
+    hrtfChains.ForEach(set);
+    nearfieldChains.ForEach(set);
     for (orvandsp::Ramp& gain : leftGains) gain.SetTimeConstant(milliseconds);
     for (orvandsp::Ramp& gain : rightGains) gain.SetTimeConstant(milliseconds);
 }
 
 void BinauralPanningNearfield::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) {
     const auto set = [=](HrtfFiltering& chain) { chain.SetFIRFiltersImplementationMethod(implementation); };
-    ForEachHrtfChain(set);
-    ForEachNearfieldChain(set);
+    hrtfChains.ForEach(set);
+    nearfieldChains.ForEach(set);
     forceUpdate(false);
 }
 
 void BinauralPanningNearfield::SetInterpolationTime(float milliseconds) {
-    ForEachHrtfChain([=](HrtfFiltering& chain) { chain.SetInterpolationTime(milliseconds); });
+    hrtfChains.ForEach([=](HrtfFiltering& chain) { chain.SetInterpolationTime(milliseconds); });
 }
 
 void BinauralPanningNearfield::setSourceRelativePosition(unsigned int index, CartesianVector const& position,
@@ -220,16 +201,15 @@ void BinauralPanningNearfield::setSourceRelativePosition(unsigned int index, Car
     SelectPoints(index, position);
     SetGains(index, position);
     if (hrtfFilterType == biquadFilters) SetDelays(index, position);
-    Voice& voice = voices[index];
-    voice.leftHrtf.SetCoefficients(EarCoefficients(leftPoints[index], 0), false);
-    voice.rightHrtf.SetCoefficients(EarCoefficients(rightPoints[index], 1), false);
+    hrtfChains[index].left.SetCoefficients(EarCoefficients(leftPoints[index], 0), false);
+    hrtfChains[index].right.SetCoefficients(EarCoefficients(rightPoints[index], 1), false);
 
     if (nearfieldFilterType == noFilter || !compensationFilters) return;
     // Beyond the range of the compensation filters the last ones stay.
     if (compensationFilters->GetMaxDistance() < position.radius()) return;
     HrtfPoint const& point = compensationFilters->GetNearestHrtfPoint({position.x, position.y, 0.0f});
-    voice.leftNearfield.SetCoefficients(EarCoefficients(point, 0), false);
-    voice.rightNearfield.SetCoefficients(EarCoefficients(point, 1), false);
+    nearfieldChains[index].left.SetCoefficients(EarCoefficients(point, 0), false);
+    nearfieldChains[index].right.SetCoefficients(EarCoefficients(point, 1), false);
 }
 
 void BinauralPanningNearfield::SelectPoints(unsigned int index, CartesianVector const& position) {
@@ -278,8 +258,8 @@ void BinauralPanningNearfield::SetDelays(unsigned int index, CartesianVector con
     }
     leftDelays[index] = left;
     rightDelays[index] = right;
-    voices[index].leftHrtf.SetDelay(left, false);
-    voices[index].rightHrtf.SetDelay(right, false);
+    hrtfChains[index].left.SetDelay(left, false);
+    hrtfChains[index].right.SetDelay(right, false);
 }
 
 void BinauralPanningNearfield::getCrossEarsHRTFPoints(CartesianVector const& position, HrtfPoint& left,
@@ -309,18 +289,17 @@ CartesianVector BinauralPanningNearfield::getCrossEarsPosition(CartesianVector c
 
 /// Filters a source into leftBuffer and rightBuffer.
 void BinauralPanningNearfield::RunVoice(unsigned int index, float* input, unsigned long numSamples) {
-    Voice& voice = voices[index];
     if (IsEnabled(hrtfFilters)) {
-        const HrtfFiltering::Job ways[] = {{&voice.leftHrtf, leftBuffer.data(), input},
-                                           {&voice.rightHrtf, rightBuffer.data(), input}};
+        const HrtfFiltering::Job ways[] = {{&hrtfChains[index].left, leftBuffer.data(), input},
+                                           {&hrtfChains[index].right, rightBuffer.data(), input}};
         HrtfFiltering::ProcessSeveral(ways, numSamples);
     } else {
         std::copy_n(input, numSamples, leftBuffer.data());
         std::copy_n(input, numSamples, rightBuffer.data());
     }
     if (IsEnabled(nearfieldFilters)) {
-        const HrtfFiltering::Job ways[] = {{&voice.leftNearfield, leftBuffer.data(), leftBuffer.data()},
-                                           {&voice.rightNearfield, rightBuffer.data(), rightBuffer.data()}};
+        const HrtfFiltering::Job ways[] = {{&nearfieldChains[index].left, leftBuffer.data(), leftBuffer.data()},
+                                           {&nearfieldChains[index].right, rightBuffer.data(), rightBuffer.data()}};
         HrtfFiltering::ProcessSeveral(ways, numSamples);
     }
 }
@@ -355,8 +334,8 @@ void BinauralPanningNearfield::ProcessAdding(float** outputs, float** inputs, un
 void BinauralPanningNearfield::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
     const auto set = [=](HrtfFiltering& chain) { chain.SetSamplerate(newSamplerate); };
-    ForEachHrtfChain(set);
-    ForEachNearfieldChain(set);
+    hrtfChains.ForEach(set);
+    nearfieldChains.ForEach(set);
     for (orvandsp::Ramp& gain : leftGains) gain.SetSamplerate(newSamplerate);
     for (orvandsp::Ramp& gain : rightGains) gain.SetSamplerate(newSamplerate);
 }
@@ -366,14 +345,14 @@ void BinauralPanningNearfield::SetMaxBlockSize(unsigned int blockSize) {
     leftBuffer.resize(blockSize);
     rightBuffer.resize(blockSize);
     const auto set = [=](HrtfFiltering& chain) { chain.SetMaxBlockSize(blockSize); };
-    ForEachHrtfChain(set);
-    ForEachNearfieldChain(set);
+    hrtfChains.ForEach(set);
+    nearfieldChains.ForEach(set);
 }
 
 void BinauralPanningNearfield::Clear() {
     const auto clear = [](HrtfFiltering& chain) { chain.Clear(); };
-    ForEachHrtfChain(clear);
-    ForEachNearfieldChain(clear);
+    hrtfChains.ForEach(clear);
+    nearfieldChains.ForEach(clear);
 }
 
 }  // namespace Lume

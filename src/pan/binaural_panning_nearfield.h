@@ -8,6 +8,7 @@
 #include "hrtf/hrtf.h"
 #include "hrtf/nearfield_compensation_filters.h"
 #include "pan/binaural_panning.h"
+#include "pan/ear_pairs.h"
 #include "pan/hrtf_filtering.h"
 
 namespace Lume {
@@ -89,19 +90,8 @@ private:
         delaysCorrection = 16,
         gainsCorrection = 32,
     };
-    struct Voice {
-        HrtfFiltering leftHrtf{biquadFilters, true};
-        HrtfFiltering leftNearfield{noFilter, false};
-        HrtfFiltering rightHrtf{biquadFilters, true};
-        HrtfFiltering rightNearfield{noFilter, false};
-    };
-
     void Enable(Option option, bool enabled);
     bool IsEnabled(Option option) const noexcept { return (options & option) != 0; }
-    template <typename Function>
-    void ForEachHrtfChain(Function function);
-    template <typename Function>
-    void ForEachNearfieldChain(Function function);
     void SetEars();
 
     void SelectPoints(unsigned int index, CartesianVector const& position);
@@ -122,7 +112,8 @@ private:
     CartesianVector leftEar;
     CartesianVector rightEar;
     // One per input:
-    std::vector<Voice> voices;
+    EarPairs<HrtfFiltering> hrtfChains;
+    EarPairs<HrtfFiltering> nearfieldChains;
     std::vector<orvandsp::Ramp> leftGains;
     std::vector<orvandsp::Ramp> rightGains;
     std::vector<float> leftGainValues;  // where the ramps go

@@ -75,14 +75,6 @@ struct BinauralPanningSnowmanModel::Geometry {
     }
 };
 
-template <typename Function>
-void BinauralPanningSnowmanModel::ForEachEar(Function function) {
-    for (DelayAndFilterVoice& voice : voices) {
-        function(voice.left);
-        function(voice.right);
-    }
-}
-
 BinauralPanningSnowmanModel::BinauralPanningSnowmanModel(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs),
       leftEar{-headRadius, 0.0f, 0.0f},
@@ -129,15 +121,15 @@ void BinauralPanningSnowmanModel::SetListenerNeckHeight(float metres) {
 
 void BinauralPanningSnowmanModel::SetTorsoReflectionCoefficient(float coefficient) {
     torsoReflectionCoefficient = std::clamp(coefficient, 0.0f, 1.0f);
-    ForEachEar([this](SnowmanProcessing& ear) { ear.SetReflectionCoefficient(torsoReflectionCoefficient); });
+    voices.ForEach([this](SnowmanProcessing& ear) { ear.SetReflectionCoefficient(torsoReflectionCoefficient); });
 }
 
 void BinauralPanningSnowmanModel::SetFilterCrossFadeTime(float milliseconds) {
-    ForEachEar([=](SnowmanProcessing& ear) { ear.SetCrossFadeTime(milliseconds); });
+    voices.ForEach([=](SnowmanProcessing& ear) { ear.SetCrossFadeTime(milliseconds); });
 }
 
 void BinauralPanningSnowmanModel::SetInterpolationTime(float milliseconds) {
-    ForEachEar([=](SnowmanProcessing& ear) { ear.SetInterpolationTime(milliseconds); });
+    voices.ForEach([=](SnowmanProcessing& ear) { ear.SetInterpolationTime(milliseconds); });
 }
 
 void BinauralPanningSnowmanModel::setSourceRelativePosition(unsigned int index, CartesianVector const& position,
@@ -258,7 +250,7 @@ void BinauralPanningSnowmanModel::ProcessAdding(float** outputs, float** inputs,
 
 void BinauralPanningSnowmanModel::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
-    ForEachEar([=](SnowmanProcessing& ear) { ear.SetSamplerate(newSamplerate); });
+    voices.ForEach([=](SnowmanProcessing& ear) { ear.SetSamplerate(newSamplerate); });
     forceUpdate(false);
 }
 
@@ -266,22 +258,19 @@ void BinauralPanningSnowmanModel::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
     leftBuffer.resize(blockSize);
     rightBuffer.resize(blockSize);
-    ForEachEar([=](SnowmanProcessing& ear) { ear.SetMaxBlockSize(blockSize); });
+    voices.ForEach([=](SnowmanProcessing& ear) { ear.SetMaxBlockSize(blockSize); });
 }
 
 void BinauralPanningSnowmanModel::Clear() {
-    ForEachEar([](SnowmanProcessing& ear) { ear.Clear(); });
+    voices.ForEach([](SnowmanProcessing& ear) { ear.Clear(); });
 }
 
 void BinauralPanningSnowmanModel::SetNumInputs(unsigned int newNumInputs) {
     BinauralPanning::SetNumInputs(newNumInputs);
-    const std::size_t numBefore = voices.size();
-    voices.resize(newNumInputs);
-    for (std::size_t i = numBefore; i < voices.size(); ++i)
-        for (SnowmanProcessing* ear : {&voices[i].left, &voices[i].right}) {
-            ear->SetReflectionCoefficient(torsoReflectionCoefficient);
-            ear->Configure(samplerate, buffersize, false);
-        }
+    voices.Resize(newNumInputs, [this](SnowmanProcessing& ear) {
+        ear.SetReflectionCoefficient(torsoReflectionCoefficient);
+        ear.Configure(samplerate, buffersize, false);
+    });
 }
 
 }  // namespace Lume

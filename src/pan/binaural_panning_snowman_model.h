@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "pan/binaural_panning.h"
+#include "pan/ear_pairs.h"
 #include "pan/snowman_processing.h"
 
 namespace Lume {
@@ -47,17 +48,12 @@ public:
     void SetNumInputs(unsigned int newNumInputs) override;
 
 private:
-    struct DelayAndFilterVoice {
-        SnowmanProcessing left, right;
-    };
     struct Geometry;
 
     void ApplyModel(SnowmanProcessing& ear, CartesianVector const& earPosition, CartesianVector const& source,
                     bool flag) const;
     void computeTorsoShadowSubModel(SnowmanProcessing& ear, Geometry const& geometry, bool flag) const;
     void computeTorsoReflectionSubModel(SnowmanProcessing& ear, Geometry const& geometry, bool flag) const;
-    template <typename Function>
-    void ForEachEar(Function function);
 
     CartesianVector leftEar;
     CartesianVector rightEar;
@@ -65,7 +61,7 @@ private:
     float torsoRadius = LumeDefaultParameters::DefaultTorsoRadius;  // [m]
     float neckHeight = LumeDefaultParameters::DefaultNeckHeight;    // [m]
     float torsoReflectionCoefficient = DefaultTorsoReflectionCoefficient;
-    std::vector<DelayAndFilterVoice> voices;  // one per input
+    EarPairs<SnowmanProcessing> voices;
     std::vector<float> leftBuffer;
     std::vector<float> rightBuffer;
 };

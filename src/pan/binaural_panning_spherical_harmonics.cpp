@@ -17,14 +17,6 @@ void Scale(float* signal, unsigned long numSamples) {
 
 }  // namespace
 
-template <typename Function>
-void BinauralPanningSphericalHarmonics::ForEachEar(Function function) {
-    for (Voice& voice : voices) {
-        function(voice.left);
-        function(voice.right);
-    }
-}
-
 BinauralPanningSphericalHarmonics::BinauralPanningSphericalHarmonics(unsigned int numberOfInputs,
                                                                      unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs), data(std::make_unique<SphericalHarmonicManager>("")) {
@@ -60,7 +52,7 @@ bool BinauralPanningSphericalHarmonics::Take(std::unique_ptr<SphericalHarmonicMa
     basisLeft = &loaded->GetSphericalBasisLeft();
     basisRight = &loaded->GetSphericalBasisRight();
     data = std::move(loaded);
-    if (filterOrder != 0) ForEachEar([this](FadedFIRTimeDomainFilter& ear) { ear.SetOrder(filterOrder); });
+    if (filterOrder != 0) voices.ForEach([this](FadedFIRTimeDomainFilter& ear) { ear.SetOrder(filterOrder); });
     forceUpdate(false);
     return true;
 }
@@ -87,7 +79,7 @@ void BinauralPanningSphericalHarmonics::SetListenerHeadRadius(float metres) {
 }
 
 void BinauralPanningSphericalHarmonics::SetFilterCrossFadeTime(float milliseconds) {
-    ForEachEar([=](FadedFIRTimeDomainFilter& ear) { ear.SetCrossFadeTime(milliseconds); });
+    voices.ForEach([=](FadedFIRTimeDomainFilter& ear) { ear.SetCrossFadeTime(milliseconds); });
 }
 
 void BinauralPanningSphericalHarmonics::SetInterpolationTime(float /*milliseconds*/) {}
@@ -150,28 +142,26 @@ void BinauralPanningSphericalHarmonics::ProcessAdding(float** outputs, float** i
 
 void BinauralPanningSphericalHarmonics::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
-    ForEachEar([=](FadedFIRTimeDomainFilter& ear) { ear.SetSamplerate(newSamplerate); });
+    voices.ForEach([=](FadedFIRTimeDomainFilter& ear) { ear.SetSamplerate(newSamplerate); });
 }
 
 void BinauralPanningSphericalHarmonics::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
-    ForEachEar([=](FadedFIRTimeDomainFilter& ear) { ear.SetMaxBlockSize(blockSize); });
+    voices.ForEach([=](FadedFIRTimeDomainFilter& ear) { ear.SetMaxBlockSize(blockSize); });
 }
 
 void BinauralPanningSphericalHarmonics::Clear() {
-    ForEachEar([](FadedFIRTimeDomainFilter& ear) { ear.Clear(); });
+    voices.ForEach([](FadedFIRTimeDomainFilter& ear) { ear.Clear(); });
 }
 
 void BinauralPanningSphericalHarmonics::SetNumInputs(unsigned int newNumInputs) {
     BinauralPanning::SetNumInputs(newNumInputs);
     coefficientsReady.resize(newNumInputs, false);
-    const std::size_t numBefore = voices.size();
-    voices.resize(newNumInputs);
-    for (std::size_t i = numBefore; i < voices.size(); ++i)
-        for (FadedFIRTimeDomainFilter* ear : {&voices[i].left, &voices[i].right}) {
-            ear->SetOrder(filterOrder);
-            ear->Configure(samplerate, buffersize, false);
-        }
+    const auto prepare = [this](FadedFIRTimeDomainFilter& ear) {
+        ear.SetOrder(filterOrder);
+        ear.Configure(samplerate, buffersize, false);
+    };
+    voices.Resize(newNumInputs, prepare, DefaultFilterOrder);
 }
 
 }  // namespace Lume

@@ -7,6 +7,7 @@
 #include "hrtf/spherical_harmonic_manager.h"
 #include "math/fft.h"
 #include "pan/binaural_panning.h"
+#include "pan/ear_pairs.h"
 
 namespace Lume {
 
@@ -54,12 +55,6 @@ protected:
 
 private:
     static constexpr unsigned int DefaultFilterOrder = 511;
-    struct Voice {
-        FadedFIRTimeDomainFilter left{DefaultFilterOrder};
-        FadedFIRTimeDomainFilter right{DefaultFilterOrder};
-    };
-    template <typename Function>
-    void ForEachEar(Function function);
     void SetEar(FadedFIRTimeDomainFilter& ear, orvandsp::MatrixComplex const& basis,
                 std::vector<std::complex<float>> const& harmonics, bool flag) const;
 
@@ -72,7 +67,7 @@ private:
     unsigned int harmonicOrder = 0;
     SphericalHarmonicsNormalization normalization = SchmidtSeminormalized3D;
     std::vector<bool> coefficientsReady;  // one per input
-    std::vector<Voice> voices;            // one per input
+    EarPairs<FadedFIRTimeDomainFilter> voices;
 };
 
 }  // namespace Lume

@@ -37,14 +37,6 @@ void BinauralPanningSphericalHeadModel::DelayAndFilter::Configure(float newSampl
     buffer.resize(blockSize);
 }
 
-template <typename Function>
-void BinauralPanningSphericalHeadModel::ForEachEar(Function function) {
-    for (Voice& voice : voices) {
-        function(voice.left);
-        function(voice.right);
-    }
-}
-
 BinauralPanningSphericalHeadModel::BinauralPanningSphericalHeadModel(unsigned int numberOfInputs,
                                                                      unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs),
@@ -81,11 +73,11 @@ void BinauralPanningSphericalHeadModel::SetListenerHeadRadius(float metres) {
 }
 
 void BinauralPanningSphericalHeadModel::SetFilterCrossFadeTime(float milliseconds) {
-    ForEachEar([=](DelayAndFilter& ear) { ear.filter.SetCrossFadeTime(milliseconds); });
+    voices.ForEach([=](DelayAndFilter& ear) { ear.filter.SetCrossFadeTime(milliseconds); });
 }
 
 void BinauralPanningSphericalHeadModel::SetInterpolationTime(float milliseconds) {
-    ForEachEar([=](DelayAndFilter& ear) { ear.delay.SetInterpolationTime(milliseconds); });
+    voices.ForEach([=](DelayAndFilter& ear) { ear.delay.SetInterpolationTime(milliseconds); });
 }
 
 void BinauralPanningSphericalHeadModel::PlaceEar(DelayAndFilter& ear, CartesianVector const& earPosition,
@@ -129,7 +121,7 @@ void BinauralPanningSphericalHeadModel::ProcessAdding(float** outputs, float** i
 void BinauralPanningSphericalHeadModel::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
     samplePeriod = 1.0f / newSamplerate;
-    ForEachEar([=](DelayAndFilter& ear) {
+    voices.ForEach([=](DelayAndFilter& ear) {
         ear.delay.SetSamplerate(newSamplerate);
         ear.filter.SetSamplerate(newSamplerate);
     });
@@ -138,7 +130,7 @@ void BinauralPanningSphericalHeadModel::SetSamplerate(float newSamplerate) {
 
 void BinauralPanningSphericalHeadModel::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
-    ForEachEar([=](DelayAndFilter& ear) {
+    voices.ForEach([=](DelayAndFilter& ear) {
         ear.delay.SetMaxBlockSize(blockSize);
         ear.filter.SetMaxBlockSize(blockSize);
         ear.buffer.resize(blockSize);
@@ -146,7 +138,7 @@ void BinauralPanningSphericalHeadModel::SetMaxBlockSize(unsigned int blockSize) 
 }
 
 void BinauralPanningSphericalHeadModel::Clear() {
-    ForEachEar([](DelayAndFilter& ear) {
+    voices.ForEach([](DelayAndFilter& ear) {
         ear.delay.Clear();
         ear.filter.Clear();
     });
@@ -154,10 +146,7 @@ void BinauralPanningSphericalHeadModel::Clear() {
 
 void BinauralPanningSphericalHeadModel::SetNumInputs(unsigned int newNumInputs) {
     BinauralPanning::SetNumInputs(newNumInputs);
-    const std::size_t numBefore = voices.size();
-    voices.resize(newNumInputs);
-    for (std::size_t i = numBefore; i < voices.size(); ++i)
-        for (DelayAndFilter* ear : {&voices[i].left, &voices[i].right}) ear->Configure(samplerate, buffersize);
+    voices.Resize(newNumInputs, [this](DelayAndFilter& ear) { ear.Configure(samplerate, buffersize); });
 }
 
 }  // namespace Lume

@@ -5,6 +5,7 @@
 #include "filters/delay.h"
 #include "filters/faded_iir_filter.h"
 #include "pan/binaural_panning.h"
+#include "pan/ear_pairs.h"
 
 namespace Lume {
 
@@ -44,19 +45,14 @@ private:
         void Process(float* output, float* input, unsigned long numSamples, bool add);
         void Configure(float newSamplerate, unsigned int blockSize);
     };
-    struct Voice {
-        DelayAndFilter left, right;
-    };
-    template <typename Function>
-    void ForEachEar(Function function);
     void PlaceEar(DelayAndFilter& ear, CartesianVector const& earPosition, CartesianVector const& source, float delayMs,
                   bool flag) const;
 
     float speedOverRadius;  // [1/s]
     CartesianVector leftEar;
     CartesianVector rightEar;
-    float samplePeriod;         // [s]
-    std::vector<Voice> voices;  // one per input
+    float samplePeriod;  // [s]
+    EarPairs<DelayAndFilter> voices;
 };
 
 }  // namespace Lume

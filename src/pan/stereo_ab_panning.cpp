@@ -42,11 +42,7 @@ void StereoABPanning::SetSourcePosition(unsigned int index, CartesianVector cons
     const float s1 = q * std::sin(0.7853982f - t);
     const float s2 = q * std::sin(0.7853982f + t);
     const float d = std::sin(t) * 0.25f * q;  // [ms]
-    Voice& voice = voices[index];
-    voice.leftDelay.SetDelay(1.0f + d, flag);
-    voice.rightDelay.SetDelay(1.0f - d, flag);
-    voice.leftGain.SetValue(scale * (1.0f + s1), flag);
-    voice.rightGain.SetValue(scale * (1.0f + s2), flag);
+    voices[index].Set(1.0f + d, 1.0f - d, scale * (1.0f + s1), scale * (1.0f + s2), flag);
 }
 
 void StereoABPanning::SetSourcePositions(CartesianVector const* positions) {
@@ -60,51 +56,29 @@ void StereoABPanning::SetNumInputs(unsigned int newNumInputs) {
     numInputs = newNumInputs;
     sourcePositions.resize(numInputs);
     voices.resize(numInputs);
-    for (std::size_t i = oldNumVoices; i < voices.size(); ++i) {
-        Voice& voice = voices[i];
-        voice.leftDelay.Configure(samplerate, buffersize, false);
-        voice.rightDelay.Configure(samplerate, buffersize, false);
-        voice.leftGain.SetSamplerate(samplerate);
-        voice.rightGain.SetSamplerate(samplerate);
-    }
+    for (std::size_t i = oldNumVoices; i < voices.size(); ++i) voices[i].Configure(samplerate, buffersize);
     SetInterpolationTime(DefaultRampTime);
 }
 
 void StereoABPanning::SetNumOutputs(unsigned int /*newNumOutputs*/) {}
 
 void StereoABPanning::SetInterpolationTime(float milliseconds) {
-    for (Voice& voice : voices) {
-        voice.leftGain.SetTimeConstant(milliseconds);
-        voice.rightGain.SetTimeConstant(milliseconds);
-        voice.leftDelay.SetInterpolationTime(milliseconds);
-        voice.rightDelay.SetInterpolationTime(milliseconds);
-    }
+    for (Voice& voice : voices) voice.SetInterpolationTime(milliseconds);
 }
 
 void StereoABPanning::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
-    for (Voice& voice : voices) {
-        voice.leftDelay.SetSamplerate(newSamplerate);
-        voice.rightDelay.SetSamplerate(newSamplerate);
-        voice.leftGain.SetSamplerate(newSamplerate);
-        voice.rightGain.SetSamplerate(newSamplerate);
-    }
+    for (Voice& voice : voices) voice.SetSamplerate(newSamplerate);
 }
 
 void StereoABPanning::SetMaxBlockSize(unsigned int blockSize) {
     buffersize = blockSize;
     ResizeBuffers(blockSize);
-    for (Voice& voice : voices) {
-        voice.leftDelay.SetMaxBlockSize(blockSize);
-        voice.rightDelay.SetMaxBlockSize(blockSize);
-    }
+    for (Voice& voice : voices) voice.SetMaxBlockSize(blockSize);
 }
 
 void StereoABPanning::Clear() {
-    for (Voice& voice : voices) {
-        voice.leftDelay.Clear();
-        voice.rightDelay.Clear();
-    }
+    for (Voice& voice : voices) voice.Clear();
 }
 
 void StereoABPanning::ResizeBuffers(std::size_t numSamples) {

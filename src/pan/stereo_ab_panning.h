@@ -2,8 +2,7 @@
 
 #include <vector>
 
-#include "dsp/ramp.h"
-#include "filters/delay.h"
+#include "pan/delay_gain_pair.h"
 #include "pan/pan.h"
 
 namespace Lume {
@@ -16,17 +15,8 @@ public:
     static constexpr float DefaultRampTime = 30.0f;
 
     /// One source's way to the two channels.
-    struct Voice {
-        Delay leftDelay{maxDelayMs, Delay::allpass};
-        Delay rightDelay{maxDelayMs, Delay::allpass};
-        orvandsp::Ramp leftGain;
-        orvandsp::Ramp rightGain;
+    using Voice = DelayGainPair;
 
-    private:
-        static constexpr float maxDelayMs = 20.0f;
-    };
-
-    /// @param numOutputs  two
     explicit StereoABPanning(unsigned int numInputs, unsigned int numOutputs = 2);
 
     /// A NullPanning unless there are two outputs.
