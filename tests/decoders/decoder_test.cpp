@@ -81,7 +81,8 @@ TEST(Decoder, SupportedAndMadeByNumbersOfChannels) {
 }
 
 // For each decoder that the factory makes: in place it gives the same bits as with arrays of its own, and in steady
-// state it allocates nothing. Red if an output is written before an input of the same sample or block is read.
+// state it allocates nothing. Red if an output is written before an input of the same sample or block is read, or if
+// Clear leaves something behind.
 TEST(Decoder, WorksInPlaceAndAllocatesNothing) {
     struct Case {
         unsigned int numInputs, numOutputs;
@@ -118,6 +119,10 @@ TEST(Decoder, WorksInPlaceAndAllocatesNothing) {
             EXPECT_EQ(AllocationCount(), before);
         }
         for (unsigned int j = 0; j < numOutputs; ++j) EXPECT_EQ(outputs.data[j], shared.data[j]) << "output " << j;
+        apart->Clear();
+        Channels silence(numInputs, block, 0.0f), out(numOutputs, block, 9.0f);
+        apart->Process(out.pointers.data(), silence.pointers.data(), block, orvandsp::allActiveInputs);
+        EXPECT_EQ(out.data, Channels(numOutputs, block, 0.0f).data);
     }
 }
 

@@ -202,6 +202,10 @@ TEST(HOADecoder, ValuesThatAreNoneChangeNothing) {
     decoder.SetDecoderType(static_cast<HOADecoder::HOADecoderType>(4));
     decoder.SetDecoderType(static_cast<HOADecoder::HOADecoderType>(7));
     decoder.SetDecodingConvention(HOADecoder::SN2D);
+    HOA2DDecoder plane(3, 4);
+    plane.SetDecodingConvention(HOADecoder::N3D);
+    plane.GetDecoderInfos(infos);
+    EXPECT_EQ(infos.decodingConvention, HOADecoder::N2D);
     decoder.SetDecoderMethod(static_cast<HOADecoder::HOADecoderMethod>(2));
     decoder.GetDecoderInfos(infos);
     EXPECT_EQ(infos.decoderType, HOADecoder::maxreinphase);

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <vector>
 
+#include "dsp/vector_statistics.h"
 #include "support/allocation_count.h"
 
 namespace {
@@ -125,6 +126,7 @@ TEST(AudioBuffer, MetersAndComparison) {
     AudioBuffer noise(1, 20000);
     noise.FillWithNoise();
     EXPECT_NEAR(orvandsp::GetChannelRMS(noise, 0), 0.57735f, 0.02f);  // of a uniform distribution on [-1, 1]
+    EXPECT_NEAR(orvandsp::MeanValue(noise.GetChannel(0), 20000), 0.0f, 0.02f);
     EXPECT_TRUE(noise.CheckSaturation());
 }
 

@@ -44,13 +44,15 @@ TEST(HilbertTransform, OutputsAreNinetyDegreesApart) {
 TEST(HilbertTransform, RecoversAndWaits) {
     HilbertTransform hilbert;
     hilbert.Configure(48000.0f, 4, true);
-    float left[4] = {std::numeric_limits<float>::quiet_NaN(), 1, 1, 1};
-    float right[4];
+    float left[4], right[4];
     float* outputs[] = {left, right};
-    hilbert.Process(outputs, outputs, 4, orvandsp::allActiveInputs);
-    std::fill_n(left, 4, 0.0f);
-    hilbert.Process(outputs, outputs, 4, orvandsp::allActiveInputs);
-    for (int i = 0; i < 4; ++i) EXPECT_TRUE(left[i] == 0.0f && right[i] == 0.0f) << i;
+    for (const float bad : {std::numeric_limits<float>::quiet_NaN(), 1e30f}) {
+        for (const float first : {bad, 0.0f}) {
+            std::fill_n(left, 4, first);
+            hilbert.Process(outputs, outputs, 4, orvandsp::allActiveInputs);
+        }
+        for (int i = 0; i < 4; ++i) EXPECT_TRUE(left[i] == 0.0f && right[i] == 0.0f) << bad << " " << i;
+    }
 
     HilbertTransform twin;
     twin.Configure(48000.0f, 4, true);

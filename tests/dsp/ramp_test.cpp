@@ -57,7 +57,7 @@ TEST(Ramp, AnotherSampleRateKeepsTheEnd) {
     ramp.SetSamplerate(88200.0f);
     EXPECT_EQ(ramp.remaining, 200);
     EXPECT_EQ(ramp.total, 2646u);
-    ramp.Advance(200);
+    ramp.Advance(300);
     EXPECT_NEAR(ramp.current, 1.0f, 1e-5f);
 
     ramp.current = ramp.target;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cfenv>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -37,6 +38,7 @@ public:
 // changes.
 TEST(SignalProcessing, ConfigureAnnouncesOnlyWhatIsNewUnlessForced) {
     Recorder block(1, 1);
+    std::fesetenv(FE_DFL_ENV);
     block.Configure(block.GetSamplerate(), block.GetBuffersize(), false);
     volatile float tiny = std::numeric_limits<float>::min();
     EXPECT_EQ(tiny * 0.5f, 0.0f);

@@ -89,14 +89,14 @@ TEST(AmplitudePanning, WithoutActiveInputProcessClearsAndStandsStillAndAddingGoe
     for (const bool adding : {false, true}) {
         PlainPanning panner(1, 1);
         panner.SetSourcePosition(0, {1.0f, 0.0f, 0.0f}, false);
-        Channels out(1, 2 * cycle, 9.0f);
+        Channels out(1, cycle, 9.0f);
         float* unread[] = {nullptr};
         if (adding)
-            panner.ProcessAdding(out.pointers.data(), unread, 2 * cycle, none);
+            panner.ProcessAdding(out.pointers.data(), unread, cycle, none);
         else
-            panner.Process(out.pointers.data(), unread, 2 * cycle, none);
+            panner.Process(out.pointers.data(), unread, cycle, none);
         EXPECT_EQ(out.data[0].back(), adding ? 9.0f : 0.0f);
-        EXPECT_EQ(Listen(panner, 1, 1)[0], adding ? 1.0f : 0.0f);
+        EXPECT_NEAR(Listen(panner, cycle, 64).back(), adding ? 1.0f : 0.0f, 1e-3f);
     }
 }
 

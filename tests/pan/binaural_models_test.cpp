@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <complex>
-#include <memory>
 #include <numbers>
 
 #include "dsp/orvan_dsp_exception.h"
@@ -11,9 +11,7 @@
 #include "pan/binaural_panning_spherical_head_model.h"
 #include "pan/head_shadow.h"
 #include "pan/panning_support.h"
-#include "support/allocation_count.h"
 #include "support/frequency_response.h"
-#include "support/signals.h"
 
 namespace {
 
@@ -21,7 +19,6 @@ using Lume::BinauralPanning;
 using Lume::BinauralPanningSnowmanModel;
 using Lume::BinauralPanningSphericalHeadModel;
 using Lume::CartesianVector;
-using orvandsp::allActiveInputs;
 
 constexpr double pi = std::numbers::pi;
 constexpr double rate = 44100.0;
@@ -153,6 +150,8 @@ TEST(BinauralPanningSnowmanModel, TorsoHidesWhatIsBehindIt) {
             numHidden += hidden;
         }
     }
+    const auto [without, with] = RenderBoth(panner, {0.0f, 0.0f, 0.0f});
+    EXPECT_EQ(without.data, with.data);  // a source without a direction counts as hidden
     EXPECT_GT(numHidden, 30);
     EXPECT_LT(numHidden, 90);
 }
@@ -251,16 +250,6 @@ TEST(BinauralPanningSnowmanModel, StaysFinite) {
             for (auto const& ear : out.data)
                 for (const float sample : ear) ASSERT_TRUE(std::abs(sample) < 10.0f) << torsoSize << " " << position.x;
         }
-    // Close to the axis of the ears rounding may leave a cosine above 1.
-    Channels in(1, 16, 1.0f), out(2, 16, 0.0f);
-    panner.SetListenerTorsoRadius(0.169f);
-    Uniform uniform(3);
-    for (int i = 0; i < 5000; ++i) {
-        panner.SetSourcePosition(
-            0, At(i % 2 == 0 ? 90.0 : -90.0, i % 3 == 0 ? 0.0 : uniform(-0.05, 0.05), uniform(0.1, 3.0)), false);
-        panner.Process(out.pointers.data(), in.pointers.data(), 16, allActiveInputs);
-        for (auto const& ear : out.data) ASSERT_TRUE(std::abs(ear[15]) < 10.0f) << i;
-    }
 }
 
 }  // namespace

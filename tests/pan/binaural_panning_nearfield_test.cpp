@@ -85,12 +85,14 @@ TEST(BinauralPanningNearfield, GainsStepFromBlockToBlock) {
     }
 }
 
-/// A set on a circle of the measurement's radius in which each direction has a gain of its own: what is heard tells the
-/// direction.
+/// A set on a circle of the measurement's radius, with four more directions above and below the ears, in which each
+/// direction has a gain of its own: what is heard tells the direction.
 constexpr unsigned int numDirections = 360;
 SetDescription Circle() {
     SetDescription set;
     for (unsigned int i = 0; i < numDirections; ++i) set.positions.push_back(At(1.0 * i, 0.0, sphere));
+    for (const double elevation : {60.0, -60.0})
+        for (const double azimuth : {90.0, -90.0}) set.positions.push_back(At(azimuth, elevation, sphere));
     return set;
 }
 float GainOfDirection(std::uint32_t point, std::uint32_t ear) {
@@ -115,7 +117,7 @@ TEST(BinauralPanningNearfield, EachEarTakesTheDirectionInWhichItSeesTheSource) {
     BinauralPanningNearfield panner(1, 2);
     panner.EnableDistanceAttenuation(false);
     ASSERT_TRUE(panner.LoadFromFile(file.name.c_str()));
-    EXPECT_EQ(panner.GetHrtfHeaderInfos()->numPoints, numDirections);
+    EXPECT_EQ(panner.GetHrtfHeaderInfos()->numPoints, numDirections + 4);
     const auto directions = [&](CartesianVector const& position) {
         const auto ears = Hear(panner, position);
         return std::array{std::lround(ears[0].gain / 0.01) - 1, std::lround(ears[1].gain / 0.02) - 1};
@@ -129,8 +131,8 @@ TEST(BinauralPanningNearfield, EachEarTakesTheDirectionInWhichItSeesTheSource) {
         }
     // Too close: the source is lifted onto the sphere of the least distance, above the head.
     const auto [left, right] = directions({0.03f, 0.0f, 0.0f});
-    EXPECT_EQ(left, 90);
-    EXPECT_EQ(right, 270);
+    EXPECT_EQ(left, numDirections);
+    EXPECT_EQ(right, numDirections + 1);
 
     panner.EnableCrossEarsHrtfSelection(false);
     EXPECT_EQ(directions(At(42.0, 0.0, 0.3)), (std::array{42l, 42l}));
@@ -142,7 +144,7 @@ TEST(BinauralPanningNearfield, DelaysFollowTheEarsOwnDirections) {
     BinauralPanningNearfield panner(1, 2);
     ASSERT_TRUE(panner.LoadFromFile(file.name.c_str()));
     panner.SetITDType(Lume::BinauralPanning::larcherjot);
-    for (const double distance : {0.3, 1.0, 3.0})
+    for (const double distance : {0.3, 1.0, 2.1, 3.0})
         for (const double azimuth : {1.0, 63.0, -118.0}) {
             const CartesianVector position = At(azimuth, 0.0, distance);
             panner.EnableDelaysCorrection(false);

@@ -108,6 +108,8 @@ TEST(HOAPanning, ConventionsStayWithinTheirDimensionAndHaveTheirNames) {
     HOA3DPanning space(1, 4);
     space.SetEncodingConvention("fullnormalized3d");
     EXPECT_EQ(space.GetEncodingConvention(), HOAPanning::N3D);
+    for (char const* other : {"N3D", "no such name"}) space.SetEncodingConvention(other);
+    EXPECT_EQ(space.GetEncodingConvention(), HOAPanning::SN3D);
     space.SetEncodingConvention("N2D");
     EXPECT_EQ(space.GetEncodingConvention(), HOAPanning::SN3D);
     HOA2DPanning plane(1, 5);
