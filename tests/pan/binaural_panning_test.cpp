@@ -1,11 +1,10 @@
-#include "pan/binaural_panning.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 
 #include "hrtf/hrtf.h"
+#include "pan/binaural_panning_itd.h"
 #include "pan/panning_support.h"
 
 namespace {
@@ -116,27 +115,15 @@ TEST(ItdModels, NamesAreNotAllReadBack) {
 }
 
 /// Writes down what a panner is told about a source.
-class Recorder : public BinauralPanning {
+class Recorder : public Lume::BinauralPanningITD {
 public:
-    explicit Recorder(unsigned int inputs) : BinauralPanning(inputs, 2) {}
-    bool LoadFromFile(char const*) override { return false; }
-    void SetFilterCrossFadeTime(float) override {}
-    void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation) override {}
-    void SetListenerHeadRadius(float) override {}
-    Lume::HrtfHeaderInfos const* GetHrtfHeaderInfos() const override { return nullptr; }
+    explicit Recorder(unsigned int inputs) : BinauralPanningITD(inputs, 2) {}
     void setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) override {
         ++calls;
         last = position;
         lastIndex = index;
         lastFlag = flag;
     }
-    void Process(float**, float**, unsigned long, short const*) override {}
-    void ProcessAdding(float**, float**, unsigned long, short const*) override {}
-    void SetSamplerate(float) override {}
-    void SetMaxBlockSize(unsigned int) override {}
-    void Clear() override {}
-    void SetInterpolationTime(float) override {}
-
     int calls = 0;
     CartesianVector last;
     unsigned int lastIndex = 0;

@@ -59,27 +59,22 @@ TEST(HOAPanning, EncodingsAreTheClosedFormsOfTheHarmonics) {
             const std::vector<double> exact =
                 Lume::AmbisonicEncodingVector(order, std::atan2(std::hypot(x, y), z), std::atan2(y, x),
                                               Lume::SchmidtSeminormalized3D, Lume::IncreasingDegrees);
-            for (unsigned int l = 0, channel = 0; l <= order; ++l)
-                for (int m = -static_cast<int>(l); m <= static_cast<int>(l); ++m, ++channel)
-                    EXPECT_NEAR(exact[channel], harmonic(l, m), 1e-12) << l << ", " << m;
-
             for (const auto convention : {HOAPanning::SN3D, HOAPanning::N3D}) {
                 HOA3DPanning panner(1, (order + 1) * (order + 1));
                 panner.SetEncodingConvention(convention);
                 const std::vector<float> gains = GainsAt(panner, p);
                 panner.SetSphericalHarmonicsSorting("alternatedegrees");
                 const std::vector<float> alternate = GainsAt(panner, p);
-                std::size_t channel = 0, other = 0;
-                for (unsigned int l = 0; l <= order; ++l) {
-                    const int last = static_cast<int>(l);
-                    const double size = convention == HOAPanning::N3D ? std::sqrt(2.0 * l + 1.0) : 1.0;
-                    for (int m = -last; m <= last; ++m) check(gains[channel++], size * harmonic(l, m), size);
-                    for (int m = last; m > 0; --m) {
-                        check(alternate[other++], size * harmonic(l, m), size);
-                        check(alternate[other++], size * harmonic(l, -m), size);
+                std::size_t channel = 0, first = 0;
+                for (unsigned int l = 0; l <= order; first += 2 * l + 1, ++l)
+                    for (int m = -static_cast<int>(l); m <= static_cast<int>(l); ++m, ++channel) {
+                        const double size = convention == HOAPanning::N3D ? std::sqrt(2.0 * l + 1.0) : 1.0;
+                        EXPECT_NEAR(exact[channel], harmonic(l, m), 1e-12) << l << ", " << m;
+                        check(gains[channel], size * harmonic(l, m), size);
+                        // The highest order first, positive before negative, 0 last.
+                        const std::size_t other = 2 * (l - static_cast<unsigned int>(std::abs(m))) + (m < 0 ? 1 : 0);
+                        check(alternate[first + other], size * harmonic(l, m), size);
                     }
-                    check(alternate[other++], size * harmonic(l, 0), size);
-                }
             }
             for (const auto convention : {HOAPanning::SN2D, HOAPanning::N2D}) {
                 HOA2DPanning panner(1, 2 * order + 1);
