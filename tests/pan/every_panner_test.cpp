@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "pan/panning_support.h"
@@ -47,7 +48,7 @@ constexpr std::size_t length = 3072, block = 64;
 
 Channels Noise(std::size_t width) {
     Channels noise(width, length, 0.0f);
-    for (std::uint32_t c = 0; c < 2; ++c) std::ranges::copy(MakeNoise(c + 1, length), noise.pointers[c]);
+    for (std::uint32_t c = 0; c < width; ++c) std::ranges::copy(MakeNoise(c + 1, length), noise.pointers[c]);
     return noise;
 }
 
@@ -97,31 +98,35 @@ TEST(EveryPanner, WorksInPlaceAddsAndClears) {
 // Red if several sources aren't the sum of each alone, or if an inactive input, whose pointer is null, is read. Red if
 // somebody tidies up: a single source that isn't active leaves the outputs of two panners alone; others clear them.
 TEST(EveryPanner, AddsUpItsActiveSources) {
+    constexpr unsigned int numSources = 5;
     for (Kind const& kind : kinds) {
         if (!kind.isSumOfSources) continue;
         SCOPED_TRACE(kind.type + " " + kind.role);
-        const auto both = Make(kind, 2), first = Make(kind, 1), second = Make(kind, 1);
-        const Channels in = Noise(2);
+        const auto all = Make(kind, numSources);
+        std::vector<std::unique_ptr<Pan>> single;
+        for (unsigned int s = 0; s < numSources; ++s) single.push_back(Make(kind, 1));
+        const Channels in = Noise(numSources);
         Channels together(kind.numOutputs, length, 9.0f), sum(kind.numOutputs, length, 0.0f);
         for (std::size_t i = 0; i < length; i += block) {
-            for (Pan* panner : {both.get(), first.get()}) panner->SetSourcePosition(0, Moving(i), false);
-            both->SetSourcePosition(1, resting, false);
-            second->SetSourcePosition(0, resting, false);
-            const short active[] = {1, static_cast<short>(i < length / 2)};
+            short active[] = {1, 1, 1, 1, 1};
             std::vector<float*> ins = in.From(i);
-            if (active[1] == 0) ins[1] = nullptr;
-            Play(*both, false, together.From(i), ins, active);
-            Play(*first, true, sum.From(i), ins, active);
-            Play(*second, true, sum.From(i), {ins[1]}, active + 1);
+            if (i >= length / 2) active[1] = 0, ins[1] = nullptr;
+            for (unsigned int s = 0; s < numSources; ++s) {
+                const CartesianVector position = s == 0 ? Moving(i) : At(75.0 * s, 10.0 * s);
+                for (auto [panner, index] : {std::pair{all.get(), s}, {single[s].get(), 0u}})
+                    panner->SetSourcePosition(index, position, false);
+                Play(*single[s], true, sum.From(i), {ins[s]}, active + s);
+            }
+            Play(*all, false, together.From(i), ins, active);
         }
         EXPECT_EQ(together.data, sum.data);
 
         const bool leavesAlone = kind.type == "ab" || std::string(kind.role) == "early";
-        const short none[] = {0, 0};
-        for (Pan* panner : {first.get(), both.get()}) {
+        const short none[numSources] = {};
+        for (Pan* panner : {single[0].get(), all.get()}) {
             Channels out(kind.numOutputs, block, 9.0f);
-            Play(*panner, false, out.pointers, {nullptr, nullptr}, none);
-            EXPECT_EQ(out.data[0].back(), leavesAlone && panner == first.get() ? 9.0f : 0.0f);
+            Play(*panner, false, out.pointers, std::vector<float*>(numSources), none);
+            EXPECT_EQ(out.data[0].back(), leavesAlone && panner == single[0].get() ? 9.0f : 0.0f);
             EXPECT_EQ(out.data[0], out.data[1]);
         }
     }
