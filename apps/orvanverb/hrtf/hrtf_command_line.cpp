@@ -87,7 +87,7 @@ void TakeTransauralMeaning(TransauralWords const& words, HrtfOptions& options) {
             throw UsageError("--block: '" + words.block + "' is no power of two from 1 to " + std::to_string(maxBlock));
         transaural.blockLength = *block;
     }
-    if (!words.step.empty()) transaural.stepDeg = ParseWithin("--step", words.step, 0.5f, 30.0f, "degrees");
+    if (!words.step.empty()) transaural.stepDeg = ParseWithin("--step", words.step, 1.0f, 30.0f, "degrees");
     transaural.pairs = ParsePairs(words.pairs, IsSymmetricNetwork(type));
     if (transaural.stepDeg && !transaural.pairs.empty()) throw UsageError("--step: is of the grid, in place of --pair");
 }

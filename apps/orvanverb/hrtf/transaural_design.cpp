@@ -30,6 +30,13 @@ Spectrum MeanOf(Spectrum const& a, Spectrum const& b) {
     return mean;
 }
 
+/// The sample at which a response is largest: about where the sound arrives.
+double PeakOf(std::vector<double> const& response) {
+    const auto peak = std::max_element(response.begin(), response.end(),
+                                       [](double a, double b) { return std::abs(a) < std::abs(b); });
+    return static_cast<double>(peak - response.begin());
+}
+
 /// A level with its details smoothed out: the power mean over an octave.
 std::vector<double> OctaveMean(std::vector<double> const& level) {
     std::vector<double> sums{0.0}, mean;
@@ -61,14 +68,14 @@ struct TransauralDesign::Plant {
     Spectrum ll, lr, rl, rr;
     double level = 1.0;        // that was taken out
     std::vector<double> near;  // the near ears' level, at least -24 dB
-    Spectrum target;           // what an ear is to hear of its signal
+    Spectrum target;           // what an ear is to hear of its signal, and
+    double delay = 0.0;        // how late, in samples
 };
 
 TransauralDesign::TransauralDesign(Lume::HrtfType newNetwork, TransauralLimits const& newLimits, std::size_t wayLength)
     : network(newNetwork),
       limits(newLimits),
       maxGain(std::pow(10.0, limits.maxGainDb / 20.0)),
-      delay(0.25 * static_cast<double>(limits.length)),
       transform(std::bit_ceil(4 * std::max(limits.length, wayLength))) {
     for (std::size_t k = 0; k < transform.NumBins(); ++k)
         importance.push_back(Frequency(k) <= cancelledToHz ? 1.0 : Frequency(k) <= measuredToHz ? 0.3 : 0.1);
@@ -77,6 +84,7 @@ TransauralDesign::TransauralDesign(Lume::HrtfType newNetwork, TransauralLimits c
 TransauralDesign::Plant TransauralDesign::Prepare(Ways const& ways) const {
     constexpr double leastNear = 0.063, leastTarget = 1e-3;
     Plant plant;
+    plant.delay = std::min(PeakOf(ways.ll), PeakOf(ways.rr)) + 0.25 * static_cast<double>(limits.length);
     plant.ll = transform.Forward(ways.ll);
     plant.lr = transform.Forward(ways.lr);
     plant.rl = transform.Forward(ways.rl);
@@ -126,7 +134,7 @@ TransauralDesign::Plant TransauralDesign::Prepare(Ways const& ways) const {
 TransauralDesign::Filter TransauralDesign::Inverse(Plant const& plant, Spectrum const& way, double gain) const {
     FilterWish wish;
     wish.ways = {{way}};
-    wish.wanted = {transform.Delayed(plant.target, delay)};
+    wish.wanted = {transform.Delayed(plant.target, plant.delay)};
     wish.weights = {importance};
     wish.effort = 0.075 / (maxGain * maxGain);
     Filter filter = FitFilters(transform, wish, limits.length)[0];
@@ -198,7 +206,7 @@ std::vector<TransauralDesign::Filter> TransauralDesign::LeastSquares(Plant const
     FilterWish wish;
     wish.ways = {{plant.ll, plant.rl}, {plant.lr, plant.rr}};
     wish.wanted.assign(2, Spectrum(transform.NumBins()));
-    wish.wanted[rightEar ? 1 : 0] = transform.Delayed(plant.target, delay);
+    wish.wanted[rightEar ? 1 : 0] = transform.Delayed(plant.target, plant.delay);
     wish.weights = {importance, importance};
     for (double& weight : wish.weights[rightEar ? 0 : 1]) weight *= crosstalkWeight;
     wish.effort = 0.075 / (maxGain * maxGain);

@@ -44,8 +44,9 @@ public:
     /// @param wayLength  samples of the impulse responses
     TransauralDesign(Lume::HrtfType network, TransauralLimits const& limits, std::size_t wayLength);
 
-    /// The filters for a pair of loudspeakers, one behind the other. What both ears hear comes a quarter of the
-    /// filters' length late, but from networks with an inverse determinant, which has the least phase.
+    /// The filters for a pair of loudspeakers, one behind the other. What the ears hear comes a quarter of the filters'
+    /// length later than from bare loudspeakers, but for networks with an inverse determinant, which has the least
+    /// phase.
     std::vector<float> Filters(Ways const& ways) const;
 
 private:
@@ -68,7 +69,7 @@ private:
 
     Lume::HrtfType network;
     TransauralLimits limits;
-    double maxGain, delay;
+    double maxGain;
     RealTransform transform;
     std::vector<double> importance;  // of an error, per bin
 };
