@@ -132,10 +132,12 @@ TEST_F(Rendering, KeepsWhatIsNotFiniteOutOfTheRoomAndTellsOnce) {
     Sound sound = MakeTone(440.0, 0.2, 48000);
     for (const std::size_t i : {1000u, 2000u, 2001u}) sound.samples[0][i] = std::numeric_limits<float>::quiet_NaN();
     WriteSound(directory / "in.wav", sound);
-    const RunResult run = RunProgram({"render", directory / "in.wav", "-o", directory / "out.wav"});
+    const RunResult run = RunProgram({"render", directory / "in.wav", "-o", directory / "out.wav", "--rate", "32000"});
     ASSERT_EQ(run.status, 0);
     EXPECT_NE(run.err.find("in.wav: 3 samples"), std::string::npos) << run.err;
-    for (std::vector<float> const& channel : ReadSound(directory / "out.wav").samples)
+    const Sound out = ReadSound(directory / "out.wav");
+    EXPECT_EQ(out.samplerate, 32000);
+    for (std::vector<float> const& channel : out.samples)
         for (const float sample : channel) ASSERT_TRUE(std::isfinite(sample));
 }
 

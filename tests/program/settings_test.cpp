@@ -55,7 +55,7 @@ TEST(SpeakerLayout, NamesTheLineThatIsWrong) {
 
 TEST(Preset, IsReadAndNamesWhatIsWrongInIt) {
     const TemporaryDirectory directory;
-    WriteText(directory / "room", "# a hall\ntr0 2.8\nair 1\nearly_width 60\nroom 0 1 2 3 200 5000\n");
+    WriteText(directory / "room", "# a hall\ntr0 2.8\nair 1\nearly_width 60\nroom 0.5 1.5 2 3 200.5 5000\n");
     const auto settings = program::LoadPreset(directory / "room");
     ASSERT_EQ(settings.size(), 4u);
     EXPECT_EQ(settings[3].name, "room");
