@@ -14,42 +14,38 @@ namespace {
 /// The attributes as the manual lists them, typed here by hand: name, type, elements (and * if their number stands in
 /// the record), default, range (in parentheses: it clips and isn't shown), units, style, label, category and order.
 constexpr char const* table[] = {
-    "mute long 1|0 |0..1||onoff |mute dsp |options |",
-    "bypass long 1|0 |0..1||onoff |bypass dsp |options |",
-    "numsources long 1|6 |1..64|||number of sources ||1 ",
-    "numspeakers long 1|6 |1..64|||number of speakers ||2 ",
-    "numinternals long 1|8 |2..16|||number of internal channels ||3 ",
+    "mute long 1|0|0..1||onoff |mute dsp |options |",
+    "bypass long 1|0|0..1||onoff |bypass dsp |options |",
+    "numsources long 1|6|1..64|||number of sources ||1 ",
+    "numspeakers long 1|6|1..64|||number of speakers ||2 ",
+    "numinternals long 1|8|2..16|||number of internal channels ||3 ",
     "sourcespositions float32 192*|||xyz ||sources positions ||4 ",
     "speakerspositions float32 192*|||xyz ||speakers positions ||5 ",
-    "gain float32 1|0.000000 |-30..30|dB ||late reverberation gain |reverb |15 ",
-    "modaldensity float32 1|0.860000 |0.2..4|||modal density |reverb |",
-    "tr0 float32 1|1.995000 |0.1..10|sec ||global decay time |reverb |6 ",
-    "trl float32 1|1.000000 |0.1..10|||relative decay time at low freq |reverb |7 ",
-    "trm float32 1|1.000000 |0.1..10|||relative decay time at med freq |reverb |8 ",
-    "trh float32 1|0.500000 |0.1..1|||relative decay time at high freq |reverb |9 ",
-    "fl float32 1|250.000000 |20..20000|Hz ||low/med crossover frequency |reverb |10 ",
-    "fh float32 1|8000.000000 |20..20000|Hz ||med/high crossover frequency |reverb |11 ",
-    "air long 1|0 |0..1||onoff |air absorption |reverb |12 ",
-    "airfreq float32 1|10000.000000 |20..20000|Hz ||air rolloff frequency |reverb |13 ",
-    "infinite long 1|0 |0..1||onoff |infinite reverb |reverb |14 ",
+    "gain float32 1|0|-30..30|dB ||late reverberation gain |reverb |15 ",
+    "modaldensity float32 1|0.86|0.2..4|||modal density |reverb |",
+    "tr0 float32 1|1.995|0.1..10|sec ||global decay time |reverb |6 ",
+    "trl float32 1|1|0.1..10|||relative decay time at low freq |reverb |7 ",
+    "trm float32 1|1|0.1..10|||relative decay time at med freq |reverb |8 ",
+    "trh float32 1|0.5|0.1..1|||relative decay time at high freq |reverb |9 ",
+    "fl float32 1|250|20..20000|Hz ||low/med crossover frequency |reverb |10 ",
+    "fh float32 1|8000|20..20000|Hz ||med/high crossover frequency |reverb |11 ",
+    "air long 1|0|0..1||onoff |air absorption |reverb |12 ",
+    "airfreq float32 1|10000|20..20000|Hz ||air rolloff frequency |reverb |13 ",
+    "infinite long 1|0|0..1||onoff |infinite reverb |reverb |14 ",
     "delays float32 64*|||msec ||delays |reverb |16 ",
-    "direct float32 6|0.000000 0.000000 0.000000 0.000000 177.000000 5657.000000 ||||direct filter parameters |filters "
-    "|17 ",
-    "room float32 6|0.000000 0.000000 0.000000 0.000000 177.000000 5657.000000 ||||room filter parameters |filters "
-    "|18 ",
-    "early float32 6|0.000000 0.000000 0.000000 0.000000 177.000000 5657.000000 ||||early filter parameters |filters "
-    "|19 ",
-    "cluster float32 6|0.000000 0.000000 0.000000 0.000000 177.000000 5657.000000 ||||cluster filter parameters "
-    "|filters |20 ",
-    "early_start float32 1|22.219999 |1..120|msec ||early start |structure |21 ",
-    "early_end float32 1|39.709999 |1..120|msec ||early end |structure |22 ",
-    "early_distr float32 1|0.500000 |0.1..0.9|||early distribution centroid |structure |23 ",
-    "early_width float32 1|30.000000 |(10..180)|deg ||early width |structure |24 ",
-    "early_shape float32 1|0.500000 |(0..1)|||early shape |structure |25 ",
-    "cluster_start float32 1|42.470001 |1..300|msec ||cluster start |structure |26 ",
-    "cluster_end float32 1|105.639999 |1..300|msec ||cluster end |structure |27 ",
-    "cluster_distr float32 1|0.500000 |0.1..0.9|||cluster distribution centroid |structure |28 ",
-    "reverb_start float32 1|95.370003 |1..500|msec ||reverb start |structure |",
+    "direct float32 6|0 0 0 0 177 5657||||direct filter parameters |filters |17 ",
+    "room float32 6|0 0 0 0 177 5657||||room filter parameters |filters |18 ",
+    "early float32 6|0 0 0 0 177 5657||||early filter parameters |filters |19 ",
+    "cluster float32 6|0 0 0 0 177 5657||||cluster filter parameters |filters |20 ",
+    "early_start float32 1|22.22|1..120|msec ||early start |structure |21 ",
+    "early_end float32 1|39.71|1..120|msec ||early end |structure |22 ",
+    "early_distr float32 1|0.5|0.1..0.9|||early distribution centroid |structure |23 ",
+    "early_width float32 1|30|(10..180)|deg ||early width |structure |24 ",
+    "early_shape float32 1|0.5|(0..1)|||early shape |structure |25 ",
+    "cluster_start float32 1|42.47|1..300|msec ||cluster start |structure |26 ",
+    "cluster_end float32 1|105.64|1..300|msec ||cluster end |structure |27 ",
+    "cluster_distr float32 1|0.5|0.1..0.9|||cluster distribution centroid |structure |28 ",
+    "reverb_start float32 1|95.37|1..500|msec ||reverb start |structure |",
 };
 constexpr std::size_t numHidden = 2;  // classdescription and externalversion come first
 
@@ -57,6 +53,19 @@ std::string Said(t_attr& attribute, char const* word) {
     const orvanmax::AttributeValue value(&attribute, gensym(word));
     std::string text;
     orvanmax::atomarray2string(value.count, value.atoms, text);
+    return text;
+}
+
+/// The default's numbers, as short as they are.
+std::string DefaultOf(t_attr& attribute) {
+    const orvanmax::AttributeValue value(&attribute, gensym("default"));
+    std::string text;
+    char number[32];
+    for (long i = 0; i < value.count; ++i) {
+        std::snprintf(number, sizeof number, "%s%g", i > 0 ? " " : "",
+                      static_cast<double>(atom_getfloat(&value.atoms[i])));
+        text += number;
+    }
     return text;
 }
 
@@ -78,7 +87,7 @@ TEST(AttributeTable, IsTheOneOfTheManual) {
         t_attr& attribute = *attributes[i + numHidden];
         std::string row = attribute.name->s_name;
         row.append(" ").append(attribute.type->s_name).append(" ").append(std::to_string(attribute.size));
-        row.append(attribute.offsetCount != 0 ? "*|" : "|").append(Said(attribute, "default"));
+        row.append(attribute.offsetCount != 0 ? "*|" : "|").append(DefaultOf(attribute));
         row.append("|").append(RangeOf(attribute));
         for (char const* const word : {"units", "style", "label", "category", "order"})
             row.append("|").append(Said(attribute, word));
