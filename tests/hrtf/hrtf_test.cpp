@@ -53,6 +53,8 @@ TEST(Hrtf, RowsOfOneEarBecomePointsOfTwo) {
     EXPECT_EQ(set.GetSamplingRate(), 44100u);
     EXPECT_EQ(set.GetFlagItdExtracted(), Lume::itdExtracted);
     EXPECT_EQ(set.GetHrtfHeaderInfos().owner, "ORVAN");
+    EXPECT_EQ(set.GetHrtfHeaderInfos().subject, "S12-44100.coll");  // as long as what stands before the dash
+    EXPECT_EQ(set.GetHrtfHeaderInfos().flagInterpolated, Lume::dataInterpolated);
 
     const struct {
         unsigned int row, mirrored;
