@@ -19,10 +19,7 @@ TYPED_TEST_SUITE(VectorOperations, Precisions);
 // Red if the in-place forms read what they have just written, or if a sign or an output is exchanged.
 TYPED_TEST(VectorOperations, SumsAndDifferences) {
     using V = std::vector<TypeParam>;
-    V a = {1, -2, 3, 4};
-    V b = {5, 6, -7, 8};
-    V out(4);
-    V out2(4);
+    V a = {1, -2, 3, 4}, b = {5, 6, -7, 8}, out(4), out2(4);
     orvandsp::SumMul(out.data(), a.data(), b.data(), 2, 4);
     EXPECT_EQ(out, (V{12, 8, -8, 24}));
     orvandsp::DiffMul(out.data(), a.data(), b.data(), 0.5, 4);
@@ -40,9 +37,7 @@ TYPED_TEST(VectorOperations, SumsAndDifferences) {
 
 // Red if the fade ends a step early or mixes the wrong way round.
 TYPED_TEST(VectorOperations, CrossFadesMeetBothEnds) {
-    const std::vector<TypeParam> ones(5, 1);
-    const std::vector<TypeParam> nines(5, 9);
-    std::vector<TypeParam> out(5);
+    std::vector<TypeParam> ones(5, 1), nines(5, 9), out(5);
     orvandsp::CrossFade(out.data(), ones.data(), nines.data(), 0, 1, 5);
     EXPECT_EQ(out, (std::vector<TypeParam>{1, 3, 5, 7, 9}));
     orvandsp::CrossFadeAdd(out.data(), ones.data(), nines.data(), 1, 0.5, 5);
@@ -53,10 +48,7 @@ TYPED_TEST(VectorOperations, CrossFadesMeetBothEnds) {
 
 TYPED_TEST(VectorOperations, LevelsFunctionsAndFrames) {
     using V = std::vector<TypeParam>;
-    V a = {1, -2, 3, 4};
-    V b = {5, 6, -7, 8};
-    V out(4);
-    V out2(4);
+    V a = {1, -2, 3, 4}, b = {5, 6, -7, 8}, out(4), out2(4);
     orvandsp::Smax(out.data(), a.data(), 2, 4);
     EXPECT_EQ(out, (V{2, 2, 3, 4}));
     V data = {1, 100, 4, 0.25};
@@ -88,8 +80,7 @@ TYPED_TEST(VectorOperations, LevelsFunctionsAndFrames) {
 // Against figures worked out by hand.
 TYPED_TEST(VectorOperations, Statistics) {
     using V = std::vector<TypeParam>;
-    V a = {1, -2, 3, 4};
-    const V b = {5, 6, -7, 8};
+    V a = {1, -2, 3, 4}, b = {5, 6, -7, 8};
     unsigned long index = 9;
     EXPECT_EQ(orvandsp::GetMaximumValueWithIndex(a.data(), 4, index), TypeParam{4});
     EXPECT_EQ(index, 3u);
@@ -104,10 +95,8 @@ TYPED_TEST(VectorOperations, Statistics) {
     EXPECT_NEAR(orvandsp::StandardDeviation(a.data(), 4), 2.291288, 1e-5);
     EXPECT_EQ(orvandsp::Covariance(a.data(), b.data(), 4), TypeParam{-3.5});
 
-    const V x = {1, 2, 4, 5};
-    const V y = {-1, 1, 5, 7};  // 2 x - 3
-    TypeParam slope;
-    TypeParam intercept;
+    const V x = {1, 2, 4, 5}, y = {-1, 1, 5, 7};  // 2 x - 3
+    TypeParam slope, intercept;
     orvandsp::LinearRegression(slope, intercept, x.data(), y.data(), 4);
     EXPECT_NEAR(slope, 2.0, 1e-6);
     EXPECT_NEAR(intercept, -3.0, 1e-5);
