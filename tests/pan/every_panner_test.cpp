@@ -88,10 +88,13 @@ TEST(EveryPanner, WorksInPlaceAddsAndClears) {
             EXPECT_EQ(inPlace.data, added.data);
             EXPECT_GT(EnergyOf(inPlace.data[0]) + EnergyOf(inPlace.data[1]), 1.0);
 
-            process->Clear();
-            Channels silence(kind.numOutputs, block, 0.0f), out(kind.numOutputs, block, 9.0f);
-            Play(*process, false, out.pointers, silence.pointers, orvandsp::allActiveInputs);
-            EXPECT_EQ(out.data, silence.data);
+            const Channels silence(kind.numOutputs, block, 0.0f), nines(kind.numOutputs, block, 9.0f);
+            for (Pan* panner : {process.get(), add.get()}) {
+                Channels out(kind.numOutputs, block, 9.0f);
+                panner->Clear();
+                Play(*panner, panner == add.get(), out.pointers, silence.pointers, orvandsp::allActiveInputs);
+                EXPECT_EQ(out.data, panner == add.get() ? nines.data : silence.data);
+            }
         }
 }
 
