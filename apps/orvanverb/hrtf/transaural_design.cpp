@@ -76,6 +76,7 @@ TransauralDesign::TransauralDesign(Lume::HrtfType newNetwork, TransauralLimits c
     : network(newNetwork),
       limits(newLimits),
       maxGain(std::pow(10.0, limits.maxGainDb / 20.0)),
+      effort(0.3 / (4.0 * maxGain * maxGain)),
       transform(std::bit_ceil(4 * std::max(limits.length, wayLength))) {
     for (std::size_t k = 0; k < transform.NumBins(); ++k)
         importance.push_back(Frequency(k) <= cancelledToHz ? 1.0 : Frequency(k) <= measuredToHz ? 0.3 : 0.1);
@@ -136,7 +137,7 @@ TransauralDesign::Filter TransauralDesign::Inverse(Plant const& plant, Spectrum 
     wish.ways = {{way}};
     wish.wanted = {transform.Delayed(plant.target, plant.delay)};
     wish.weights = {importance};
-    wish.effort = 0.075 / (maxGain * maxGain);
+    wish.effort = effort;
     Filter filter = FitFilters(transform, wish, limits.length)[0];
     for (double& tap : filter) tap *= gain / plant.level;
     return filter;
@@ -209,7 +210,7 @@ std::vector<TransauralDesign::Filter> TransauralDesign::LeastSquares(Plant const
     wish.wanted[rightEar ? 1 : 0] = transform.Delayed(plant.target, plant.delay);
     wish.weights = {importance, importance};
     for (double& weight : wish.weights[rightEar ? 0 : 1]) weight *= crosstalkWeight;
-    wish.effort = 0.075 / (maxGain * maxGain);
+    wish.effort = effort;
     std::vector<Filter> filters = FitFilters(transform, wish, limits.length);
     for (Filter& filter : filters)
         for (double& tap : filter) tap /= plant.level;

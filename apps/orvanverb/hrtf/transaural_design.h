@@ -70,6 +70,9 @@ private:
     Lume::HrtfType network;
     TransauralLimits limits;
     double maxGain;
+    // Of a fit: a way w is inverted as w / (w^2 + effort), at most 1 / (2 sqrt(effort)). That is 5 dB above the largest
+    // gain, as fits of some length smooth their peaks; a price that keeps to it would cost more cancelling than that.
+    double effort;
     RealTransform transform;
     std::vector<double> importance;  // of an error, per bin
 };
