@@ -5,12 +5,12 @@
 #include <CLI/Formatter.hpp>
 #include <algorithm>
 
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/decode/decode_command_line.h"
 #include "orvanverb/hrtf/hrtf_command_line.h"
 #include "orvanverb/pan/pan_command_line.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/render_command_line.h"
-#include "orvanverb/text.h"
+#include "orvanverb/room/render_command_line.h"
 
 namespace program {
 

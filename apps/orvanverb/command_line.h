@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "orvanverb/options.h"
+#include "orvanverb/options/options.h"
 
 namespace program {
 

@@ -2,16 +2,17 @@
 #include <exception>
 #include <optional>
 
-#include "orvanverb/attribute_listing.h"
 #include "orvanverb/command_line.h"
+#include "orvanverb/common/interrupt.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/decode/decode_command.h"
-#include "orvanverb/interrupt.h"
+#include "orvanverb/hrtf/hrtf_commands.h"
+#include "orvanverb/object/attribute_listing.h"
+#include "orvanverb/object/reference.h"
+#include "orvanverb/object/shell.h"
 #include "orvanverb/pan/pan_command.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/reference.h"
-#include "orvanverb/render.h"
-#include "orvanverb/shell.h"
-#include "orvanverb/text.h"
+#include "orvanverb/room/render.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "orvanverb/audio_input.h"
+#include "orvanverb/audio/audio_input.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <limits>
 
-#include "orvanverb/input_bank.h"
-#include "orvanverb/program_error.h"
+#include "orvanverb/audio/input_bank.h"
+#include "orvanverb/common/program_error.h"
 #include "program/sound_files.h"
 
 namespace {

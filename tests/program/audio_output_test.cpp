@@ -1,11 +1,11 @@
-#include "orvanverb/audio_output.h"
+#include "orvanverb/audio/audio_output.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <filesystem>
 
-#include "orvanverb/program_error.h"
+#include "orvanverb/common/program_error.h"
 #include "program/sound_files.h"
 
 namespace {

@@ -2,11 +2,11 @@
 
 #include <cmath>
 
-#include "orvanverb/control.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/speaker_layout.h"
-#include "orvanverb/tail.h"
-#include "orvanverb/text.h"
+#include "orvanverb/audio/tail.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/layout/speaker_layout.h"
+#include "orvanverb/room/control.h"
 #include "program/sound_files.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "orvanverb/shell.h"
+#include "orvanverb/object/shell.h"
 
 #include <gtest/gtest.h>
 

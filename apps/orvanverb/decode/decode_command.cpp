@@ -4,9 +4,9 @@
 #include <chrono>
 #include <cstdio>
 
+#include "orvanverb/audio/input_bank.h"
+#include "orvanverb/audio/streaming.h"
 #include "orvanverb/decode/decode_setup.h"
-#include "orvanverb/input_bank.h"
-#include "orvanverb/streaming.h"
 
 namespace program {
 

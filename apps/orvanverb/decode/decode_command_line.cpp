@@ -5,10 +5,10 @@
 #include <CLI/Formatter.hpp>
 #include <memory>
 
-#include "orvanverb/common_options.h"
-#include "orvanverb/option_values.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/options/common_options.h"
+#include "orvanverb/options/option_values.h"
 
 namespace program {
 

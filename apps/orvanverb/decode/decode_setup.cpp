@@ -9,15 +9,15 @@
 #include "decoders/transaural_decoder.h"
 #include "dsp/constants.h"
 #include "geometry/speakers.h"
-#include "orvanverb/channel_mask.h"
-#include "orvanverb/channel_words.h"
+#include "orvanverb/audio/channel_mask.h"
+#include "orvanverb/audio/vector_channels.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/decode/transaural_filters.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/transaural_design.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
-#include "orvanverb/vector_channels.h"
+#include "orvanverb/layout/channel_words.h"
 
 namespace program {
 

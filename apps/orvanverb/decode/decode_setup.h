@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "decoders/decoder.h"
-#include "orvanverb/options.h"
-#include "orvanverb/speaker_layout.h"
+#include "orvanverb/layout/speaker_layout.h"
+#include "orvanverb/options/options.h"
 
 namespace program {
 

@@ -7,11 +7,11 @@
 #include <numbers>
 
 #include "hrtf/sdif_access.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/sphere.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
 
 namespace program {
 

@@ -7,8 +7,8 @@
 #include <sstream>
 #include <system_error>
 
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 
 namespace program {
 

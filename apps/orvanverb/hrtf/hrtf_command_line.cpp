@@ -7,11 +7,11 @@
 #include <memory>
 #include <optional>
 
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/transaural_conversion.h"
 #include "orvanverb/hrtf/transaural_design.h"
-#include "orvanverb/option_values.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
+#include "orvanverb/options/option_values.h"
 
 namespace program {
 

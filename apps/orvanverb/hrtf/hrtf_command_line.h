@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orvanverb/options.h"
+#include "orvanverb/options/options.h"
 
 namespace CLI {
 class App;

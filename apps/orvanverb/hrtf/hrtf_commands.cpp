@@ -5,6 +5,9 @@
 #include <optional>
 #include <stdexcept>
 
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/common/whole_file.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "orvanverb/hrtf/set_conversion.h"
@@ -14,9 +17,6 @@
 #include "orvanverb/hrtf/sofa_file.h"
 #include "orvanverb/hrtf/transaural_conversion.h"
 #include "orvanverb/hrtf/transaural_design.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
-#include "orvanverb/whole_file.h"
 
 namespace program {
 

@@ -1,25 +1,8 @@
 #pragma once
 
-#include <cstddef>
-#include <optional>
-#include <string>
-
-#include "orvanverb/hrtf/transaural_options.h"
+#include "orvanverb/options/hrtf_options.h"
 
 namespace program {
-
-/// What the user asked of a set of filters.
-struct HrtfOptions {
-    enum class Action { Info, Convert, Transaural };
-
-    Action action = Action::Info;
-    std::string input, output;
-    std::optional<int> rate;  // [Hz]; none: that of the input
-    bool fir = false;
-    std::optional<std::size_t> length;  // most samples of an impulse response
-    std::optional<bool> equalise;       // none: measurements, but not filters
-    TransauralOptions transaural;
-};
 
 /// Prints the header of a set and a short check of it on standard output.
 /// @return the exit status: 1 if the check found a fault

@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
-#include "orvanverb/interrupt.h"
-#include "orvanverb/program_error.h"
+#include "orvanverb/common/interrupt.h"
+#include "orvanverb/common/program_error.h"
 
 namespace program {
 

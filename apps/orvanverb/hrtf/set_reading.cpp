@@ -5,14 +5,14 @@
 #include "hrtf/coll_file.h"
 #include "hrtf/sdif_access.h"
 #include "hrtf/symmetric_transaural_data_loader.h"
+#include "orvanverb/common/limits.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "orvanverb/hrtf/set_conversion.h"
 #include "orvanverb/hrtf/set_measurement.h"
 #include "orvanverb/hrtf/sofa_file.h"
-#include "orvanverb/limits.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
 
 namespace program {
 

@@ -10,11 +10,11 @@
 
 #include "filters/biquad_cascade.h"
 #include "geometry/spherical_vector.h"
+#include "orvanverb/common/limits.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/erb_axis.h"
 #include "orvanverb/hrtf/section_cascade.h"
 #include "orvanverb/hrtf/sphere.h"
-#include "orvanverb/limits.h"
-#include "orvanverb/text.h"
 
 namespace program {
 

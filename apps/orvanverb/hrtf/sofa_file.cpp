@@ -9,7 +9,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "orvanverb/program_error.h"
+#include "orvanverb/common/program_error.h"
 
 namespace program {
 

@@ -8,12 +8,12 @@
 #include <utility>
 
 #include "decoders/transaural_decoder.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/ear_ring.h"
 #include "orvanverb/hrtf/parallel.h"
 #include "orvanverb/hrtf/set_conversion.h"
 #include "orvanverb/hrtf/transaural_design.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
 
 namespace program {
 

@@ -4,9 +4,9 @@
 
 #include "dsp/constants.h"
 #include "geometry/azimuth.h"
-#include "orvanverb/program_error.h"
-#include "orvanverb/text.h"
-#include "orvanverb/vector_channels.h"
+#include "orvanverb/audio/vector_channels.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "pan/amplitude_panning.h"
 #include "pan/vbap_panning.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "geometry/azimuth.h"
-#include "orvanverb/text.h"
+#include "orvanverb/common/text.h"
 #include "pan/vbap_panning.h"
 
 namespace program {

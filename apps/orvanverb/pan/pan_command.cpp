@@ -6,12 +6,12 @@
 
 #include "dsp/constants.h"
 #include "hrtf/hrtf_header_infos.h"
-#include "orvanverb/input_bank.h"
+#include "orvanverb/audio/input_bank.h"
+#include "orvanverb/audio/streaming.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/pan/gain_table.h"
 #include "orvanverb/pan/pan_setup.h"
-#include "orvanverb/source_motion.h"
-#include "orvanverb/streaming.h"
-#include "orvanverb/text.h"
+#include "orvanverb/room/source_motion.h"
 #include "pan/binaural_panning.h"
 
 namespace program {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "orvanverb/limits.h"
-#include "orvanverb/program_error.h"
+#include "orvanverb/common/limits.h"
+#include "orvanverb/common/program_error.h"
 #include "pan/null_panning.h"
 
 namespace program {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "orvanverb/options.h"
+#include "orvanverb/layout/speaker_layout.h"
+#include "orvanverb/options/options.h"
 #include "orvanverb/pan/pan_methods.h"
-#include "orvanverb/speaker_layout.h"
 
 namespace program {
 

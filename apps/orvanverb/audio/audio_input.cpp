@@ -1,0 +1,102 @@
+#include "orvanverb/audio/audio_input.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <utility>
+
+#include "orvanverb/common/complete_file.h"
+#include "orvanverb/common/program_error.h"
+
+namespace program {
+
+namespace {
+
+constexpr std::size_t pieceFrames = 4096;
+
+/// Says what libsndfile can't: which of the usual mistakes this is.
+void RequireReadableFile(std::string const& path) {
+    if (std::filesystem::is_directory(path)) throw WorkError(path + ": is a directory");
+    const std::ifstream probe(path, std::ios::binary);
+    if (!probe) throw WorkError(path + ": " + std::generic_category().message(errno));
+    if (std::filesystem::is_regular_file(path) && std::filesystem::file_size(path) == 0)
+        throw WorkError(path + ": is empty");
+}
+
+}  // namespace
+
+AudioInput::AudioInput(std::string newPath) : path(std::move(newPath)) {
+    RequireReadableFile(path);
+    RequireCompleteFile(path);
+    file.reset(sf_open(path.c_str(), SFM_READ, &info));
+    if (!file)
+        throw WorkError(path + ": is no WAV, AIFF, FLAC or Ogg file that can be read (" + sf_strerror(nullptr) + ")");
+    if (info.frames == 0) throw WorkError(path + ": holds no samples");
+    piece.resize(pieceFrames * NumChannels());
+}
+
+std::uint64_t AudioInput::NumFrames() const noexcept {
+    return info.frames > 0 && info.frames < SF_COUNT_MAX ? static_cast<std::uint64_t>(info.frames) : 0;
+}
+
+void AudioInput::SetOutputRate(int rate) {
+    converter.reset();
+    if (rate == info.samplerate) return;
+    try {
+        converter = std::make_unique<RateConverter>(static_cast<double>(rate) / info.samplerate, NumChannels(),
+                                                    [this](std::size_t& frames) { return ReadPiece(frames); });
+    } catch (std::runtime_error const& error) {
+        throw WorkError(path + ": " + std::to_string(info.samplerate) + " Hz can't be brought to " +
+                        std::to_string(rate) + " Hz: " + error.what());
+    }
+    converted.resize(piece.size());
+}
+
+float* AudioInput::ReadPiece(std::size_t& frames) {
+    const sf_count_t got = sf_readf_float(file.get(), piece.data(), pieceFrames);
+    if (got < static_cast<sf_count_t>(pieceFrames)) {
+        const std::uint64_t inAll = framesRead + static_cast<std::uint64_t>(got);
+        if (inAll < NumFrames())
+            throw WorkError(path + ": is cut off or damaged: it announces " + std::to_string(NumFrames()) +
+                            " samples, " + std::to_string(inAll) + " can be read");
+        if (const int error = sf_error(file.get())) throw WorkError(path + ": " + sf_error_number(error));
+    }
+    frames = static_cast<std::size_t>(got);
+    framesRead += frames;
+    for (std::size_t i = 0; i < frames * NumChannels(); ++i) {
+        if (std::isfinite(piece[i])) continue;
+        piece[i] = 0.0f;
+        ++numReplaced;
+    }
+    return piece.data();
+}
+
+std::size_t AudioInput::Refill() {
+    if (converter) {
+        pending = converted.data();
+        return converter->Read(converted.data(), pieceFrames);
+    }
+    std::size_t frames = 0;
+    pending = ReadPiece(frames);
+    return frames;
+}
+
+std::size_t AudioInput::Read(float* const* channels, std::size_t frames) {
+    std::size_t done = 0;
+    while (done < frames) {
+        if (pendingFrames == 0) pendingFrames = Refill();
+        if (pendingFrames == 0) break;
+        const std::size_t count = std::min(frames - done, pendingFrames);
+        for (std::size_t c = 0; c < NumChannels(); ++c)
+            for (std::size_t i = 0; i < count; ++i) channels[c][done + i] = pending[i * NumChannels() + c];
+        pending += count * NumChannels();
+        pendingFrames -= count;
+        done += count;
+    }
+    return done;
+}
+
+}  // namespace program

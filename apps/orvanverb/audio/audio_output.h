@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "orvanverb/audio/sound_file.h"
+
+namespace program {
+
+/// How samples are stored. Float WAV never clips; the others clip at full scale.
+enum class SampleFormat : int { Pcm16, Pcm24, Float, Flac };
+
+/// The format of a name: pcm16, pcm24, float, flac. Nothing for another name.
+std::optional<SampleFormat> ParseSampleFormat(std::string_view name);
+
+/// For people: "32-bit float WAV".
+char const* Describe(SampleFormat format);
+
+/// Writes a rendering as it comes. The samples go to a file beside the wanted one, which takes its name when all is
+/// done: what stands under the final name is whole, and an existing file stays as it was until then.
+///
+/// WAV files past 4 GiB become RF64, shorter ones stay plain RIFF.
+class AudioOutput {
+public:
+    /// @param channelMask  ChannelMask of the loudspeakers, or 0 for such without a name. FLAC has no mask: players
+    /// take
+    ///                     its channels for a standard layout
+    /// @throws UsageError for more channels than the format holds, WorkError for an output that can't be written
+    AudioOutput(std::string path, SampleFormat format, int samplerate, unsigned int channels,
+                std::uint32_t channelMask);
+
+    /// Removes the file unless it was committed.
+    ~AudioOutput();
+    AudioOutput(AudioOutput const&) = delete;
+    AudioOutput& operator=(AudioOutput const&) = delete;
+
+    /// Appends planar samples. They reach the file in larger pieces.
+    /// @throws WorkError when the disk is full or the like
+    void Write(float const* const* channels, std::size_t frames);
+
+    /// Ends the file and gives it its name.
+    void Commit();
+
+    std::uint64_t NumFrames() const noexcept { return numFrames; }
+
+    /// Samples beyond full scale that the format had to clip.
+    std::uint64_t NumClipped() const noexcept { return numClipped; }
+
+private:
+    void Flush();
+    [[noreturn]] void Fail(std::string const& why) const;
+
+    std::string path;         // as the user wrote it
+    std::string finalPath;    // behind links
+    std::string partialPath;  // empty when there is nothing to remove
+    SampleFormat format;
+    unsigned int numChannels;
+    std::uint32_t channelMask;
+    SoundFile file;
+    std::vector<float> interleaved;  // what waits to be written
+    std::uint64_t numFrames = 0;
+    std::uint64_t numClipped = 0;
+};
+
+}  // namespace program

@@ -1,0 +1,25 @@
+#include "orvanverb/audio/peak_meter.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "orvanverb/common/text.h"
+
+namespace program {
+
+void PeakMeter::Add(float const* const* channels, std::size_t frames) {
+    lastBlock = 0.0f;
+    for (std::size_t c = 0; c < peaks.size(); ++c) {
+        float peak = 0.0f;
+        for (std::size_t i = 0; i < frames; ++i) peak = std::max(peak, std::abs(channels[c][i]));
+        peaks[c] = std::max(peaks[c], peak);
+        lastBlock = std::max(lastBlock, peak);
+    }
+    loudest = std::max(loudest, lastBlock);
+}
+
+std::string DecibelText(float linear) {
+    return linear > 0.0f ? FixedText(20.0 * std::log10(static_cast<double>(linear)), 1) : "-inf";
+}
+
+}  // namespace program

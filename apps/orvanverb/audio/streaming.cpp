@@ -1,0 +1,68 @@
+#include "orvanverb/audio/streaming.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "orvanverb/audio/vector_channels.h"
+#include "orvanverb/common/interrupt.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/progress_line.h"
+#include "orvanverb/common/text.h"
+
+namespace program {
+
+bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& output, PeakMeter& meter) {
+    const std::size_t vectorSize = streaming.vectorSize;
+    VectorChannels inputs(streaming.numInputs, vectorSize);
+    VectorChannels outputs(streaming.numOutputs, vectorSize);
+    std::vector<float const*> fileChannels;
+    for (const std::size_t index : streaming.fileOrder) fileChannels.push_back(outputs.Pointers()[index]);
+
+    ProgressLine progress(stderr);
+    Tail tail = streaming.tail;
+    const std::uint64_t maxTail = tail.MaxFrames(streaming.samplerate);
+    const double expectedSeconds =
+        (source.ExpectedFrames() + (tail.IsAuto() ? 0.0 : static_cast<double>(maxTail))) / streaming.samplerate;
+    std::uint64_t tailFrames = 0, frames = 0;
+    for (bool ended = false; !Interrupted();) {
+        const std::size_t fresh = source.Read(inputs.Pointers(), vectorSize);
+        ended = ended || fresh < vectorSize;
+        frames += vectorSize;
+        if (streaming.prepare) streaming.prepare(frames);
+        streaming.process(outputs.Pointers(), inputs.Pointers());
+
+        const auto ofTail = static_cast<std::size_t>(std::min<std::uint64_t>(vectorSize - fresh, maxTail - tailFrames));
+        tailFrames += ofTail;
+        meter.Add(fileChannels.data(), fresh + ofTail);
+        output.Write(fileChannels.data(), fresh + ofTail);
+        progress.Show(static_cast<double>(output.NumFrames()) / streaming.samplerate, expectedSeconds);
+        if (!ended) continue;
+        if (tail.HasDiedAway(meter.LastBlock(), meter.Loudest(), ofTail, streaming.samplerate)) return true;
+        if (tailFrames == maxTail) return !tail.IsAuto();
+    }
+    throw WorkError("interrupted, nothing written");
+}
+
+void ReportOutput(std::string const& path, SampleFormat format, AudioOutput const& output, PeakMeter const& meter,
+                  std::vector<std::string> const& channels, int samplerate, double elapsedSeconds) {
+    const double seconds = static_cast<double>(output.NumFrames()) / samplerate;
+    Say(path + ": " + std::to_string(channels.size()) + " channels, " + Describe(format) + ", " +
+        std::to_string(samplerate) + " Hz, " + FixedText(seconds, 3) + " s, " +
+        FixedText(seconds / std::max(elapsedSeconds, 1e-6), 0) + " times faster than real time");
+    for (std::size_t c = 0; c < channels.size(); ++c)
+        Say("  channel " + std::to_string(c + 1) + " (" + channels[c] + "): peak " + DecibelText(meter.Peaks()[c]) +
+            " dBFS");
+    if (output.NumClipped() > 0)
+        Say(path + ": " + std::to_string(output.NumClipped()) +
+            " samples went beyond full scale and were clipped; --format float keeps them");
+}
+
+SampleFormat ChooseFormat(std::optional<SampleFormat> const& wanted, std::string const& path) {
+    return wanted.value_or(path.ends_with(".flac") ? SampleFormat::Flac : SampleFormat::Float);
+}
+
+void Say(std::string const& line) {
+    std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+}  // namespace program

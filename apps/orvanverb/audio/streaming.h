@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "orvanverb/audio/audio_output.h"
+#include "orvanverb/audio/peak_meter.h"
+#include "orvanverb/audio/signal_source.h"
+#include "orvanverb/audio/tail.h"
+
+namespace program {
+
+/// A rendering in general: what signals run through, vector by vector.
+struct Streaming {
+    int samplerate = 0;  // [Hz]
+    std::size_t vectorSize = 0;
+    std::size_t numInputs = 0, numOutputs = 0;
+    std::vector<std::size_t> fileOrder;  // output of each channel of the file
+    Tail tail{std::nullopt};
+    /// Called before each vector with the number of frames at its end: what is due before them happens now.
+    std::function<void(std::uint64_t beforeFrame)> prepare;
+    std::function<void(float** outputs, float** inputs)> process;
+};
+
+/// Sends a whole signal and its tail through into a file. One vector after the other: memory does not grow with the
+/// length.
+/// @return false if a tail of unknown length came to its bound before the sound had died away
+/// @throws WorkError when the user interrupts, and what source and output throw
+bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& output, PeakMeter& meter);
+
+/// Tells what was written: length and speed, and the peak of each channel.
+/// @param channels  what each channel of the file is, in words
+void ReportOutput(std::string const& path, SampleFormat format, AudioOutput const& output, PeakMeter const& meter,
+                  std::vector<std::string> const& channels, int samplerate, double elapsedSeconds);
+
+/// The format that was asked for, or the one that a file's name suggests.
+SampleFormat ChooseFormat(std::optional<SampleFormat> const& wanted, std::string const& path);
+
+/// One line on standard error.
+void Say(std::string const& line);
+
+}  // namespace program

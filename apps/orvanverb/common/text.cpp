@@ -1,0 +1,62 @@
+#include "orvanverb/common/text.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace program {
+
+namespace {
+
+template <typename Number>
+std::optional<Number> ParseWhole(std::string_view word) {
+    Number value{};
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if (error != std::errc{} || end != word.data() + word.size()) return std::nullopt;
+    return value;
+}
+
+}  // namespace
+
+std::vector<std::string> SplitWords(std::string_view line, std::string_view alsoSeparators) {
+    const std::string separators = std::string(" \t\r\n").append(alsoSeparators);
+    std::vector<std::string> words;
+    for (std::size_t begin = line.find_first_not_of(separators); begin != std::string_view::npos;) {
+        const std::size_t end = line.find_first_of(separators, begin);
+        words.emplace_back(line.substr(begin, end - begin));
+        begin = line.find_first_not_of(separators, end);
+    }
+    return words;
+}
+
+std::string JoinWords(std::vector<std::string> const& words) {
+    std::string text;
+    for (std::string const& word : words) text.append(text.empty() ? "" : " ").append(word);
+    return text;
+}
+
+std::optional<float> ParseNumber(std::string_view word) {
+    // from_chars takes no plus sign, but people write +30 for "to the right".
+    if (word.size() > 1 && word[0] == '+' && word[1] != '-') word.remove_prefix(1);
+    const std::optional<float> value = ParseWhole<float>(word);
+    return value && std::isfinite(*value) ? value : std::nullopt;
+}
+
+std::optional<unsigned int> ParseCount(std::string_view word) {
+    return ParseWhole<unsigned int>(word);
+}
+
+std::string NumberText(float value) {
+    std::array<char, 64> text{};
+    const auto result = std::to_chars(text.data(), text.data() + text.size(), value);
+    return {text.data(), result.ptr};
+}
+
+std::string FixedText(double value, int decimals) {
+    std::array<char, 400> text{};  // room for the largest double in fixed notation
+    const auto result =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals);
+    return {text.data(), result.ptr};
+}
+
+}  // namespace program

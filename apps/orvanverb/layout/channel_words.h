@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "orvanverb/layout/speaker_layout.h"
+#include "pan/spherical_harmonics.h"
+
+/// What the channels of a file are, in words.
+namespace program {
+
+/// "azimuth -30", "azimuth 45 elevation 30", in the order of the file.
+std::vector<std::string> LoudspeakerWords(SpeakerLayout const& layout);
+
+/// "ACN 3, degree 1 order 1, to the right".
+/// @param ambixAxes  the set's x axis points ahead and its y axis to the left, as other tools have it; otherwise x
+///                   points to the right and y ahead
+std::vector<std::string> HarmonicWords(std::vector<Lume::HarmonicIndex> const& harmonics, bool ambixAxes);
+
+}  // namespace program

@@ -1,0 +1,128 @@
+#include "orvanverb/object/attribute_listing.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "host/attribute_reflection.h"
+#include "host/attribute_value.h"
+#include "host/orvanverb_class.h"
+#include "max/box.h"
+#include "orvanverb/common/text.h"
+
+namespace program {
+
+namespace {
+
+/// What one attribute says about itself, as text; empty where it says nothing.
+struct Listing {
+    std::string name, type, units, label, category, description;
+    std::vector<std::string> defaults;
+    std::string minimum, maximum;
+    long count = 1;
+    bool counted = false;  // count is the most that it holds
+};
+
+std::string NumberOf(t_atom const& atom) {
+    return atom_gettype(&atom) == A_LONG ? std::to_string(atom_getlong(&atom)) : NumberText(atom_getfloat(&atom));
+}
+
+Listing Describe(t_attr* attribute) {
+    Listing listing;
+    listing.name = orvanmax::GetAttributeName(attribute);
+    orvanmax::GetAttributeType(attribute, listing.type);
+    orvanmax::GetAttributeUnits(attribute, listing.units, "");
+    orvanmax::GetAttributeLabel(attribute, listing.label, "");
+    orvanmax::GetAttributeCategory(attribute, listing.category, "");
+    orvanmax::GetAttributeDescription(attribute, listing.description, "");
+    const orvanmax::AttributeValue defaults(attribute, gensym("default"));
+    for (long i = 0; i < defaults.count; ++i) listing.defaults.push_back(NumberOf(defaults.atoms[i]));
+    // The bounds of the filter, and not what the inspector shows: two attributes are clipped and show no bounds.
+    if (attribute->useMin) listing.minimum = NumberText(static_cast<float>(attribute->minimum));
+    if (attribute->useMax) listing.maximum = NumberText(static_cast<float>(attribute->maximum));
+    listing.count = attribute->size;
+    listing.counted = attribute->offsetCount != 0;
+    return listing;
+}
+
+/// All that a user sees, in the order of the class, which keeps together what belongs together.
+std::vector<Listing> DescribeAll() {
+    orvanverb_main();
+    const max::Box box("orvanverb~");
+    std::vector<Listing> listings;
+    for (auto const& attribute : orvanverb_class->c_attributes)
+        if (!orvanmax::IsAttributeInvisible(attribute.get())) listings.push_back(Describe(attribute.get()));
+    return listings;
+}
+
+std::string Join(std::vector<std::string> const& words, char const* between) {
+    std::string text;
+    for (std::string const& word : words) text.append(text.empty() ? "" : between).append(word);
+    return text;
+}
+
+std::string JsonText(std::string const& text) {
+    if (text.empty()) return "null";
+    std::string quoted("\"");
+    for (const char letter : text) {
+        if (letter == '"' || letter == '\\') quoted.push_back('\\');
+        quoted.push_back(letter);
+    }
+    quoted.push_back('"');
+    return quoted;
+}
+
+std::string JsonNumber(std::string const& number) {
+    return number.empty() ? "null" : number;
+}
+
+std::string JsonDefault(Listing const& listing) {
+    if (listing.defaults.empty()) return "null";
+    if (listing.count == 1) return listing.defaults.front();
+    return std::string("[").append(Join(listing.defaults, ", ")).append("]");
+}
+
+}  // namespace
+
+std::string AttributeTable() {
+    std::vector<std::array<std::string, 6>> rows{{"name", "type", "default", "range", "unit", "label"}};
+    for (Listing const& listing : DescribeAll()) {
+        std::string type = listing.type;
+        if (listing.count > 1) type += (listing.counted ? " x 0-" : " x ") + std::to_string(listing.count);
+        std::string range;
+        if (!listing.minimum.empty()) range = listing.minimum + " to " + listing.maximum;
+        rows.push_back({listing.name, type, Join(listing.defaults, " "), range, listing.units, listing.label});
+    }
+    std::array<std::size_t, 6> widths{};
+    for (auto const& row : rows)
+        for (std::size_t c = 0; c < row.size(); ++c) widths[c] = std::max(widths[c], row[c].size());
+    std::string text;
+    for (auto const& row : rows) {
+        std::string line;
+        for (std::size_t c = 0; c < row.size(); ++c) line.append(row[c]).append(widths[c] + 2 - row[c].size(), ' ');
+        text.append(line, 0, line.find_last_not_of(' ') + 1).push_back('\n');
+    }
+    return text;
+}
+
+std::string AttributeJson() {
+    std::vector<std::string> objects;
+    for (Listing const& listing : DescribeAll()) {
+        std::string object("  {");
+        object.append("\"name\": ").append(JsonText(listing.name));
+        object.append(", \"type\": ").append(JsonText(listing.type));
+        object.append(", \"count\": ").append(std::to_string(listing.count));
+        object.append(", \"counted\": ").append(listing.counted ? "true" : "false");
+        object.append(", \"default\": ").append(JsonDefault(listing));
+        object.append(", \"min\": ").append(JsonNumber(listing.minimum));
+        object.append(", \"max\": ").append(JsonNumber(listing.maximum));
+        object.append(", \"units\": ").append(JsonText(listing.units));
+        object.append(", \"label\": ").append(JsonText(listing.label));
+        object.append(", \"category\": ").append(JsonText(listing.category));
+        object.append(", \"description\": ").append(JsonText(listing.description)).append("}");
+        objects.push_back(std::move(object));
+    }
+    return std::string("[\n").append(Join(objects, ",\n")).append("\n]\n");
+}
+
+}  // namespace program

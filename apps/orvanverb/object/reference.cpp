@@ -1,0 +1,55 @@
+#include "orvanverb/object/reference.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <system_error>
+
+#include "host/orvanverb_class.h"
+#include "max/box.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/object/style_sheet.h"
+
+namespace program {
+
+namespace {
+
+constexpr char const* pageName = "orvanverb~.ref.xml";
+constexpr char const* styleSheetName = "orvan.xsl";
+
+[[noreturn]] void Fail(std::string const& name) {
+    throw WorkError(name + ": " + std::generic_category().message(errno != 0 ? errno : EIO));
+}
+
+void WriteStyleSheet() {
+    errno = 0;
+    std::ofstream file(styleSheetName, std::ios::binary);
+    file << styleSheet;
+    file.close();
+    if (!file) Fail(styleSheetName);
+}
+
+/// The object doesn't say whether it could write its page: look for it.
+void WritePage() {
+    std::error_code error;
+    std::filesystem::remove(pageName, error);
+    errno = 0;
+    orvanverb_main();
+    max::Box("orvanverb~").Send("generatexml");
+    if (!std::filesystem::exists(pageName)) Fail(pageName);
+    std::ifstream file(pageName);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!text.ends_with("</external>\n")) throw WorkError(std::string(pageName) + ": could not be written whole");
+}
+
+}  // namespace
+
+void WriteReference() {
+    WriteStyleSheet();
+    WritePage();
+    std::fprintf(stderr, "%s: written, to be read with %s beside it\n", pageName, styleSheetName);
+}
+
+}  // namespace program

@@ -1,0 +1,91 @@
+#include "orvanverb/options/common_options.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <optional>
+#include <stdexcept>
+
+#include "orvanverb/common/limits.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/options/option_values.h"
+
+namespace program {
+
+namespace {
+
+std::vector<Options::SourcePlace> ParseSources(std::vector<std::string> const& words) {
+    std::vector<Options::SourcePlace> places;
+    for (std::size_t i = 0; i + 4 <= words.size(); i += 4) {
+        Options::SourcePlace place;
+        const std::optional<unsigned int> number = ParseCount(words[i]);
+        if (!number || *number < 1 || *number > maxSources)
+            throw UsageError("--source: '" + words[i] + "' is no source number from 1 to " +
+                             std::to_string(maxSources));
+        place.number = *number;
+        try {
+            place.position = ParseListenerPosition(std::span(words).subspan(i + 1, 3));
+        } catch (std::invalid_argument const& error) {
+            throw UsageError("--source " + words[i] + ": " + error.what());
+        }
+        places.push_back(place);
+    }
+    return places;
+}
+
+double ParseGap(std::string const& word) {
+    constexpr float longest = 3600.0f;
+    const std::optional<float> seconds = ParseNumber(word);
+    if (!seconds || *seconds < 0.0f || *seconds > longest)
+        throw UsageError("--in-turn: '" + word + "' is no time from 0 to " + NumberText(longest) + " seconds");
+    return static_cast<double>(*seconds);
+}
+
+}  // namespace
+
+void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, char const* tail) {
+    command.add_option("-o,--output", options.output, "File to write")->type_name("FILE")->take_last();
+    command.add_option("--rate", words.rate, "Sample rate of the output")->type_name("HZ")->take_last();
+    command.add_option("--format", words.format, "pcm16, pcm24, float or flac [float, or flac for a name in .flac]")
+        ->type_name("NAME")
+        ->take_last();
+    command.add_option("--tail", words.tail, tail)->type_name("SECONDS|auto")->take_last();
+    command.add_option("--vector", words.vector, "Samples of one run of the engine, a power of two from 16 on [64]")
+        ->type_name("COUNT")
+        ->take_last();
+}
+
+void AddInputs(CLI::App& command, Options& options, CommonWords& words) {
+    command.add_option("inputs", options.inputs, "Recordings; every channel is a source")->type_name("FILE");
+    command.add_option("--in-turn", words.inTurn, "Let the recordings sound one after the other, with this pause")
+        ->type_name("SECONDS")
+        ->take_last();
+}
+
+void AddPlaces(CLI::App& command, Options& options, CommonWords& words) {
+    command.add_option("--source", words.sources, "Place source I; may be repeated")
+        ->type_name("I AZIMUTH ELEVATION DISTANCE")
+        ->type_size(4)
+        ->allow_extra_args(false);
+    command
+        .add_option("--scene", options.scene,
+                    "What happens meanwhile: a file with one [SECONDS] MESSAGE a line, as\n"
+                    "\"2.5 source 1 azim 30\"")
+        ->type_name("FILE")
+        ->take_last();
+}
+
+void TakeCommonMeaning(CommonWords const& words, Options& options) {
+    options.sources = ParseSources(words.sources);
+    if (!words.rate.empty()) options.rate = ParseRate(words.rate);
+    if (!words.format.empty()) options.format = ParseFormat(words.format);
+    if (!words.tail.empty()) {
+        options.tail = Tail::Parse(words.tail);
+        options.tailGiven = true;
+    }
+    if (!words.vector.empty()) options.vectorSize = ParseVectorSize(words.vector);
+    if (!words.inTurn.empty()) options.inTurnSeconds = ParseGap(words.inTurn);
+}
+
+}  // namespace program

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "orvanverb/options/options.h"
+
+namespace CLI {
+class App;
+}
+
+/// Options that several commands have: added to a parser, which keeps their words, and then read.
+namespace program {
+
+/// The words of these options as typed, before they mean anything.
+struct CommonWords {
+    std::vector<std::string> sources;  // four to a source
+    std::string rate, format, tail, inTurn, vector;
+};
+
+/// Adds output, rate, format, tail and vector.
+/// @param tail  what it says about itself
+void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, char const* tail);
+
+/// Adds recordings, and how they follow one another.
+void AddInputs(CLI::App& command, Options& options, CommonWords& words);
+
+/// Adds places of sources, and a scene that moves them.
+void AddPlaces(CLI::App& command, Options& options, CommonWords& words);
+
+/// @throws UsageError that names the option, what is wrong and what would be right
+void TakeCommonMeaning(CommonWords const& words, Options& options);
+
+}  // namespace program

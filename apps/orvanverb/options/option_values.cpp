@@ -1,0 +1,57 @@
+#include "orvanverb/options/option_values.h"
+
+#include <algorithm>
+#include <bit>
+#include <optional>
+#include <string_view>
+
+#include "orvanverb/common/limits.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+
+namespace program {
+
+namespace {
+
+bool AreSameLetters(std::string_view a, std::string_view b) {
+    const auto lower = [](char letter) { return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : int{letter}; };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+}  // namespace
+
+int ParseRate(std::string const& word) {
+    const std::optional<unsigned int> rate = ParseCount(word);
+    if (!rate || *rate < minRate || *rate > maxRate)
+        throw UsageError("--rate: '" + word + "' is no sample rate from " + std::to_string(minRate) + " to " +
+                         std::to_string(maxRate) + " Hz");
+    return static_cast<int>(*rate);
+}
+
+unsigned int ParseVectorSize(std::string const& word) {
+    const std::optional<unsigned int> size = ParseCount(word);
+    if (!size || *size < minVectorSize || *size > maxVectorSize || !std::has_single_bit(*size))
+        throw UsageError("--vector: '" + word + "' is no power of two from " + std::to_string(minVectorSize) + " to " +
+                         std::to_string(maxVectorSize));
+    return *size;
+}
+
+SampleFormat ParseFormat(std::string const& word) {
+    const std::optional<SampleFormat> format = ParseSampleFormat(word);
+    if (!format) throw UsageError("--format: '" + word + "' is none of pcm16, pcm24, float and flac");
+    return *format;
+}
+
+std::string ParseConvention(std::string const& word) {
+    for (char const* name : {"SN3D", "N3D", "SN2D", "N2D"})
+        if (AreSameLetters(word, name)) return name;
+    throw UsageError("--convention: '" + word + "' is none of SN3D, N3D, SN2D and N2D");
+}
+
+std::string ParseSorting(std::string const& word) {
+    if (AreSameLetters(word, "IncreasingDegrees") || AreSameLetters(word, "ACN")) return "IncreasingDegrees";
+    if (AreSameLetters(word, "AlternateDegrees")) return "AlternateDegrees";
+    throw UsageError("--sorting: '" + word + "' is neither IncreasingDegrees (ACN) nor AlternateDegrees");
+}
+
+}  // namespace program

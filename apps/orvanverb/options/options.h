@@ -1,0 +1,53 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "orvanverb/audio/audio_output.h"
+#include "orvanverb/audio/tail.h"
+#include "orvanverb/common/limits.h"
+#include "orvanverb/layout/listener_position.h"
+#include "orvanverb/options/decode_options.h"
+#include "orvanverb/options/hrtf_options.h"
+#include "orvanverb/options/pan_options.h"
+
+namespace program {
+
+/// What the user asked for: every word checked on its own, nothing opened yet.
+struct Options {
+    enum class Command { Render, ImpulseResponse, Pan, Decode, Hrtf, Shell, Attributes, Reference };
+    struct SourcePlace {
+        unsigned int number = 1;  // counted from 1
+        ListenerPosition position;
+    };
+    struct Setting {
+        std::string name;
+        std::vector<std::string> values;
+    };
+
+    Command command = Command::Render;
+    HrtfOptions hrtf;
+    PanOptions pan;
+    DecodeOptions decode;
+    std::vector<std::string> attributes;  // of the object box: @name value ...
+    bool json = false;
+    std::vector<std::string> inputs;
+    std::string output;
+    std::optional<std::string> speakers;  // a count or a file; none: those of the state, or defaultSpeakers
+    std::optional<std::string> hrtfSet;   // of the headphones; none: the built-in one
+    std::vector<SourcePlace> sources;
+    std::optional<int> rate;             // [Hz]
+    std::optional<SampleFormat> format;  // none: what the output's name suggests
+    std::optional<std::string> preset;
+    std::optional<std::string> scene;
+    std::optional<std::string> state;
+    std::optional<std::string> saveState;
+    std::vector<Setting> settings;
+    Tail tail{std::nullopt};
+    bool tailGiven = false;  // otherwise the command's own default
+    std::optional<double> inTurnSeconds;
+    unsigned int vectorSize = defaultVectorSize;
+};
+
+}  // namespace program

@@ -1,0 +1,72 @@
+#include "orvanverb/room/render.h"
+
+#include <chrono>
+#include <memory>
+
+#include "orvanverb/audio/impulse.h"
+#include "orvanverb/audio/input_bank.h"
+#include "orvanverb/audio/streaming.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/layout/channel_words.h"
+#include "orvanverb/layout/speaker_layout.h"
+#include "orvanverb/room/room_object.h"
+#include "orvanverb/room/room_setup.h"
+
+namespace program {
+
+namespace {
+
+constexpr int defaultImpulseRate = 48000;  // [Hz]
+
+}  // namespace
+
+void Run(Options const& options) {
+    const auto begin = std::chrono::steady_clock::now();
+    std::unique_ptr<SignalSource> source;
+    InputBank const* bank = nullptr;
+    int samplerate = options.rate.value_or(defaultImpulseRate);
+    if (options.command == Options::Command::Render) {
+        auto inputs = std::make_unique<InputBank>(options.inputs, options.rate, options.inTurnSeconds);
+        samplerate = inputs->Samplerate();
+        bank = inputs.get();
+        source = std::move(inputs);
+    } else {
+        source = std::make_unique<Impulse>();
+    }
+
+    RoomSetup setup(options, source->NumChannels());
+    SpeakerLayout const& layout = setup.layout;
+    const std::unique_ptr<RoomObject> room = setup.MakeRoom();
+    room->Start(samplerate, options.vectorSize);
+    if (options.hrtfSet)
+        if (const std::string remark = room->HrtfRateRemark(*options.hrtfSet); !remark.empty()) Say(remark);
+
+    Streaming streaming;
+    streaming.samplerate = samplerate;
+    streaming.vectorSize = room->VectorSize();
+    streaming.numInputs = room->NumSources();
+    streaming.numOutputs = room->NumSpeakers();
+    streaming.fileOrder = layout.fileOrder;
+    streaming.tail = options.tail;
+    streaming.prepare = [&](std::uint64_t beforeFrame) {
+        for (std::string const& line : setup.scene.Play(*room, beforeFrame)) Say(line);
+    };
+    streaming.process = [&](float** outputs, float** inputs) { room->Process(outputs, inputs); };
+
+    const SampleFormat format = ChooseFormat(options.format, options.output);
+    const auto numChannels = static_cast<unsigned int>(layout.positions.size());
+    AudioOutput output(options.output, format, samplerate, numChannels, layout.channelMask);
+    PeakMeter meter(numChannels);
+    const bool diedAway = Stream(*source, streaming, output, meter);
+    output.Commit();
+
+    ReportOutput(options.output, format, output, meter, LoudspeakerWords(layout), samplerate,
+                 std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+    if (!diedAway)
+        Say("--tail auto: ended at its bound of " + FixedText(Tail::maxAutoSeconds, 0) +
+            " s, the room still sounds at " + DecibelText(meter.LastBlock()) + " dBFS");
+    if (bank != nullptr)
+        for (std::string const& remark : bank->Remarks()) Say(remark);
+}
+
+}  // namespace program
