@@ -101,6 +101,7 @@ std::vector<double> SmoothedDb(Spectrum const& spectrum, std::vector<double> con
         }
     }
     std::vector<double> result;
+    result.reserve(numCentres);
     for (int i = 0; i < numCentres; ++i) result.push_back(10.0 * std::log10(power[i] / sum[i]));
     return result;
 }
