@@ -31,14 +31,31 @@ using Lume::HOADecoder;
 constexpr double pi = std::numbers::pi;
 constexpr std::size_t block = 64;
 
-/// Regular layouts in space: the octahedron for order 1 and the icosahedron for order 2.
+/// Regular layouts in space: the octahedron for order 1, the icosahedron for order 2, and above a spherical design of
+/// strength 10: five points, found by least squares on the harmonics, in the twelve rotations of a tetrahedron.
 std::vector<CartesianVector> LayoutInSpace(unsigned int order) {
     if (order == 1) return {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}};
-    const auto p = std::numbers::phi_v<float>;
-    std::vector<CartesianVector> icosahedron;
-    for (const float a : {-1.0f, 1.0f})
-        for (const float b : {-p, p}) icosahedron.insert(icosahedron.end(), {{0, a, b}, {a, b, 0}, {b, 0, a}});
-    return icosahedron;
+    std::vector<CartesianVector> result;
+    const auto addAxesExchanged = [&](float x, float y, float z) {
+        result.insert(result.end(), {{x, y, z}, {y, z, x}, {z, x, y}});
+    };
+    if (order == 2) {
+        const auto p = std::numbers::phi_v<float>;
+        for (const float a : {-1.0f, 1.0f})
+            for (const float b : {-p, p}) addAxesExchanged(0, a, b);
+        return result;
+    }
+    for (auto const& [x, y, z] : {CartesianVector{-0.451819103f, 0.783355938f, 0.426864116f},
+                                  {0.545951908f, -0.365621190f, -0.753828667f},
+                                  {-0.338584360f, -0.933210037f, 0.120331449f},
+                                  {0.034089550f, -0.700181019f, 0.713151066f},
+                                  {-0.957997940f, -0.276230218f, -0.077050721f}}) {
+        addAxesExchanged(x, y, z);
+        addAxesExchanged(x, -y, -z);
+        addAxesExchanged(-x, y, -z);
+        addAxesExchanged(-x, -y, z);
+    }
+    return result;
 }
 
 /// The gains that loudspeakers get for a source, measured: encoded, then decoded as a steady signal, or as one that
@@ -147,8 +164,8 @@ TEST(HOADecoder, GerzonVectorsOnRings) {
 }
 
 TEST(HOADecoder, GerzonVectorsInSpace) {
-    const double maxReOf[] = {0.0, 0.577350, 0.774597};
-    for (unsigned int order = 1; order <= 2; ++order)
+    const double maxReOf[] = {0.0, 0.577350, 0.774597, 0.861136, 0.906180, 0.932470};
+    for (unsigned int order = 1; order <= 5; ++order)
         for (const bool fullyNormalized : {false, true}) {
             SCOPED_TRACE(testing::Message() << "order " << order);
             const std::vector<CartesianVector> speakers = LayoutInSpace(order);
