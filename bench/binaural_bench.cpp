@@ -5,7 +5,7 @@
 
 #include "dsp/audio_buffer.h"
 #include "engine/orvan_verb.h"
-#include "pan/binaural_panning_direct.h"
+#include "pan/binaural/binaural_panning_direct.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "dsp/audio_buffer.h"
+#include "pan/amplitude/vbap_panning.h"
 #include "pan/pan.h"
-#include "pan/vbap_panning.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "common/floating_point_mode.h"
-#include "host/orvanverb.h"
-#include "host/orvanverb_class.h"
+#include "object/orvanverb.h"
+#include "object/orvanverb_class.h"
 
 namespace plugin {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "common/steady_vectors.h"
-#include "max/box.h"
+#include "patcher/box.h"
 
 namespace plugin {
 

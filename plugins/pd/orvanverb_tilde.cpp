@@ -5,7 +5,7 @@
 #include <memory>
 #include <span>
 
-#include "max/host.h"
+#include "patcher/host.h"
 #include "pd/pd_api.h"
 #include "pd/pd_room.h"
 

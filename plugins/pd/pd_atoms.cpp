@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "max/atom.h"
-#include "max/symbol.h"
+#include "patcher/atom.h"
+#include "patcher/symbol.h"
 
 namespace pd {
 

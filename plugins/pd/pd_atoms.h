@@ -3,7 +3,7 @@
 #include <span>
 #include <vector>
 
-#include "max/types.h"
+#include "patcher/types.h"
 #include "pd/pd_api.h"
 
 /// Messages of Pd as the object takes them, and back.

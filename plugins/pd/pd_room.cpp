@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "max/atom.h"
+#include "patcher/atom.h"
 #include "pd/pd_atoms.h"
 
 namespace pd {

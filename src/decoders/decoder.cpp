@@ -4,21 +4,21 @@
 #include <iterator>
 #include <map>
 
-#include "decoders/ambisonic_decoder.h"
-#include "decoders/bformat2uhj_decoder.h"
-#include "decoders/hoa2d_decoder.h"
-#include "decoders/hoa3d_decoder.h"
+#include "decoders/ambisonic/ambisonic_decoder.h"
+#include "decoders/ambisonic/hoa2d_decoder.h"
+#include "decoders/ambisonic/hoa3d_decoder.h"
+#include "decoders/matrix/surround_decoder.h"
 #include "decoders/null_decoder.h"
-#include "decoders/surround_decoder.h"
-#include "decoders/transaural_decoder_feedforward_asymmetric.h"
-#include "decoders/transaural_decoder_feedforward_symmetric.h"
-#include "decoders/transaural_decoder_least_squares.h"
-#include "decoders/transaural_decoder_recursive_asymmetric.h"
-#include "decoders/transaural_decoder_recursive_symmetric.h"
-#include "decoders/transaural_decoder_recursive_symmetric_biquads.h"
-#include "decoders/transaural_decoder_shuffler_asymmetric.h"
-#include "decoders/transaural_decoder_shuffler_symmetric.h"
-#include "decoders/uhj2bformat_decoder.h"
+#include "decoders/transaural/transaural_decoder_feedforward_asymmetric.h"
+#include "decoders/transaural/transaural_decoder_feedforward_symmetric.h"
+#include "decoders/transaural/transaural_decoder_least_squares.h"
+#include "decoders/transaural/transaural_decoder_recursive_asymmetric.h"
+#include "decoders/transaural/transaural_decoder_recursive_symmetric.h"
+#include "decoders/transaural/transaural_decoder_recursive_symmetric_biquads.h"
+#include "decoders/transaural/transaural_decoder_shuffler_asymmetric.h"
+#include "decoders/transaural/transaural_decoder_shuffler_symmetric.h"
+#include "decoders/uhj/bformat2uhj_decoder.h"
+#include "decoders/uhj/uhj2bformat_decoder.h"
 
 namespace Lume {
 

@@ -6,7 +6,7 @@
 #include "dsp/constants.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "geometry/speakers.h"
-#include "pan/binaural_panning.h"
+#include "pan/binaural/binaural_panning.h"
 
 namespace Lume {
 

@@ -1,4 +1,4 @@
-#include "decoders/hoa_decoder.h"
+#include "decoders/ambisonic/hoa_decoder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,13 +11,13 @@
 #include <random>
 #include <vector>
 
-#include "decoders/ambisonic_shelving.h"
-#include "decoders/hoa2d_decoder.h"
-#include "decoders/hoa3d_decoder.h"
+#include "decoders/ambisonic/ambisonic_shelving.h"
+#include "decoders/ambisonic/hoa2d_decoder.h"
+#include "decoders/ambisonic/hoa3d_decoder.h"
 #include "geometry/speakers.h"
 #include "math/lu.h"
-#include "pan/hoa2d_panning.h"
-#include "pan/hoa3d_panning.h"
+#include "pan/ambisonic/hoa2d_panning.h"
+#include "pan/ambisonic/hoa3d_panning.h"
 #include "support/channels.h"
 #include "support/frequency_response.h"
 

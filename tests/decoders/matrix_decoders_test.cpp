@@ -7,9 +7,9 @@
 #include <numbers>
 #include <vector>
 
-#include "decoders/ambisonic_decoder.h"
+#include "decoders/ambisonic/ambisonic_decoder.h"
 #include "decoders/decoder.h"
-#include "decoders/ltrt.h"
+#include "decoders/matrix/ltrt.h"
 #include "dsp/hilbert_transform.h"
 #include "filters/hl_shelf.h"
 #include "filters/low_pass.h"

@@ -10,8 +10,8 @@
 
 #include "decoders/measured_ways.h"
 #include "decoders/null_decoder.h"
-#include "decoders/transaural_decoder_least_squares.h"
-#include "decoders/transaural_decoder_recursive_symmetric_biquads.h"
+#include "decoders/transaural/transaural_decoder_least_squares.h"
+#include "decoders/transaural/transaural_decoder_recursive_symmetric_biquads.h"
 #include "pan/panning_support.h"
 #include "pan/set_file.h"
 #include "support/allocation_count.h"

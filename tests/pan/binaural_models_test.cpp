@@ -7,9 +7,9 @@
 #include <numbers>
 
 #include "dsp/orvan_dsp_exception.h"
-#include "pan/binaural_panning_snowman_model.h"
-#include "pan/binaural_panning_spherical_head_model.h"
-#include "pan/head_shadow.h"
+#include "pan/binaural/binaural_panning_snowman_model.h"
+#include "pan/binaural/binaural_panning_spherical_head_model.h"
+#include "pan/binaural/head_shadow.h"
 #include "pan/panning_support.h"
 #include "support/frequency_response.h"
 

@@ -1,4 +1,4 @@
-#include "pan/binaural_panning_direct.h"
+#include "pan/binaural/binaural_panning_direct.h"
 
 #include <gtest/gtest.h>
 

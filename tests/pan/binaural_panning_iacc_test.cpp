@@ -1,4 +1,4 @@
-#include "pan/binaural_panning_iacc.h"
+#include "pan/binaural/binaural_panning_iacc.h"
 
 #include <gtest/gtest.h>
 

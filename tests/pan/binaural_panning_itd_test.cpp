@@ -1,4 +1,4 @@
-#include "pan/binaural_panning_itd.h"
+#include "pan/binaural/binaural_panning_itd.h"
 
 #include <gtest/gtest.h>
 

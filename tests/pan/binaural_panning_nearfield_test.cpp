@@ -1,4 +1,4 @@
-#include "pan/binaural_panning_nearfield.h"
+#include "pan/binaural/binaural_panning_nearfield.h"
 
 #include <gtest/gtest.h>
 

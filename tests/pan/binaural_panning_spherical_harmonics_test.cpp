@@ -1,4 +1,4 @@
-#include "pan/binaural_panning_spherical_harmonics.h"
+#include "pan/binaural/binaural_panning_spherical_harmonics.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include <numbers>
 
 #include "hrtf/hrtf.h"
-#include "pan/binaural_panning_itd.h"
+#include "pan/binaural/binaural_panning_itd.h"
 #include "pan/panning_support.h"
 
 namespace {

@@ -4,10 +4,10 @@
 #include <initializer_list>
 #include <vector>
 
-#include "pan/dbap_panning_2d.h"
-#include "pan/dbap_panning_3d.h"
+#include "pan/amplitude/dbap_panning_2d.h"
+#include "pan/amplitude/dbap_panning_3d.h"
+#include "pan/amplitude/vdbap_panning.h"
 #include "pan/panning_support.h"
-#include "pan/vdbap_panning.h"
 
 namespace {
 

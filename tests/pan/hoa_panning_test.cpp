@@ -1,4 +1,4 @@
-#include "pan/hoa_panning.h"
+#include "pan/ambisonic/hoa_panning.h"
 
 #include <gtest/gtest.h>
 
@@ -6,10 +6,10 @@
 #include <numbers>
 #include <vector>
 
-#include "pan/ambisonic_encoding.h"
-#include "pan/ambisonic_panning.h"
-#include "pan/hoa2d_panning.h"
-#include "pan/hoa3d_panning.h"
+#include "harmonics/ambisonic_encoding.h"
+#include "pan/ambisonic/ambisonic_panning.h"
+#include "pan/ambisonic/hoa2d_panning.h"
+#include "pan/ambisonic/hoa3d_panning.h"
 #include "pan/panning_support.h"
 
 namespace {

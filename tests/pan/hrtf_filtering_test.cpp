@@ -1,4 +1,4 @@
-#include "pan/hrtf_filtering.h"
+#include "hrtf/hrtf_filtering.h"
 
 #include <gtest/gtest.h>
 

@@ -11,7 +11,7 @@
 
 #include "hrtf/hrtf_info.h"
 #include "math/fft.h"
-#include "pan/binaural_panning_direct.h"
+#include "pan/binaural/binaural_panning_direct.h"
 #include "pan/panning_support.h"
 #include "support/clicks.h"
 

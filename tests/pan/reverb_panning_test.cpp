@@ -1,4 +1,4 @@
-#include "pan/reverb_panning.h"
+#include "pan/diffuse/reverb_panning.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <set>
 #include <vector>
 
+#include "mix/signal_matrix.h"
 #include "pan/panning_support.h"
-#include "pan/signal_matrix.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "pan/signal_matrix.h"
+#include "mix/signal_matrix.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "pan/spherical_harmonics.h"
+#include "harmonics/spherical_harmonics.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <numbers>
 #include <vector>
 
-#include "pan/ambisonic_encoding.h"
+#include "harmonics/ambisonic_encoding.h"
 
 namespace {
 

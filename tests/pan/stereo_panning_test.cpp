@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "pan/panning_support.h"
-#include "pan/stereo_ab_panning.h"
-#include "pan/stereo_ms_panning.h"
-#include "pan/stereo_xy_panning.h"
+#include "pan/stereo/stereo_ab_panning.h"
+#include "pan/stereo/stereo_ms_panning.h"
+#include "pan/stereo/stereo_xy_panning.h"
 
 namespace {
 

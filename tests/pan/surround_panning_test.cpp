@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "geometry/speakers.h"
-#include "pan/angular_panning.h"
+#include "pan/amplitude/angular_panning.h"
 #include "pan/panning_support.h"
-#include "pan/panr.h"
-#include "pan/recursive_panning.h"
-#include "pan/surround_panning.h"
+#include "pan/surround/panr.h"
+#include "pan/surround/recursive_panning.h"
+#include "pan/surround/surround_panning.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "pan/vbap2d_panning.h"
+#include "pan/amplitude/vbap2d_panning.h"
 
 #include <gtest/gtest.h>
 

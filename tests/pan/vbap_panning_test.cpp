@@ -1,4 +1,4 @@
-#include "pan/vbap_panning.h"
+#include "pan/amplitude/vbap_panning.h"
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "common/floating_point_mode.h"
-#include "host/orvanverb.h"
-#include "host/orvanverb_class.h"
-#include "max/api.h"
+#include "object/orvanverb.h"
+#include "object/orvanverb_class.h"
+#include "patcher/api.h"
 #include "support/allocation_count.h"
 
 namespace {

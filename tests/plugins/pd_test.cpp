@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "common/hosted_room.h"
-#include "max/api.h"
+#include "patcher/api.h"
 #include "plugins/pd_patch.h"
 #include "program/sound_files.h"
 #include "support/signals.h"

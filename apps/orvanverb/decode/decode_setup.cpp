@@ -4,9 +4,9 @@
 #include <cmath>
 #include <numeric>
 
-#include "decoders/hoa_decoder.h"
+#include "decoders/ambisonic/hoa_decoder.h"
 #include "decoders/null_decoder.h"
-#include "decoders/transaural_decoder.h"
+#include "decoders/transaural/transaural_decoder.h"
 #include "dsp/constants.h"
 #include "geometry/speakers.h"
 #include "orvanverb/audio/channel_mask.h"

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "decoders/transaural_decoder.h"
+#include "decoders/transaural/transaural_decoder.h"
 
 namespace program {
 

@@ -9,8 +9,8 @@
 
 #include "dsp/constants.h"
 #include "filters/biquad_cascade.h"
+#include "hrtf/hrtf_filtering.h"
 #include "orvanverb/hrtf/sphere.h"
-#include "pan/hrtf_filtering.h"
 
 namespace program {
 

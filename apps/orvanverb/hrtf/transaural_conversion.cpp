@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "decoders/transaural_decoder.h"
+#include "decoders/transaural/transaural_decoder.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/ear_ring.h"

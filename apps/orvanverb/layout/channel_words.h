@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "harmonics/spherical_harmonics.h"
 #include "orvanverb/layout/speaker_layout.h"
-#include "pan/spherical_harmonics.h"
 
 /// What the channels of a file are, in words.
 namespace program {

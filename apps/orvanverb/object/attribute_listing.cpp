@@ -4,11 +4,11 @@
 #include <array>
 #include <vector>
 
-#include "host/attribute_reflection.h"
-#include "host/attribute_value.h"
-#include "host/orvanverb_class.h"
-#include "max/box.h"
+#include "object/attribute_reflection.h"
+#include "object/attribute_value.h"
+#include "object/orvanverb_class.h"
 #include "orvanverb/common/text.h"
+#include "patcher/box.h"
 
 namespace program {
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <system_error>
 
-#include "host/orvanverb_class.h"
-#include "max/box.h"
+#include "object/orvanverb_class.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/object/style_sheet.h"
+#include "patcher/box.h"
 
 namespace program {
 

@@ -2,9 +2,9 @@
 
 #include <iostream>
 
-#include "host/orvanverb_class.h"
-#include "max/atom.h"
+#include "object/orvanverb_class.h"
 #include "orvanverb/common/limits.h"
+#include "patcher/atom.h"
 
 namespace program {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "max/box.h"
+#include "patcher/box.h"
 
 namespace program {
 

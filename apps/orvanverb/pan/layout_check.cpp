@@ -5,7 +5,7 @@
 
 #include "geometry/azimuth.h"
 #include "orvanverb/common/text.h"
-#include "pan/vbap_panning.h"
+#include "pan/amplitude/vbap_panning.h"
 
 namespace program {
 

@@ -12,7 +12,7 @@
 #include "orvanverb/pan/gain_table.h"
 #include "orvanverb/pan/pan_setup.h"
 #include "orvanverb/room/source_motion.h"
-#include "pan/binaural_panning.h"
+#include "pan/binaural/binaural_panning.h"
 
 namespace program {
 

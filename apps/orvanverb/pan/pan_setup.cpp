@@ -13,10 +13,10 @@
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/layout/channel_words.h"
 #include "orvanverb/pan/layout_check.h"
-#include "pan/binaural_panning_direct.h"
-#include "pan/binaural_panning_nearfield.h"
-#include "pan/hoa2d_panning.h"
-#include "pan/hoa3d_panning.h"
+#include "pan/ambisonic/hoa2d_panning.h"
+#include "pan/ambisonic/hoa3d_panning.h"
+#include "pan/binaural/binaural_panning_direct.h"
+#include "pan/binaural/binaural_panning_nearfield.h"
 #include "pan/null_panning.h"
 
 namespace program {

@@ -5,9 +5,9 @@
 #include <optional>
 #include <stdexcept>
 
-#include "host/attribute_reflection.h"
-#include "host/orvanverb.h"
-#include "host/orvanverb_class.h"
+#include "object/attribute_reflection.h"
+#include "object/orvanverb.h"
+#include "object/orvanverb_class.h"
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/text.h"
 #include "parameters/lume_default_parameters.h"

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "host/attribute_reflection.h"
-#include "host/orvanverb.h"
-#include "host/orvanverb_class.h"
+#include "object/attribute_reflection.h"
+#include "object/orvanverb.h"
+#include "object/orvanverb_class.h"
 #include "orvanverb/audio/vector_channels.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/hrtf/engine_loading.h"

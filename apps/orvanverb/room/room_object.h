@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "geometry/cartesian_vector.h"
-#include "max/box.h"
+#include "patcher/box.h"
 
 namespace program {
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "host/orvanverb_class.h"
+#include "object/orvanverb_class.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"

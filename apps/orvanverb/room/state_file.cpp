@@ -4,10 +4,10 @@
 #include <fstream>
 #include <system_error>
 
-#include "max/atom.h"
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "patcher/atom.h"
 
 namespace program {
 

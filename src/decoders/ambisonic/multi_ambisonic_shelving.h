@@ -1,0 +1,31 @@
+#pragma once
+
+#include <vector>
+
+#include "decoders/ambisonic/ambisonic_shelving.h"
+
+namespace Lume {
+
+/// A bank of AmbisonicShelving, one per channel.
+class MultiAmbisonicShelving : public orvandsp::SignalProcessing {
+public:
+    explicit MultiAmbisonicShelving(unsigned int numChannels);
+
+    /// [Hz], all channels.
+    void SetCrossover(float frequency);
+
+    /// Splits every channel. Real-time safe.
+    /// @param low, high, inputs  one array per channel
+    void Process(float** low, float** high, float** inputs, unsigned long numSamples);
+
+    /// The first half of the outputs are the low bands, the second half the high ones.
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    void SetSamplerate(float newSamplerate) override;
+    void SetMaxBlockSize(unsigned int blockSize) override;
+    void Clear() override;
+
+private:
+    std::vector<AmbisonicShelving> channels;
+};
+
+}  // namespace Lume

@@ -1,9 +1,0 @@
-#include "host/jpatcher_syms.h"
-
-JpatcherSymbols jpatcher_syms;
-
-void jpatcher_syms_init() {
-#define WORD(slot, text) jpatcher_syms.s_##slot = gensym(text);
-#include "host/jpatcher_syms.inc"
-#undef WORD
-}

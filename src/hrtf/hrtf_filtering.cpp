@@ -1,0 +1,193 @@
+#include "hrtf/hrtf_filtering.h"
+
+#include <algorithm>
+
+#include "filters/four_allpass_heads.h"
+#include "filters/four_cascades.h"
+
+namespace Lume {
+
+HrtfFiltering::HrtfFiltering(HRTFFilterType type, bool needed) : filterType(type), needToProcessITD(needed) {
+    if (type == biquadFilters) {
+        PrepareBiquads();
+        biquads.SetCrossFadeTime(DefaultCrossFadeTime);
+    } else if (type == firFilter) {
+        PrepareFir();
+        fir.SetCrossFadeTime(DefaultCrossFadeTime);
+    }
+    Configure(samplerate, buffersize, true);
+}
+
+void HrtfFiltering::PrepareBiquads() {
+    biquads.SetNumStages(numStages);
+    delay.SetInterpolationMode(DefaultInterpolationModeForDelayLines);
+    delay.SetInterpolationTime(DefaultInterpolationTimeForDelayLines);
+}
+
+void HrtfFiltering::PrepareFir() {
+    fir.SetOrder(firOrder);
+}
+
+void HrtfFiltering::SetFilterType(HRTFFilterType newType) {
+    if (newType == filterType) return;
+    filterType = newType;
+    if (newType == biquadFilters)
+        PrepareBiquads();
+    else if (newType == firFilter)
+        PrepareFir();
+    Configure(samplerate, buffersize, true);
+}
+
+void HrtfFiltering::SetNumCoefficients(unsigned int n) {
+    const unsigned int numBehindFirst = std::max(n, 1u) - 1;
+    if (filterType == biquadFilters) {
+        numStages = numBehindFirst >> 2;
+        biquads.SetNumStages(numStages);
+    } else if (filterType == firFilter) {
+        firOrder = numBehindFirst;
+        // An order one higher than the set needs: its last tap stays 0, and the length of the transform, which follows
+        // the order, is what it has always been.
+        fir.SetOrder(n);
+    }
+}
+
+unsigned int HrtfFiltering::GetNumCoefficients() const {
+    if (filterType == biquadFilters) return biquads.GetNumCoefficients();
+    if (filterType == firFilter) return fir.GetNumCoefficients();
+    return 0;
+}
+
+void HrtfFiltering::GetCoefficients(std::vector<float>& result) const {
+    result.resize(GetNumCoefficients());
+    if (filterType == biquadFilters)
+        biquads.GetCoefficients(result);
+    else if (filterType == firFilter)
+        fir.GetCoefficients(result);
+}
+
+void HrtfFiltering::SetCoefficients(std::span<float const> coefficients, bool hold) {
+    paddedSet.assign(GetNumCoefficients(), 0.0f);
+    std::copy_n(coefficients.begin(), std::min(coefficients.size(), paddedSet.size()), paddedSet.begin());
+    if (filterType == biquadFilters)
+        biquads.SetCoefficients(paddedSet.data(), hold);
+    else if (filterType == firFilter)
+        fir.SetCoefficients(paddedSet.data(), hold);
+}
+
+void HrtfFiltering::SetCoefficients(float const* coefficients, bool hold) {
+    if (filterType == biquadFilters)
+        SetCoefficients(std::span(coefficients, 4ul * numStages + 1), hold);
+    else if (filterType == firFilter)
+        SetCoefficients(std::span(coefficients, firOrder + 1ul), hold);
+}
+
+void HrtfFiltering::SetDelay(float milliseconds, bool immediately) {
+    if (filterType == biquadFilters) delay.SetDelay(milliseconds, immediately);
+}
+
+void HrtfFiltering::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) {
+    if (filterType != firFilter) return;
+    fir.SetImplementationMethod(implementation);
+    // The direct form forgets the block size; without it the first block would have to make room for the transform.
+    fir.SetMaxBlockSize(buffersize);
+}
+
+void HrtfFiltering::SetCrossFadeTime(float milliseconds) {
+    if (filterType == biquadFilters)
+        biquads.SetCrossFadeTime(milliseconds);
+    else if (filterType == firFilter)
+        fir.SetCrossFadeTime(milliseconds);
+}
+
+void HrtfFiltering::SetInterpolationTime(float milliseconds) {
+    if (filterType == biquadFilters) delay.SetInterpolationTime(milliseconds);
+}
+
+void HrtfFiltering::Process(float* output, float* input, unsigned long numSamples) {
+    switch (filterType) {
+        case biquadFilters:
+            if (needToProcessITD) {
+                delay.Process(delayedInput.data(), input, static_cast<int>(numSamples));
+                input = delayedInput.data();
+            }
+            biquads.ProcessBlock(output, input, numSamples, false);
+            return;
+        case firFilter:
+            fir.ProcessBlock(output, input, numSamples, false);
+            return;
+        case noFilter:
+            std::copy_n(input, output == input ? 0 : numSamples, output);
+            return;
+    }
+    std::fill_n(output, numSamples, 0.0f);
+}
+
+void HrtfFiltering::ProcessSeveral(std::span<Job const> jobs, unsigned long numSamples) {
+    const auto delayFour = [numSamples](auto const& four, std::size_t numJobs) {
+        ProcessFourDelays(four, numJobs, static_cast<int>(numSamples));
+    };
+    const auto filterFour = [numSamples](auto const& four, std::size_t numJobs) {
+        FilterFourCascades(four, numJobs, numSamples);
+    };
+    orvandsp::InFours<DelayJob, decltype(delayFour)> delays(delayFour);
+    orvandsp::InFours<CascadeJob, decltype(filterFour)> cascades(filterFour);
+    for (auto const& [way, output, input] : jobs) {
+        if (way->filterType != biquadFilters)
+            way->Process(output, input, numSamples);
+        else if (way->needToProcessITD)
+            delays.Add({&way->delay, way->delayedInput.data(), input});
+    }
+    delays.Finish();
+    for (auto const& [way, output, input] : jobs)
+        if (way->filterType == biquadFilters)
+            way->biquads.BeginBlock(output, way->needToProcessITD ? way->delayedInput.data() : input, numSamples,
+                                    cascades);
+    cascades.Finish();
+    for (auto const& [way, output, input] : jobs)
+        if (way->filterType == biquadFilters) way->biquads.FinishBlock(output, numSamples);
+}
+
+void HrtfFiltering::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
+    if (activeInputs[0] != 0)
+        Process(outputs[0], inputs[0], numSamples);
+    else
+        std::fill_n(outputs[0], numSamples, 0.0f);
+}
+
+void HrtfFiltering::SetSamplerate(float newSamplerate) {
+    samplerate = newSamplerate;
+    if (filterType == biquadFilters) {
+        delay.SetSamplerate(newSamplerate);
+        biquads.SetSamplerate(newSamplerate);
+    } else if (filterType == firFilter) {
+        fir.SetSamplerate(newSamplerate);
+    }
+}
+
+void HrtfFiltering::SetMaxBlockSize(unsigned int blockSize) {
+    buffersize = blockSize;
+    delayedInput.resize(blockSize);
+    if (filterType == biquadFilters) {
+        delay.SetMaxBlockSize(blockSize);
+        biquads.SetMaxBlockSize(blockSize);
+    } else if (filterType == firFilter) {
+        fir.SetMaxBlockSize(blockSize);
+    }
+}
+
+void HrtfFiltering::Clear() {
+    if (filterType == biquadFilters) {
+        delay.Clear();
+        biquads.Clear();
+    } else if (filterType == firFilter) {
+        fir.Clear();
+    }
+}
+
+std::span<float const> EarCoefficients(HrtfPoint const& point, unsigned int ear) {
+    const std::span<float const> all = point.coefficients;
+    const std::size_t begin = std::min(static_cast<std::size_t>(ear) * point.numCoefficients, all.size());
+    return all.subspan(begin, std::min<std::size_t>(point.numCoefficients, all.size() - begin));
+}
+
+}  // namespace Lume

@@ -1,0 +1,28 @@
+#include "pan/ambisonic/hoa2d_panning.h"
+
+#include <algorithm>
+
+#include "harmonics/ambisonic_encoding.h"
+#include "pan/null_panning.h"
+
+namespace Lume {
+
+HOA2DPanning::HOA2DPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : HOAPanning(numberOfInputs, numberOfOutputs, (std::max(numberOfOutputs, 1u) - 1) / 2, SN2D) {}
+
+Pan* HOA2DPanning::Create(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
+    if (numberOfOutputs % 2 == 0) return new NullPanning;
+    return new HOA2DPanning(numberOfInputs, numberOfOutputs);
+}
+
+void HOA2DPanning::SetEncodingConvention(HOAEncodingConvention convention) {
+    infos.encodingConvention = convention == N2D ? N2D : SN2D;
+    forceUpdate(false);
+}
+
+void HOA2DPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
+    const auto normalization = infos.encodingConvention == N2D ? FullyNormalized2D : SchmidtSeminormalized2D;
+    StoreGains(AmbisonicEncodingVector2D(infos.order, position, normalization, infos.sorting), gains);
+}
+
+}  // namespace Lume

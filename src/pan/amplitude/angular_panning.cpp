@@ -1,0 +1,51 @@
+#include "pan/amplitude/angular_panning.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/speakers.h"
+
+namespace Lume {
+
+AngularPanning::AngularPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : AmplitudePanning(numberOfInputs, numberOfOutputs) {
+    std::vector<CartesianVector> ring;
+    Speakers::GetRegularlySpaced(ring, numOutputs);
+    AngularPanning::SetLoudspeakerPositions(ring.data());
+}
+
+Pan* AngularPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
+    return new AngularPanning(numInputs, numOutputs);
+}
+
+void AngularPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
+    speakerPositions.assign(positions, positions + numOutputs);
+    speakersByAngle.clear();
+    for (unsigned int i = 0; i < numOutputs; ++i)
+        speakersByAngle[std::atan2(speakerPositions[i].y, speakerPositions[i].x)] = i;
+    forceUpdate(false);
+}
+
+void AngularPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
+    constexpr float twicePi = 6.2831855f;
+    constexpr float halfPi = 1.5707964f;
+    std::fill_n(gains, numOutputs, 0.0f);
+    if (numOutputs == 1) gains[0] = 1.0f;
+    if (numOutputs <= 1) return;
+
+    float a = std::atan2(position.y, position.x);
+    auto next = speakersByAngle.upper_bound(a);
+    // Beyond the last and before the first loudspeaker: the pair that closes the ring.
+    if (next == speakersByAngle.end()) next = speakersByAngle.begin();
+    const auto prev = std::prev(next == speakersByAngle.begin() ? speakersByAngle.end() : next);
+    const float a1 = prev->first;
+    float a2 = next->first;
+    while (a1 >= a2) a2 += twicePi;
+    while (a < a1) a += twicePi;
+    const float t = (std::min(std::max(a, a1), a2) - a1) * halfPi / (a2 - a1);
+    // The number of outputs may have been lowered since the loudspeakers were set.
+    if (prev->second < numOutputs) gains[prev->second] = std::cos(t);
+    if (next->second < numOutputs) gains[next->second] = std::sin(t);
+}
+
+}  // namespace Lume

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "pan/amplitude/amplitude_panning.h"
+
+namespace Lume {
+
+/// Panning of constant power on any ring: the two loudspeakers on either side of the source's azimuth share it by
+/// cosine and sine of where it stands in their gap. Distances and heights make no difference.
+class AngularPanning : public AmplitudePanning {
+public:
+    /// Starts with a regular ring.
+    AngularPanning(unsigned int numInputs, unsigned int numOutputs);
+
+    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+
+    /// Of loudspeakers with exactly the same azimuth only the last one sounds.
+    void SetLoudspeakerPositions(CartesianVector const* positions) override;
+    void convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) override;
+
+private:
+    std::vector<CartesianVector> speakerPositions;
+    std::map<float, unsigned int> speakersByAngle;  // mathematical azimuth [rad] to output channel
+};
+
+}  // namespace Lume

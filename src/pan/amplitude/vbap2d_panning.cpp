@@ -1,0 +1,105 @@
+#include "pan/amplitude/vbap2d_panning.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/azimuth.h"
+#include "pan/null_panning.h"
+
+namespace Lume {
+
+namespace {
+
+float ListenerAzimuth(float x, float y) {
+    return SwapAzimuthConvention(std::atan2(y, x) * RadiansToDegrees);
+}
+
+/// Written so that not a number becomes 0 too.
+float AtLeastZero(float gain) {
+    return gain > 0.0f ? gain : 0.0f;
+}
+
+}  // namespace
+
+Vbap2DPanning::Vbap2DPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : AmplitudePanning(numberOfInputs, numberOfOutputs), speakers(numberOfOutputs), pairs(numberOfOutputs) {
+    // The angle lacks its factor of two pi: the provisional ring covers one radian, and its order is not by azimuth.
+    for (unsigned int i = 0; i < numOutputs; ++i) {
+        const float angle = static_cast<float>(i) / static_cast<float>(numOutputs);
+        const float x = std::cos(angle);
+        const float y = std::sin(angle);
+        speakers[i] = {x, y, ListenerAzimuth(x, y), i};
+    }
+    FillPairs();
+}
+
+Pan* Vbap2DPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
+    if (numOutputs < 2) return new NullPanning;
+    return new Vbap2DPanning(numInputs, numOutputs);
+}
+
+void Vbap2DPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
+    std::vector<Point2D> points(numOutputs);
+    for (unsigned int i = 0; i < numOutputs; ++i) points[i] = {positions[i].x, positions[i].y, 0.0f, i};
+    // Stable: which of two loudspeakers in one direction comes first must not depend on the library.
+    std::stable_sort(points.begin(), points.end(), AscendingAzimuthSort);
+    for (Point2D& point : points) point.azimuth = ListenerAzimuth(point.x, point.y);
+    std::copy(points.begin(), points.end(), speakers.begin());
+    FillPairs();
+    forceUpdate(false);
+}
+
+void Vbap2DPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
+    if (numOutputs == 0) return;
+    const unsigned int k = find_pair(position.x, position.y);
+    const Gains solved = Solve(pairs[k], position.x, position.y);
+    const float g1 = AtLeastZero(solved.first);
+    const float g2 = AtLeastZero(solved.second);
+    const float norm = std::sqrt(g1 * g1 + g2 * g2) + 1e-20f;
+    std::fill_n(gains, numOutputs, 0.0f);
+    gains[speakers[k].index] = g1 / norm;
+    gains[speakers[(k + 1) % numOutputs].index] = g2 / norm;
+}
+
+unsigned int Vbap2DPanning::find_pair(float x, float y) const {
+    const float azimuth = ListenerAzimuth(x, y);
+    for (unsigned int k = 0; k + 1 < numOutputs; ++k) {
+        if (azimuth >= speakers[k].azimuth && azimuth <= speakers[k + 1].azimuth) return k;
+    }
+    return numOutputs - 1;
+}
+
+unsigned int Vbap2DPanning::find_pair_old(float x, float y) const {
+    unsigned int best = 0;
+    float bestSmaller = -100000.0f;
+    for (unsigned int k = 0; k < numOutputs; ++k) {
+        const Gains gains = Solve(pairs[k], x, y);
+        const float smaller = std::min(gains.first, gains.second);
+        if (smaller >= bestSmaller) {
+            best = k;
+            bestSmaller = smaller;
+        }
+    }
+    return best;
+}
+
+bool Vbap2DPanning::AscendingAzimuthSort(Point2D const& a, Point2D const& b) {
+    return ListenerAzimuth(a.x, a.y) < ListenerAzimuth(b.x, b.y);
+}
+
+/// Solves first * (x1, y1) + second * (x2, y2) = (x, y). A pair in one line with the listener has no solution and gives
+/// infinite gains or none.
+Vbap2DPanning::Gains Vbap2DPanning::Solve(Pair const& pair, float x, float y) {
+    const float inverse = 1.0f / (pair.y2 * pair.x1 - pair.x2 * pair.y1);
+    return {(pair.y2 * x - pair.x2 * y) * inverse, (pair.x1 * y - pair.y1 * x) * inverse};
+}
+
+void Vbap2DPanning::FillPairs() {
+    for (unsigned int k = 0; k < numOutputs; ++k) {
+        Point2D const& first = speakers[k];
+        Point2D const& second = speakers[(k + 1) % numOutputs];
+        pairs[k] = {first.x, first.y, second.x, second.y};
+    }
+}
+
+}  // namespace Lume

@@ -1,0 +1,265 @@
+#include "pan/amplitude/vbap_panning.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/azimuth.h"
+#include "geometry/spherical_vector.h"
+#include "pan/null_panning.h"
+
+namespace Lume {
+
+namespace {
+
+/// Below this ratio of volume to length of its sides a triangle is as good as flat.
+constexpr float minVolumePerLength = 0.01f;
+/// How far arcs may miss each other, or end beside a crossing, and still count as meeting [rad].
+constexpr float crossingTolerance = 0.01f;
+/// How far outside a triangle a loudspeaker still counts as inside, as a coefficient.
+constexpr float insideTolerance = -0.001f;
+/// A gain below this counts as negative. It isn't scaled with the distance of the source.
+constexpr float gainTolerance = -0.01f;
+
+float Dot(CartesianVector const& a, CartesianVector const& b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+CartesianVector Cross(CartesianVector const& a, CartesianVector const& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+CartesianVector NormalisedCross(CartesianVector const& a, CartesianVector const& b) {
+    const CartesianVector n = Cross(a, b);
+    const float length = n.radius();
+    return length > 0.0f ? CartesianVector{n.x / length, n.y / length, n.z / length} : n;
+}
+
+/// Whether a point that lies at these angles from the ends of an arc is on the arc.
+bool IsOnArc(float arc, float fromOneEnd, float fromOtherEnd) {
+    return !(std::abs(arc - fromOneEnd - fromOtherEnd) > crossingTolerance);
+}
+
+}  // namespace
+
+float angle(CartesianVector const& a, CartesianVector const& b) {
+    const float lengthA = a.radius();
+    const float lengthB = b.radius();
+    if (lengthA != 0.0f && lengthB != 0.0f) return std::acos(std::clamp(Dot(a, b) / (lengthA * lengthB), -1.0f, 1.0f));
+    if (lengthA != 0.0f) return std::atan2(a.y, a.x);
+    if (lengthB != 0.0f) return std::atan2(b.y, b.x);
+    return 0.0f;
+}
+
+void VbapPanning::Matrix3D::createInverseFrom(CartesianVector const& a, CartesianVector const& b,
+                                              CartesianVector const& c) {
+    const CartesianVector rows[3] = {Cross(b, c), Cross(c, a), Cross(a, b)};
+    const float determinant = Dot(a, rows[0]);
+    std::fill_n(elements, 9, 0.0f);
+    if (determinant == 0.0f) return;
+    const float scale = 1.0f / determinant;
+    for (int i = 0; i < 3; ++i) {
+        elements[3 * i] = rows[i].x * scale;
+        elements[3 * i + 1] = rows[i].y * scale;
+        elements[3 * i + 2] = rows[i].z * scale;
+    }
+}
+
+void VbapPanning::Matrix3D::matrixProduct(CartesianVector& result, CartesianVector const& v) const {
+    float product[3];
+    matrixProduct(product, v);
+    result = CartesianVector{product[0], product[1], product[2]};
+}
+
+void VbapPanning::Matrix3D::matrixProduct(float* result, CartesianVector const& v) const {
+    for (int i = 0; i < 3; ++i)
+        result[i] = elements[3 * i] * v.x + elements[3 * i + 1] * v.y + elements[3 * i + 2] * v.z;
+}
+
+VbapPanning::VbapPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : AmplitudePanning(numberOfInputs, numberOfOutputs), speakers(numberOfOutputs) {
+    constexpr float elevation = 0.7853982f;  // 45 degrees
+    for (unsigned int i = 0; i < numOutputs; ++i) {
+        const float degrees = static_cast<float>(i) * 360.0f / static_cast<float>(numOutputs);
+        const float azimuth = SwapAzimuthConvention(degrees) * DegreesToRadians;
+        speakers[i].position = SphericalVector{azimuth, 1.0f, i % 2 == 0 ? elevation : -elevation};
+        speakers[i].index = i;
+    }
+}
+
+Pan* VbapPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
+    if (numOutputs < 3) return new NullPanning;
+    return new VbapPanning(numInputs, numOutputs);
+}
+
+void VbapPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
+    speakers.resize(numOutputs);
+    for (unsigned int i = 0; i < numOutputs; ++i) speakers[i] = {positions[i], i};
+    needsComputing = true;
+    compute();
+    forceUpdate(false);
+}
+
+void VbapPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
+    if (needsComputing) compute();
+    std::fill_n(gains, numOutputs, 0.0f);
+    float tripletGains[3];
+    unsigned int indices[3];
+    find_triplet(position, tripletGains, indices);
+    for (int i = 0; i < 3; ++i) {
+        // The number of outputs may have been lowered since the loudspeakers were set.
+        if (indices[i] < numOutputs) gains[indices[i]] = tripletGains[i];
+    }
+}
+
+unsigned int VbapPanning::GetNumTriplets() {
+    if (needsComputing) compute();
+    return static_cast<unsigned int>(triplets.size());
+}
+
+void VbapPanning::GetTriplets(unsigned int* indices) {
+    if (needsComputing) compute();
+    for (Triplet const& triplet : triplets) {
+        *indices++ = triplet.first;
+        *indices++ = triplet.second;
+        *indices++ = triplet.third;
+    }
+}
+
+void VbapPanning::GetActiveTriplet(CartesianVector const& position, unsigned int* indices) {
+    if (needsComputing) compute();
+    float gains[3];
+    find_triplet(position, gains, indices);
+}
+
+void VbapPanning::compute() {
+    choose_triplets();
+    for (Triplet& triplet : triplets) {
+        triplet.matrix.createInverseFrom(speakers[triplet.first].position, speakers[triplet.second].position,
+                                         speakers[triplet.third].position);
+    }
+    needsComputing = false;
+}
+
+void VbapPanning::choose_triplets() {
+    const auto count = static_cast<unsigned int>(speakers.size());
+    std::vector<std::vector<bool>> connections(count, std::vector<bool>(count, false));
+    const auto connect = [&](unsigned int i, unsigned int j, bool connected) {
+        connections[i][j] = connected;
+        connections[j][i] = connected;
+    };
+
+    triplets.clear();
+    for (unsigned int i = 0; i < count; ++i) {
+        for (unsigned int j = i + 1; j < count; ++j) {
+            for (unsigned int k = j + 1; k < count; ++k) {
+                if (!(vol_p_side_lgth(i, j, k) > minVolumePerLength)) continue;
+                connect(i, j, true);
+                connect(i, k, true);
+                connect(j, k, true);
+                triplets.push_back({{}, i, j, k});
+            }
+        }
+    }
+
+    struct Connection {
+        float length;  // [rad]
+        unsigned int first, second;
+    };
+    std::vector<Connection> byLength;
+    for (unsigned int i = 0; i < count; ++i) {
+        for (unsigned int j = i + 1; j < count; ++j) {
+            if (!connections[i][j]) continue;
+            const float length = std::abs(angle(speakers[i].position, speakers[j].position));
+            // Of equal lengths the later pair comes first. Which of two crossing diagonals of a square survives depends
+            // on it.
+            const auto place = std::find_if(byLength.begin(), byLength.end(),
+                                            [&](Connection const& other) { return !(other.length < length); });
+            byLength.insert(place, {length, i, j});
+        }
+    }
+
+    for (Connection const& side : byLength) {
+        if (!connections[side.first][side.second]) continue;
+        for (unsigned int j = 0; j < count; ++j) {
+            if (j == side.first || j == side.second) continue;
+            for (unsigned int k = j + 1; k < count; ++k) {
+                if (k == side.first || k == side.second || !connections[j][k]) continue;
+                if (lines_intersect(side.first, side.second, j, k)) connect(j, k, false);
+            }
+        }
+    }
+
+    std::erase_if(triplets, [&](Triplet const& t) {
+        return !connections[t.first][t.second] || !connections[t.first][t.third] || !connections[t.second][t.third] ||
+               any_ls_inside_triplet(t.first, t.second, t.third);
+    });
+}
+
+void VbapPanning::find_triplet(CartesianVector const& position, float* gains, unsigned int* indices) const {
+    float bestSmallest = -100000.0f;
+    int fewestNegatives = 3;
+    std::fill_n(gains, 3, 0.0f);
+    std::fill_n(indices, 3, 0u);
+    for (Triplet const& triplet : triplets) {
+        float candidate[3];
+        triplet.matrix.matrixProduct(candidate, position);
+        const auto negatives =
+            static_cast<int>(std::count_if(candidate, candidate + 3, [](float gain) { return gain < gainTolerance; }));
+        const float smallest = std::min({candidate[0], candidate[1], candidate[2]});
+        if (!(smallest > bestSmallest) || negatives > fewestNegatives) continue;
+        bestSmallest = smallest;
+        fewestNegatives = negatives;
+        std::copy_n(candidate, 3, gains);
+        indices[0] = speakers[triplet.first].index;
+        indices[1] = speakers[triplet.second].index;
+        indices[2] = speakers[triplet.third].index;
+    }
+    for (int i = 0; i < 3; ++i) {
+        if (gains[i] < gainTolerance) gains[i] = 0.0f;
+    }
+    const float norm = std::sqrt(gains[0] * gains[0] + gains[1] * gains[1] + gains[2] * gains[2]);
+    if (norm > 0.0f) {
+        for (int i = 0; i < 3; ++i) gains[i] /= norm;
+    }
+}
+
+float VbapPanning::vol_p_side_lgth(unsigned int i, unsigned int j, unsigned int k) const {
+    CartesianVector const& a = speakers[i].position;
+    CartesianVector const& b = speakers[j].position;
+    CartesianVector const& c = speakers[k].position;
+    const float volume = std::abs(Dot(NormalisedCross(a, b), c));
+    const float length = std::abs(angle(a, b)) + std::abs(angle(a, c)) + std::abs(angle(b, c));
+    return length > 1e-5f ? volume / length : 0.0f;
+}
+
+bool VbapPanning::lines_intersect(unsigned int i, unsigned int j, unsigned int k, unsigned int l) const {
+    CartesianVector const& a = speakers[i].position;
+    CartesianVector const& b = speakers[j].position;
+    CartesianVector const& c = speakers[k].position;
+    CartesianVector const& d = speakers[l].position;
+    // The great circles of the two arcs meet in v and, opposite to it, in w.
+    const CartesianVector v = NormalisedCross(NormalisedCross(a, b), NormalisedCross(c, d));
+    const CartesianVector w = {-v.x, -v.y, -v.z};
+    const float av = angle(a, v), bv = angle(b, v), cv = angle(c, v), dv = angle(d, v);
+    const float aw = angle(a, w), bw = angle(b, w), cw = angle(c, w), dw = angle(d, w);
+    for (const float distance : {av, bv, cv, dv, aw, bw, cw, dw}) {
+        if (!(std::abs(distance) > crossingTolerance)) return false;
+    }
+    const float arc1 = angle(a, b), arc2 = angle(c, d);
+    return (IsOnArc(arc1, av, bv) && IsOnArc(arc2, cv, dv)) || (IsOnArc(arc1, aw, bw) && IsOnArc(arc2, cw, dw));
+}
+
+bool VbapPanning::any_ls_inside_triplet(unsigned int a, unsigned int b, unsigned int c) const {
+    Matrix3D inverse;
+    inverse.createInverseFrom(speakers[a].position, speakers[b].position, speakers[c].position);
+    for (unsigned int x = 0; x < speakers.size(); ++x) {
+        if (x == a || x == b || x == c) continue;
+        float coefficients[3];
+        inverse.matrixProduct(coefficients, speakers[x].position);
+        if (std::all_of(coefficients, coefficients + 3, [](float value) { return value >= insideTolerance; }))
+            return true;
+    }
+    return false;
+}
+
+}  // namespace Lume

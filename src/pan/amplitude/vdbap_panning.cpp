@@ -1,0 +1,78 @@
+#include "pan/amplitude/vdbap_panning.h"
+
+#include "geometry/space_geometry.h"
+#include "geometry/speakers.h"
+#include "pan/null_panning.h"
+
+namespace Lume {
+
+namespace {
+
+/// A panner of the factory as its class; null, and deleted, if the factory made another.
+template <typename Panner>
+std::unique_ptr<Panner> MakeInner(unsigned int numInputs, unsigned int numOutputs, char const* type) {
+    std::unique_ptr<Pan> pan(Pan::factory(numInputs, numOutputs, type, "direct"));
+    auto* const panner = dynamic_cast<Panner*>(pan.get());
+    if (panner != nullptr) static_cast<void>(pan.release());
+    return std::unique_ptr<Panner>(panner);
+}
+
+}  // namespace
+
+VDbapPanning::VDbapPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : AmplitudePanning(numberOfInputs, numberOfOutputs),
+      dbap(MakeInner<DbapPanning3D>(numInputs, numOutputs, "dbap3d")),
+      vbap(MakeInner<VbapPanning>(numInputs, numOutputs, "vbap3d")),
+      vbapGains(static_cast<std::size_t>(numInputs) * numOutputs),
+      dbapGains(vbapGains.size()) {
+    std::vector<CartesianVector> ring;
+    Speakers::GetRegularlySpaced(ring, numOutputs);
+    VDbapPanning::SetLoudspeakerPositions(ring.data());
+}
+
+Pan* VDbapPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
+    if (numOutputs < 3) return new NullPanning;
+    return new VDbapPanning(numInputs, numOutputs);
+}
+
+void VDbapPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
+    speakerPositions.assign(positions, positions + numOutputs);
+    ComputeBarycenter(speakerPositions, barycenter);
+    radius = GetRadiusOfTheLargestSphereEncompassing(speakerPositions, barycenter);
+    if (dbap) dbap->SetLoudspeakerPositions(positions);
+    if (vbap) vbap->SetLoudspeakerPositions(positions);
+    forceUpdate(false);
+}
+
+void VDbapPanning::convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) {
+    const CartesianVector fromCenter = {position.x - barycenter.x, position.y - barycenter.y,
+                                        position.z - barycenter.z};
+    const float distance = fromCenter.radius();
+    float vbapWeight = 0.0f;
+    if (distance > 1.3f * radius)
+        vbapWeight = 1.0f;
+    else if (distance >= radius * 0.7f && radius > 0.0f)  // a layout in one point has no shell to fade in
+        vbapWeight = (distance - 0.7f * radius) / (radius * 1.3f - 0.7f * radius);
+    const float dbapWeight = 1.0f - vbapWeight;
+
+    const std::size_t row = static_cast<std::size_t>(sourceIndex) * numOutputs;
+    if (dbap && distance <= 1.3f * radius) dbap->convert(position, dbapGains.data() + row, sourceIndex);
+    if (vbap && distance >= radius * 0.7f) vbap->convert(position, vbapGains.data() + row, sourceIndex);
+    // A method that wasn't asked keeps old gains, which its weight 0 removes.
+    for (unsigned int j = 0; j < numOutputs; ++j)
+        gains[j] = vbapWeight * vbapGains[row + j] + dbapWeight * dbapGains[row + j];
+}
+
+void VDbapPanning::SetNumInputs(unsigned int newNumInputs) {
+    AmplitudePanning::SetNumInputs(newNumInputs);
+    if (dbap) dbap->SetNumInputs(newNumInputs);
+    if (vbap) vbap->SetNumInputs(newNumInputs);
+}
+
+void VDbapPanning::SetNumOutputs(unsigned int newNumOutputs) {
+    AmplitudePanning::SetNumOutputs(newNumOutputs);
+    if (dbap) dbap->SetNumOutputs(newNumOutputs);
+    if (vbap) vbap->SetNumOutputs(newNumOutputs);
+}
+
+}  // namespace Lume

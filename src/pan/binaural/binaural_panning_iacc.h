@@ -1,0 +1,53 @@
+#pragma once
+
+#include <vector>
+
+#include "filters/faded_biquad_cascade.h"
+#include "pan/binaural/binaural_panning.h"
+
+namespace Lume {
+
+/// Binaural panner of the diffuse field: gives two decorrelated channels the correlation that the ears have in a
+/// diffuse field, by a fixed pair of filters on their sum and their difference. Positions make no difference.
+class BinauralPanningIACC : public BinauralPanning {
+public:
+    BinauralPanningIACC(unsigned int numInputs, unsigned int numOutputs);
+
+    /// A NullPanning for any number of outputs but two, and below two inputs.
+    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+
+    /// The filters are fixed: false, null, and nothing happens.
+    bool LoadFromFile(char const* path) override;
+    using BinauralPanning::SetFIRFiltersImplementationMethod;
+    void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
+    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
+    void setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) override;
+    void SetInterpolationTime(float milliseconds) override;
+    /// Does nothing: the number of inputs is that of the constructor.
+    void SetNumInputs(unsigned int newNumInputs) override;
+
+    void SetFilterCrossFadeTime(float milliseconds) override;
+    void SetListenerHeadRadius(float metres) override;
+
+    /// Reads the first two inputs, whatever their number, as they are.
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    /// Reads the first two inputs, active or not. They stand for all of them, and are raised by the power of the
+    /// others: unlike Process, which is meant.
+    void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    /// The filters keep their taps: at another rate than 44.1 kHz their frequencies move with it.
+    void SetSamplerate(float newSamplerate) override;
+    void SetMaxBlockSize(unsigned int blockSize) override;
+    void Clear() override;
+
+private:
+    void FitBuffers(unsigned long numSamples);
+    void LoadTables();
+    void Filter(unsigned long numSamples);
+
+    std::vector<float> sumBuffer;
+    FadedBiquadCascade sumFilter;
+    std::vector<float> differenceBuffer;
+    FadedBiquadCascade differenceFilter;
+};
+
+}  // namespace Lume

@@ -1,0 +1,148 @@
+#include "pan/binaural/binaural_panning_itd.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "filters/four_allpass_heads.h"
+#include "pan/null_panning.h"
+
+namespace Lume {
+
+namespace {
+
+/// What a source at the side adds to the delay of the far ear [ms], and takes from its gain.
+constexpr float sideEffect = -0.35f;
+
+void Multiply(float* out, float const* signal, float const* gain, unsigned long numSamples) {
+    for (unsigned long i = 0; i < numSamples; ++i) out[i] = signal[i] * gain[i];
+}
+
+void MultiplyAdding(float* out, float const* signal, float const* gain, unsigned long numSamples) {
+    for (unsigned long i = 0; i < numSamples; ++i) out[i] += signal[i] * gain[i];
+}
+
+}  // namespace
+
+BinauralPanningITD::BinauralPanningITD(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : BinauralPanning(numberOfInputs, numberOfOutputs) {
+    BinauralPanningITD::SetNumInputs(numberOfInputs);
+}
+
+Pan* BinauralPanningITD::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+    if (requestedOutputs != 2) return new NullPanning;
+    return new BinauralPanningITD(requestedInputs, requestedOutputs);
+}
+
+bool BinauralPanningITD::LoadFromFile(char const* /*path*/) {
+    return false;
+}
+
+void BinauralPanningITD::SetFilterCrossFadeTime(float /*milliseconds*/) {}
+
+void BinauralPanningITD::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation /*implementation*/) {}
+
+HrtfHeaderInfos const* BinauralPanningITD::GetHrtfHeaderInfos() const {
+    return nullptr;
+}
+
+void BinauralPanningITD::SetListenerHeadRadius(float metres) {
+    headRadius = metres;
+}
+
+void BinauralPanningITD::setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) {
+    const float distance = std::sqrt(position.x * position.x + position.y * position.y + position.z * position.z);
+    const float elevation = distance > 0.0f ? std::asin(position.z / distance) : 0.0f;
+    const float nearness = std::clamp(distance, -1.0f, 1.0f);
+    const float side = std::sin(1.5707964f - std::atan2(position.y, position.x));  // of the listener's azimuth
+    const float v = std::cos(elevation) * side * sideEffect * nearness;
+    voices[index].Set(1.0f - v, 1.0f + v, 0.70710678f + v, 0.70710678f - v, flag);
+}
+
+void BinauralPanningITD::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
+    if (numInputs != 1) {
+        ProcessOntoSilence(outputs, inputs, numSamples, activeInputs);
+        return;
+    }
+    if (activeInputs[0] == 0) return;
+    if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
+    signalBuffers.Resize(orvandsp::numLanes, static_cast<unsigned int>(numSamples));
+    DelayGainPair& voice = voices[0];
+    const int count = static_cast<int>(numSamples);
+    // Both ears read before either is written: an output may be the input.
+    const DelayJob left = {&voice.leftDelay, signalBuffers.GetChannel(0), inputs[0]};
+    const DelayJob right = {&voice.rightDelay, signalBuffers.GetChannel(1), inputs[0]};
+    ProcessFourDelays({left, right, right, right}, 2, count);
+    voice.leftGain.Process(gainBuffer.data(), count);
+    Multiply(outputs[0], left.output, gainBuffer.data(), numSamples);
+    voice.rightGain.Process(gainBuffer.data(), count);
+    Multiply(outputs[1], right.output, gainBuffer.data(), numSamples);
+}
+
+void BinauralPanningITD::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
+                                       short const* activeInputs) {
+    if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
+    signalBuffers.Resize(orvandsp::numLanes, static_cast<unsigned int>(numSamples));
+    const int count = static_cast<int>(numSamples);
+    struct Ear {
+        DelayJob delay;
+        orvandsp::Ramp* gain;
+    };
+    const auto addFour = [&](orvandsp::PerLane<Ear> const& ears, std::size_t numEars) {
+        ProcessFourDelays({ears[0].delay, ears[1].delay, ears[2].delay, ears[3].delay}, numEars, count);
+        for (std::size_t e = 0; e < numEars; ++e) {
+            ears[e].gain->Process(gainBuffer.data(), count);
+            MultiplyAdding(outputs[e % 2], ears[e].delay.output, gainBuffer.data(), numSamples);
+        }
+    };
+    orvandsp::InFours<Ear, decltype(addFour)> ears(addFour);
+    unsigned int buffer = 0;
+    for (unsigned int i = 0; i < numInputs; ++i) {
+        if (activeInputs[i] == 0) continue;
+        DelayGainPair& voice = voices[i];
+        ears.Add(
+            {{&voice.leftDelay, signalBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]}, &voice.leftGain});
+        ears.Add({{&voice.rightDelay, signalBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]},
+                  &voice.rightGain});
+    }
+    ears.Finish();
+}
+
+void BinauralPanningITD::SetSamplerate(float newSamplerate) {
+    samplerate = newSamplerate;
+    for (DelayGainPair& voice : voices) voice.SetSamplerate(newSamplerate);
+}
+
+void BinauralPanningITD::SetMaxBlockSize(unsigned int blockSize) {
+    StoreMaxBlockSize(blockSize);
+    gainBuffer.resize(blockSize);
+    signalBuffers.Resize(orvandsp::numLanes, blockSize);
+    for (DelayGainPair& voice : voices) voice.SetMaxBlockSize(blockSize);
+}
+
+void BinauralPanningITD::Clear() {
+    gainBuffer.clear();
+    for (DelayGainPair& voice : voices) voice.Clear();
+}
+
+void BinauralPanningITD::SetNumInputs(unsigned int newNumInputs) {
+    BinauralPanning::SetNumInputs(newNumInputs);
+    const std::size_t numBefore = voices.size();
+    voices.resize(newNumInputs);
+    for (std::size_t i = numBefore; i < voices.size(); ++i) voices[i].Configure(samplerate, buffersize);
+    SetInterpolationTime(interpolationTime);
+    SetInterpolationMode(DefaultInterpolationModeForDelayLines);
+}
+
+void BinauralPanningITD::SetInterpolationTime(float milliseconds) {
+    interpolationTime = milliseconds;
+    for (DelayGainPair& voice : voices) voice.SetInterpolationTime(milliseconds);
+}
+
+void BinauralPanningITD::SetInterpolationMode(Delay::InterpolationMode mode) {
+    for (DelayGainPair& voice : voices) {
+        voice.leftDelay.SetInterpolationMode(mode);
+        voice.rightDelay.SetInterpolationMode(mode);
+    }
+}
+
+}  // namespace Lume

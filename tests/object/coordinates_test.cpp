@@ -1,0 +1,286 @@
+#include "object/coordinates.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "object/coordinates_from_atoms.h"
+#include "object/lume_common_symbols.h"
+#include "object/orvanverb_class.h"
+#include "object/parameters_from_atoms.h"
+#include "object/recording_box.h"
+#include "patcher/atom.h"
+
+namespace {
+
+using Lume::CartesianVector;
+
+class Coordinates : public testing::Test {
+protected:
+    Coordinates() : box((orvanverb_main(), "orvanverb~ @numsources 6 @numspeakers 4")) { box.Lines(); }
+
+    void ExpectSource(CartesianVector const& expected, float tolerance = 2e-6f) {
+        const auto value = *box.box.GetAttribute("sourcespositions");
+        ExpectNear({atom_getfloat(&value[0]), atom_getfloat(&value[1]), atom_getfloat(&value[2])}, expected, tolerance);
+    }
+    static void ExpectNear(CartesianVector const& position, CartesianVector const& expected, float tolerance) {
+        EXPECT_NEAR(position.x, expected.x, tolerance);
+        EXPECT_NEAR(position.y, expected.y, tolerance);
+        EXPECT_NEAR(position.z, expected.z, tolerance);
+    }
+
+    RecordingBox box;
+};
+
+constexpr double degrees = 3.14159265358979323846 / 180.0;
+
+/// Where the user's azimuth [degrees, clockwise from ahead] and elevation point.
+CartesianVector Direction(double azimuth, double distance, double elevation) {
+    return {static_cast<float>(distance * std::sin(azimuth * degrees) * std::cos(elevation * degrees)),
+            static_cast<float>(distance * std::cos(azimuth * degrees) * std::cos(elevation * degrees)),
+            static_cast<float>(distance * std::sin(elevation * degrees))};
+}
+
+// Every format from (1, 2, 3), by what a listener would see.
+TEST_F(Coordinates, FormatsMoveTheSource) {
+    const double r = std::sqrt(14.0), az = std::atan2(1.0, 2.0) / degrees, el = std::asin(3.0 / r) / degrees;
+    const struct {
+        char const* message;
+        CartesianVector expected;
+    } cases[] = {
+        {"xyz 4 5 6", {4, 5, 6}},
+        {"xy 4 5", {4, 5, 0}},
+        {"x++ 1", {2, 2, 3}},
+        {"y++ -1", {1, 1, 3}},
+        {"z++ 0.5", {1, 2, 3.5f}},
+        {"x 7", {7, 2, 3}},
+        {"y 7", {1, 7, 3}},
+        {"z 7", {1, 2, 7}},
+        {"ade 90 2 0", {2, 0, 0}},
+        {"ade -45 2 30", Direction(-45, 2, 30)},
+        {"aed 200 -20 3", Direction(200, 3, -20)},
+        {"ae 30 40", Direction(30, 1, 40)},
+        {"ad 765 2", Direction(45, 2, 0)},
+        {"az -90", {-1, 0, 0}},
+        {"ade 0 -2 0", {0, -2, 0}},
+        {"ade 10 -2 30", Direction(190, 2, -30)},
+        {"ade 0 1 100", Direction(180, 1, -10)},  // the fold about the pole: 90 - 100
+        {"ade 0 1 -100", Direction(180, 1, 10)},
+        {"azim 45", Direction(45, r, el)},
+        {"azim++ 20", Direction(az + 20, r, el)},
+        {"elev 10", Direction(az, r, 10)},
+        {"elev 100", Direction(az, r, -10)},
+        {"elev++ 10", Direction(az, r, el - 10)},
+        {"dist 2", Direction(az, 2, el)},
+        {"dist -2", Direction(az, 2, el)},
+        {"dist++ 1", Direction(az, r + 1, el)},
+        {"dist++ -100", Direction(az, 1e-5, el)},
+        {"dist 0", Direction(az, 1e-5, el)},
+        {"lume3 90 2 0", {-2, 0, 0}},
+        {"lume3 30 2 15", Direction(-30, 2, 15)},
+        {"lume3 30 2", Direction(-30, 2, el)},
+        {"lume3 30", Direction(-30, r, el)},
+        {"lume3 30 2 15 9", Direction(-30, 2, 15)},
+        {"wfs 90 20", {-2, 0, 0}},
+    };
+    for (auto const& [message, expected] : cases) {
+        SCOPED_TRACE(message);
+        box.Send("source 1 xyz 1 2 3");
+        EXPECT_EQ(box.Send(std::string("source 1 ") + message), "");
+        ExpectSource(expected);
+    }
+}
+
+TEST_F(Coordinates, SourcesRefuseInTheirWords) {
+    box.Send("source 1 xyz 1 2 3");
+    const struct {
+        char const* message;
+        char const* lines;
+    } cases[] = {
+        {"source", "error: invalid source index 0|"},
+        {"source 7 xyz 0 0 0", "error: invalid source index 7|"},
+        {"source one", "error: invalid source index 0|"},
+        {"source 1", "error: not enough source coordinates. expected 3 coordinates|"},
+        {"source 1 ad 1", "error: not enough source coordinates. expected 2 coordinates|"},
+        {"source 1 polar 1 2", "error: unknown coordinate type|"},
+        {"source 1 xyz 1 two 3", "error: error reading source coordinates|"},
+        {"source 1 lume3", "error: error reading source coordinates|"},
+        {"source 1 az 1e30", "error: error reading source coordinates|"},
+        {"source 1 x 1e39", "error: error reading source coordinates|"},
+        {"source 1 elev++ -1000001", "error: error reading source coordinates|"},
+    };
+    for (auto const& [message, lines] : cases) EXPECT_EQ(box.Send(message), lines) << message;
+    ExpectSource({1, 2, 3});
+    EXPECT_EQ(box.Send("source 1 1 2 3"), "warn: using default coordinate type (ade)|");
+    ExpectSource(Direction(1, 2, 3));
+    EXPECT_EQ(box.Send("source 1 xy 4 5 6"), "warn: too many source coordinates. only 2 coordinates will be read|");
+    ExpectSource({4, 5, 0});
+    box.Send("source 2.0 90 1");  // source 2 moves, and the float is its azimuth as well
+    ExpectSource({4, 5, 0});
+    const CartesianVector second = Direction(2, 90, 1);
+    EXPECT_NEAR(atom_getfloat(&(*box.box.GetAttribute("sourcespositions"))[3]), second.x, 1e-4f);
+}
+
+// Red if steps lead where no step leads back from: an infinity, or what isn't a number.
+TEST_F(Coordinates, SourcesStayInReach) {
+    box.Send("source 1 xyz 3e38 0 0");
+    const std::string before = box.Get("sourcespositions");
+    for (char const* const message :
+         {"source 1 x++ 3e38", "source 1 dist++ 1", "source 1 azim 45", "source 1 lume3 45"})
+        EXPECT_EQ(box.Send(message), "error: error reading source coordinates|") << message;
+    EXPECT_EQ(box.Get("sourcespositions"), before);
+    EXPECT_EQ(box.Send("source 1 dist 2"), "");
+    ExpectSource({2, 0, 0});
+}
+
+TEST_F(Coordinates, LoudspeakersMoveAloneOrAllTogether) {
+    EXPECT_EQ(box.Send("speakers az -45 45 135 -135"), "");
+    EXPECT_EQ(box.Send("loudspeakers dist++ 1 1 1 0"), "");
+    std::vector<t_atom> value = *box.box.GetAttribute("speakerspositions");
+    EXPECT_NEAR(atom_getfloat(&value[0]), -std::sqrt(2.0f), 1e-6f);
+    EXPECT_NEAR(atom_getfloat(&value[9]), -std::sqrt(0.5f), 1e-6f);
+    box.Send("speaker 1 x++ 1");
+    EXPECT_EQ(box.Get("speakerspositions").substr(0, 27), "1.000000 0.000000 0.000000 ");
+
+    const std::string before = box.Get("speakerspositions");
+    const struct {
+        char const* message;
+        char const* lines;
+    } cases[] = {
+        {"speaker", "error: invalid speaker message|"},
+        {"speaker az 10", "error: invalid speaker message|"},
+        {"speaker 5 az 10", "error: invalid speaker index 5|"},
+        {"loudspeaker 2 az", "error: invalid speaker message|"},
+        {"loudspeaker 2 az left", "error: error reading speaker position|"},
+        {"loudspeaker 2 somewhere 1", "error: unknown coordinate type|"},
+        {"speakers", "error: not enough loudspeakers positions. expected 4 loudspeakers positions|"},
+        {"speakers xyz 1 2 3 4 5 6 7 8 9 10 11",
+         "error: not enough loudspeakers positions. expected 4 loudspeakers positions|"},
+        {"speakers az 1 2 three 4", "error: error reading 2 th speaker position|"},
+    };
+    for (auto const& [message, lines] : cases) EXPECT_EQ(box.Send(message), lines) << message;
+    EXPECT_EQ(box.Get("speakerspositions"), before);
+    EXPECT_EQ(box.Send("speaker 1 az 10 20"), "warn: too many loudspeakers positions. only 1 position will be read|");
+    EXPECT_EQ(box.Send("speakers az 1 2 3 4 5"),
+              "warn: too many loudspeakers positions. only 4 positions will be read|");
+}
+
+TEST_F(Coordinates, ReverbReachesTheLateFieldByWords) {
+    const std::tuple<char const*, char const*, char const*> cases[] = {
+        {"tr0 100", "tr0", "10.000000 "},          {"start 900", "reverb_start", "500.000000 "},
+        {"infinite 1.9", "infinite", "1 "},        {"air 1", "air", "1 "},
+        {"airfreq 321", "airfreq", "321.000000 "}, {"fl 321", "fl", "321.000000 "},
+        {"fh 321", "fh", "321.000000 "},           {"trl 0.625", "trl", "0.625000 "},
+        {"trm 0.625", "trm", "0.625000 "},         {"trh 0.625", "trh", "0.625000 "},
+        {"gain 0.625", "gain", "0.625000 "},       {"modaldensity 0.625", "modaldensity", "0.625000 "},
+    };
+    for (auto const& [words, attribute, value] : cases) {
+        EXPECT_EQ(box.Send(std::string("reverb ") + words), "");
+        EXPECT_EQ(box.Get(attribute), value) << words;
+    }
+    for (char const* const words : {"foo 1 ", "tr0 ", "", "tr0 long "})
+        EXPECT_EQ(box.Send(std::string("reverb ") + words),
+                  std::string("error: unknwon reverb parameters : ").append(words).append("|"));
+}
+
+// Out and in again is where it was, but for wfs, whose way out leaves out half a turn.
+TEST_F(Coordinates, PositionsBecomeAtomsAndComeBack) {
+    const CartesianVector position{-1.5f, 0.5f, 0.75f};
+    for (const auto format : {coordinates_xyz, coordinates_ade, coordinates_aed, coordinates_lume3}) {
+        t_atom atoms[3];
+        ASSERT_TRUE(coordinates2atoms(position, format, 3, atoms));
+        CartesianVector back{};
+        ASSERT_TRUE(atoms2coordinates(back, format, 3, atoms));
+        SCOPED_TRACE(format);
+        ExpectNear(back, position, 1e-6f);
+    }
+    t_atom atoms[3];
+    EXPECT_TRUE(coordinates2atoms({1, 0, 0}, coordinates_wfs, 2, atoms));
+    EXPECT_FLOAT_EQ(atom_getfloat(&atoms[0]), 270.0f);
+    EXPECT_FLOAT_EQ(atom_getfloat(&atoms[1]), 10.0f);
+    EXPECT_TRUE(coordinates2atoms({1, 0, 0}, coordinates_az, 1, atoms));
+    EXPECT_NEAR(atom_getfloat(&atoms[0]), 90.0f, 1e-4f);
+    EXPECT_TRUE(coordinates2atoms({0, 0, 0}, coordinates_ae, 2, atoms));
+    EXPECT_EQ(atom_getfloat(&atoms[1]), 0.0f);
+    EXPECT_FALSE(coordinates2atoms(position, coordinates_xy, 3, atoms));
+    EXPECT_FALSE(coordinates2atoms(position, coordinates_azim, 1, atoms));
+    CartesianVector untouched{1, 2, 3};
+    EXPECT_FALSE(atoms2coordinates(untouched, static_cast<CoordinatesFormat>(21), 3, atoms));
+}
+
+TEST_F(Coordinates, ListenersAndPointsAreRead) {
+    const auto listener = [this](char const* text) {
+        CartesianVector position{0, 1, 0};
+        const auto atoms = max::ParseAtoms(text);
+        get_listener_coordinates_from_atoms(box.Object(), static_cast<long>(atoms.size()), atoms.data(), position);
+        return std::to_string(position.y) + " " + box.Lines();
+    };
+    EXPECT_EQ(listener("y++ 1 2"), "2.000000 warn: too many listener positions. only 1 position will be read|");
+    EXPECT_EQ(listener("xy 1"), "1.000000 error: invalid listener message|");
+    EXPECT_EQ(listener("xy 1 y"), "1.000000 error: error reading listener position|");
+    EXPECT_EQ(listener("xyy 1 y"), "1.000000 error: unknown coordinate type|");
+
+    const auto points = [this](char const* text) {
+        CartesianVector positions[3];
+        unsigned int read = 99;
+        const auto atoms = max::ParseAtoms(text);
+        const bool done = get_points_coordinates_from_atoms(box.Object(), 2, static_cast<long>(atoms.size()),
+                                                            atoms.data(), positions, read);
+        return (done ? "read " : "stopped at ") + std::to_string(read) + " " + box.Lines();
+    };
+    EXPECT_EQ(points("xy 1 2 3 4"), "read 2 ");
+    EXPECT_EQ(points("xy 1 2 3"), "stopped at 1 error: error reading 1 th point position|");
+    EXPECT_EQ(points("x 1 2 3"), "read 2 warn: too many point positions. only 2 positions will be read|");
+    EXPECT_EQ(points("hm 1 2 3"), "stopped at 0 error: unknown coordinate type|");
+    EXPECT_EQ(points(""), "read 0 ");
+}
+
+TEST_F(Coordinates, KeywordsAreLookedUpWithTheirOddFallback) {
+    CoordinatesFormat format{};
+    long stride = 0;
+    t_symbol* keyword = nullptr;
+    get_coordinates_format_and_stride(gensym("elev++"), box.Object(), format, stride, keyword);
+    EXPECT_TRUE(format == 13 && stride == 1 && keyword == gensym("elev++"));
+    get_coordinates_format_and_stride(gensym("foo"), box.Object(), format, stride, keyword);
+    EXPECT_TRUE(format == 6 && stride == 3);
+    EXPECT_EQ(box.Lines(), "warn: unknown coordinate type: foo. using default coordinate type (ade)|");
+}
+
+TEST_F(Coordinates, ParameterListsAreReadInTheirForms) {
+    const auto shelf = [this](char const* text) {
+        Lume::HLShelfParameters p{1, 2, 3, 4, 100, 200};
+        const auto atoms = max::ParseAtoms(text);
+        if (!atoms2hlshelf(p, static_cast<long>(atoms.size()), atoms.data())) return std::string("refused");
+        post_hlshelf_parameters(box.Object(), p, "shelf");
+        return box.Lines();
+    };
+    const std::pair<char const*, char const*> cases[] = {
+        {"hlshelf 99 -99 1 2 3 30000", "10.000000 -30.000000 1.000000 2.000000 20.000000 20000.000000"},
+        {"9 8 7 6 55 44", "9.000000 8.000000 7.000000 6.000000 55.000000 44.000000"},
+        {"gains 9 8 7 6", "9.000000 8.000000 7.000000 6.000000 100.000000 200.000000"},
+        {"freqs 50 60", "1.000000 2.000000 3.000000 4.000000 50.000000 60.000000"},
+        {"gm 100", "1.000000 2.000000 20.000000 4.000000 100.000000 200.000000"},
+        {"G0 -70", "-60.000000 2.000000 3.000000 4.000000 100.000000 200.000000"},
+        {"fh 5", "1.000000 2.000000 3.000000 4.000000 100.000000 20.000000"},
+    };
+    for (auto const& [text, values] : cases)
+        EXPECT_EQ(shelf(text), std::string("post: shelf : ").append(values).append(" |"));
+    for (char const* const text : {"g0 0", "gl -1", "Gx 1", "1 2", "freqs 1 x", ""}) EXPECT_EQ(shelf(text), "refused");
+
+    Lume::ReverbDspParameters p{};
+    const auto reverb = [&p](char const* text) {
+        const auto atoms = max::ParseAtoms(text);
+        return atoms2reverb(p, static_cast<long>(atoms.size()), atoms.data());
+    };
+    EXPECT_TRUE(reverb("times 4 0.9 0.8 0.7") && reverb("freqs 111 2222") && reverb("gain -99"));
+    EXPECT_FALSE(reverb("gain 1 2 3 4"));  // the form of times decides
+    EXPECT_FALSE(reverb("times 1") || reverb("gain loud"));
+    EXPECT_EQ(p.decayTime, 4.0f);
+    EXPECT_EQ(p.relativeDecayHigh, 0.7f);
+    EXPECT_EQ(p.crossoverFrequencyLow, 111.0f);
+    EXPECT_EQ(p.gain, -99.0f);
+}
+
+}  // namespace

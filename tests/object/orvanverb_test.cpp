@@ -1,0 +1,319 @@
+#include "object/orvanverb.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "object/orvanverb_class.h"
+#include "object/recording_box.h"
+#include "support/allocation_count.h"
+
+namespace {
+
+/// A box of orvanverb~ with the buffers of its signals.
+class OrvanBox : public RecordingBox {
+public:
+    explicit OrvanBox(std::string const& attributes = "")
+        : RecordingBox((orvanverb_main(), "orvanverb~ " + attributes)) {}
+    orvanverb_t* Record() { return reinterpret_cast<orvanverb_t*>(Object()); }
+
+    /// Starts audio and makes buffers; inputs hold ones, outputs sevens.
+    void Start(float rate, long vectorSize) {
+        box.StartAudio(rate, vectorSize);
+        const auto make = [vectorSize](auto& channels, auto& pointers, long number, float value) {
+            channels.assign(static_cast<std::size_t>(number), std::vector(static_cast<std::size_t>(vectorSize), value));
+            pointers.clear();
+            for (auto& channel : channels) pointers.push_back(channel.data());
+        };
+        make(in, ins, box.NumSignalInlets(), 1.0f);
+        make(out, outs, box.NumSignalOutlets(), 7.0f);
+    }
+    void Feed(float value) {
+        for (auto& channel : in) std::fill(channel.begin(), channel.end(), value);
+    }
+    /// Runs some vectors; the peak of each output.
+    std::vector<float> Run(int vectors) {
+        std::vector<float> peaks(out.size(), 0.0f);
+        for (int i = 0; i < vectors; ++i) {
+            box.Process(ins.data(), outs.data());
+            for (std::size_t c = 0; c < out.size(); ++c)
+                for (const float sample : out[c]) peaks[c] = std::max(peaks[c], std::fabs(sample));
+        }
+        return peaks;
+    }
+
+    std::vector<std::vector<float>> in, out;
+    std::vector<float*> ins, outs;
+};
+
+/// One that stands in the default layouts.
+class PlacedBox : public OrvanBox {
+public:
+    explicit PlacedBox(std::string const& attributes) : OrvanBox(attributes) {
+        orvanverb_place_defaults(Record(), true, true);
+    }
+};
+
+bool AllZero(std::vector<float> const& peaks) {
+    return std::all_of(peaks.begin(), peaks.end(), [](float peak) { return !(peak > 0.0f); });
+}
+
+// What creation promises: sizes from the attributes, then defaults, then what was typed, and one warning of two passes.
+TEST(OrvanverbObject, IsMadeOfItsAttributes) {
+    OrvanBox box("@tr0 3.5 @numsources 2 @numspeakers 5 @numinternals 12 @early start 33 @bogus 1");
+    ASSERT_NE(box.Object(), nullptr);
+    EXPECT_EQ(box.Lines(), "warn: orvanverb~: \"bogus\" is not an attribute that can be set|");
+    EXPECT_EQ(box.box.NumSignalInlets(), 2);
+    EXPECT_EQ(box.box.NumSignalOutlets(), 5);
+    EXPECT_EQ(box.Record()->ob.z_misc, 1);
+    EXPECT_EQ(box.Get("tr0") + box.Get("early_start") + box.Get("gain"), "3.500000 33.000000 0.000000 ");
+    EXPECT_EQ(box.Get("sourcespositions"), "0.000000 0.000000 0.000000 0.000000 0.000000 0.000000 ");
+    EXPECT_EQ(box.box.Assist(1, 1) + box.box.Assist(2, 4), "source 2speaker 5");
+    EXPECT_EQ(box.box.Assist(1, 2) + box.box.Assist(2, 5) + box.box.Assist(3, 0), "");
+    EXPECT_EQ(OrvanBox("@numsources 65").box.NumSignalInlets(), 64);
+    EXPECT_EQ(box.Send("dump"), "error: no dump outlet|");
+    EXPECT_EQ(box.Send("reset delays"), "warn: attribute delays doesnt have a default value|");
+}
+
+TEST(OrvanverbObject, CreationFailsLoudly) {
+    OrvanBox one("@numspeakers 1");
+    EXPECT_EQ(one.Lines(), "error: Configuration not supported|error: couldnt create object|");
+    EXPECT_FALSE(one.box.Send("clear"));
+    one.box.StartAudio(44100.0f, 64);
+    EXPECT_FALSE(one.box.AudioRuns());
+    EXPECT_TRUE(one.box.GetState().empty());
+    OrvanBox delays("@delays 1 2 3 4 5 6 7 -8");
+    EXPECT_NE(delays.Lines().find("couldnt set delays because reverb is not yet initialized"), std::string::npos);
+    EXPECT_EQ(delays.Get("delays"), "1.000000 2.000000 3.000000 4.000000 5.000000 6.000000 7.000000 0.000000 ");
+}
+
+TEST(OrvanverbObject, SizesAreFixed) {
+    OrvanBox box;
+    EXPECT_EQ(box.Send("numsources 6"), "");
+    for (auto const& [name, noun] :
+         {std::pair{"numsources", "sources"}, {"numspeakers", "speakers"}, {"numinternals", "internal channels"}})
+        EXPECT_EQ(box.Send(std::string(name) + " 3"),
+                  std::string("error: could not dynamically change number of ").append(noun).append("|"));
+    EXPECT_EQ(box.Get("numsources") + box.Get("numspeakers") + box.Get("numinternals"), "6 6 8 ");
+    EXPECT_EQ(box.Send("reset numsources"), "");
+}
+
+// Red if a refused value leaves a trace, or if a list is read past its end.
+TEST(OrvanverbAttributes, RefuseWhatTheyCannotTake) {
+    OrvanBox box("@numsources 2 @numspeakers 3");
+    const std::string before = box.State();
+    box.Lines();
+    box.Notifications();
+    const std::pair<char const*, char const*> cases[] = {
+        {"tr0 long", "tr0: a number is expected, not \"long\""},
+        {"sourcespositions 1 2 3", "sourcespositions: 6 coordinates are expected, not 3"},
+        {"speakerspositions 1", "speakerspositions: 9 coordinates are expected, not 1"},
+        {"sourcespositions 1 2 3 4 5 x", "sourcespositions: a number is expected, not \"x\""},
+        {"sourcespositions 1 2 3 4 5 1e99", "sourcespositions: coordinates must be finite"},
+        {"early width 1e99", "invalid early parameters : width inf "},
+        {"delays 1 2 3 4 5 6 7", "Wrong number of delays"},
+        {"direct 1 2 3", "invalid direct parameters : 1 2 3 "},
+        {"room start 2", "invalid room parameters : start 2 "},
+        {"early bogus 2", "invalid early parameters : bogus 2 "},
+        {"cluster width 2", "invalid cluster parameters : width 2 "},
+        {"cluster 1 2", "invalid cluster parameters : 1 2 "},
+    };
+    for (auto const& [message, line] : cases)
+        EXPECT_EQ(box.Send(message), std::string("error: ").append(line).append("|"));
+    EXPECT_EQ(box.Send("mute"), "");
+    EXPECT_EQ(box.Send("tr0"), "");
+    EXPECT_EQ(box.Notifications(), 0);
+    EXPECT_EQ(box.State(), before);
+}
+
+TEST(OrvanverbAttributes, ShelvesClipByThemselvesAndKnowWords) {
+    OrvanBox box;
+    box.Send("direct 100 0 0 -99 10 30000");
+    EXPECT_EQ(box.Get("direct"), "10.000000 0.000000 0.000000 -30.000000 20.000000 20000.000000 ");
+    box.Send("room x 1 2 3 low high");
+    EXPECT_EQ(box.Get("room"), "0.000000 1.000000 2.000000 3.000000 250.000000 4000.000000 ");
+    box.Send("early start 500");  // past the range of the attribute
+    EXPECT_EQ(box.Get("early_start"), "500.000000 ");
+    box.Send("cluster end word");
+    EXPECT_EQ(box.Get("cluster_end"), "0.000000 ");
+    for (char const* const word : {"end", "distr", "width", "shape"}) {
+        box.Send(std::string("early ") + word + " 0.75");
+        EXPECT_EQ(box.Get((std::string("early_") + word).c_str()), "0.750000 ") << word;
+    }
+    box.Send("reset");
+    EXPECT_EQ(box.Get("early_start"), "22.219999 ");
+    EXPECT_EQ(box.Get("direct"), "0.000000 0.000000 0.000000 0.000000 177.000000 5657.000000 ");
+}
+
+TEST(OrvanverbAttributes, EachChangeIsAnnounced) {
+    OrvanBox box("@numsources 1 @numspeakers 3");
+    box.Notifications();
+    const std::pair<char const*, int> cases[] = {{"mute 1", 1},
+                                                 {"numsources 2", 1},  // refused, and announced all the same
+                                                 {"tr0 2", 1},
+                                                 {"direct 0 0 0 0 200 4000", 1},
+                                                 {"early_start 20", 2},
+                                                 {"sourcespositions 0 1 0", 2},
+                                                 {"speakerspositions 0 1 0 1 0 0 0 -1 0", 3},
+                                                 {"delays 1 2 3 4 5 6 7 8", 2},
+                                                 {"source 1 az 30", 1},
+                                                 {"speaker 1 az 30", 2},
+                                                 {"reverb tr0 3", 1}};
+    for (auto const& [message, count] : cases) {
+        box.Send(message);
+        EXPECT_EQ(box.Notifications(), count) << message;
+    }
+}
+
+// Mute wins over bypass, bypass copies what both sides have, the switch of the patcher mutes; the room rings on below.
+TEST(OrvanverbAudio, SwitchesChooseWhatTheCallbackDoes) {
+    PlacedBox box("@numsources 2 @numspeakers 5");
+    box.Run(1);
+    box.Start(48000.0f, 64);
+    const std::vector<float> normal = box.Run(400);
+    EXPECT_GT(*std::max_element(normal.begin(), normal.end()), 0.1f);
+
+    const long before = AllocationCount();
+    box.Record()->mute = 1;
+    box.box.Process(box.ins.data(), box.outs.data());
+    box.Record()->mute = 0;
+    box.box.Process(box.ins.data(), box.outs.data());
+    EXPECT_EQ(AllocationCount(), before);
+
+    box.Send("bypass 1");
+    EXPECT_EQ(box.Run(1), (std::vector<float>{1.0f, 1.0f, 0.0f, 0.0f, 0.0f}));
+    box.Send("mute 1");
+    EXPECT_TRUE(AllZero(box.Run(1)));
+    box.Send("mute 0");
+    box.Send("bypass 0");
+    box.box.Enable(false);
+    EXPECT_TRUE(AllZero(box.Run(1)));
+    box.box.Enable(true);
+    EXPECT_FALSE(AllZero(box.Run(1)));
+}
+
+TEST(OrvanverbAudio, ClearAndASecondStartSilenceTheRoom) {
+    PlacedBox box("@numsources 1 @numspeakers 6");
+    EXPECT_EQ(box.Get("speakerspositions").substr(0, 27), "-0.707107 0.707107 0.000000");  // front left
+    Lume::OrvanVerb const* const engine = box.Record()->engine;
+    box.Start(44100.0f, 64);
+    box.Run(400);
+    box.Feed(0.0f);
+    EXPECT_FALSE(AllZero(box.Run(1)));
+    box.Send("clear");
+    EXPECT_TRUE(AllZero(box.Run(1)));
+    box.Feed(1.0f);
+    box.Run(100);
+    box.Start(96000.0f, 32);
+    box.Feed(0.0f);
+    EXPECT_TRUE(AllZero(box.Run(1)));
+    EXPECT_EQ(box.Record()->engine, engine);
+    EXPECT_EQ(engine->GetSamplerate(), 96000.0f);
+    EXPECT_EQ(engine->GetBuffersize(), 32u);
+    EXPECT_EQ(box.Record()->inputs[0], box.Record()->outputs[0] - 32);  // one after the other in the host's memory
+}
+
+TEST(OrvanverbAudio, CallbackWithoutEngineLeavesTheOutputsAlone) {
+    OrvanBox box("@numspeakers 3 @numsources 1");
+    box.Start(44100.0f, 64);
+    Lume::OrvanVerb* const engine = box.Record()->engine;
+    box.Record()->engine = nullptr;
+    box.Record()->mute = 1;
+    box.Record()->outputs[0][5] = 3.0f;
+    box.Run(1);
+    EXPECT_EQ(box.out[0][5], 3.0f);
+    box.Record()->engine = engine;
+}  // and is freed with audio set up
+
+/// What an object plays for an impulse at each source, all outputs one after the other.
+std::vector<float> Response(OrvanBox& box) {
+    box.Start(48000.0f, 64);
+    box.Feed(0.0f);
+    box.Run(200);  // until every gain has risen
+    std::vector<float> response;
+    for (int i = 0; i < 300; ++i) {
+        for (auto& channel : box.in) channel[0] = i == 0 ? 1.0f : 0.0f;
+        box.Run(1);
+        for (auto const& channel : box.out) response.insert(response.end(), channel.begin(), channel.end());
+    }
+    return response;
+}
+
+// Each control against the engine's own setter: red if one goes to another's place, or nowhere.
+TEST(OrvanverbAudio, ControlsReachTheirPlaceInTheEngine) {
+    using Engine = Lume::OrvanVerb;
+    const Lume::HLShelfParameters shelf{-3.0f, -6.0f, 2.0f, -9.0f, 300.0f, 3000.0f};
+    const struct {
+        char const* message;
+        std::function<void(Engine&)> set;
+    } cases[] = {
+        {"gain -7", [](Engine& e) { e.SetReverbGain(-7.0f); }},
+        {"tr0 0.7", [](Engine& e) { e.SetDecayTime(0.7f); }},
+        {"trl 0.6", [](Engine& e) { e.SetRelativeDecayLow(0.6f); }},
+        {"trm 0.6", [](Engine& e) { e.SetRelativeDecayMedium(0.6f); }},
+        {"trh 0.9", [](Engine& e) { e.SetRelativeDecayHigh(0.9f); }},
+        {"fl 700", [](Engine& e) { e.SetReverbCrossoverFrequencyLow(700.0f); }},
+        {"fh 4000", [](Engine& e) { e.SetReverbCrossoverFrequencyHigh(4000.0f); }},
+        {"modaldensity 1.4", [](Engine& e) { e.SetReverbModalDensity(1.4f); }},
+        {"air 1", [](Engine& e) { e.UseAirAbsorption(true); }},
+        {"infinite 1", [](Engine& e) { e.SetInfinite(true); }},
+        {"direct -3 -6 2 -9 300 3000", [&](Engine& e) { e.SetDirectParameters(shelf); }},
+        {"room -3 -6 2 -9 300 3000", [&](Engine& e) { e.SetRoomParameters(shelf); }},
+        {"early -3 -6 2 -9 300 3000", [&](Engine& e) { e.SetEarlyParameters(shelf); }},
+        {"cluster -3 -6 2 -9 300 3000", [&](Engine& e) { e.SetClusterParameters(shelf); }},
+        {"early_start 30", [](Engine& e) { e.SetEarlyStart(30.0f); }},
+        {"early_end 60", [](Engine& e) { e.SetEarlyEnd(60.0f); }},
+        {"early_distr 0.3", [](Engine& e) { e.SetEarlyDistribution(0.3f); }},
+        {"early_width 120", [](Engine& e) { e.SetEarlyWidth(120.0f); }},
+        {"early_shape 0.9", [](Engine& e) { e.SetEarlyShape(0.9f); }},
+        {"cluster_start 60", [](Engine& e) { e.SetClusterStart(60.0f); }},
+        {"cluster_end 90", [](Engine& e) { e.SetClusterEnd(90.0f); }},
+        {"cluster_distr 0.7", [](Engine& e) { e.SetClusterDistribution(0.7f); }},
+        {"reverb_start 130", [](Engine& e) { e.SetReverbStart(130.0f); }},
+        {"source 2 xyz 1 0.5 0",
+         [](Engine& e) {
+             e.SetSourcePosition(1, {1.0f, 0.5f, 0.0f});
+         }},
+    };
+    PlacedBox untouched("@numsources 2 @numspeakers 4");
+    const std::vector<float> plain = Response(untouched);
+    for (auto const& [message, set] : cases) {
+        PlacedBox told("@numsources 2 @numspeakers 4"), turned("@numsources 2 @numspeakers 4");
+        told.Send(message);
+        set(*turned.Record()->engine);
+        const std::vector<float> response = Response(told);
+        EXPECT_TRUE(response == Response(turned)) << message;
+        EXPECT_FALSE(response == plain) << message;
+    }
+}
+
+// What is heard is what is stored: state and sound of one object, restored into another, bit for bit.
+TEST(OrvanverbState, RestoredObjectSoundsTheSame) {
+    PlacedBox first("@numsources 2 @numspeakers 5 @numinternals 6");
+    for (char const* const message :
+         {"source 1 ade -70 3 10", "source 2 xyz 1 2 3", "speakers az -31 1 32 111 -112", "tr0 0.7",
+          "room 1 2 3 4 300 3000", "early start 14.5", "modaldensity 1.1", "air 1", "bypass 0", "delays 1 2 3 4 5 6"})
+        EXPECT_EQ(first.Send(message), "") << message;
+    const std::vector<t_atom> state = first.box.GetState();
+    OrvanBox second("@numsources 2 @numspeakers 5 @numinternals 6");
+    EXPECT_EQ(second.box.SetState(state), 0);
+    EXPECT_EQ(second.Lines(),
+              "post: 32 attributes (" + std::to_string(state.size()) + " atoms) restored from the pattrstorage|");
+    first.Start(48000.0f, 64);
+    second.Start(48000.0f, 64);
+    for (int i = 0; i < 300; ++i) {
+        first.Run(1);
+        second.Run(1);
+        ASSERT_EQ(first.out, second.out) << "vector " << i;
+    }
+
+    OrvanBox other("@numsources 3 @numspeakers 5 @numinternals 6");
+    EXPECT_EQ(other.box.SetState(state), -1);
+    EXPECT_EQ(other.Get("tr0"), "1.995000 ");
+}
+
+}  // namespace

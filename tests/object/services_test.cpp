@@ -1,0 +1,233 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "object/attribute_actions.h"
+#include "object/attribute_reflection.h"
+#include "object/console_lines.h"
+#include "object/object_state.h"
+#include "object/probe_object.h"
+#include "object/xml_reference.h"
+#include "patcher/host.h"
+
+namespace {
+
+using namespace orvanmax;
+
+class Services : public testing::Test {
+protected:
+    void SetUp() override { probeJournal.clear(); }
+    ProbeBox probe;
+};
+
+void ExpectContains(std::string const& text, std::string const& piece) {
+    EXPECT_NE(text.find(piece), std::string::npos) << "'" << piece << "' in: " << text;
+}
+
+// Red if defaults follow what was typed, or if the first of two wins.
+TEST_F(Services, CreationAppliesDefaultsThenWhatWasTyped) {
+    EXPECT_EQ(RecordingBox("probe~ @seed 3 @gains a 2 @level 9 @level 4").Get("seed"), "3 ");
+    EXPECT_EQ(probeJournal, "gains a 2 level 4 ");
+    probeJournal.clear();
+    const ProbeBox defaults;
+    EXPECT_EQ(probeJournal, "level 1.500000 gains 0.250000 -2.000000 ");
+}
+
+// Lines that no object signs go to the box at work, and to the host when none is.
+TEST_F(Services, ConsoleLinesFindTheirBox) {
+    std::string hostLines;
+    max::Host::Get().SetConsole([&](max::ConsoleLevel, std::string const& text) { hostLines += text + "|"; });
+    probe.Lines();
+    max::post("%s %d", "nobody", 1);
+    max::object_bug(probe.Object(), "%ld of %s", 3L, std::string(2000, 'x').c_str());
+    EXPECT_EQ(hostLines, "nobody 1|");
+    EXPECT_EQ(probe.Lines(), std::string("bug: 3 of ").append(2000, 'x') + "|");
+    EXPECT_EQ(RecordingBox("wavelet~").Lines(), "error: wavelet~: no such object|");
+    max::Host::Get().SetConsole(nullptr);
+}
+
+// Red if one of the five reasons to hide an attribute fails, or if the order isn't that of the names.
+TEST_F(Services, UsersSeeWhatIsTheirs) {
+    EXPECT_EQ(GetListOfUserAttributes(probe.Object()),
+              (std::vector<std::string>{"bypass", "gains", "hush", "level", "mode", "mute", "seed"}));
+    ExpectContains(probe.Send("postattributes"), "post: error attribute invisible not typed long ??|");
+    probe.Send("table 1 2 3");
+    const auto names = GetListOfUserAttributes(probe.Object());
+    EXPECT_EQ(names.back(), "table");
+    EXPECT_EQ(GetNumberOfAtomsToStoreTheseAttributes(probe.Object(), names), 11u);
+    EXPECT_EQ(GetNumberOfAttributes(probe.Object()), 17u);
+    EXPECT_EQ(GetNumberOfVisibleAttributes(probe.Object()), 14u);
+    EXPECT_TRUE(IsAttributeInvisible(probe.Object(), "externalversion"));
+    EXPECT_FALSE(IsAttributeInvisible(probe.Object(), "nobody"));
+}
+
+// Shown texts; the reference file shows the others.
+TEST_F(Services, AttributesTellAboutThemselves) {
+    std::string value, type;
+    GetAttributeDefaultValue(GetAttributeByName(probe.Object(), "gains"), value, "-");
+    EXPECT_EQ(value, "0.25");
+    GetAttributeUnits(GetAttributeByName(probe.Object(), "mute"), value, "-");
+    EXPECT_EQ(value, "-");
+    GetAttributeDefaultValue(probe.Object(), "nobody", value, "none");
+    EXPECT_EQ(value, "none");
+    GetAttributeType(GetAttributeByName(probe.Object(), "level"), type);
+    EXPECT_EQ(type, "float32");
+    std::vector<std::string> choices;
+    GetAttributeEnumChoices(GetAttributeByName(probe.Object(), "mode"), choices, "-");
+    EXPECT_EQ(choices, (std::vector<std::string>{"soft", "hard", ""}));
+    GetAttributeEnumChoices(GetAttributeByName(probe.Object(), "level"), choices, "-");
+    EXPECT_EQ(choices, std::vector<std::string>{"-"});
+}
+
+TEST_F(Services, AttributesArePosted) {
+    probe.Send("table 1 2");
+    EXPECT_EQ(probe.Send("postattributes level"), "post: level : 1.500000 |");
+    EXPECT_EQ(probe.Send("postattributes void"), "");
+    EXPECT_EQ(probe.Send("postattributes nobody"), "error: no attribute nobody|");
+    EXPECT_EQ(probe.Send("postattributes level mode"), "error: invalid postattributes message : level mode |");
+    ExpectContains(probe.Send("postattributes"),
+                   "post: found 8 attributes|post: bypass : 0 |post: gains : 0.250000 -2.000000 "
+                   "|post: hush : 3.000000 |post: level : 1.500000 |post: mode : soft |post: mute : 0 |"
+                   "post: seed : 6 |post: table : 1.000000 2.000000 |");
+}
+
+TEST_F(Services, VersionAndStatusFollowTheOrderOfTheCallback) {
+    EXPECT_EQ(probe.Send("version"), "post: Version 1.2.3|");
+    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is enabled|");
+    probe.Send("bypass 1");
+    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is bypassed|");
+    probe.Record()->ob.z_disabled = 1;
+    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is muted|");
+    probe.Record()->ob.z_disabled = 0;
+    probe.Send("mute 1");
+    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is muted|");
+}
+
+TEST_F(Services, DumpsLeaveInOneList) {
+    probe.Send("dump");
+    EXPECT_EQ(probe.Output(),
+              "list bypass 0 , gains 0.250000 -2.000000 , hush 3.000000 , level 1.500000 , mode soft , mute 0 , "
+              "seed 6 , |");
+    EXPECT_EQ(probe.Send("dump invisible"), "");
+    EXPECT_EQ(probe.Output(), "list invisible 3.000000 |");
+    EXPECT_EQ(probe.Send("dump nobody"), "error: no attribute nobody|");
+    EXPECT_EQ(probe.Send("dump 1"), "error: invalid dump message : 1 |");
+    const float values[] = {1.0f, 0.5f};
+    dump_float_array(probe.Object(), gensym("weights"), 2, values);
+    EXPECT_EQ(probe.Output(), "weights 1.000000 0.500000 |");
+    DumpAllAttributes(probe.Object(), nullptr);
+    EXPECT_EQ(probe.Lines(), "error: no dump outlet|");
+}
+
+TEST_F(Services, ResetGoesThroughTheSettersInTheOrderOfNames) {
+    probe.Send("level 3");
+    probe.Send("seed 9");
+    probe.Send("mute 1");
+    probeJournal.clear();
+    probe.Send("reset");
+    EXPECT_EQ(probeJournal, "gains 0.250000 -2.000000 level 1.500000 ");
+    EXPECT_EQ(probe.Record()->mute, 1);
+    EXPECT_EQ(probe.Record()->seed, 9);
+    EXPECT_EQ(probe.Send("reset seed"), "");
+    EXPECT_EQ(probe.Send("reset hush"), "post: bug ? AttributeCanBeReset|");
+    EXPECT_EQ(probe.Send("reset foo"), "error: no attribute foo|");
+    EXPECT_EQ(probe.Send("reset a b"), "error: invalid reset message : a b |");
+    ResetAttributeToDefault(probe.Object(), "seed", true, true);
+    EXPECT_EQ(probe.Record()->seed, 6);
+}
+
+// What one object saves, another of its shape takes; one of another shape takes nothing of it.
+TEST_F(Services, StateGoesFromObjectToObject) {
+    for (char const* const message : {"level 4.1", "gains 1 2", "mode hard", "seed 3", "table 5 6"})
+        probe.Send(message);
+    const std::vector<t_atom> state = probe.box.GetState();
+    ProbeBox other;
+    EXPECT_EQ(other.box.SetState(state), -1);
+    ExpectContains(other.Lines(), "error: setvalueof error (received 10 atoms. 8 atoms were expected)|");
+    EXPECT_FLOAT_EQ(other.Record()->level, 1.5f);
+
+    other.Send("table 0 0");
+    EXPECT_EQ(other.box.SetState(state), 0);
+    ExpectContains(other.Lines(), "post: 8 attributes (10 atoms) restored from the pattrstorage|");
+    EXPECT_EQ(other.Record()->level, probe.Record()->level);
+    EXPECT_STREQ(other.Record()->mode->s_name, "hard");
+    EXPECT_EQ(other.Record()->table[1], 6.0f);
+    EXPECT_EQ(other.box.SetState({}), 0);
+    EXPECT_EQ(other.Lines(), "");
+}
+
+TEST_F(Services, RestoringGoesOnBehindWhatFails) {
+    std::vector<t_atom> state = probe.box.GetState();
+    probe.Lines();
+    atom_setsym(&state[1], gensym("word"));  // gains take what they get
+    atom_setfloat(&state[4], 99.0);          // level, through its filter
+    atom_setsym(&state[6], gensym("loud"));  // mute
+    EXPECT_EQ(probe.box.SetState(state), 0);
+    EXPECT_EQ(probe.Record()->level, 6.0f);
+    const std::string lines = probe.Lines();
+    ExpectContains(lines, "error: MAX_ERR_GENERIC in object_attr_setvalueof mute|");
+    ExpectContains(lines, "post: 7 attributes (8 atoms) restored");
+
+    // An atom that no state holds moves all others up, until the list runs dry.
+    atom_setobj(&state[0], nullptr);
+    EXPECT_EQ(probe.box.SetState(state), -1);
+    const std::string dry = probe.Lines();
+    ExpectContains(dry, "warn: unknown atom type in orvanmax_setvalueof|");
+    ExpectContains(dry, "error: error reading atoms in orvanmax_setvalueof|");
+}
+
+TEST_F(Services, PresetsComeBackAsMessages) {
+    probe.Send("level 2");
+    const std::vector<t_atom> preset = probe.box.StorePreset();
+    ASSERT_EQ(preset.size(), 11u);
+    EXPECT_STREQ(atom_getsym(&preset[1])->s_name, "probe~");
+    EXPECT_STREQ(atom_getsym(&preset[2])->s_name, "recallpreset");
+    probe.Send("level 5");
+    EXPECT_TRUE(probe.box.RecallPreset(preset));
+    EXPECT_EQ(probe.Record()->level, 2.0f);
+    EXPECT_FALSE(ProbeBox().box.RecallPreset(preset));
+    EXPECT_EQ(probe.Send("recallpreset"), "");
+    probe.Send("preset");  // into no buffer
+}
+
+TEST_F(Services, ErrorsHaveNames) {
+    EXPECT_STREQ(HostErrorName(-3), "MAX_ERR_DUPLICATE");
+    EXPECT_STREQ(HostErrorName(-5), "unknown MAX_ERR");
+    const double values[] = {1.0, 2.5};
+    post_double_array(probe.Object(), values, 2, "pair");
+    EXPECT_EQ(probe.Lines(), "post: pair : 1.000000 2.500000 |");
+}
+
+// The whole file of a small class, as text: order, blank lines and all.
+TEST_F(Services, ReferenceFileHoldsTheClass) {
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(testing::TempDir());
+    probe.Send("generatexml");
+    std::ifstream file("probe~.ref.xml");
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    std::filesystem::remove("probe~.ref.xml");
+    std::filesystem::current_path(before);
+    EXPECT_EQ(text.substr(0, text.find("<attribute>")),
+              "<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\"?>\n"
+              "<?xml-stylesheet type=\"text/xsl\" href=\"orvan.xsl\"?>\n"
+              "<external>\n<name>probe~</name>\n\n<version>1.2.3</version>\n\n"
+              "<copyright>Copyright (c) 2026 The orvanverb~ developers</copyright>\n\n<brief>A probe</brief>\n\n");
+    ExpectContains(text,
+                   "<attribute>\n<name>level</name>\n<brief>how loud</brief>\n<type>float32</type>\n"
+                   "<default>1.50</default>\n<min>-6.00</min>\n<max>6</max>\n<units>dB</units>\n<enum></enum>\n"
+                   "<category>sound</category>\n<description>turns it up</description>\n</attribute>\n\n"
+                   "<attribute>\n<name>mode</name>");
+    ExpectContains(text, "<enum>soft hard  </enum>");
+    EXPECT_EQ(
+        text.substr(text.find("<method>")),
+        "<method>\n<name>version</name>\n</method>\n<method>\n<name>postattributes</name>\n</method>\n"
+        "<method>\n<name>dump</name>\n</method>\n<method>\n<name>reset</name>\n</method>\n"
+        "<method>\n<name>postdspstatus</name>\n</method>\n<method>\n<name>clear</name>\n</method>\n</external>\n");
+}
+
+}  // namespace
