@@ -28,6 +28,8 @@
 #include "math/svd.h"
 
 // parameters
+#include "parameters/control.h"
+#include "parameters/controls.h"
 #include "parameters/hl_shelf_parameters.h"
 #include "parameters/lume_default_parameters.h"
 #include "parameters/reverb_dsp_parameters.h"
@@ -152,6 +154,7 @@
 
 // engine
 #include "engine/orvan_verb.h"
+#include "engine/room_controls.h"
 
 // decoders
 #include "decoders/ambisonic/ambisonic_decoder.h"

@@ -44,6 +44,7 @@ namespace Lume {
 /// the outputs are silent.
 ///
 /// Setters neither check nor report: a value outside its range is taken as it comes, except where a clamp is named.
+/// A getter gives the value that its setter would have to get to make this engine as it is.
 /// They start ramps, crossfades and glides; the times below say how long a change takes to be complete. Nothing is
 /// synchronised: call them on the audio thread between two blocks, or accept that a setter on another thread may be
 /// heard in two pieces. Two of them may touch the memory that Process works on: a larger early time (SetEarlyStart,
@@ -117,6 +118,13 @@ public:
     /// Lifts all sources to one elevation, for good: azimuth and distance stay. 30 ms.
     /// @param degrees  -90 to 90, default 0
     void SetElevation(float degrees);
+
+    /// Where a source was placed last; one beyond the number of sources is at the origin.
+    CartesianVector GetSourcePosition(unsigned int source) const {
+        return source < sourcePositions.size() ? sourcePositions[source] : CartesianVector{};
+    }
+    /// Where the loudspeakers were placed last, one position each.
+    std::vector<CartesianVector> const& GetSpeakersPositions() const noexcept { return speakerPositions; }
     /// @}
 
     /// @name Direct sound
@@ -139,6 +147,7 @@ public:
     void SetDirectCrossoverFrequencyLow(float frequencyHz);
     /// 20 to 20000 Hz, default 4000.
     void SetDirectCrossoverFrequencyHigh(float frequencyHz);
+    HLShelfParameters const& GetDirectParameters() const noexcept { return directParameters; }
     /// @}
 
     /// @name Room
@@ -152,6 +161,7 @@ public:
     void SetRoomGainHigh(float gainDb);
     void SetRoomCrossoverFrequencyLow(float frequencyHz);
     void SetRoomCrossoverFrequencyHigh(float frequencyHz);
+    HLShelfParameters const& GetRoomParameters() const noexcept { return roomParameters; }
     /// @}
 
     /// @name Early reflections
@@ -166,6 +176,7 @@ public:
     void SetEarlyGainHigh(float gainDb);
     void SetEarlyCrossoverFrequencyLow(float frequencyHz);
     void SetEarlyCrossoverFrequencyHigh(float frequencyHz);
+    HLShelfParameters const& GetEarlyParameters() const noexcept { return earlyParameters; }
 
     /// Time of the first early reflection [ms], clamped to 1 to 120, default 22.22. Delays glide in 50 ms, which shifts
     /// their pitch; the cluster, whose times are absolute, is moved along. So do the next two.
@@ -183,6 +194,11 @@ public:
     /// Angle between the two virtual sources that play the early reflections, on either side of the source that was
     /// placed last: 10 to 180 degrees, default 30. 30 ms. Places every source again, so that the last one counts.
     void SetEarlyWidth(float degrees);
+    float GetEarlyStart() const noexcept { return earlyStart; }
+    float GetEarlyEnd() const noexcept { return earlyEnd; }
+    float GetEarlyDistribution() const noexcept { return earlyDistribution; }
+    float GetEarlyShape() const noexcept { return earlyShape; }
+    float GetEarlyWidth() const noexcept { return earlyWidth; }
     /// @}
 
     /// @name Cluster: the dense reflections between early ones and late field
@@ -197,6 +213,7 @@ public:
     void SetClusterGainHigh(float gainDb);
     void SetClusterCrossoverFrequencyLow(float frequencyHz);
     void SetClusterCrossoverFrequencyHigh(float frequencyHz);
+    HLShelfParameters const& GetClusterParameters() const noexcept { return clusterParameters; }
 
     /// Time of the first cluster reflection [ms], 1 to 300, default 42.47. What counts is its distance from the early
     /// start, clamped to 1 to 300. Delays glide in 50 ms, here and in the next two; the late field, whose start is
@@ -208,6 +225,9 @@ public:
     /// Whether reflections crowd at the start (low) or at the end (high) of their range, clamped to 0.1 to 0.9, default
     /// 0.5.
     void SetClusterDistribution(float distribution);
+    float GetClusterStart() const noexcept { return clusterStart; }
+    float GetClusterEnd() const noexcept { return clusterEnd; }
+    float GetClusterDistribution() const noexcept { return clusterDistribution; }
     /// @}
 
     /// @name Late field
@@ -237,11 +257,20 @@ public:
     /// SetReverbStart does.
     void SetReverbModalDensity(float seconds);
     /// Holds the tail for ever (air absorption, if on, still takes its highs). Default false; at once.
-    void SetInfinite(bool infinite);
+    void SetInfinite(bool newInfinite);
     /// Whether the late field loses highs to the air. Default true; at once.
     void UseAirAbsorption(bool use);
     /// Frequency from which on the air absorbs [Hz], 20 to 20000, default 10000; at once.
     void SetAirAbsorptionRolloffFrequency(float frequencyHz);
+    ReverbDspParameters GetReverbParameters() const noexcept {
+        return {reverbGain,        decayTime,    relativeDecayLow, relativeDecayMedium,
+                relativeDecayHigh, crossoverLow, crossoverHigh};
+    }
+    float GetReverbStart() const noexcept { return reverbStart; }
+    float GetReverbModalDensity() const noexcept { return modalDensity; }
+    bool IsInfinite() const noexcept { return infinite; }
+    bool UsesAirAbsorption() const noexcept { return useAirAbsorption; }
+    float GetAirAbsorptionRolloffFrequency() const noexcept { return airAbsorptionRolloffFrequency; }
     /// @}
 
 protected:
@@ -282,6 +311,8 @@ protected:
     float crossoverLow = LumeDefaultParameters::DefaultReverbCrossoverFrequencyLow;    // [Hz]
     float crossoverHigh = LumeDefaultParameters::DefaultReverbCrossoverFrequencyHigh;  // [Hz]
     bool useAirAbsorption = LumeDefaultParameters::DefaultReverbAirAbsorption;
+    float airAbsorptionRolloffFrequency = LumeDefaultParameters::DefaultAirRolloffFrequency;  // [Hz]
+    bool infinite = LumeDefaultParameters::DefaultReverbInfinite;
     float elevation = 0.0f;  // [degrees]
 
     std::unique_ptr<Early> early;

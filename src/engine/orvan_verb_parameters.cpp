@@ -240,8 +240,9 @@ void OrvanVerb::SetReverbCrossoverFrequencyHigh(float frequencyHz) {
     reverb->SetCrossoverFrequencyHigh(frequencyHz);
 }
 
-void OrvanVerb::SetInfinite(bool infinite) {
-    reverb->SetInfinite(infinite);
+void OrvanVerb::SetInfinite(bool newInfinite) {
+    infinite = newInfinite;
+    reverb->SetInfinite(newInfinite);
 }
 
 void OrvanVerb::UseAirAbsorption(bool use) {
@@ -250,6 +251,7 @@ void OrvanVerb::UseAirAbsorption(bool use) {
 }
 
 void OrvanVerb::SetAirAbsorptionRolloffFrequency(float frequencyHz) {
+    airAbsorptionRolloffFrequency = frequencyHz;
     reverb->SetAirAbsorptionRolloffFrequency(frequencyHz);
 }
 

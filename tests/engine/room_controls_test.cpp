@@ -1,0 +1,41 @@
+#include "engine/room_controls.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+namespace {
+
+using Lume::OrvanVerb;
+using Lume::RoomControl;
+using Lume::roomControls;
+
+// Red if a row names the setter or the getter of its neighbour, or if a setter writes another's value.
+TEST(RoomControls, EachReachesItsOwnValueOnly) {
+    for (RoomControl const& control : roomControls) {
+        OrvanVerb engine(4);
+        const OrvanVerb untouched(4);
+        const float value = control.get(engine) == control.greatest ? control.least : control.greatest;
+        control.set(engine, value);
+        for (RoomControl const& other : roomControls)
+            EXPECT_EQ(other.get(engine), &other == &control ? value : other.get(untouched))
+                << control.name << " seen by " << other.name;
+    }
+}
+
+// Red if a row is copied and not finished.
+TEST(RoomControls, AreNamedOnceAndStartWithinTheirRange) {
+    std::set<std::string> names;
+    for (RoomControl const& control : roomControls) {
+        EXPECT_TRUE(names.insert(control.name).second) << control.name;
+        EXPECT_LT(control.least, control.greatest) << control.name;
+        EXPECT_EQ(std::clamp(control.standard, control.least, control.greatest), control.standard) << control.name;
+        if (control.scale == Lume::Scale::logarithmic) EXPECT_GT(control.least, 0.0f) << control.name;
+        EXPECT_EQ(&roomControls[Lume::FindControl(control.name).value()], &control);
+    }
+    EXPECT_FALSE(Lume::FindControl("tr").has_value());
+}
+
+}  // namespace
