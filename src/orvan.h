@@ -156,6 +156,10 @@
 #include "engine/orvan_verb.h"
 #include "engine/room_controls.h"
 
+// room
+#include "room/sample_guard.h"
+#include "room/steady_vectors.h"
+
 // decoders
 #include "decoders/ambisonic/ambisonic_decoder.h"
 #include "decoders/ambisonic/ambisonic_shelving.h"

@@ -27,8 +27,7 @@ bool Contains(std::vector<max::t_atom> const& words, char const* word) {
 
 }  // namespace
 
-HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener listener)
-    : processor([this](float const* const* inputs, float* const* outputs) { box->Process(inputs, outputs); }) {
+HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener listener) {
     const FloatingPointMode unchanged;
     const bool sources = !Contains(words, "@sourcespositions"), speakers = !Contains(words, "@speakerspositions");
     box = std::make_unique<max::Box>(BoxWords(std::move(words)), std::move(listener));
@@ -53,12 +52,16 @@ void HostedRoom::Start(float newSampleRate, std::size_t blockSize) {
     const FloatingPointMode unchanged;
     sampleRate = newSampleRate;
     vectors.Configure(NumInputs(), NumOutputs(), blockSize);
+    guard.Configure(NumInputs(), vectors.VectorSize());
     box->StartAudio(sampleRate, static_cast<long>(vectors.VectorSize()));
 }
 
 void HostedRoom::Process(float const* const* inputs, float* const* outputs) {
     const FloatingPointMode unchanged;
-    vectors.Process(inputs, outputs, processor);
+    vectors.Process(outputs, inputs, vectors.BlockSize(), [this](float* const* out, float const** in) {
+        guard.Check(in);
+        box->Process(in, out);
+    });
 }
 
 }  // namespace plugin

@@ -3,8 +3,9 @@
 #include <memory>
 #include <vector>
 
-#include "common/steady_vectors.h"
 #include "patcher/box.h"
+#include "room/sample_guard.h"
+#include "room/steady_vectors.h"
 
 namespace plugin {
 
@@ -32,7 +33,9 @@ public:
     /// @param blockSize   of the host [samples]; any from 1 on
     void Start(float sampleRate, std::size_t blockSize);
     float SampleRate() const noexcept { return sampleRate; }
-    SteadyVectors const& Vectors() const noexcept { return vectors; }
+    std::size_t BlockSize() const noexcept { return vectors.BlockSize(); }
+    /// How many input samples became 0 because they could have stayed in the room for good.
+    std::uint64_t NumReplaced() const noexcept { return guard.NumReplaced(); }
 
     /// Processes one block of the host. Real-time safe.
     /// @param inputs, outputs  one pointer per channel; may be the same arrays, in any order
@@ -40,8 +43,8 @@ public:
 
 private:
     float sampleRate = 0.0f;  // [Hz]; 0 before the first Start
-    SteadyVectors vectors;
-    SteadyVectors::Processor processor;
+    Lume::SteadyVectors vectors;
+    Lume::SampleGuard guard;
     std::unique_ptr<max::Box> box;
 };
 

@@ -109,13 +109,13 @@ void PdRoom::Message(t_symbol const* selector, std::span<t_atom const> atoms) {
 bool PdRoom::MissedABlock() const {
     const double blockTime =
         std::max(tickSize / static_cast<double>(sys_getsr()),
-                 static_cast<double>(room.Vectors().BlockSize()) / static_cast<double>(room.SampleRate()));  // [s]
+                 static_cast<double>(room.BlockSize()) / static_cast<double>(room.SampleRate()));  // [s]
     return clock_gettimesince(lastBlockTime) > 1.5 * 1000.0 * blockTime;
 }
 
 void PdRoom::Dsp(t_signal** signals) {
     const auto blockSize = static_cast<std::size_t>(signals[0]->s_n);
-    if (signals[0]->s_sr != room.SampleRate() || blockSize != room.Vectors().BlockSize() || MissedABlock()) {
+    if (signals[0]->s_sr != room.SampleRate() || blockSize != room.BlockSize() || MissedABlock()) {
         room.Start(signals[0]->s_sr, blockSize);
         lastBlockTime = clock_getlogicaltime();
     }
@@ -132,7 +132,7 @@ void PdRoom::Dsp(t_signal** signals) {
 void PdRoom::Perform() {
     lastBlockTime = clock_getlogicaltime();
     room.Process(inputs.data(), outputs.data());
-    if (room.Vectors().NumReplaced() > 0 && !reported) {
+    if (room.NumReplaced() > 0 && !reported) {
         reported = true;
         clock_delay(reportClock, reportDelay);
     }
@@ -140,7 +140,7 @@ void PdRoom::Perform() {
 
 void PdRoom::ReportReplaced() {
     Line(max::ConsoleLevel::error,
-         std::to_string(room.Vectors().NumReplaced()) +
+         std::to_string(room.NumReplaced()) +
              " input samples weren't finite; 0 went into the room instead. This is said once");
 }
 
