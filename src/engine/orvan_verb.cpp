@@ -6,7 +6,6 @@
 #include "dsp/constants.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "geometry/speakers.h"
-#include "pan/binaural/binaural_panning.h"
 
 namespace Lume {
 
@@ -176,7 +175,10 @@ void OrvanVerb::ProcessRoom(unsigned long numSamples) {
 void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float gain) {
     for (unsigned int i = 0; i < numInputs; ++i)
         sourceBus->ApplyGain(i, directDistanceRamps[i].Advance(numSamples) * gain);
-    directPan->ProcessAdding(outputs, sourceBus->GetChannels(), numSamples, allActiveInputs);
+    if (earsFaded < earsFadeTime)
+        CrossfadeEars(outputs, numSamples);
+    else
+        directPan->ProcessAdding(outputs, sourceBus->GetChannels(), numSamples, allActiveInputs);
 }
 
 void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float gain) {
@@ -196,6 +198,7 @@ void OrvanVerb::AddLateLayer(float** outputs, unsigned long numSamples, float cl
 }
 
 void OrvanVerb::SetSamplerate(float newSamplerate) {
+    EndEarsCrossfade();
     samplerate = newSamplerate;
     for (std::size_t i = 0; i < roomSendRamps.size(); ++i) {
         roomSendRamps[i].SetSamplerate(newSamplerate);
@@ -212,6 +215,7 @@ void OrvanVerb::SetSamplerate(float newSamplerate) {
 }
 
 void OrvanVerb::SetMaxBlockSize(unsigned int blockSize) {
+    EndEarsCrossfade();
     buffersize = blockSize;
     early->SetMaxBlockSize(blockSize);
     cluster->SetMaxBlockSize(blockSize);
@@ -235,12 +239,18 @@ void OrvanVerb::Clear() {
     cluster->Clear();
     reverb->Clear();
     directPan->Clear();
+    if (formerPan) formerPan->Clear();
     earlyPan->Clear();
     diffusePan->Clear();
     directShelf.Clear();
     earlyShelf.Clear();
     clusterShelf.Clear();
     roomShelf.Clear();
+}
+
+void OrvanVerb::Silence() {
+    Clear();
+    reverb->ClearAirFilters();
 }
 
 void OrvanVerb::SetSourcePosition(unsigned int source, CartesianVector const& position) {
@@ -257,18 +267,6 @@ void OrvanVerb::SetSourcePosition(unsigned int source, CartesianVector const& po
     const float distance = std::min(std::max(Defaults::minSourceDistance, p.radius()), Defaults::maxSourceDistance);
     directDistanceRamps[source].Start(1.0f / (distance * distance), DistanceRampTime);
     roomSendRamps[source].Start(1.0f / distance, DistanceRampTime);
-}
-
-bool OrvanVerb::LoadHrtf(char const* path) {
-    auto* const binaural = dynamic_cast<BinauralPanning*>(directPan.get());
-    if (binaural == nullptr || !binaural->LoadFromFile(path)) return false;
-    binaural->SetFIRFiltersImplementationMethod(orvandsp::Filter::fftconvolution);
-    return true;
-}
-
-HrtfHeaderInfos const* OrvanVerb::GetHrtfHeaderInfos() const {
-    auto const* const binaural = dynamic_cast<BinauralPanning const*>(directPan.get());
-    return binaural != nullptr ? binaural->GetHrtfHeaderInfos() : nullptr;
 }
 
 void OrvanVerb::SetSpeakersPositions(CartesianVector const* positions) {

@@ -21,6 +21,9 @@
 
 namespace Lume {
 
+class BinauralPanning;
+class Hrtf;
+
 /// The room reverberator and spatialiser: N source signals in, M loudspeaker signals (or two binaural ones) out.
 ///
 ///     inputs -> direct shelf --+--> x 1/d^2, direct gain ------------------------------> direct panner --+
@@ -73,8 +76,11 @@ public:
     /// sources' level rises from zero in 30 ms. Each later call announces rate and block size, clears all audio memory
     /// and ignores the shape.
     /// @param newSamplerate  [Hz]
-    /// @param maxBlockSize   largest number of samples of one call to Process. Blocks of a steady size, a power of two
-    ///                       from 16 on, keep the late field's loop lengths steady
+    /// @param maxBlockSize   largest number of samples of one call to Process. Keep to one size of calls, from 1 to 64
+    ///                       or a multiple of 64: the late field takes its loop lengths from it. Others change them
+    ///                       within each call, and with them the decay: calls of 480 samples make 3.3 s of 2 s, of 100
+    ///                       samples 7 s, and an infinite room then grows. SteadyVectors cuts any blocks to vectors of
+    ///                       one size; Room does it inside
     void Configure(float newSamplerate, unsigned int maxBlockSize, unsigned int numSources, unsigned int numSpeakers);
 
     /// Whether a first Configure has succeeded.
@@ -87,8 +93,11 @@ public:
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    /// Returns to silence; parameters, positions and running ramps stay.
+    /// Returns to silence; parameters, positions and running ramps stay. So does what the air filters of the late field
+    /// remember.
     void Clear() override;
+    /// Clear, and the air filters too: nothing that ever came in is heard again. Real-time safe.
+    void Silence();
     /// @}
 
     /// @name Positions
@@ -111,6 +120,20 @@ public:
     /// @return false, and nothing has changed, if the engine isn't binaural or the set isn't one for two ears
     /// @throws OrvanDspException, and nothing has changed, if the file can't be read
     bool LoadHrtf(char const* path);
+
+    /// The same with a set that is loaded.
+    bool SetHrtf(std::unique_ptr<Hrtf> set);
+
+    /// Makes ears from a set, for ExchangeEars: all of the work that takes time and memory. May run beside Process and
+    /// every setter, but not beside Configure, SetSamplerate and SetMaxBlockSize.
+    /// @return null if the engine isn't binaural or the set isn't one for two ears
+    std::unique_ptr<BinauralPanning> MakeEars(std::unique_ptr<Hrtf> set) const;
+
+    /// Gives the sources other ears, in a crossfade of 30 ms. Real-time safe.
+    /// @param ears  from MakeEars of this engine, configured as it is now. In return holds the ears that were in use
+    ///              before the last exchange, or null: to be deleted on another thread
+    /// @return false, and nothing has changed, while a crossfade runs
+    bool ExchangeEars(std::unique_ptr<BinauralPanning>& ears);
 
     /// The description of the set in use, null if the engine isn't binaural.
     HrtfHeaderInfos const* GetHrtfHeaderInfos() const;
@@ -277,6 +300,8 @@ protected:
     bool CreatePanners(unsigned int numSources, unsigned int numSpeakers);
     void ProcessRoom(unsigned long numSamples);
     void AddDirectLayer(float** outputs, unsigned long numSamples, float gain);
+    void CrossfadeEars(float** outputs, unsigned long numSamples);
+    void EndEarsCrossfade();
     void AddEarlyLayer(float** outputs, unsigned long numSamples, float gain);
     void AddLateLayer(float** outputs, unsigned long numSamples, float clusterScale, float reverbScale);
     void UpdateEarlyDelays();
@@ -319,6 +344,9 @@ protected:
     std::unique_ptr<Cluster> cluster;
     std::unique_ptr<Reverb> reverb;
     std::unique_ptr<Pan> directPan;   // N to M
+    std::unique_ptr<Pan> formerPan;   // N to 2: the ears before the last exchange
+    unsigned long earsFaded = 0;      // samples of the crossfade between the two that have gone by
+    unsigned long earsFadeTime = 0;   // [samples]
     std::unique_ptr<Pan> earlyPan;    // 2 to M
     std::unique_ptr<Pan> diffusePan;  // C to M
     MultiFadedHLShelf directShelf;

@@ -255,6 +255,10 @@ void Reverb::Clear() {
     feedbackBuffer.Clear();
 }
 
+void Reverb::ClearAirFilters() {
+    for (AirAbsorption& filter : airFilters) filter.Clear();
+}
+
 void Reverb::Process(float** outputs, float** inputs, unsigned long numSamples, short const*) {
     // At least one sample, so that a rate of a few hertz, where the shortest delay is no sample long, can't stop the
     // loop.

@@ -57,6 +57,8 @@ public:
     void SetMaxBlockSize(unsigned int blockSize) override;
     /// Silences lines, taps and absorbent filters. The air filters keep their memory; gain and delays stay.
     void Clear() override;
+    /// Silences the air filters.
+    void ClearAirFilters();
 
     void SetDecayTime(float seconds);
     void SetRelativeDecayLow(float ratio);

@@ -43,8 +43,11 @@ void BinauralPanningDirect::SetNumInputs(unsigned int newNumInputs) {
 }
 
 bool BinauralPanningDirect::LoadFromFile(char const* path) {
-    auto loaded = std::make_unique<Hrtf>(path);
-    HrtfHeaderInfos const& infos = loaded->GetHrtfHeaderInfos();
+    return SetHrtf(std::make_unique<Hrtf>(path));
+}
+
+bool BinauralPanningDirect::SetHrtf(std::unique_ptr<Hrtf> newHrtf) {
+    HrtfHeaderInfos const& infos = newHrtf->GetHrtfHeaderInfos();
     const bool isFir = infos.filterType == hrtfFIR;
     // A set without points or coefficients has nothing to hear.
     const bool suits = infos.hrtfType == hrtfBinaural && infos.numChannels == 2 &&
@@ -53,7 +56,7 @@ bool BinauralPanningDirect::LoadFromFile(char const* path) {
     if (!suits) return false;
 
     setHrtfFilterType(isFir ? firFilter : biquadFilters);
-    hrtf = std::move(loaded);
+    hrtf = std::move(newHrtf);
     numCoefficients = hrtf->GetNumCoefficients();
     voices.ForEach([this](HrtfFiltering& ear) { ear.SetNumCoefficients(numCoefficients); });
     forceUpdate(false);
