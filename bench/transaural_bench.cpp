@@ -1,7 +1,7 @@
 #include <benchmark/benchmark.h>
 
 #include "decoders/transaural/transaural_decoder_recursive_symmetric_biquads.h"
-#include "decoders/transaural/transaural_decoder_shuffler_symmetric.h"
+#include "decoders/transaural/transaural_decoder_shuffler.h"
 #include "dsp/audio_buffer.h"
 
 namespace {

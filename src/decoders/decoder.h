@@ -9,7 +9,7 @@
 namespace Lume {
 
 /// Frame of every decoder: turns one multi-channel format into another (binaural, B-format and higher-order ambisonics
-/// into loudspeaker feeds, and the matrix formats among themselves).
+/// into loudspeaker feeds, and the matrix formats among themselves). What kinds there are stands in decoder_factory.h.
 ///
 /// Set-up and names belong to the control thread; Process is real-time safe. Where the numbers of channels allow it,
 /// the output arrays may be the input arrays.
@@ -71,7 +71,10 @@ public:
     virtual void SetLoudspeakerPositions(CartesianVector const* positions) = 0;
 
 protected:
-    void initDecoder(unsigned int numberOfInputs, unsigned int numberOfOutputs);
+    void initDecoder(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
+        numInputs = numberOfInputs;
+        numOutputs = numberOfOutputs;
+    }
 };
 
 }  // namespace Lume

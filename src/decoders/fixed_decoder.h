@@ -8,10 +8,10 @@ namespace Lume {
 class FixedDecoder : public Decoder {
 public:
     /// Does nothing.
-    void SetLoudspeakerPositions(CartesianVector const* positions) override;
-    void SetSamplerate(float newSamplerate) override;
-    void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void SetLoudspeakerPositions(CartesianVector const* /*positions*/) override {}
+    void SetSamplerate(float newSamplerate) override { samplerate = newSamplerate; }
+    void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
+    void Clear() override {}
 };
 
 }  // namespace Lume

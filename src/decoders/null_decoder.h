@@ -7,11 +7,17 @@ namespace Lume {
 /// Hands on the channels that both sides have and clears the other outputs; stands in where no decoder can be made.
 class NullDecoder : public FixedDecoder {
 public:
-    NullDecoder(unsigned int numInputs, unsigned int numOutputs);
+    NullDecoder(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
+        initDecoder(numberOfInputs, numberOfOutputs);
+    }
 
-    static Decoder* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Decoder* Create(unsigned int numInputs, unsigned int numOutputs) {
+        return new NullDecoder(numInputs, numOutputs);
+    }
 
-    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) override {
+        Bypass(outputs, inputs, numSamples);
+    }
 };
 
 }  // namespace Lume

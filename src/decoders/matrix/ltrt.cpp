@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "decoders/matrix/matrix_constants.h"
+#include "decoders/matrix/matrix_format.h"
 #include "dsp/constants.h"
 
 namespace Lume {
@@ -44,21 +44,10 @@ LtRt::LtRt(InputFormat format)
 void LtRt::Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) {
     const auto length = static_cast<unsigned int>(numSamples);
     if (scratch.GetNumSamples() != length) scratch.Resize(numInputs, length);
+    (inputFormat == LCRS ? lcrs2fronts : lrs2fronts).Mix(scratch.GetChannels(), inputs, numSamples);
     float* const l = scratch.GetChannel(0);
     float* const r = scratch.GetChannel(1);
     float* const s = scratch.GetChannel(2);
-    for (unsigned long n = 0; n < numSamples; ++n) {
-        if (inputFormat == LCRS) {
-            const float m = sqrt1div2 * inputs[1][n];
-            s[n] = sqrt1div2 * inputs[3][n];
-            l[n] = inputs[0][n] + m;
-            r[n] = inputs[2][n] + m;
-        } else {
-            s[n] = sqrt1div2 * inputs[2][n];
-            l[n] = inputs[0][n];
-            r[n] = inputs[1][n];
-        }
-    }
     shelf.Process(s, s, numSamples);
     lowPass.Process(s, s, numSamples);
 

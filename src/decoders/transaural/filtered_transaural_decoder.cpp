@@ -106,8 +106,12 @@ void FilteredTransauralDecoder::Clear() {
     for (auto const& filter : filters) filter->Clear();
 }
 
-bool FilteredTransauralDecoder::canProcess(short const* activeInputs) const noexcept {
-    return set && activeInputs[0] != 0 && activeInputs[1] != 0;
+void FilteredTransauralDecoder::Process(float** outputs, float** inputs, unsigned long numSamples,
+                                        short const* activeInputs) {
+    if (set && activeInputs[0] != 0 && activeInputs[1] != 0)
+        runNetwork(outputs, inputs, numSamples);
+    else
+        Mute(outputs, numSamples);
 }
 
 void FilteredTransauralDecoder::runFilter(unsigned int number, float* output, float* input, unsigned long numSamples) {

@@ -35,6 +35,8 @@ public:
     void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation);
     void SetFIRFiltersImplementationMethod(char const* name);
 
+    /// Clears the outputs without data or with an inactive input. Real-time safe while the block length is steady.
+    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) final;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
     void Clear() override;
@@ -44,8 +46,8 @@ protected:
     FilteredTransauralDecoder(unsigned int numInputs, unsigned int numOutputs, HrtfType type, unsigned int numFilters,
                               SpeakerPair pair);
 
-    /// Whether there is a set, and both inputs carry signal.
-    bool canProcess(short const* activeInputs) const noexcept;
+    /// Runs the network, from two active inputs to two outputs, which may be the same arrays.
+    virtual void runNetwork(float** outputs, float** inputs, unsigned long numSamples) = 0;
     /// Runs a filter, counted from 1, over one block; output may be input.
     void runFilter(unsigned int number, float* output, float* input, unsigned long numSamples);
     /// Four blocks for a network to work in; their contents are undefined.

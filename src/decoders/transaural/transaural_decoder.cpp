@@ -3,26 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "decoders/transaural/transaural_decoder_feedforward.h"
-#include "decoders/transaural/transaural_decoder_recursive_asymmetric.h"
-#include "decoders/transaural/transaural_decoder_shuffler_symmetric.h"
-
 namespace Lume {
 
 TransauralDecoder::TransauralDecoder(unsigned int /*numberOfInputs*/, unsigned int /*numberOfOutputs*/) {
     initDecoder(2, 2);
-}
-
-bool TransauralDecoder::IsTransauralRecursiveAsymmetric() const {
-    return dynamic_cast<TransauralDecoderRecursiveAsymmetric const*>(this) != nullptr;
-}
-
-bool TransauralDecoder::IsTransauralDecoderFeedforward() const {
-    return dynamic_cast<TransauralDecoderFeedforward const*>(this) != nullptr;
-}
-
-bool TransauralDecoder::IsTransauralDecoderShufflerSymmetric() const {
-    return dynamic_cast<TransauralDecoderShufflerSymmetric const*>(this) != nullptr;
 }
 
 void TransauralDecoder::SetLoudspeakerPositions(CartesianVector const* positions) {

@@ -24,11 +24,14 @@ public:
     /// Whether the loudspeakers last set mirror each other; false until they are set.
     bool IsSpeakersSetupSymmetric() const noexcept { return speakersSetupSymmetric; }
     /// Whether this is a TransauralDecoderRecursiveAsymmetric.
-    bool IsTransauralRecursiveAsymmetric() const;
+    bool IsTransauralRecursiveAsymmetric() const { return isFor(hrtfBinauralToTransauralRecursiveAsymmetric); }
     /// Whether this is one of the two feed-forward forms.
-    bool IsTransauralDecoderFeedforward() const;
+    bool IsTransauralDecoderFeedforward() const {
+        return isFor(hrtfBinauralToTransauralFeedForwardSymmetric) ||
+               isFor(hrtfBinauralToTransauralFeedForwardAsymmetric);
+    }
     /// Whether this is a TransauralDecoderShufflerSymmetric.
-    bool IsTransauralDecoderShufflerSymmetric() const;
+    bool IsTransauralDecoderShufflerSymmetric() const { return isFor(hrtfBinauralToTransauralShufflerSymmetric); }
 
     /// Sets the two loudspeakers, in any order: the one further to the left is the left one. Takes the filters for
     /// them. The setup counts as symmetric if the positions mirror each other to within 5 cm in each coordinate.
@@ -65,6 +68,10 @@ protected:
     CartesianVector leftEar{-LumeDefaultParameters::DefaultHeadRadius, 0.0f, 0.0f};
     CartesianVector rightEar{LumeDefaultParameters::DefaultHeadRadius, 0.0f, 0.0f};
     bool speakersSetupSymmetric = false;
+
+private:
+    /// Each network has a type of set of its own.
+    bool isFor(HrtfType type) const { return getExpectedHrtfTypeInHrtfFiles() == type; }
 };
 
 /// What Create of each member does: a T for two and two channels, a NullDecoder for others.

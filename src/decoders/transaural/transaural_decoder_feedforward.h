@@ -16,12 +16,35 @@ namespace Lume {
 /// KEMAR manikin as F1 to F4 crosstalk vanishes (100 dB and more, rounding), and the inverse determinant decides about
 /// colour alone.
 class TransauralDecoderFeedforward : public FilteredTransauralDecoder {
-public:
-    /// Clears the outputs without data or with an inactive input. Real-time safe while the block length is steady.
-    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
-
 protected:
-    TransauralDecoderFeedforward(unsigned int numInputs, unsigned int numOutputs, HrtfType type, SpeakerPair pair);
+    TransauralDecoderFeedforward(unsigned int numberOfInputs, unsigned int numberOfOutputs, HrtfType type,
+                                 SpeakerPair pair)
+        : FilteredTransauralDecoder(numberOfInputs, numberOfOutputs, type, 6, pair) {}
+
+    void runNetwork(float** outputs, float** inputs, unsigned long numSamples) override;
+};
+
+/// The feed-forward canceller for a symmetric pair of loudspeakers. Its sets hold all six filters, though F1 and F4, F2
+/// and F3, F5 and F6 are the same.
+class TransauralDecoderFeedforwardSymmetric : public TransauralDecoderFeedforward {
+public:
+    TransauralDecoderFeedforwardSymmetric(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+        : TransauralDecoderFeedforward(numberOfInputs, numberOfOutputs, hrtfBinauralToTransauralFeedForwardSymmetric,
+                                       SpeakerPair::symmetric) {}
+    static Decoder* Create(unsigned int numInputs, unsigned int numOutputs) {
+        return CreateTransauralDecoder<TransauralDecoderFeedforwardSymmetric>(numInputs, numOutputs);
+    }
+};
+
+/// The feed-forward canceller for any pair of loudspeakers.
+class TransauralDecoderFeedforwardAsymmetric : public TransauralDecoderFeedforward {
+public:
+    TransauralDecoderFeedforwardAsymmetric(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+        : TransauralDecoderFeedforward(numberOfInputs, numberOfOutputs, hrtfBinauralToTransauralFeedForwardAsymmetric,
+                                       SpeakerPair::asymmetric) {}
+    static Decoder* Create(unsigned int numInputs, unsigned int numOutputs) {
+        return CreateTransauralDecoder<TransauralDecoderFeedforwardAsymmetric>(numInputs, numOutputs);
+    }
 };
 
 }  // namespace Lume

@@ -18,8 +18,12 @@ namespace Lume {
 /// average from 200 Hz to 8 kHz on a logarithmic axis.
 class TransauralDecoderLeastSquares : public FilteredTransauralDecoder {
 public:
-    TransauralDecoderLeastSquares(unsigned int numInputs, unsigned int numOutputs);
-    static Decoder* Create(unsigned int numInputs, unsigned int numOutputs);
+    TransauralDecoderLeastSquares(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+        : FilteredTransauralDecoder(numberOfInputs, numberOfOutputs, hrtfBinauralToTransauralLeastSquares, 4,
+                                    SpeakerPair::asymmetric) {}
+    static Decoder* Create(unsigned int numInputs, unsigned int numOutputs) {
+        return CreateTransauralDecoder<TransauralDecoderLeastSquares>(numInputs, numOutputs);
+    }
 
     /// The filters from an input (first letter) to an output (second letter), as the set has them: F1, F2, F3, F4.
     /// Empty without a set.
@@ -28,8 +32,8 @@ public:
     std::vector<float> GetRlCoefficients() const { return coefficientsOf(3); }
     std::vector<float> GetRrCoefficients() const { return coefficientsOf(4); }
 
-    /// Clears the outputs without data or with an inactive input. Real-time safe while the block length is steady.
-    void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+protected:
+    void runNetwork(float** outputs, float** inputs, unsigned long numSamples) override;
 };
 
 }  // namespace Lume

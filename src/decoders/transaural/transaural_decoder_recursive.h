@@ -46,4 +46,44 @@ protected:
     std::vector<float> a, b;  // the two sides within a block
 };
 
+/// The recursive canceller for a symmetric pair of loudspeakers, with the outputs in the loop:
+///
+///     out0 = F3 in0 - F2 out1', out1 = F4 in1 - F1 out0',
+///
+/// where a prime marks the block before. With Hi and Hc the responses from a loudspeaker to its near and its far ear,
+/// the ears hear the inputs for F3 = F4 = 1 / Hi and F1 = F2 = Hc / Hi without one block of its delay. Its sets hold
+/// all four filters.
+class TransauralDecoderRecursiveSymmetric : public TransauralDecoderRecursive {
+public:
+    TransauralDecoderRecursiveSymmetric(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+        : TransauralDecoderRecursive(numberOfInputs, numberOfOutputs, hrtfBinauralToTransauralRecursiveSymmetric,
+                                     SpeakerPair::symmetric) {}
+    static Decoder* Create(unsigned int numInputs, unsigned int numOutputs) {
+        return CreateTransauralDecoder<TransauralDecoderRecursiveSymmetric>(numInputs, numOutputs);
+    }
+
+protected:
+    void runNetwork(float** outputs, float** inputs, unsigned long numSamples) override;
+};
+
+/// The recursive canceller for any pair of loudspeakers, with the equalisers of the loudspeakers behind the loop:
+///
+///     a = in0 - F1 b', b = in1 - F2 a', out0 = F3 a, out1 = F4 b,
+///
+/// where a prime marks the block before. With LL, LR, RL and RR the responses from a loudspeaker (first letter) to an
+/// ear (second letter), the ears hear the inputs for F1 = RL / RR and F2 = LR / LL, each without one block of its
+/// delay, F3 = 1 / LL and F4 = 1 / RR.
+class TransauralDecoderRecursiveAsymmetric : public TransauralDecoderRecursive {
+public:
+    TransauralDecoderRecursiveAsymmetric(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+        : TransauralDecoderRecursive(numberOfInputs, numberOfOutputs, hrtfBinauralToTransauralRecursiveAsymmetric,
+                                     SpeakerPair::asymmetric) {}
+    static Decoder* Create(unsigned int numInputs, unsigned int numOutputs) {
+        return CreateTransauralDecoder<TransauralDecoderRecursiveAsymmetric>(numInputs, numOutputs);
+    }
+
+protected:
+    void runNetwork(float** outputs, float** inputs, unsigned long numSamples) override;
+};
+
 }  // namespace Lume
