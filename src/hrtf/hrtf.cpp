@@ -1,5 +1,6 @@
 #include "hrtf/hrtf.h"
 
+#include <algorithm>
 #include <fstream>
 #include <utility>
 
@@ -100,7 +101,12 @@ void Hrtf::LoadFromColl(std::string const& fileName, HrtfInfo const& info) try {
     if (parser.numRows != newHeader.numPoints)
         throw orvandsp::OrvanDspException("not enough measures", __FILE__, __LINE__);
 
-    points = PointsOnGrid(info, [&](unsigned int index) { return parser.rows.at(static_cast<int>(index) + 1).data(); });
+    std::vector<HrtfPoint> newPoints =
+        PointsOnGrid(info, [&](unsigned int index) { return parser.rows.at(static_cast<int>(index) + 1).data(); });
+    if (!std::all_of(newPoints.begin(), newPoints.end(),
+                     [](auto const& point) { return IsInterauralDelay(point.itd); }))
+        throw orvandsp::OrvanDspException("a delay is longer than any between two ears", __FILE__, __LINE__);
+    points = std::move(newPoints);
     header = std::move(newHeader);
 } catch (orvandsp::OrvanDspException const&) {
     throw;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <vector>
 
 #include "geometry/cartesian_vector.h"
@@ -15,5 +16,12 @@ struct HrtfPoint {
     std::vector<float> coefficients;             // numChannels x numCoefficients, ear by ear
     unsigned int index = 0;                      // number of the point, from 0
 };
+
+/// Whether a file may call this the delay between two ears [ms]. It becomes the length of delay lines, two for each
+/// source: a second is a thousand times what a head makes of it, and still a line of modest size.
+inline bool IsInterauralDelay(float milliseconds) {
+    constexpr float longest = 1000.0f;
+    return std::abs(milliseconds) <= longest;
+}
 
 }  // namespace Lume

@@ -10,6 +10,7 @@
 #include "dsp/orvan_dsp_exception.h"
 #include "geometry/azimuth.h"
 #include "geometry/azimuth_distance_elevation.h"
+#include "hrtf/hrtf_point.h"
 
 namespace Lume {
 
@@ -180,6 +181,7 @@ std::size_t ReadXITDMatrix(SdifFileT* file, float& itd) {
         throw orvandsp::OrvanDspException(message, __FILE__, __LINE__);
     const std::size_t numBytes = SdifFReadOneRow(file);
     itd = FiniteValue(file, 1, message);
+    if (!IsInterauralDelay(itd)) throw orvandsp::OrvanDspException(message, __FILE__, __LINE__);
     return numBytes;
 }
 

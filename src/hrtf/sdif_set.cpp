@@ -1,5 +1,6 @@
 #include "hrtf/sdif_set.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "dsp/orvan_dsp_exception.h"
@@ -42,12 +43,13 @@ public:
 
 private:
     /// The counts come from a text, so they must first be such that the file can hold what they promise: a header for
-    /// each frame, and at least a byte for each coefficient.
+    /// each frame, and at least a byte for each coefficient of each point. A set without points promises no more than
+    /// one with a point: who takes the set makes room for a filter all the same.
     void MakeRoom() {
         const std::uint64_t size = SdifFGetSize(file);
         const std::uint64_t numPoints = set.header.numPoints;
         const std::uint64_t numValues = std::uint64_t{set.header.numCoefficients} * set.header.numChannels;
-        if (numPoints > size / SdifFrameHeaderSize || (numPoints != 0 && numValues > size / numPoints))
+        if (numPoints > size / SdifFrameHeaderSize || numValues > size / std::max<std::uint64_t>(numPoints, 1))
             Fail("invalid header ", fileName);
         set.points.resize(numPoints);
         for (SdifSetPoint& point : set.points) point.coefficients.resize(numValues);

@@ -89,12 +89,13 @@ TEST(Hrtf, BadTextsAreRefusedAndLeaveTheSetAsItWas) {
     EXPECT_EQ(LoadingSays(Rows(711, 26)), "not enough measures");
     EXPECT_EQ(LoadingSays(Rows(710, 27)), "the number of coefficients doesn't match");
     EXPECT_EQ(LoadingSays(""), "the number of coefficients doesn't match");
-    for (char const* const bad : {"700, 1 2 3;\n", "700, nan 1e99;\n"}) {
+    const auto with = [](std::string const& beginning, std::string const& instead) {
         std::string text = Rows(710, 26);
-        const std::size_t begin = text.find("\n700,") + 1;
-        text.replace(begin, text.find('\n', begin) + 1 - begin, bad);
-        EXPECT_EQ(LoadingSays(text), "the number of coefficients doesn't match");
-    }
+        return text.replace(text.find(beginning), beginning.size(), instead);
+    };
+    for (char const* const bad : {"\n700, 1 2 3;\n", "\n700, nan 1e99;\n"})
+        EXPECT_EQ(LoadingSays(with("\n700, ", std::string(bad) + "700. ")), "the number of coefficients doesn't match");
+    EXPECT_EQ(LoadingSays(with("\n700, 700 ", "\n700, 1e6 ")), "a delay is longer than any between two ears");
     Hrtf set("");
     // The second name has both forms, and counts as a text.
     for (char const* const name : {"no/such/file.coll", "no.coll.hrtf"})

@@ -117,6 +117,10 @@ TEST(Sdif, WhatIsWrongIsSaid) {
     oldVersion.TextFrame("1NVT", Header());
     more.Frame("HRTF", 1, {});
     stranger.Frame("HRTF", 0, {});
+    // Of no points, with filters that who loads it would make room for.
+    SdifWriter empty;
+    empty.TextFrame("1NVT", "FiltersLength\t1000000000\n" + Header("NumPoints", "0"));
+    empty.Frame("XXXX", 0, {});
     const std::pair<std::string, std::string> cases[] = {
         {frames({}), ""},
         {"RIFF", "invalid file NAME"},
@@ -125,6 +129,7 @@ TEST(Sdif, WhatIsWrongIsSaid) {
         {GoodSet(Header("NumPoints", "-3")).bytes, "invalid header NAME"},
         {GoodSet(Header("NumPoints", "2000000000")).bytes, "invalid header NAME"},
         {GoodSet(Header("FiltersLength", "99999999999")).bytes, "invalid header NAME"},
+        {empty.bytes, "invalid header NAME"},
         {GoodSet(Header("TableName", "Infos")).bytes, "invalid header NAME"},
         {GoodSet(Header("DataType", "Stereo")).bytes, "unknown hrtf type Stereo"},
         {GoodSet(Header("FiltersType", "IIR")).bytes, "unknown hrtf filter type IIR"},
@@ -139,6 +144,7 @@ TEST(Sdif, WhatIsWrongIsSaid) {
         {frames({{"XPOS", 8, 2, 3, {1, 2, 3, 4, 5, 6}}}), "exception reading XPOS matrix NAME"},
         {frames({{"XAED", 8, 0, 3, {}}}), "exception reading XAED matrix NAME"},
         {frames({{"XITD", 8, 2, 1, {1, 2}}}), "Invalid ITD matrix"},
+        {frames({Delay(1e5)}), "Invalid ITD matrix"},
         {frames({{"XIIR", 8, 5, 1, {1, 2, 3, 4, 5}}}), "Invalid Filter matrix ! "},
         {frames({Filter(std::nan(""))}), "Invalid Filter matrix ! "},
         {frames({{"XIIR", 0x701, 4, 1, {1, 2, 3, 4}}}), "error reading file NAME"},

@@ -10,6 +10,7 @@
 #include "decoders/measured_ways.h"
 #include "orvanverb/hrtf/filter_fit.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
+#include "orvanverb/hrtf/set_reading.h"
 #include "program/run_program.h"
 #include "program/sound_files.h"
 #include "support/frequency_response.h"
@@ -260,6 +261,12 @@ TEST_F(Transaural, WrongWordsAndFilesEndInOneLineThatNamesThem) {
     expect(Decode("leastsquares", out), 1, "for the network recursivesymmetric, not for leastsquares");
     WriteText(directory / "ears.hrtf", "");
     expect(Decode("shufflersymmetric", directory / "ears.hrtf"), 1, ".bin2trans or .coll");
+    // Blocks that don't fill a vector would be read and written behind its end.
+    const std::string odd = directory / "odd.bin2trans";
+    for (const unsigned int length : {0u, 3u, 7u, 128u, 100000000u}) {
+        WriteText(odd, program::SdifSetBytes(program::ReadAnySet(out), "me", length));
+        expect(Decode("recursivesymmetric", odd), 1, "blocks of '" + std::to_string(length) + "'");
+    }
     // Loudspeakers that a symmetric network can't serve.
     WriteText(directory / "pair", "-25\n40\n");
     EXPECT_NE(Decode("recursivesymmetric", out, directory / "pair").err.find("don't mirror each other"),

@@ -3,12 +3,12 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
-#include <bit>
 #include <memory>
 #include <optional>
 
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/transaural_conversion.h"
 #include "orvanverb/hrtf/transaural_design.h"
 #include "orvanverb/options/option_values.h"
@@ -73,7 +73,6 @@ std::vector<TransauralOptions::Pair> ParsePairs(std::vector<std::string> const& 
 }
 
 void TakeTransauralMeaning(TransauralWords const& words, HrtfOptions& options) {
-    constexpr unsigned int maxBlock = 64;
     TransauralOptions& transaural = options.transaural;
     const Lume::HrtfType type = TransauralTypeOf(transaural.network);
     TakeRateAndEqualisation(words.common, options);
@@ -83,8 +82,9 @@ void TakeTransauralMeaning(TransauralWords const& words, HrtfOptions& options) {
     if (!words.block.empty()) {
         const std::optional<unsigned int> block = ParseCount(words.block);
         if (!HasBlockLateLoop(type)) throw UsageError("--block: is for the recursive networks");
-        if (!block || *block > maxBlock || !std::has_single_bit(*block))
-            throw UsageError("--block: '" + words.block + "' is no power of two from 1 to " + std::to_string(maxBlock));
+        if (!block || !IsBlockLength(*block))
+            throw UsageError("--block: '" + words.block + "' is no power of two from 1 to " +
+                             std::to_string(maxBlockLength));
         transaural.blockLength = *block;
     }
     if (!words.step.empty()) transaural.stepDeg = ParseWithin("--step", words.step, 1.0f, 30.0f, "degrees");

@@ -1,5 +1,6 @@
 #include "orvanverb/hrtf/set_reading.h"
 
+#include <bit>
 #include <exception>
 
 #include "hrtf/coll_file.h"
@@ -61,6 +62,10 @@ bool IsSofa(std::string const& path) {
     return path.ends_with(".sofa") || path.ends_with(".SOFA");
 }
 
+bool IsBlockLength(unsigned int samples) {
+    return samples <= maxBlockLength && std::has_single_bit(samples);
+}
+
 std::optional<unsigned int> BlockLengthOf(std::string const& path) {
     std::string text;
     LoadQuietly(path, [&] {
@@ -71,8 +76,12 @@ std::optional<unsigned int> BlockLengthOf(std::string const& path) {
         Lume::SdifFReadAllASCIIChunks(file.get());
         Lume::GetValueFromNVT(text, file.get(), "HrtfInfos", blockLengthKey);
     });
+    if (text.empty()) return std::nullopt;
     const std::optional<unsigned int> length = ParseCount(text);
-    return length.value_or(0) > 0 ? length : std::nullopt;
+    if (!length || !IsBlockLength(*length))
+        throw WorkError(path + ": is for blocks of '" + text + "' samples, which is no power of two from 1 to " +
+                        std::to_string(maxBlockLength));
+    return length;
 }
 
 Lume::Hrtf ReadHrtf(std::string const& path) {

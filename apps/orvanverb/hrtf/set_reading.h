@@ -17,7 +17,14 @@ Lume::SdifSet ReadAnySet(std::string const& path);
 /// Whether a file holds measurements, by its name.
 bool IsSofa(std::string const& path);
 
+/// The longest blocks in which a recursive network runs [samples]. A vector of any rendering is a multiple of it.
+constexpr unsigned int maxBlockLength = 64;
+
+/// Whether a recursive network can run in such blocks: they have to fill a vector without a rest.
+bool IsBlockLength(unsigned int samples);
+
 /// The length of the blocks for which an SDIF file was made, if it holds one.
+/// @throws also for one in which no network runs
 std::optional<unsigned int> BlockLengthOf(std::string const& path);
 
 /// Measurements of a head, to make filters for loudspeakers from: a SOFA file, or what a set of filters for headphones

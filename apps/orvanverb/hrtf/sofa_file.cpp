@@ -72,6 +72,10 @@ void RequireShape(MYSOFA_HRTF const& set, std::string const& path) {
     if (!(rate >= 8000.0f && rate <= 384000.0f)) throw WorkError(path + ": its sample rate can't be used");
     if (!AllFinite(set.DataIR) || !AllFinite(set.SourcePosition) || !AllFinite(set.DataDelay))
         throw WorkError(path + ": holds values that are no numbers");
+    // They become lengths: a response begins so many samples late.
+    for (unsigned int i = 0; i < set.DataDelay.elements; ++i)
+        if (!(set.DataDelay.values[i] >= 0.0f && set.DataDelay.values[i] <= rate))
+            throw WorkError(path + ": holds a delay that isn't from 0 to 1 second");
 }
 
 double Delay(MYSOFA_HRTF const& set, unsigned int measurement, unsigned int ear) {
