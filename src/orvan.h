@@ -141,12 +141,14 @@
 #include "pan/binaural/ear_pairs.h"
 #include "pan/binaural/head_shadow.h"
 #include "pan/binaural/snowman_processing.h"
+#include "pan/diffuse/decorrelated_mixing.h"
 #include "pan/diffuse/reverb_panning.h"
 #include "pan/null_panning.h"
 #include "pan/pan.h"
 #include "pan/stereo/stereo_ab_panning.h"
 #include "pan/stereo/stereo_law.h"
 #include "pan/stereo/stereo_ms_panning.h"
+#include "pan/stereo/stereo_pair_panning.h"
 #include "pan/stereo/stereo_xy_panning.h"
 #include "pan/surround/panr.h"
 #include "pan/surround/recursive_panning.h"
@@ -155,6 +157,7 @@
 // engine
 #include "engine/orvan_verb.h"
 #include "engine/room_controls.h"
+#include "engine/room_format.h"
 
 // room
 #include "room/sample_guard.h"

@@ -32,8 +32,11 @@ std::unique_ptr<AudioBuffer> MakeBus(unsigned int numChannels) {
     return bus;
 }
 
-std::unique_ptr<Pan> MakePan(unsigned int numInputs, unsigned int numSpeakers, Pan::SubType role) {
-    return std::unique_ptr<Pan>(Pan::factory(numInputs, numSpeakers, TypeFor(numSpeakers), role));
+/// Numbers that suit every format; what its panners want of the loudspeakers comes on top.
+bool SupportsNumbers(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals) {
+    return numSources >= 1 && numSources <= orvandsp::MaxNumChannels && numSpeakers >= 1 &&
+           numSpeakers <= orvandsp::MaxNumChannels && numInternals >= MinNumInternals &&
+           numInternals <= MaxNumInternals;
 }
 
 /// Turns a position about the vertical axis, counter-clockwise seen from above.
@@ -95,9 +98,17 @@ OrvanVerb::~OrvanVerb() {
 }
 
 bool OrvanVerb::SupportsConfiguration(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals) {
-    return numSources >= 1 && numSources <= orvandsp::MaxNumChannels && numSpeakers >= 1 &&
-           numSpeakers <= orvandsp::MaxNumChannels && numInternals >= MinNumInternals &&
-           numInternals <= MaxNumInternals && Pan::SupportsConfiguration(TypeFor(numSpeakers), numSpeakers);
+    return SupportsNumbers(numSources, numSpeakers, numInternals) &&
+           Pan::SupportsConfiguration(TypeFor(numSpeakers), numSpeakers);
+}
+
+bool OrvanVerb::SupportsConfiguration(RoomFormat const& format, unsigned int numSources, unsigned int numSpeakers,
+                                      unsigned int numInternals) {
+    return SupportsNumbers(numSources, numSpeakers, numInternals) && format.supports(numSpeakers);
+}
+
+void OrvanVerb::SetFormat(RoomFormat const& newFormat) {
+    if (!initialized) format = &newFormat;
 }
 
 void OrvanVerb::Configure(float newSamplerate, unsigned int maxBlockSize, unsigned int numSources,
@@ -115,7 +126,7 @@ void OrvanVerb::Configure(float newSamplerate, unsigned int maxBlockSize, unsign
         std::vector<CartesianVector> positions;
         Speakers::GetDefaultForChannels(positions, numSources);
         for (unsigned int i = 0; i < numSources; ++i) SetSourcePosition(i, positions[i]);
-        if (TypeFor(numSpeakers) != Pan::binaural) {
+        if (!IsBinaural()) {
             Speakers::GetDefaultForChannels(positions, numSpeakers);
             SetSpeakersPositions(positions.data());
         }
@@ -140,6 +151,15 @@ bool OrvanVerb::CreatePanners(unsigned int numSources, unsigned int numSpeakers)
     earlyPan.reset();
     diffusePan.reset();
     return false;
+}
+
+std::unique_ptr<Pan> OrvanVerb::MakePan(unsigned int numPanInputs, unsigned int numSpeakers, Pan::SubType role) const {
+    if (format != nullptr) return format->MakePan(numPanInputs, numSpeakers, role);
+    return std::unique_ptr<Pan>(Pan::factory(numPanInputs, numSpeakers, TypeFor(numSpeakers), role));
+}
+
+bool OrvanVerb::IsBinaural() const noexcept {
+    return format != nullptr ? format->outputs == RoomFormat::Outputs::ears : TypeFor(numOutputs) == Pan::binaural;
 }
 
 void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) {
@@ -258,11 +278,12 @@ void OrvanVerb::SetSourcePosition(unsigned int source, CartesianVector const& po
     // A copy: the argument may be an entry of the vector.
     const CartesianVector p = position;
     sourcePositions[source] = p;
-    if (directPan) directPan->SetSourcePosition(source, p, false);
+    const CartesianVector inPanner = format != nullptr ? format->ToPanner(p) : p;
+    if (directPan) directPan->SetSourcePosition(source, inPanner, false);
     if (earlyPan) {
         const float halfWidth = HalfDegreeToRadians * earlyWidth;
-        earlyPan->SetSourcePosition(0, halfWidth != 0.0f ? Turned(p, halfWidth) : p, false);
-        earlyPan->SetSourcePosition(1, halfWidth != 0.0f ? Turned(p, -halfWidth) : p, false);
+        earlyPan->SetSourcePosition(0, halfWidth != 0.0f ? Turned(inPanner, halfWidth) : inPanner, false);
+        earlyPan->SetSourcePosition(1, halfWidth != 0.0f ? Turned(inPanner, -halfWidth) : inPanner, false);
     }
     const float distance = std::min(std::max(Defaults::minSourceDistance, p.radius()), Defaults::maxSourceDistance);
     directDistanceRamps[source].Start(1.0f / (distance * distance), DistanceRampTime);

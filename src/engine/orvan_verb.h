@@ -7,6 +7,7 @@
 #include "dsp/audio_buffer.h"
 #include "dsp/ramp.h"
 #include "dsp/signal_processing.h"
+#include "engine/room_format.h"
 #include "filters/multi_faded_hl_shelf.h"
 #include "geometry/cartesian_vector.h"
 #include "hrtf/hrtf_header_infos.h"
@@ -69,6 +70,17 @@ public:
     /// Whether an engine of that shape works: 1 to 64 sources, 1 to 64 loudspeakers that the panning method serves (two
     /// are binaural; on a ring at least three), 2 to 16 internal channels. Configure doesn't ask: ask first.
     static bool SupportsConfiguration(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals);
+
+    /// The same for a format that is asked for.
+    static bool SupportsConfiguration(RoomFormat const& format, unsigned int numSources, unsigned int numSpeakers,
+                                      unsigned int numInternals);
+
+    /// Asks for a form of the outputs, before the first Configure; later calls do nothing. Without one, two outputs are
+    /// binaural, and more of them a ring with a diffuse field of four signals.
+    /// @param format  a row of roomFormats
+    void SetFormat(RoomFormat const& format);
+    /// The format that was asked for; null without one.
+    RoomFormat const* GetFormat() const noexcept { return format; }
 
     using SignalProcessing::Configure;
 
@@ -298,6 +310,8 @@ public:
 
 protected:
     bool CreatePanners(unsigned int numSources, unsigned int numSpeakers);
+    std::unique_ptr<Pan> MakePan(unsigned int numInputs, unsigned int numSpeakers, Pan::SubType role) const;
+    bool IsBinaural() const noexcept;
     void ProcessRoom(unsigned long numSamples);
     void AddDirectLayer(float** outputs, unsigned long numSamples, float gain);
     void CrossfadeEars(float** outputs, unsigned long numSamples);
@@ -314,6 +328,7 @@ protected:
     void UpdateClusterShelf();
 
     std::uint32_t numInternals;
+    RoomFormat const* format = nullptr;  // asked for
     HLShelfParameters directParameters;
     HLShelfParameters roomParameters;
     float earlyStart = LumeDefaultParameters::DefaultEarlyStart;  // [ms]

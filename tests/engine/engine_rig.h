@@ -23,8 +23,9 @@ public:
     using Recording = std::vector<std::vector<float>>;
 
     EngineRig(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals, float newRate = 48000.0f,
-              unsigned int newBlock = 64)
+              unsigned int newBlock = 64, char const* format = nullptr)
         : engine(numInternals), rate(newRate), block(newBlock) {
+        if (format != nullptr) engine.SetFormat(*Lume::FindRoomFormat(format));
         engine.Configure(rate, block, numSources, numSpeakers);
         in.assign(numSources, std::vector<float>(block));
         out.assign(numSpeakers, std::vector<float>(block));

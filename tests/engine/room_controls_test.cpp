@@ -32,7 +32,7 @@ TEST(RoomControls, AreNamedOnceAndStartWithinTheirRange) {
         EXPECT_TRUE(names.insert(control.name).second) << control.name;
         EXPECT_LT(control.least, control.greatest) << control.name;
         EXPECT_EQ(std::clamp(control.standard, control.least, control.greatest), control.standard) << control.name;
-        if (control.scale == Lume::Scale::logarithmic) EXPECT_GT(control.least, 0.0f) << control.name;
+        EXPECT_TRUE(control.scale != Lume::Scale::logarithmic || control.least > 0.0f) << control.name;
         EXPECT_EQ(&roomControls[Lume::FindControl(control.name).value()], &control);
     }
     EXPECT_FALSE(Lume::FindControl("tr").has_value());

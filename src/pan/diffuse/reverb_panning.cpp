@@ -60,6 +60,10 @@ void ReverbPanning::Clear() {
     mixer->Clear();
 }
 
+void ReverbPanning::SetGains(orvandsp::Matrix<float> const& gains) {
+    mixer->SetGains(gains);
+}
+
 void ReverbPanning::update() {
     sourcePositions.resize(numInputs);  // what forceUpdate hands out, though nothing here depends on it
     mixer = std::make_unique<SignalMatrix>(numInputs, numOutputs);

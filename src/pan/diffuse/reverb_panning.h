@@ -32,6 +32,10 @@ public:
     void SetMaxBlockSize(unsigned int blockSize) override;
     void Clear() override;
 
+    /// Mixes by other gains than those of ComputeReverbMixingMatrix, until a number of channels changes.
+    /// @param gains  inputs x outputs
+    void SetGains(orvandsp::Matrix<float> const& gains);
+
 private:
     void update();
 

@@ -1,0 +1,164 @@
+#include "engine/room_format.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "engine/engine_rig.h"
+#include "geometry/speakers.h"
+
+namespace {
+
+using Recording = EngineRig::Recording;
+
+Lume::CartesianVector At(double azimuthDegrees, double elevationDegrees) {
+    const double a = azimuthDegrees * std::numbers::pi / 180.0, e = elevationDegrees * std::numbers::pi / 180.0;
+    return {static_cast<float>(std::sin(a) * std::cos(e)), static_cast<float>(std::cos(a) * std::cos(e)),
+            static_cast<float>(std::sin(e))};
+}
+
+EngineRig MakeRoom(char const* format, unsigned int numSpeakers, unsigned int numInternals) {
+    return {1, numSpeakers, numInternals, 48000.0f, 64, format};
+}
+
+/// What a constant signal of a source becomes in the direct layer.
+std::vector<float> DirectGains(char const* format, unsigned int numSpeakers, Lume::CartesianVector const& place,
+                               std::vector<Lume::CartesianVector> const& speakers = {}) {
+    EngineRig room = MakeRoom(format, numSpeakers, 4);
+    if (!speakers.empty()) room.engine.SetSpeakersPositions(speakers.data());
+    room.engine.SetSourcePosition(0, place);
+    room.engine.SetDirectGain(0.0f);
+    std::vector<float> gains = room.ConstantLevels();
+    for (float& gain : gains) gain *= std::sqrt(4.0f);  // sources over internal channels
+    return gains;
+}
+
+/// The late field by itself, from when it is dense.
+Recording Tail(char const* format, unsigned int numSpeakers, unsigned int numInternals) {
+    EngineRig room = MakeRoom(format, numSpeakers, numInternals);
+    room.engine.SetReverbGain(0.0f);
+    room.engine.SetDecayTime(4.0f);
+    room.engine.SetRelativeDecayHigh(1.0f);
+    room.engine.UseAirAbsorption(false);
+    room.Settle();
+    Recording tail = room.ImpulseResponse(3.5);
+    for (auto& channel : tail) channel.erase(channel.begin(), channel.begin() + 24000);
+    return tail;
+}
+
+double Product(std::vector<float> const& a, std::vector<float> const& b) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < a.size(); ++i) sum += static_cast<double>(a[i]) * static_cast<double>(b[i]);
+    return sum;
+}
+
+double Correlation(std::vector<float> const& a, std::vector<float> const& b) {
+    return Product(a, b) / std::sqrt(Product(a, a) * Product(b, b));
+}
+
+double Decibels(double power) {
+    return 10.0 * std::log10(power);
+}
+
+// A source at the front left and above has positive Y, Z and X in the form that other tools read; closed form of the
+// first order, and of a degree 2 channel. Red if the axes aren't turned, or turned the other way.
+TEST(RoomFormat, AmbixCountsToTheLeft) {
+    const std::vector<float> gains = DirectGains("ambix", 9, At(-30.0, 20.0));
+    const double e = 20.0 * std::numbers::pi / 180.0, left = 30.0 * std::numbers::pi / 180.0;
+    EXPECT_NEAR(gains[0], 1.0, 1e-4);
+    EXPECT_NEAR(gains[1], std::sin(left) * std::cos(e), 1e-4);
+    EXPECT_NEAR(gains[2], std::sin(e), 1e-4);
+    EXPECT_NEAR(gains[3], std::cos(left) * std::cos(e), 1e-4);
+    EXPECT_NEAR(gains[4], std::sqrt(0.75) * std::sin(2 * left) * std::pow(std::cos(e), 2), 1e-4);
+}
+
+// Velocity vectors by the tangent law; places beside and behind the pair fold onto it.
+TEST(RoomFormat, StereoPairPointsAtTheSource) {
+    for (const double azimuth : {-30.0, -12.0, 0.0, 25.0}) {
+        const std::vector<float> gains = DirectGains("stereo", 2, At(azimuth, 0.0));
+        const Lume::CartesianVector left = At(-30.0, 0.0), right = At(30.0, 0.0);
+        const double x = gains[0] * left.x + gains[1] * right.x, y = gains[0] * left.y + gains[1] * right.y;
+        EXPECT_NEAR(std::atan2(x, y) * 180.0 / std::numbers::pi, azimuth, 0.01);
+        EXPECT_NEAR(gains[0] * gains[0] + gains[1] * gains[1], 1.0, 1e-3);
+    }
+    EXPECT_NEAR(DirectGains("stereo", 2, At(100.0, 0.0))[1], 1.0, 1e-3);
+    EXPECT_NEAR(DirectGains("stereo", 2, At(168.0, 0.0))[1], DirectGains("stereo", 2, At(12.0, 0.0))[1], 1e-3);
+}
+
+TEST(RoomFormat, HeightsAreHeardOnLoudspeakersInSpace) {
+    const std::vector<Lume::CartesianVector> cube(Lume::Speakers::cube, Lume::Speakers::cube + 8);
+    const std::vector<float> gains = DirectGains("vbap", 8, At(20.0, 80.0), cube);
+    double above = 0.0, all = 0.0;
+    for (unsigned int i = 0; i < 8; ++i) {
+        const double power = static_cast<double>(gains[i]) * static_cast<double>(gains[i]);
+        all += power;
+        if (cube[i].z > 0.0f) above += power;
+    }
+    EXPECT_NEAR(all, 1.0, 1e-3);
+    EXPECT_GT(above, 0.99);
+}
+
+// The ring's own late field has four signals, so that front left and front right play the same one.
+TEST(RoomFormat, LateFieldIsAnotherOneInEveryLoudspeaker) {
+    for (char const* format : {"vbap2d", "stereo", "angular", "vbap"}) {
+        const Recording tail = Tail(format, std::string(format) == "stereo" ? 2 : 8, 8);
+        for (std::size_t j = 0; j < tail.size(); ++j) {
+            EXPECT_NEAR(Decibels(Product(tail[j], tail[j]) / Product(tail[0], tail[0])), 0.0, 1.0) << format << j;
+            for (std::size_t k = 0; k < j; ++k)
+                EXPECT_LT(std::abs(Correlation(tail[j], tail[k])), 0.1) << format << ": " << j << " " << k;
+        }
+    }
+}
+
+// Waves from everywhere have equal power in every N3D channel, without correlation: of the order 3, on 16 internal
+// channels, seen by virtual microphones of the order 1 it comes equally from everywhere.
+TEST(RoomFormat, LateFieldInAmbisonicsIsIsotropic) {
+    Recording tail = Tail("ambix", 16, 16);
+    for (unsigned int j = 0; j < 16; ++j) {
+        const auto degree = static_cast<double>(static_cast<unsigned int>(std::sqrt(j + 0.5)));
+        const double power = Product(tail[j], tail[j]) * (2.0 * degree + 1.0) / Product(tail[0], tail[0]);
+        EXPECT_NEAR(Decibels(power), 0.0, 1.0) << j;
+        for (unsigned int k = 0; k < j; ++k) EXPECT_LT(std::abs(Correlation(tail[j], tail[k])), 0.1) << j << " " << k;
+    }
+    for (double azimuth = -180.0; azimuth < 180.0; azimuth += 45.0) {
+        for (const double elevation : {-60.0, 0.0, 60.0}) {
+            const Lume::CartesianVector d = At(azimuth, elevation);
+            std::vector<float> cardioid(tail[0].size());
+            for (std::size_t i = 0; i < cardioid.size(); ++i)
+                cardioid[i] = 0.5f * (tail[0][i] - d.x * tail[1][i] + d.z * tail[2][i] + d.y * tail[3][i]);
+            EXPECT_NEAR(Decibels(Product(cardioid, cardioid) * 3.0 / Product(tail[0], tail[0])), 0.0, 1.0);
+        }
+    }
+}
+
+// The power that arrives in the sum of all loudspeakers, or in the pressure of a sound field, is one and the same.
+TEST(RoomFormat, LateFieldIsEquallyLoudInEveryForm) {
+    const std::map<std::string, unsigned int> forms{{"stereo", 2}, {"xy", 2},    {"vbap2d", 6}, {"vbap", 8},
+                                                    {"dbap", 5},   {"hoa2d", 7}, {"hoa3d", 9},  {"ambix", 16}};
+    const Recording ring = Tail(nullptr, 6, 8);
+    double reference = 0.0;
+    for (auto const& channel : ring) reference += Product(channel, channel);
+    for (auto const& [name, numOutputs] : forms) {
+        const Recording tail = Tail(name.c_str(), numOutputs, 8);
+        double power = Product(tail[0], tail[0]);
+        if (Lume::FindRoomFormat(name)->outputs != Lume::RoomFormat::Outputs::harmonics)
+            for (std::size_t j = 1; j < tail.size(); ++j) power += Product(tail[j], tail[j]);
+        if (name == "hoa2d") power *= 2.0;  // whose W is scaled by sqrt(1/2)
+        EXPECT_NEAR(Decibels(power / reference), 0.0, 1.0) << name;
+    }
+}
+
+TEST(RoomFormat, NumbersOfOutputsAreRefusedThatAFormatHasNot) {
+    const auto supports = [](char const* name, unsigned int n) {
+        return Lume::OrvanVerb::SupportsConfiguration(*Lume::FindRoomFormat(name), 1, n, 8);
+    };
+    EXPECT_TRUE(supports("stereo", 2) && supports("ambix", 64) && supports("hoa2d", 15) && supports("vbap", 24));
+    EXPECT_FALSE(supports("stereo", 3) || supports("ambix", 8) || supports("ambix", 1) || supports("vbap", 2));
+    EXPECT_EQ(Lume::FindRoomFormat("quad"), nullptr);
+}
+
+}  // namespace
