@@ -6,103 +6,77 @@
 
 #include "object/atom_format.h"
 #include "object/console_lines.h"
-#include "object/lume_common_symbols.h"
-#include "object/orvanmax_common_symbols.h"
+#include "object/orvanverb_table.h"
 #include "object/parameters_from_atoms.h"
 
 namespace {
+
+using orvanverb::Attribute;
+using orvanverb::Field;
+using orvanverb::Setting;
 
 /// What became of an attribute's value.
 enum class Outcome : int {
     done,     ///< stored; the box is to be told
     stopped,  ///< refused with a line; nothing else happens
-    failed,   ///< refused as an error
-    unknown   ///< no attribute of that group
+    failed    ///< refused as an error
 };
 
 /// A value that was fixed when the engine was built.
-void SetSize(orvanverb_t* x, std::uint32_t& size, std::uint32_t* positionsCount, t_atom const* atoms,
-             char const* what) {
+Outcome SetSize(orvanverb_t* x, Attribute const& attribute, t_atom const* atoms) {
+    auto* const size = Field<std::uint32_t>(x, attribute);
     const long value = atom_getlong(atoms);
     if (x->initialized == 0) {
-        size = static_cast<std::uint32_t>(value);
-        if (positionsCount != nullptr) *positionsCount = 3 * size;
-    } else if (value != static_cast<long>(size)) {
-        object_error(orvanverb_object(x), "could not dynamically change number of %s", what);
-    }
-}
-
-Outcome SetSizes(orvanverb_t* x, t_symbol const* name, t_atom const* atoms) {
-    if (name == lume_common_symbols.s_numsources) {
-        SetSize(x, x->numsources, &x->sourcespositions_count, atoms, "sources");
-    } else if (name == lume_common_symbols.s_numspeakers) {
-        SetSize(x, x->numspeakers, &x->speakerspositions_count, atoms, "speakers");
-    } else if (name == lume_common_symbols.s_numinternals) {
-        SetSize(x, x->numinternals, nullptr, atoms, "internal channels");
-    } else {
-        return Outcome::unknown;
+        *size = static_cast<std::uint32_t>(value);
+        x->sourcespositions_count = 3 * x->numsources;
+        x->speakerspositions_count = 3 * x->numspeakers;
+    } else if (value != static_cast<long>(*size)) {
+        object_error(orvanverb_object(x), "could not dynamically change %s", attribute.label);
     }
     return Outcome::done;
 }
 
 /// Reads positions; a list that is too short, or holds an infinity, changes nothing: a source without a place would
 /// fill the outputs with values that aren't numbers.
-bool ReadPositions(orvanverb_t* x, t_symbol const* name, float* positions, std::uint32_t expected, long count,
+bool ReadPositions(orvanverb_t* x, Attribute const& attribute, std::uint32_t expected, long count,
                    t_atom const* atoms) {
     if (count < static_cast<long>(expected)) {
-        object_error(orvanverb_object(x), "%s: %u coordinates are expected, not %ld", name->s_name, expected, count);
+        object_error(orvanverb_object(x), "%s: %u coordinates are expected, not %ld", attribute.name, expected, count);
         return false;
     }
     if (!std::all_of(atoms, atoms + expected, [](t_atom const& atom) { return std::isfinite(atom_getfloat(&atom)); })) {
-        object_error(orvanverb_object(x), "%s: coordinates must be finite", name->s_name);
+        object_error(orvanverb_object(x), "%s: coordinates must be finite", attribute.name);
         return false;
     }
-    for (std::uint32_t i = 0; i < expected; ++i) positions[i] = atom_getfloat(&atoms[i]);
+    std::transform(atoms, atoms + expected, Field<float>(x, attribute),
+                   [](t_atom const& atom) { return atom_getfloat(&atom); });
     return true;
 }
 
-Outcome SetPositions(orvanverb_t* x, t_symbol const* name, long count, t_atom const* atoms) {
-    if (name == lume_common_symbols.s_sourcespositions) {
-        if (!ReadPositions(x, name, x->sourcespositions, x->sourcespositions_count, count, atoms))
-            return Outcome::failed;
-        orvanverb_update_sourcespositions(x);
-        orvanverb_notify(x);
-        return Outcome::done;
-    }
-    if (name == lume_common_symbols.s_speakerspositions) {
-        if (!ReadPositions(x, name, x->speakerspositions, x->speakerspositions_count, count, atoms))
-            return Outcome::failed;
-        orvanverb_update_speakerspositions(x);
-        return Outcome::done;
-    }
-    return Outcome::unknown;
+Outcome SetSources(orvanverb_t* x, Attribute const& attribute, long count, t_atom const* atoms) {
+    if (!ReadPositions(x, attribute, x->sourcespositions_count, count, atoms)) return Outcome::failed;
+    orvanverb_update_sourcespositions(x);
+    orvanverb_notify(x);
+    return Outcome::done;
 }
 
-Outcome SetReverb(orvanverb_t* x, t_symbol const* name, t_atom const* atoms) {
-    LumeCommonSymbols const& s = lume_common_symbols;
-    const struct {
-        t_symbol* name;
-        float* field;
-    } floats[] = {{s.s_gain, &x->gain}, {s.s_tr0, &x->tr0},         {s.s_trl, &x->trl},
-                  {s.s_trm, &x->trm},   {s.s_trh, &x->trh},         {s.s_fl, &x->fl},
-                  {s.s_fh, &x->fh},     {s.s_airfreq, &x->airfreq}, {s.s_modaldensity, &x->modaldensity}};
-    bool found = false;
-    for (auto const& candidate : floats) {
-        if (candidate.name != name) continue;
-        *candidate.field = atom_getfloat(atoms);
-        found = true;
-    }
-    if (name == s.s_air || name == s.s_infinite) {
-        (name == s.s_air ? x->air : x->infinite) = atom_getlong(atoms) != 0 ? 1 : 0;
-        found = true;
-    }
-    if (!found) return Outcome::unknown;
+Outcome SetSpeakers(orvanverb_t* x, Attribute const& attribute, long count, t_atom const* atoms) {
+    if (!ReadPositions(x, attribute, x->speakerspositions_count, count, atoms)) return Outcome::failed;
+    orvanverb_update_speakerspositions(x);
+    return Outcome::done;
+}
+
+Outcome SetLate(orvanverb_t* x, Attribute const& attribute, t_atom const* atoms) {
+    if (orvanverb::ControlsOf(attribute)->scale == Lume::Scale::onOff)
+        *Field<std::int32_t>(x, attribute) = atom_getlong(atoms) != 0 ? 1 : 0;
+    else
+        *Field<float>(x, attribute) = atom_getfloat(atoms);
     orvanverb_update_reverb(x);
     return Outcome::done;
 }
 
 /// The delays stop in the record: the engine makes its own.
-Outcome SetDelays(orvanverb_t* x, long count, t_atom const* atoms) {
+Outcome SetDelays(orvanverb_t* x, Attribute const& attribute, long count, t_atom const* atoms) {
     if (x->engine == nullptr) {
         object_error(orvanverb_object(x),
                      "couldnt set delays because reverb is not yet initialized. numchannels should be the first "
@@ -115,116 +89,82 @@ Outcome SetDelays(orvanverb_t* x, long count, t_atom const* atoms) {
     }
     for (long i = 0; i < count; ++i) {
         const float delay = atom_getfloat(&atoms[i]);
-        x->delays[i] = delay > 0.0f ? delay : 0.0f;
+        Field<float>(x, attribute)[i] = delay > 0.0f ? delay : 0.0f;
     }
     orvanverb_notify(x);
     return Outcome::done;
 }
 
-/// Six numbers into a shelf's field; what is no number gets the default of its place.
-Lume::HLShelfParameters ReadShelf(float* field, t_atom const* atoms) {
-    Lume::HLShelfParameters parameters;
-    float* const members[] = {&parameters.gain,     &parameters.gainLow, &parameters.gainMed,
-                              &parameters.gainHigh, &parameters.freqLow, &parameters.freqHigh};
-    for (unsigned int i = 0; i < orvanverb_t::NumShelfValues; ++i)
-        *members[i] = orvanmax::atom_getnumber(&atoms[i], *members[i]);
-    ClipHLShelfParameters(parameters);
-    for (unsigned int i = 0; i < orvanverb_t::NumShelfValues; ++i) field[i] = *members[i];
-    return parameters;
-}
-
-/// The time that a word of early or cluster means, or null.
-float* TimeField(orvanverb_t* x, bool early, t_symbol const* word) {
-    if (word == orvanmax_common_symbols.s_start) return early ? &x->early_start : &x->cluster_start;
-    if (word == orvanmax_common_symbols.s_end) return early ? &x->early_end : &x->cluster_end;
-    if (word == lume_common_symbols.s_distr) return early ? &x->early_distr : &x->cluster_distr;
-    if (early && word == lume_common_symbols.s_width) return &x->early_width;
-    if (early && word == lume_common_symbols.s_shape) return &x->early_shape;
-    return nullptr;
+Outcome SetTime(orvanverb_t* x, Attribute const& attribute, float value) {
+    *Field<float>(x, attribute) = value;
+    orvanverb_update_time_structure(x);
+    return Outcome::done;
 }
 
 /// "early start 500": goes past the filter of early_start and is stored as it comes, as long as it is finite.
-bool SetTimeByWord(orvanverb_t* x, bool early, t_atom const* atoms) {
-    if (atom_gettype(atoms) != A_SYM) return false;
-    float* const field = TimeField(x, early, atom_getsym(atoms));
-    if (field == nullptr) return false;
+Outcome SetTimeByWord(orvanverb_t* x, Attribute const& shelf, t_atom const* atoms) {
+    if (atom_gettype(atoms) != A_SYM) return Outcome::failed;
+    Attribute const* const time =
+        orvanverb::FindAttribute(std::string(shelf.name).append("_").append(atom_getsym(atoms)->s_name));
+    if (time == nullptr) return Outcome::failed;
     const float value = orvanmax::atom_getnumber(&atoms[1], 0.0f);
-    if (!std::isfinite(value)) return false;
-    *field = value;
-    orvanverb_update_time_structure(x);
-    return true;
+    return std::isfinite(value) ? SetTime(x, *time, value) : Outcome::failed;
 }
 
-Outcome SetShelves(orvanverb_t* x, t_symbol const* name, long count, t_atom const* atoms) {
-    LumeCommonSymbols const& s = lume_common_symbols;
-    const struct {
-        t_symbol* name;
-        float* field;
-        void (Lume::OrvanVerb::*set)(Lume::HLShelfParameters const&);
-        bool hasTimes;
-    } shelves[] = {{s.s_direct, x->direct, &Lume::OrvanVerb::SetDirectParameters, false},
-                   {s.s_room, x->room, &Lume::OrvanVerb::SetRoomParameters, false},
-                   {s.s_early, x->early, &Lume::OrvanVerb::SetEarlyParameters, true},
-                   {s.s_cluster, x->cluster, &Lume::OrvanVerb::SetClusterParameters, true}};
-    for (auto const& shelf : shelves) {
-        if (shelf.name != name) continue;
-        if (count == orvanverb_t::NumShelfValues) {
-            const Lume::HLShelfParameters parameters = ReadShelf(shelf.field, atoms);
-            if (x->engine != nullptr) (x->engine->*shelf.set)(parameters);
-            return Outcome::done;
-        }
-        if (shelf.hasTimes && count == 2 && SetTimeByWord(x, name == s.s_early, atoms)) return Outcome::done;
-        const std::string line = std::string("invalid ") + name->s_name + " parameters";
-        orvanmax::post_error_message(orvanverb_object(x), count, atoms, line.c_str());
-        return Outcome::failed;
+/// Six numbers into a shelf's field; what is no number gets the default of its place.
+void SetShelf(orvanverb_t* x, Attribute const& attribute, t_atom const* atoms) {
+    Lume::HLShelfParameters parameters;
+    for (unsigned int i = 0; i < orvanverb_t::NumShelfValues; ++i) {
+        float& member = parameters.*shelfMembers[i];
+        member = orvanmax::atom_getnumber(&atoms[i], member);
     }
-    return Outcome::unknown;
+    ClipHLShelfParameters(parameters);
+    for (unsigned int i = 0; i < orvanverb_t::NumShelfValues; ++i)
+        Field<float>(x, attribute)[i] = parameters.*shelfMembers[i];
+    if (x->engine != nullptr) (x->engine->*attribute.setShelf)(parameters);
 }
 
-Outcome SetTime(orvanverb_t* x, t_symbol const* name, t_atom const* atoms) {
-    LumeCommonSymbols const& s = lume_common_symbols;
-    const struct {
-        t_symbol* name;
-        float* field;
-    } times[] = {{s.s_early_start, &x->early_start},  {s.s_early_end, &x->early_end},
-                 {s.s_early_distr, &x->early_distr},  {s.s_early_width, &x->early_width},
-                 {s.s_early_shape, &x->early_shape},  {s.s_cluster_start, &x->cluster_start},
-                 {s.s_cluster_end, &x->cluster_end},  {s.s_cluster_distr, &x->cluster_distr},
-                 {s.s_reverb_start, &x->reverb_start}};
-    for (auto const& time : times) {
-        if (time.name != name) continue;
-        *time.field = atom_getfloat(atoms);
-        orvanverb_update_time_structure(x);
+Outcome SetShelfOrTime(orvanverb_t* x, Attribute const& attribute, long count, t_atom const* atoms) {
+    if (count == orvanverb_t::NumShelfValues) {
+        SetShelf(x, attribute, atoms);
         return Outcome::done;
     }
-    return Outcome::unknown;
+    if (count == 2 && SetTimeByWord(x, attribute, atoms) == Outcome::done) return Outcome::done;
+    const std::string line = std::string("invalid ").append(attribute.name).append(" parameters");
+    orvanmax::post_error_message(orvanverb_object(x), count, atoms, line.c_str());
+    return Outcome::failed;
 }
 
-Outcome Set(orvanverb_t* x, t_symbol const* name, long count, t_atom const* atoms) {
-    if (name == lume_common_symbols.s_delays) return SetDelays(x, count, atoms);
-    Outcome outcome = SetSizes(x, name, atoms);
-    if (outcome == Outcome::unknown) outcome = SetPositions(x, name, count, atoms);
-    if (outcome == Outcome::unknown) outcome = SetReverb(x, name, atoms);
-    if (outcome == Outcome::unknown) outcome = SetShelves(x, name, count, atoms);
-    if (outcome == Outcome::unknown) outcome = SetTime(x, name, atoms);
-    return outcome;
+Outcome Set(orvanverb_t* x, Attribute const& attribute, long count, t_atom const* atoms) {
+    switch (attribute.setting) {
+        case Setting::size:
+            return SetSize(x, attribute, atoms);
+        case Setting::sources:
+            return SetSources(x, attribute, count, atoms);
+        case Setting::speakers:
+            return SetSpeakers(x, attribute, count, atoms);
+        case Setting::late:
+            return SetLate(x, attribute, atoms);
+        case Setting::delays:
+            return SetDelays(x, attribute, count, atoms);
+        case Setting::shelf:
+            return SetShelfOrTime(x, attribute, count, atoms);
+        case Setting::time:
+            return SetTime(x, attribute, atom_getfloat(atoms));
+    }
+    return Outcome::failed;
 }
 
 }  // namespace
 
 t_max_err orvanverb_set_attr(orvanverb_t* x, t_attr* attribute, long count, t_atom* atoms) {
     if (count <= 0 || atoms == nullptr) return MAX_ERR_NONE;
-    switch (Set(x, attribute->name, count, atoms)) {
-        case Outcome::done:
-            orvanverb_notify(x);
-            return MAX_ERR_NONE;
-        case Outcome::stopped:
-            return MAX_ERR_NONE;
-        case Outcome::failed:
-            return MAX_ERR_GENERIC;
-        case Outcome::unknown:
-            break;
+    Attribute const* const known = orvanverb::FindAttribute(attribute->name->s_name);
+    if (known == nullptr) {
+        object_error(orvanverb_object(x), "unknown attribute %s", attribute->name->s_name);
+        return MAX_ERR_GENERIC;
     }
-    object_error(orvanverb_object(x), "unknown attribute %s", attribute->name->s_name);
-    return MAX_ERR_GENERIC;
+    const Outcome outcome = Set(x, *known, count, atoms);
+    if (outcome == Outcome::done) orvanverb_notify(x);
+    return outcome == Outcome::failed ? MAX_ERR_GENERIC : MAX_ERR_NONE;
 }

@@ -1,7 +1,6 @@
 #include "object/orvanverb_class.h"
 
 #include <string>
-#include <utility>
 
 #include "object/attribute_actions.h"
 #include "object/class_attribute.h"
@@ -12,16 +11,17 @@
 #include "object/orvanverb.h"
 #include "object/orvanverb_attributes.h"
 #include "object/orvanverb_messages.h"
+#include "object/orvanverb_table.h"
 #include "object/version.h"
 #include "object/xml_reference.h"
-#include "parameters/lume_default_parameters.h"
 
 t_class* orvanverb_class = nullptr;
 
 namespace {
 
-using P = Lume::LumeDefaultParameters;
 using orvanmax::ClassAttribute;
+using orvanverb::Attribute;
+using orvanverb::Setting;
 
 template <class Function>
 method Method(Function* function) {
@@ -31,12 +31,9 @@ method Method(Function* function) {
 /// Opaque to the user for setting and reading.
 constexpr long readOnly = 0x300;
 
-/// Sizes of the object.
-constexpr long defaultNumSources = 6, defaultNumSpeakers = 6, defaultNumInternals = 8;
+/// Sizes of the object; positions are those of sources or of loudspeakers.
+constexpr long defaultNumPositions = 6, defaultNumInternals = 8;
 constexpr float minInternals = 2.0f, maxInternals = 16.0f;
-
-/// Flat, with the crossovers of a scene and not those of a single shelf.
-constexpr char const* defaultShelf = "0. 0. 0. 0. 177. 5657.";
 
 void AddMessages(t_class* c) {
     class_addmethod(c, Method(orvanmax::generatexml), "generatexml", 0);
@@ -92,214 +89,75 @@ void AddSwitches(t_class* c) {
         .Description("bypasses signal processing. behavior depends on the number of inlets/outlets");
 }
 
-void AddSizes(t_class* c) {
-    t_symbol* const type = common_symbols_init()->s_long;
-    method const setter = Method(orvanverb_set_attr);
-    ClassAttribute(c, "numsources", type, calcoffset(orvanverb_t, numsources), setter)
-        .Default(defaultNumSources)
-        .Range(1.0f, orvanverb_t::MaxPositions)
-        .Label("number of sources")
-        .DontReset();
-    ClassAttribute(c, "numspeakers", type, calcoffset(orvanverb_t, numspeakers), setter)
-        .Default(defaultNumSpeakers)
-        .Range(1.0f, orvanverb_t::MaxPositions)
-        .Label("number of speakers")
-        .DontReset();
-    ClassAttribute(c, "numinternals", type, calcoffset(orvanverb_t, numinternals), setter)
-        .Default(defaultNumInternals)
-        .Range(minInternals, maxInternals)
-        .Label("number of internal channels")
+ClassAttribute MakeValue(t_class* c, Attribute const& a, t_symbol* type) {
+    return {c, a.name, type, a.offset, Method(orvanverb_set_attr)};
+}
+
+/// A list whose length stands in the record, or is always all that it has room for (0).
+ClassAttribute MakeList(t_class* c, Attribute const& a, long size, long offsetCount) {
+    return {c, a.name, size, offsetCount, a.offset, Method(orvanverb_set_attr)};
+}
+
+ClassAttribute MakeSize(t_class* c, Attribute const& a) {
+    const bool internals = a.offset == calcoffset(orvanverb_t, numinternals);
+    return MakeValue(c, a, common_symbols_init()->s_long)
+        .Default(internals ? defaultNumInternals : defaultNumPositions)
+        .Range(internals ? minInternals : 1.0f, internals ? maxInternals : orvanverb_t::MaxPositions)
         .DontReset();
 }
 
-void AddPositions(t_class* c) {
-    ClassAttribute(c, "sourcespositions", 3 * orvanverb_t::MaxPositions,
-                   calcoffset(orvanverb_t, sourcespositions_count), calcoffset(orvanverb_t, sourcespositions),
-                   Method(orvanverb_set_attr))
-        .Units("xyz")
-        .Label("sources positions");
-    ClassAttribute(c, "speakerspositions", 3 * orvanverb_t::MaxPositions,
-                   calcoffset(orvanverb_t, speakerspositions_count), calcoffset(orvanverb_t, speakerspositions),
-                   Method(orvanverb_set_attr))
-        .Units("xyz")
-        .Label("speakers positions");
+/// Without a filter of the host: its setter clips, and knows words.
+ClassAttribute MakeShelf(t_class* c, Attribute const& a) {
+    Lume::RoomControl const* const controls = orvanverb::ControlsOf(a);
+    std::string standard;
+    for (unsigned int i = 0; i < orvanverb_t::NumShelfValues; ++i)
+        standard.append(std::to_string(controls[i].standard)).append(" ");
+    return MakeList(c, a, orvanverb_t::NumShelfValues, 0).DefaultText(standard.c_str());
 }
 
-ClassAttribute AddFloat(t_class* c, char const* name, long offset) {
-    return {c, name, common_symbols_init()->s_float32, offset, Method(orvanverb_set_attr)};
+ClassAttribute MakeNumber(t_class* c, Attribute const& a) {
+    Lume::RoomControl const& control = *orvanverb::ControlsOf(a);
+    if (control.scale == Lume::Scale::onOff)
+        return MakeValue(c, a, common_symbols_init()->s_long)
+            .Default(static_cast<long>(control.standard))
+            .Range(control.least, control.greatest)
+            .Style("onoff");
+    ClassAttribute attribute = MakeValue(c, a, common_symbols_init()->s_float32);
+    attribute.Default(control.standard);
+    return a.saysRange ? attribute.Range(control.least, control.greatest)
+                       : attribute.Clip(control.least, control.greatest);
 }
 
-ClassAttribute AddReverbSwitch(t_class* c, char const* name, long offset) {
-    return ClassAttribute(c, name, common_symbols_init()->s_long, offset, Method(orvanverb_set_attr))
-        .Default(0L)
-        .Range(0.0f, 1.0f)
-        .Style("onoff")
-        .Category("reverb");
+ClassAttribute Make(t_class* c, Attribute const& a) {
+    switch (a.setting) {
+        case Setting::size:
+            return MakeSize(c, a);
+        case Setting::sources:
+            return MakeList(c, a, 3 * orvanverb_t::MaxPositions, calcoffset(orvanverb_t, sourcespositions_count));
+        case Setting::speakers:
+            return MakeList(c, a, 3 * orvanverb_t::MaxPositions, calcoffset(orvanverb_t, speakerspositions_count));
+        case Setting::delays:
+            return MakeList(c, a, orvanverb_t::MaxDelays, calcoffset(orvanverb_t, numinternals));
+        case Setting::shelf:
+            return MakeShelf(c, a);
+        case Setting::late:
+        case Setting::time:
+            break;
+    }
+    return MakeNumber(c, a);
 }
 
-void AddLateField(t_class* c) {
-    AddFloat(c, "gain", calcoffset(orvanverb_t, gain))
-        .Default(P::DefaultReverbGain)
-        .Range(P::MinHLShelfGaindB, P::MaxHLShelfGaindB)
-        .Units("dB")
-        .Label("late reverberation gain")
-        .Category("reverb");
-    AddFloat(c, "modaldensity", calcoffset(orvanverb_t, modaldensity))
-        .Default(P::DefaultReverbModalDensity)
-        .Range(P::MinReverbModalDensity, P::MaxReverbModalDensity)
-        .Label("modal density")
-        .Category("reverb");
-    AddFloat(c, "tr0", calcoffset(orvanverb_t, tr0))
-        .Default(P::DefaultDecayTime)
-        .Range(P::MinDecayTime, P::MaxDecayTime)
-        .Units("sec")
-        .Label("global decay time")
-        .Category("reverb");
-    AddFloat(c, "trl", calcoffset(orvanverb_t, trl))
-        .Default(P::DefaultRelativeDecayLow)
-        .Range(P::MinDecayTimeLow, P::MaxDecayTimeLow)
-        .Label("relative decay time at low freq")
-        .Category("reverb");
-    AddFloat(c, "trm", calcoffset(orvanverb_t, trm))
-        .Default(P::DefaultRelativeDecayMedium)
-        .Range(P::MinDecayTimeMed, P::MaxDecayTimeMed)
-        .Label("relative decay time at med freq")
-        .Category("reverb");
-    AddFloat(c, "trh", calcoffset(orvanverb_t, trh))
-        .Default(P::DefaultRelativeDecayHigh)
-        .Range(P::MinDecayTimeHigh, P::MaxDecayTimeHigh)  // highs never outlast the rest
-        .Label("relative decay time at high freq")
-        .Category("reverb");
-    AddFloat(c, "fl", calcoffset(orvanverb_t, fl))
-        .Default(P::DefaultReverbCrossoverFrequencyLow)
-        .Range(P::MinHLShelfFrequency, P::MaxHLShelfFrequency)
-        .Units("Hz")
-        .Label("low/med crossover frequency")
-        .Category("reverb");
-    AddFloat(c, "fh", calcoffset(orvanverb_t, fh))
-        .Default(P::DefaultReverbCrossoverFrequencyHigh)
-        .Range(P::MinHLShelfFrequency, P::MaxHLShelfFrequency)
-        .Units("Hz")
-        .Label("med/high crossover frequency")
-        .Category("reverb");
-    AddReverbSwitch(c, "air", calcoffset(orvanverb_t, air)).Label("air absorption");
-    AddFloat(c, "airfreq", calcoffset(orvanverb_t, airfreq))
-        .Default(P::DefaultAirRolloffFrequency)
-        .Range(P::MinHLShelfFrequency, P::MaxHLShelfFrequency)
-        .Units("Hz")
-        .Label("air rolloff frequency")
-        .Category("reverb");
-    AddReverbSwitch(c, "infinite", calcoffset(orvanverb_t, infinite)).Label("infinite reverb");
-    ClassAttribute(c, "delays", orvanverb_t::MaxDelays, calcoffset(orvanverb_t, numinternals),
-                   calcoffset(orvanverb_t, delays), Method(orvanverb_set_attr))
-        .Units("msec")
-        .Label("delays")
-        .Category("reverb");
-}
-
-/// Four lists without a filter of the host: their setter clips, and knows words.
-void AddShelves(t_class* c) {
-    const auto add = [c](char const* name, long offset, char const* label) {
-        ClassAttribute(c, name, orvanverb_t::NumShelfValues, 0, offset, Method(orvanverb_set_attr))
-            .DefaultText(defaultShelf)
-            .Label(label)
-            .Category("filters");
-    };
-    add("direct", calcoffset(orvanverb_t, direct), "direct filter parameters");
-    add("room", calcoffset(orvanverb_t, room), "room filter parameters");
-    add("early", calcoffset(orvanverb_t, early), "early filter parameters");
-    add("cluster", calcoffset(orvanverb_t, cluster), "cluster filter parameters");
-}
-
-void AddTimeStructure(t_class* c) {
-    AddFloat(c, "early_start", calcoffset(orvanverb_t, early_start))
-        .Default(P::DefaultEarlyStart)
-        .Range(P::MinEarlyStart, P::MaxEarlyStart)
-        .Units("msec")
-        .Label("early start")
-        .Category("structure");
-    AddFloat(c, "early_end", calcoffset(orvanverb_t, early_end))
-        .Default(P::DefaultEarlyEnd)
-        .Range(P::MinEarlyStart, P::MaxEarlyEnd)  // from the smallest start on, on purpose: an end may lie on a start
-        .Units("msec")
-        .Label("early end")
-        .Category("structure");
-    AddFloat(c, "early_distr", calcoffset(orvanverb_t, early_distr))
-        .Default(P::DefaultEarlyDistr)
-        .Range(P::MinDistribution, P::MaxDistribution)
-        .Label("early distribution centroid")
-        .Category("structure");
-    AddFloat(c, "early_width", calcoffset(orvanverb_t, early_width))
-        .Default(P::DefaultEarlyWidth)
-        .Clip(P::MinEarlyWidth, P::MaxEarlyWidth)  // width and shape are clipped, but tell no range
-        .Units("deg")
-        .Label("early width")
-        .Category("structure");
-    AddFloat(c, "early_shape", calcoffset(orvanverb_t, early_shape))
-        .Default(P::DefaultEarlyShape)
-        .Clip(P::MinEarlyShape, P::MaxEarlyShape)
-        .Label("early shape")
-        .Category("structure");
-    AddFloat(c, "cluster_start", calcoffset(orvanverb_t, cluster_start))
-        .Default(P::DefaultClusterStart)
-        .Range(P::MinClusterStart, P::MaxClusterStart)
-        .Units("msec")
-        .Label("cluster start")
-        .Category("structure");
-    AddFloat(c, "cluster_end", calcoffset(orvanverb_t, cluster_end))
-        .Default(P::DefaultClusterEnd)
-        .Range(P::MinClusterEnd, P::MaxClusterEnd)
-        .Units("msec")
-        .Label("cluster end")
-        .Category("structure");
-    AddFloat(c, "cluster_distr", calcoffset(orvanverb_t, cluster_distr))
-        .Default(P::DefaultClusterDistr)
-        .Range(P::MinDistribution, P::MaxDistribution)
-        .Label("cluster distribution centroid")
-        .Category("structure");
-    AddFloat(c, "reverb_start", calcoffset(orvanverb_t, reverb_start))
-        .Default(P::DefaultReverbStart)
-        .Range(P::MinReverbStart, P::MaxReverbStart)
-        .Units("msec")
-        .Label("reverb start")
-        .Category("structure");
-}
-
-/// The order in which an inspector shows the attributes.
-void SetInspectorOrder(t_class* c) {
-    constexpr std::pair<char const*, int> orders[] = {
-        {"numsources", 1},
-        {"numspeakers", 2},
-        {"numinternals", 3},
-        {"sourcespositions", 4},
-        {"speakerspositions", 5},
-        {"tr0", 6},
-        {"trl", 7},
-        {"trm", 8},
-        {"trh", 9},
-        {"fl", 10},
-        {"fh", 11},
-        {"air", 12},
-        {"airfreq", 13},
-        {"infinite", 14},
-        {"gain", 15},
-        {"delays", 16},
-        {"direct", 17},
-        {"room", 18},
-        {"early", 19},
-        {"cluster", 20},
-        {"early_start", 21},
-        {"early_end", 22},
-        {"early_distr", 23},
-        {"early_width", 24},
-        {"early_shape", 25},
-        {"cluster_start", 26},
-        {"cluster_end", 27},
-        {"cluster_distr", 28},
-        {"reverb_distr", 29},  // no attribute bears this name, so that the place stays free
-    };
-    for (auto const& [name, order] : orders)
-        class_attr_addattr_parse(c, name, "order", common_symbols_init()->s_long, 0, std::to_string(order).c_str());
+void AddAttributes(t_class* c) {
+    for (Attribute const& a : orvanverb::attributes) {
+        ClassAttribute attribute = Make(c, a);
+        attribute.Label(a.label != nullptr ? a.label : orvanverb::ControlsOf(a)->label);
+        if (*a.units != '\0') attribute.Units(a.units);
+        if (*a.category != '\0') attribute.Category(a.category);
+    }
+    for (Attribute const& a : orvanverb::attributes)
+        if (a.order != 0)
+            class_attr_addattr_parse(c, a.name, "order", common_symbols_init()->s_long, 0,
+                                     std::to_string(a.order).c_str());
 }
 
 }  // namespace
@@ -316,12 +174,7 @@ void orvanverb_main() {
     AddMessages(c);
     AddDocumentation(c);
     AddSwitches(c);
-    AddSizes(c);
-    AddPositions(c);
-    AddLateField(c);
-    AddShelves(c);
-    AddTimeStructure(c);
-    SetInspectorOrder(c);
+    AddAttributes(c);
     class_dspinit(c);
     class_register(common_symbols_init()->s_box, c);
     orvanverb_class = c;

@@ -1,7 +1,5 @@
 #include "object/orvanverb_messages.h"
 
-#include <algorithm>
-#include <iterator>
 #include <vector>
 
 #include "object/atom_format.h"
@@ -9,6 +7,7 @@
 #include "object/coordinates_from_atoms.h"
 #include "object/lume_common_symbols.h"
 #include "object/orvanmax_common_symbols.h"
+#include "object/orvanverb_table.h"
 
 using Lume::CartesianVector;
 
@@ -67,22 +66,19 @@ void orvanverb_loudspeakers(orvanverb_t* x, t_symbol*, long count, t_atom* atoms
 }
 
 void orvanverb_reverb(orvanverb_t* x, t_symbol*, long count, t_atom* atoms) {
-    LumeCommonSymbols const& s = lume_common_symbols;
-    t_symbol* const floats[] = {s.s_airfreq, s.s_tr0, s.s_trl,          s.s_trm, s.s_trh,
-                                s.s_fl,      s.s_fh,  s.s_modaldensity, s.s_gain};
+    using orvanverb::Setting;
     if (orvanmax::CheckAtomsFormat("sn", atoms, count)) {
         t_symbol* const word = atom_getsym(atoms);
-        const float value = atom_getfloat(&atoms[1]);
+        orvanverb::Attribute const* const attribute = orvanverb::FindAttribute(word->s_name);
         if (word == orvanmax_common_symbols.s_start) {
-            object_attr_setfloat(x, s.s_reverb_start, value);
+            object_attr_setfloat(x, lume_common_symbols.s_reverb_start, atom_getfloat(&atoms[1]));
             return;
         }
-        if (std::find(std::begin(floats), std::end(floats), word) != std::end(floats)) {
-            object_attr_setfloat(x, word, value);
-            return;
-        }
-        if (word == s.s_infinite || word == s.s_air) {
-            object_attr_setlong(x, word, atom_getlong(&atoms[1]));
+        if (attribute != nullptr && attribute->setting == Setting::late) {
+            if (orvanverb::ControlsOf(*attribute)->scale == Lume::Scale::onOff)
+                object_attr_setlong(x, word, atom_getlong(&atoms[1]));
+            else
+                object_attr_setfloat(x, word, atom_getfloat(&atoms[1]));
             return;
         }
     }

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
+#include "engine/room_controls.h"
 #include "object/atom_format.h"
 #include "object/console_lines.h"
 #include "object/lume_common_symbols.h"
@@ -12,72 +14,41 @@ using orvanmax::CheckAtomsFormat;
 
 namespace {
 
-using P = Lume::LumeDefaultParameters;
+using Lume::HLShelfParameters;
+
+constexpr std::size_t numGains = 4, numMembers = 6;
+/// The ranges of the six are those of any layer's.
+constexpr std::size_t firstControl = Lume::ControlIndex("direct_gain");
 
 /// Written with max first, in an order that turns what isn't a number into the minimum.
-float Clip(float value, float minimum, float maximum) {
-    return std::min(std::max(minimum, value), maximum);
+void Store(HLShelfParameters& p, std::size_t member, float value) {
+    Lume::RoomControl const& control = Lume::roomControls[firstControl + member];
+    p.*shelfMembers[member] = std::min(std::max(control.least, value), control.greatest);
 }
 
-float ClipGlobalGain(float gainDb) {
-    return Clip(gainDb, P::MinHLShelfGlobalGaindB, P::MaxHLShelfGlobalGaindB);
-}
-
-float ClipGain(float gainDb) {
-    return Clip(gainDb, P::MinHLShelfGaindB, P::MaxHLShelfGaindB);
-}
-
-float ClipFrequency(float frequencyHz) {
-    return Clip(frequencyHz, P::MinHLShelfFrequency, P::MaxHLShelfFrequency);
+void Read(HLShelfParameters& p, std::size_t first, std::size_t end, t_atom const* atoms) {
+    for (std::size_t i = first; i < end; ++i) Store(p, i, atom_getfloat(&atoms[i - first]));
 }
 
 /// One member of a shelf by its word.
-bool ReadMember(Lume::HLShelfParameters& p, t_symbol const* word, float value) {
+bool ReadMember(HLShelfParameters& p, t_symbol const* word, float value) {
     LumeCommonSymbols const& s = lume_common_symbols;
-    const bool linear = word == s.s_g0 || word == s.s_gl || word == s.s_gm || word == s.s_gh;
-    if (linear) {
-        if (!(value > 0.0f)) return false;
-        value = 10.0f * std::log10(value);
+    t_symbol const* const words[] = {s.s_G0, s.s_Gl, s.s_Gm, s.s_Gh, s.s_fl, s.s_fh};
+    t_symbol const* const powers[] = {s.s_g0, s.s_gl, s.s_gm, s.s_gh};
+    for (std::size_t i = 0; i < numMembers; ++i) {
+        const bool power = i < numGains && word == powers[i];
+        if (power && !(value > 0.0f)) return false;
+        if (!power && word != words[i]) continue;
+        Store(p, i, power ? 10.0f * std::log10(value) : value);
+        return true;
     }
-    if (word == s.s_G0 || word == s.s_g0) {
-        p.gain = ClipGlobalGain(value);
-    } else if (word == s.s_Gl || word == s.s_gl) {
-        p.gainLow = ClipGain(value);
-    } else if (word == s.s_Gm || word == s.s_gm) {
-        p.gainMed = ClipGain(value);
-    } else if (word == s.s_Gh || word == s.s_gh) {
-        p.gainHigh = ClipGain(value);
-    } else if (word == s.s_fl) {
-        p.freqLow = ClipFrequency(value);
-    } else if (word == s.s_fh) {
-        p.freqHigh = ClipFrequency(value);
-    } else {
-        return false;
-    }
-    return true;
-}
-
-void ReadGains(Lume::HLShelfParameters& p, t_atom const* atoms) {
-    p.gain = ClipGlobalGain(atom_getfloat(&atoms[0]));
-    p.gainLow = ClipGain(atom_getfloat(&atoms[1]));
-    p.gainMed = ClipGain(atom_getfloat(&atoms[2]));
-    p.gainHigh = ClipGain(atom_getfloat(&atoms[3]));
-}
-
-void ReadFrequencies(Lume::HLShelfParameters& p, t_atom const* atoms) {
-    p.freqLow = ClipFrequency(atom_getfloat(&atoms[0]));
-    p.freqHigh = ClipFrequency(atom_getfloat(&atoms[1]));
+    return false;
 }
 
 }  // namespace
 
-void ClipHLShelfParameters(Lume::HLShelfParameters& p) {
-    p.gain = ClipGlobalGain(p.gain);
-    p.gainLow = ClipGain(p.gainLow);
-    p.gainMed = ClipGain(p.gainMed);
-    p.gainHigh = ClipGain(p.gainHigh);
-    p.freqLow = ClipFrequency(p.freqLow);
-    p.freqHigh = ClipFrequency(p.freqHigh);
+void ClipHLShelfParameters(HLShelfParameters& p) {
+    for (std::size_t i = 0; i < numMembers; ++i) Store(p, i, p.*shelfMembers[i]);
 }
 
 bool atoms2hlshelf(float& G0, float& Gl, float& Gm, float& Gh, float& fl, float& fh, long count, t_atom const* atoms) {
@@ -86,15 +57,13 @@ bool atoms2hlshelf(float& G0, float& Gl, float& Gm, float& Gh, float& fl, float&
     t_symbol const* const word = worded ? atom_getsym(atoms) : nullptr;
     LumeCommonSymbols const& s = lume_common_symbols;
     if (CheckAtomsFormat("snnnnnn", atoms, count) && (word == s.s_hlshelf || word == s.s_params)) {
-        ReadGains(p, &atoms[1]);
-        ReadFrequencies(p, &atoms[5]);
+        Read(p, 0, numMembers, &atoms[1]);
     } else if (CheckAtomsFormat("nnnnnn", atoms, count)) {
-        ReadGains(p, atoms);
-        ReadFrequencies(p, &atoms[4]);
+        Read(p, 0, numMembers, atoms);
     } else if (CheckAtomsFormat("snnnn", atoms, count) && word == orvanmax_common_symbols.s_gains) {
-        ReadGains(p, &atoms[1]);
+        Read(p, 0, numGains, &atoms[1]);
     } else if (CheckAtomsFormat("snn", atoms, count) && word == s.s_freqs) {
-        ReadFrequencies(p, &atoms[1]);
+        Read(p, numGains, numMembers, &atoms[1]);
     } else if (!CheckAtomsFormat("sn", atoms, count) || !ReadMember(p, word, atom_getfloat(&atoms[1]))) {
         return false;
     }

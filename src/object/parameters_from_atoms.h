@@ -6,6 +6,11 @@
 
 /// Parameter sets from lists of atoms, for all objects of the family. Control thread only.
 
+/// The six members of a shelf, in the order of every list.
+inline constexpr float Lume::HLShelfParameters::*shelfMembers[] = {
+    &Lume::HLShelfParameters::gain,     &Lume::HLShelfParameters::gainLow, &Lume::HLShelfParameters::gainMed,
+    &Lume::HLShelfParameters::gainHigh, &Lume::HLShelfParameters::freqLow, &Lume::HLShelfParameters::freqHigh};
+
 /// Brings the six values of a shelf into their ranges; what isn't a number becomes the lowest value.
 void ClipHLShelfParameters(Lume::HLShelfParameters& parameters);
 
