@@ -19,8 +19,7 @@ struct DecoderKind {
     Decoder* (*create)(unsigned int numInputs, unsigned int numOutputs);
     bool (*supports)(unsigned int numInputs, unsigned int numOutputs);
     Outputs outputs;
-    bool takesHarmonics;  ///< it is a HOADecoder
-    char const* takes;    ///< the numbers of channels, in words
+    char const* takes;  ///< the numbers of channels, in words
 };
 
 /// A network of the transaural type.

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <vector>
 
-#include "pan/amplitude/amplitude_panning.h"
+#include "pan/amplitude_panning.h"
 #include "pan/diffuse/decorrelated_mixing.h"
 #include "pan/diffuse/reverb_panning.h"
 #include "pan/stereo/stereo_pair_panning.h"

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
+#include <string_view>
 
 namespace Lume {
 
@@ -86,6 +87,36 @@ std::vector<std::complex<double>> Basis(std::vector<HarmonicIndex> const& indice
 }
 
 }  // namespace
+
+char const* GetAmbisonicConventionName(int convention) {
+    switch (convention) {
+        case 0:
+            return "SN3D";
+        case 1:
+            return "N3D";
+        case 4:
+            return "SN2D";
+        case 5:
+            return "N2D";
+        default:
+            return "";
+    }
+}
+
+char const* GetSphericalHarmonicsSortingName(SphericalHarmonicsSorting sorting) {
+    switch (sorting) {
+        case IncreasingDegrees:
+            return "IncreasingDegrees";
+        case AlternateDegrees:
+            return "AlternateDegrees";
+    }
+    return "";
+}
+
+SphericalHarmonicsSorting GetSphericalHarmonicsSorting(char const* name) {
+    const std::string_view text = name;
+    return text == "AlternateDegrees" || text == "alternatedegrees" ? AlternateDegrees : IncreasingDegrees;
+}
 
 char const* GetSphericalHarmonicsNormalizatioName(SphericalHarmonicsNormalization normalization) {
     static constexpr char const* names[] = {"Unnormalized",      "SchmidtSeminormalized3D", "SchmidtSeminormalized2D",

@@ -16,11 +16,19 @@ namespace Lume {
 /// "Unnormalized" and so on; empty for any other value. The missing letter is part of the name.
 char const* GetSphericalHarmonicsNormalizatioName(SphericalHarmonicsNormalization normalization);
 
+/// "SN3D", "N3D", "SN2D", "N2D" for the values 0, 1, 4 and 5 that encoders and decoders have; empty for any other.
+char const* GetAmbisonicConventionName(int convention);
+
 /// The order of the channels of a set of harmonics.
 enum SphericalHarmonicsSorting : int {
     IncreasingDegrees = 0,  ///< (0, 0), (1, -1), (1, 0), (1, 1), (2, -2), ... as in "ACN"
     AlternateDegrees = 1    ///< (0, 0), (1, 1), (1, -1), (1, 0), (2, 2), (2, -2), (2, 1), ...
 };
+
+/// "IncreasingDegrees" or "AlternateDegrees"; empty for any other value.
+char const* GetSphericalHarmonicsSortingName(SphericalHarmonicsSorting sorting);
+/// Those names, also in small letters; IncreasingDegrees for an unknown one.
+SphericalHarmonicsSorting GetSphericalHarmonicsSorting(char const* name);
 
 /// The angles of a position [rad]; the azimuth is 0 at the origin, and the colatitude there is that of the horizon.
 struct HarmonicAngles {

@@ -9,6 +9,7 @@
 namespace Lume {
 
 /// Frame of every panner: N source signals and their positions in, M loudspeaker feeds (or two binaural channels) out.
+/// What kinds there are stands in pan_factory.h.
 ///
 /// Positions are in the listener's frame (CartesianVector), in metres. Setters of positions belong to the control
 /// thread and may overlap Process; SetNumInputs, SetNumOutputs and what may allocate must not.
@@ -94,7 +95,9 @@ public:
     virtual void SetInterpolationTime(float milliseconds) = 0;
 
     /// Places every source again at its stored position.
-    void forceUpdate(bool flag);
+    void forceUpdate(bool flag) {
+        for (unsigned int i = 0; i < numInputs; ++i) SetSourcePosition(i, sourcePositions[i], flag);
+    }
 
 protected:
     std::vector<CartesianVector> sourcePositions;  // one per input, sized by the subclass

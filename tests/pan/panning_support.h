@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "pan/amplitude/amplitude_panning.h"
+#include "pan/amplitude_panning.h"
 #include "support/channels.h"
 
 /// A position by the listener's azimuth [degrees] (0 ahead, 90 on the right), elevation [degrees] and distance [m].

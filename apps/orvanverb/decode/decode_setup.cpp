@@ -4,9 +4,6 @@
 #include <cmath>
 #include <numeric>
 
-#include "decoders/ambisonic/hoa_decoder.h"
-#include "decoders/null_decoder.h"
-#include "decoders/transaural/transaural_decoder.h"
 #include "dsp/constants.h"
 #include "geometry/speakers.h"
 #include "orvanverb/audio/channel_mask.h"
@@ -27,30 +24,11 @@ using Decoder = Lume::Decoder;
 
 constexpr double settleSeconds = 0.25;  // gains slide for up to 60 ms, delays glide for 50
 
-bool HasLoudspeakers(Decoder::Type type) {
-    return type == Decoder::transaural || type == Decoder::bformat || type == Decoder::hoa2d || type == Decoder::hoa3d;
-}
-
-/// What a type takes, for those who came with something else.
-char const* Takes(Decoder::Type type) {
-    switch (type) {
-        case Decoder::transaural:
-            return "2 channels to 2 loudspeakers";
-        case Decoder::bformat:
-            return "3, 4 or 5 channels to loudspeakers";
-        case Decoder::hoa2d:
-            return "3, 5, 7 ... channels to at least as many loudspeakers, and at least 4";
-        case Decoder::hoa3d:
-            return "4, 9, 16 ... channels to at least 4 loudspeakers";
-        case Decoder::surround:
-            return "2 to 3 or 4, 3 to 2 or 4, and 4 to 2 or 3 channels";
-        case Decoder::bformat2uhj:
-            return "3 to 2 or 3, and 4 to 2, 3 or 4 channels";
-        case Decoder::uhj2bformat:
-            return "2 to 3, 3 to 3, and 4 to 3 or 4 channels";
-        default:
-            return "any";
-    }
+/// The row of a type, by its name.
+Lume::DecoderKind const& FindDecoder(std::string const& name) {
+    const Decoder::Type type = Decoder::GetType(name.c_str());
+    if (type == Decoder::null) throw UsageError("--type: '" + name + "' is none; orvanverb decode --list shows them");
+    return Lume::DecoderKinds()[static_cast<std::size_t>(type)];
 }
 
 unsigned int UsualOutputs(Decoder::Type type, unsigned int numInputs) {
@@ -89,54 +67,51 @@ Value FindByName(char const* option, std::string const& word, int count, NameOf 
 
 }  // namespace
 
-DecodeSetup::DecodeSetup(Options const& options, unsigned int newNumInputs) : numInputs(newNumInputs) {
-    std::string const& name = options.decode.type;
-    if (!Decoder::IsValidDecoderType(name.c_str()) || Decoder::GetType(name.c_str()) == Decoder::null)
-        throw UsageError("--type: '" + name + "' is none; orvanverb decode --list shows them");
-    type = Decoder::GetType(name.c_str());
+DecodeSetup::DecodeSetup(Options const& options, unsigned int newNumInputs)
+    : kind(FindDecoder(options.decode.type)), numInputs(newNumInputs) {
     ChooseOutputs(options);
     const Decoder::SubType subType = Decoder::GetSubType(options.decode.subType.c_str());
     if (subType == Decoder::nullSubType && options.decode.subType != "null")
         throw UsageError("--sub-type: '" + options.decode.subType + "' is none; orvanverb decode --list shows them");
-    if (subType != Decoder::nullSubType && type != Decoder::transaural)
+    if (subType != Decoder::nullSubType && kind.type != Decoder::transaural)
         throw UsageError("--sub-type: is for the type transaural");
-    if (Decoder::SupportsConfiguration(type, numInputs, NumOutputs()))
-        decoder.reset(Decoder::factory(numInputs, NumOutputs(), type, subType));
-    if (!decoder || dynamic_cast<Lume::NullDecoder const*>(decoder.get()) != nullptr)
-        throw UsageError("--type " + name + ": doesn't take " + std::to_string(numInputs) + " channels to " +
-                         std::to_string(NumOutputs()) + "; it takes " + Takes(type));
+    decoder = Lume::MakeDecoder(kind.type, subType, numInputs, NumOutputs());
+    if (!decoder)
+        throw UsageError("--type " + options.decode.type + ": doesn't take " + std::to_string(numInputs) +
+                         " channels to " + std::to_string(NumOutputs()) + "; it takes " + kind.takes);
+    hoa = dynamic_cast<Lume::HOADecoder*>(decoder.get());
+    transaural = dynamic_cast<Lume::TransauralDecoder*>(decoder.get());
     SetUpHarmonics(options.decode);
-    if (HasLoudspeakers(type)) {
+    if (kind.outputs == Lume::DecoderKind::Outputs::loudspeakers) {
         std::vector<Lume::CartesianVector> positions = layout.positions;
         if (options.decode.ambix)
             for (Lume::CartesianVector& p : positions) p = ToAmbixAxes(p);
         decoder->SetLoudspeakerPositions(positions.data());
         channels = LoudspeakerWords(layout);
     } else {
-        channels = Words(type, NumOutputs());
+        channels = Words(kind.type, NumOutputs());
     }
     CheckCondition();
     SetUpTransaural(options);
 }
 
 void DecodeSetup::ChooseOutputs(Options const& options) {
-    if (HasLoudspeakers(type)) {
+    if (kind.outputs == Lume::DecoderKind::Outputs::loudspeakers) {
         if (options.decode.outputs) throw UsageError("--outputs: this type has one for each of the --speakers");
-        if (type == Decoder::hoa3d && options.speakers.value_or("cube") == "cube")
+        if (kind.type == Decoder::hoa3d && options.speakers.value_or("cube") == "cube")
             layout = SpeakerLayout::InEngineOrder({std::begin(Lume::Speakers::cube), std::end(Lume::Speakers::cube)});
         else
-            layout = SpeakerLayout::Parse(options.speakers.value_or(type == Decoder::transaural ? "2" : "8"));
+            layout = SpeakerLayout::Parse(options.speakers.value_or(kind.type == Decoder::transaural ? "2" : "8"));
         return;
     }
     if (options.speakers) throw UsageError("--speakers: this type's outputs are channels of a format; see --outputs");
-    layout.fileOrder.resize(options.decode.outputs.value_or(UsualOutputs(type, numInputs)));
+    layout.fileOrder.resize(options.decode.outputs.value_or(UsualOutputs(kind.type, numInputs)));
     std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
     if (NumOutputs() == 2) layout.channelMask = frontLeft | frontRight;
 }
 
 void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
-    auto* const hoa = dynamic_cast<Lume::HOADecoder*>(decoder.get());
-    if (options.ambix && type != Decoder::hoa3d) throw UsageError("--ambix: is for the type hoa3d");
+    if (options.ambix && kind.type != Decoder::hoa3d) throw UsageError("--ambix: is for the type hoa3d");
     if (hoa == nullptr) {
         if (options.convention || options.sorting || options.crossoverHz || options.weights != "basic" ||
             options.method != "pseudoinverse")
@@ -144,9 +119,9 @@ void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
         return;
     }
     // What pan writes when nobody says otherwise.
-    const std::string usual = type == Decoder::hoa3d ? "SN3D" : "SN2D";
+    const std::string usual = kind.type == Decoder::hoa3d ? "SN3D" : "SN2D";
     const std::string convention = options.convention.value_or(usual);
-    if (convention.ends_with("3D") != (type == Decoder::hoa3d))
+    if (convention.ends_with("3D") != (kind.type == Decoder::hoa3d))
         throw UsageError("--convention: " + options.type + " has no " + convention);
     hoa->SetDecodingConvention(Lume::HOADecoder::GetHOADecodingConvention(convention.c_str()));
     hoa->SetSphericalHarmonicsSorting(options.sorting.value_or("IncreasingDegrees").c_str());
@@ -158,18 +133,16 @@ void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
 }
 
 void DecodeSetup::CheckCondition() {
-    if (auto* const hoa = dynamic_cast<Lume::HOADecoder*>(decoder.get())) {
-        Lume::HOADecoder::HOADecoderInfos infos;
-        hoa->GetDecoderInfos(infos);
-        if (!(infos.conditionNumber <= Lume::HOADecoder::DecoderConditionningThreshold))
-            warnings.push_back("the loudspeakers don't suit this order: a condition number of " +
-                               FixedText(infos.conditionNumber, 1) +
-                               " dB; a lower order, more or more even loudspeakers are better");
-    }
+    if (hoa == nullptr) return;
+    Lume::HOADecoder::HOADecoderInfos infos;
+    hoa->GetDecoderInfos(infos);
+    if (!(infos.conditionNumber <= Lume::HOADecoder::DecoderConditionningThreshold))
+        warnings.push_back("the loudspeakers don't suit this order: a condition number of " +
+                           FixedText(infos.conditionNumber, 1) +
+                           " dB; a lower order, more or more even loudspeakers are better");
 }
 
 void DecodeSetup::SetUpTransaural(Options const& options) {
-    auto* const transaural = dynamic_cast<Lume::TransauralDecoder*>(decoder.get());
     if (transaural == nullptr) {
         if (options.decode.filters) throw UsageError("--filters: is for the type transaural");
         return;
@@ -220,7 +193,6 @@ void DecodeSetup::Process(float** outputs, float** inputs) {
 }
 
 std::string DecodeSetup::RateRemark(int samplerate) const {
-    auto const* const transaural = dynamic_cast<Lume::TransauralDecoder const*>(decoder.get());
     Lume::HrtfHeaderInfos const* const header = transaural != nullptr ? transaural->GetHrtfHeaderInfos() : nullptr;
     if (header == nullptr || header->samplingRate == static_cast<unsigned int>(samplerate)) return {};
     return (filters.empty() ? std::string("the built-in filters") : filters) + ": made for " +
@@ -230,7 +202,6 @@ std::string DecodeSetup::RateRemark(int samplerate) const {
 }
 
 std::string DecodeSetup::MatrixText() const {
-    auto const* const hoa = dynamic_cast<Lume::HOADecoder const*>(decoder.get());
     if (hoa == nullptr) throw UsageError("--matrix: is for the types hoa2d and hoa3d");
     Lume::HOADecoder::HOADecoderInfos infos;
     hoa->GetDecoderInfos(infos);
@@ -253,15 +224,17 @@ std::string DecodeSetup::MatrixText() const {
 
 std::string DecoderList() {
     std::string text = "type          what it takes\n";
-    for (const Decoder::Type type : {Decoder::bformat, Decoder::hoa2d, Decoder::hoa3d, Decoder::surround,
-                                     Decoder::bformat2uhj, Decoder::uhj2bformat, Decoder::transaural}) {
-        std::string name = Decoder::GetTypeName(type);
+    const auto add = [&text](Lume::DecoderKind const& kind) {
+        std::string name = kind.names[0];
         name.resize(14, ' ');
-        text += name + Takes(type) + "\n";
-    }
+        text += name + kind.takes + "\n";
+    };
+    for (Lume::DecoderKind const& kind : Lume::DecoderKinds())
+        if (kind.type != Decoder::null && kind.type != Decoder::transaural) add(kind);
+    add(Lume::DecoderKinds()[Decoder::transaural]);
     text += "\nsub-type of transaural (the first one unless another is named)\n";
-    for (int i = 1; i < 9; ++i)
-        text += std::string("  ") + Decoder::GetSubTypeName(static_cast<Decoder::SubType>(i)) + "\n";
+    for (Lume::TransauralNetwork const& network : Lume::TransauralNetworks().subspan(1))
+        text += std::string("  ") + network.names[0] + "\n";
     text += "\nweights of hoa2d and hoa3d\n";
     for (int i = 0; i < 5; ++i)
         text += std::string("  ") +

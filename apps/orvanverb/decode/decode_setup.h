@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "decoders/decoder.h"
+#include "decoders/ambisonic/hoa_decoder.h"
+#include "decoders/decoder_factory.h"
+#include "decoders/transaural/transaural_decoder.h"
 #include "orvanverb/layout/speaker_layout.h"
 #include "orvanverb/options/options.h"
 
@@ -46,7 +48,9 @@ private:
     void CheckCondition();
     void SetUpTransaural(Options const& options);
 
-    Lume::Decoder::Type type;
+    Lume::DecoderKind const& kind;
+    Lume::HOADecoder* hoa = nullptr;                // the decoder, if it is one of harmonics
+    Lume::TransauralDecoder* transaural = nullptr;  // the decoder, if it is transaural
     unsigned int numInputs;
     unsigned int vectorSize = 0;
     std::string filters;  // the file's name; empty for built-in ones

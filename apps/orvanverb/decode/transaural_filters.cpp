@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <numbers>
 
+#include "decoders/decoder_factory.h"
 #include "hrtf/sdif_access.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
@@ -17,8 +17,6 @@ namespace program {
 
 namespace {
 
-using Lume::Decoder;
-
 /// The files that a network can take; the engine would read other names as the built-in set.
 char const* FilesFor(Lume::HrtfType type) {
     if (type == Lume::hrtfBinaural) return ".hrtf, .bin2trans or .coll";
@@ -28,12 +26,8 @@ char const* FilesFor(Lume::HrtfType type) {
 }  // namespace
 
 std::string NetworkFor(Lume::HrtfType type) {
-    for (int i = Decoder::shufflersymmetric; i <= Decoder::recursivesymmetricbiquads; ++i) {
-        const auto subType = static_cast<Decoder::SubType>(i);
-        const std::unique_ptr<Decoder> decoder(Decoder::factory(2, 2, Decoder::transaural, subType));
-        if (dynamic_cast<Lume::TransauralDecoder const&>(*decoder).getExpectedHrtfTypeInHrtfFiles() == type)
-            return Decoder::GetSubTypeName(subType);
-    }
+    for (Lume::TransauralNetwork const& network : Lume::TransauralNetworks().subspan(1))
+        if (network.takes == type) return network.names[0];
     return {};
 }
 

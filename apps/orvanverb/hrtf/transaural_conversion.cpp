@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "decoders/transaural/transaural_decoder.h"
+#include "decoders/decoder_factory.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/ear_ring.h"
@@ -121,8 +121,7 @@ Lume::HrtfType TransauralTypeOf(std::string const& network) {
     if (subType == Lume::Decoder::recursivesymmetricbiquads)
         throw UsageError("--network: " + network +
                          " makes its filters itself, from a set for headphones: see orvanverb hrtf convert");
-    const std::unique_ptr<Lume::Decoder> decoder(Lume::Decoder::factory(2, 2, Lume::Decoder::transaural, subType));
-    return dynamic_cast<Lume::TransauralDecoder const&>(*decoder).getExpectedHrtfTypeInHrtfFiles();
+    return Lume::TransauralNetworks()[subType].takes;
 }
 
 }  // namespace program

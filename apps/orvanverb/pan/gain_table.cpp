@@ -7,8 +7,8 @@
 #include "orvanverb/audio/vector_channels.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
-#include "pan/amplitude/amplitude_panning.h"
 #include "pan/amplitude/vbap_panning.h"
+#include "pan/amplitude_panning.h"
 
 namespace program {
 

@@ -11,7 +11,7 @@ namespace program {
 
 namespace {
 
-using Pan = Lume::Pan;
+using Choice = Lume::PanKind::Choice;
 using Positions = std::vector<Lume::CartesianVector>;
 
 constexpr float sameAngleDeg = 0.5f;
@@ -99,25 +99,23 @@ bool AreInLine(Positions const& positions) {
 
 }  // namespace
 
-std::vector<std::string> CheckLayout(Pan::Type type, Positions const& positions) {
+std::vector<std::string> CheckLayout(Lume::PanKind const& method, Positions const& positions) {
     std::vector<std::string> warnings;
-    const bool inPlane =
-        type == Pan::vbap2d || type == Pan::angular || type == Pan::dbap || type == Pan::panr || type == Pan::surround;
-    if (inPlane) CheckHeights(positions, warnings);
-    if (type == Pan::dbap || type == Pan::dbap3d) {
+    if (!method.inSpace) CheckHeights(positions, warnings);
+    if (method.choice == Choice::distances) {
         CheckPairs(
             positions,
             [&](std::size_t a, std::size_t b) {
                 Lume::CartesianVector apart = Difference(positions[a], positions[b]);
-                if (type == Pan::dbap) apart.z = 0.0f;
+                if (!method.inSpace) apart.z = 0.0f;
                 return Length(apart) < samePlace;
             },
             "in one place: they always play the same", warnings);
-        if (type == Pan::dbap && AreInLine(positions))
+        if (!method.inSpace && AreInLine(positions))
             warnings.push_back("the loudspeakers stand in one line: sources beside it are outside and fade");
         return warnings;
     }
-    if (inPlane) {
+    if (!method.inSpace) {
         const std::vector<float> azimuths = Azimuths(positions);
         CheckPairs(
             positions,
@@ -126,7 +124,7 @@ std::vector<std::string> CheckLayout(Pan::Type type, Positions const& positions)
                 return std::min(apart, 360.0f - apart) < sameAngleDeg;
             },
             "at one azimuth: no source lies between them, and one of them can stay silent", warnings);
-        if (type == Pan::vbap2d) CheckRing(positions, warnings);
+        if (method.choice == Choice::pairs) CheckRing(positions, warnings);
         return warnings;
     }
     CheckPairs(

@@ -61,7 +61,7 @@ void Render(Options const& options) {
     output.Commit();
     ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
-    if (setup.method.outputs == PanMethod::Outputs::Harmonics)
+    if (setup.method.outputs == Lume::PanKind::Outputs::harmonics)
         Say(options.pan.ambix ? "AmbiX: ACN order, SN3D weights, x ahead, y to the left"
                               : "axes: x to the right, y ahead, z up; --ambix turns them for other tools");
     for (std::string const& remark : inputs.Remarks()) Say(remark);

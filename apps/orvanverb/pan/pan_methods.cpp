@@ -1,37 +1,15 @@
 #include "orvanverb/pan/pan_methods.h"
 
 #include <algorithm>
-#include <memory>
 
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/program_error.h"
-#include "pan/null_panning.h"
 
 namespace program {
 
 namespace {
 
 using Pan = Lume::Pan;
-using Outputs = PanMethod::Outputs;
-
-constexpr PanMethod methods[] = {
-    {Pan::binaural, Outputs::Two, "2", "headphones, with measured filters or a model of the head (--model)"},
-    {Pan::xy, Outputs::Two, "2", "a coincident pair of microphones"},
-    {Pan::ms, Outputs::Two, "2", "a mid and a side microphone"},
-    {Pan::ab, Outputs::Two, "2", "a spaced pair of microphones: levels and delays"},
-    {Pan::surround, Outputs::Loudspeakers, "4", "left, right and surround, or left, centre, right and surround"},
-    {Pan::panr, Outputs::Loudspeakers, "8", "a fixed set of rings, shared out pair by pair"},
-    {Pan::angular, Outputs::Loudspeakers, "6", "a ring, a sine law between neighbours"},
-    {Pan::vbap2d, Outputs::Loudspeakers, "6", "a ring, pairs of loudspeakers"},
-    {Pan::vbap, Outputs::Loudspeakers, "cube", "loudspeakers all around, triplets of them"},
-    {Pan::dbap, Outputs::Loudspeakers, "6", "loudspeakers anywhere in the plane, by distance"},
-    {Pan::dbap3d, Outputs::Loudspeakers, "cube", "loudspeakers anywhere in space, by distance"},
-    {Pan::vdbap, Outputs::Loudspeakers, "cube", "dbap3d near the centre, vbap far from it"},
-    {Pan::bformat, Outputs::Harmonics, "4", "first-order ambisonics, W X Y or W X Y Z"},
-    {Pan::hoa2d, Outputs::Harmonics, "7", "ambisonics in the plane, 2 x order + 1 channels"},
-    {Pan::hoa3d, Outputs::Harmonics, "16", "ambisonics in space, (order + 1)^2 channels"},
-};
-
 struct SubTypeName {
     char const* name;
     Pan::SubType subType;
@@ -54,9 +32,18 @@ constexpr unsigned int maxPlanarHarmonics = 2 * 6 + 1;
 
 bool IsServed(Pan::Type type, unsigned int numOutputs) {
     if (type == Pan::hoa2d && numOutputs > maxPlanarHarmonics) return false;
-    if (!Pan::SupportsConfiguration(type, numOutputs)) return false;
-    const std::unique_ptr<Pan> panner(Pan::factory(1, numOutputs, type, Pan::direct));
-    return dynamic_cast<Lume::NullPanning const*>(panner.get()) == nullptr;
+    return Pan::SupportsConfiguration(type, numOutputs) &&
+           Lume::MakePanner(type, Pan::direct, 1, numOutputs) != nullptr;
+}
+
+/// All methods, by what their outputs are.
+std::vector<Lume::PanKind const*> Methods() {
+    using Outputs = Lume::PanKind::Outputs;
+    std::vector<Lume::PanKind const*> methods;
+    for (const Outputs outputs : {Outputs::two, Outputs::loudspeakers, Outputs::harmonics})
+        for (Lume::PanKind const& kind : Lume::PanKinds())
+            if (kind.outputs == outputs && kind.type != Pan::null) methods.push_back(&kind);
+    return methods;
 }
 
 std::string Padded(std::string text, std::size_t width) {
@@ -66,18 +53,13 @@ std::string Padded(std::string text, std::size_t width) {
 
 }  // namespace
 
-std::span<PanMethod const> PanMethods() {
-    return methods;
-}
-
-PanMethod const& FindPanMethod(std::string const& name) {
-    if (Pan::IsValidPanType(name.c_str())) {
-        const Pan::Type type = Pan::GetType(name.c_str());
-        for (PanMethod const& method : methods)
-            if (method.type == type) return method;
-    }
+Lume::PanKind const& FindPanMethod(std::string const& name) {
+    const Pan::Type type = Pan::GetType(name.c_str());
     std::string names;
-    for (PanMethod const& method : methods) names.append(" ").append(Pan::GetTypeName(method.type));
+    for (Lume::PanKind const* method : Methods()) {
+        if (method->type == type) return *method;
+        names.append(" ").append(method->names[0]);
+    }
     throw UsageError("--method: '" + name + "' is none; there are" + names);
 }
 
@@ -109,7 +91,7 @@ std::string CountsText(std::vector<unsigned int> const& counts) {
     return text + " ... " + std::to_string(counts.back());
 }
 
-Pan::SubType FindPanSubType(PanMethod const& method, std::string const& name) {
+Pan::SubType FindPanSubType(Lume::PanKind const& method, std::string const& name) {
     // The longer names are those of the library.
     const std::string sought = name == "sphericalheadmodel" ? "sphericalhead"
                                : name == "snowmanmodel"     ? "snowman"
@@ -121,15 +103,14 @@ Pan::SubType FindPanSubType(PanMethod const& method, std::string const& name) {
         if (sought == subType.name) return subType.subType;
         names.append(" ").append(subType.name);
     }
-    throw UsageError("--model: " + std::string(Pan::GetTypeName(method.type)) + " has no '" + name + "'; there are" +
-                     names);
+    throw UsageError("--model: " + std::string(method.names[0]) + " has no '" + name + "'; there are" + names);
 }
 
 std::string PanMethodList() {
     std::string text = "method     outputs             what it is\n";
-    for (PanMethod const& method : methods)
-        text += Padded(Pan::GetTypeName(method.type), 11) + Padded(CountsText(OutputCounts(method.type)), 20) +
-                method.summary + "\n";
+    for (Lume::PanKind const* method : Methods())
+        text +=
+            Padded(method->names[0], 11) + Padded(CountsText(OutputCounts(method->type)), 20) + method->summary + "\n";
     text += "\nmodel (or sub-type)\n";
     for (SubTypeName const& subType : subTypes)
         text += Padded(subType.name, 20) + subType.summary + (subType.binauralOnly ? " (binaural)\n" : "\n");

@@ -17,14 +17,13 @@
 #include "pan/ambisonic/hoa3d_panning.h"
 #include "pan/binaural/binaural_panning_direct.h"
 #include "pan/binaural/binaural_panning_nearfield.h"
-#include "pan/null_panning.h"
 
 namespace program {
 
 namespace {
 
 using Pan = Lume::Pan;
-using Outputs = PanMethod::Outputs;
+using Outputs = Lume::PanKind::Outputs;
 
 // Two cycles of 30 ms for gains, glides of 50 ms after a change of rate, and the length of the filters.
 constexpr double settleSeconds = 0.25;
@@ -34,7 +33,7 @@ bool AreEqual(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
 }
 
 /// A layout by a count, a file, or the names of two built-in ones that no count stands for.
-SpeakerLayout ParseLayout(PanMethod const& method, std::string const& text) {
+SpeakerLayout ParseLayout(Lume::PanKind const& method, std::string const& text) {
     using Lume::Speakers;
     if (text == "cube") return SpeakerLayout::InEngineOrder({std::begin(Speakers::cube), std::end(Speakers::cube)});
     if (text == "lcrs" || (text == "4" && method.type == Pan::surround))
@@ -65,15 +64,15 @@ PanSetup::PanSetup(Options const& options, std::vector<Lume::CartesianVector> co
       ambixAxes(options.pan.ambix) {
     ChooseOutputs(options);
     const auto numSources = static_cast<unsigned int>(positions.size());
-    panner.reset(Pan::factory(numSources, NumOutputs(), method.type, subType));
-    if (dynamic_cast<Lume::NullPanning const*>(panner.get()) != nullptr)
+    panner = Lume::MakePanner(method.type, subType, numSources, NumOutputs());
+    if (!panner)
         throw UsageError("--model " + options.pan.model + ": can't be made for " + std::to_string(numSources) +
                          (numSources == 1 ? " source" : " sources") + ", it takes two or more");
-    if (method.outputs == Outputs::Loudspeakers) {
+    if (method.outputs == Outputs::loudspeakers) {
         panner->SetLoudspeakerPositions(layout.positions.data());
         channels = LoudspeakerWords(layout);
-        warnings = CheckLayout(method.type, layout.positions);
-    } else if (method.outputs == Outputs::Two) {
+        warnings = CheckLayout(method, layout.positions);
+    } else if (method.outputs == Outputs::two) {
         channels = TwoWords(method.type);
     } else {
         SetUpHarmonics(options.pan);
@@ -87,21 +86,22 @@ PanSetup::PanSetup(Options const& options, std::vector<Lume::CartesianVector> co
 }
 
 void PanSetup::ChooseOutputs(Options const& options) {
-    const std::string name = Pan::GetTypeName(method.type);
+    const std::string name = method.names[0];
     const std::vector<unsigned int> counts = OutputCounts(method.type);
-    if (options.pan.outputs && method.outputs != Outputs::Harmonics)
+    if (options.pan.outputs && method.outputs != Outputs::harmonics)
         throw UsageError("--outputs: is for ambisonic methods; " + name + " has " +
-                         (method.outputs == Outputs::Two ? "2" : "one for each of the --speakers"));
-    if (options.speakers && method.outputs != Outputs::Loudspeakers)
+                         (method.outputs == Outputs::two ? "2" : "one for each of the --speakers"));
+    if (options.speakers && method.outputs != Outputs::loudspeakers)
         throw UsageError("--speakers: " + name + " has none; its channels are not loudspeakers");
-    if (method.outputs == Outputs::Loudspeakers)
-        layout = ParseLayout(method, options.speakers.value_or(method.usual));
-    else if (method.outputs == Outputs::Two)
+    if (method.outputs == Outputs::loudspeakers)
+        layout = ParseLayout(method,
+                             options.speakers.value_or(method.inSpace ? "cube" : std::to_string(method.usualOutputs)));
+    else if (method.outputs == Outputs::two)
         layout = Channels(2, method.type == Pan::ms ? 0 : frontLeft | frontRight);
     else
-        layout = Channels(options.pan.outputs.value_or(static_cast<unsigned int>(std::stoul(method.usual))), 0);
+        layout = Channels(options.pan.outputs.value_or(method.usualOutputs), 0);
     if (std::find(counts.begin(), counts.end(), NumOutputs()) == counts.end())
-        throw UsageError((method.outputs == Outputs::Loudspeakers ? "--speakers: " : "--outputs: ") + name +
+        throw UsageError((method.outputs == Outputs::loudspeakers ? "--speakers: " : "--outputs: ") + name +
                          " has no panner for " + std::to_string(NumOutputs()) + " outputs; it takes " +
                          CountsText(counts));
 }
@@ -111,7 +111,7 @@ void PanSetup::SetUpHarmonics(PanOptions const& options) {
     if (options.ambix && method.type != Pan::hoa3d) throw UsageError("--ambix: is for the method hoa3d");
     if (harmonics == nullptr) {
         if (options.convention || options.sorting)
-            throw UsageError("--convention, --sorting: " + std::string(Pan::GetTypeName(method.type)) + " has its own");
+            throw UsageError("--convention, --sorting: " + std::string(method.names[0]) + " has its own");
         channels = {"W: from everywhere", "X: to the right", "Y: ahead"};
         if (NumOutputs() == 4) channels.emplace_back("Z: up");
         return;
@@ -120,9 +120,8 @@ void PanSetup::SetUpHarmonics(PanOptions const& options) {
         const auto convention = Lume::HOAPanning::GetHOAPannerConvention(options.convention->c_str());
         harmonics->SetEncodingConvention(convention);
         if (harmonics->GetEncodingConvention() != convention)
-            throw UsageError("--convention: " + std::string(Pan::GetTypeName(method.type)) + " has no " +
-                             *options.convention + "; it has " +
-                             (method.type == Pan::hoa3d ? "SN3D and N3D" : "SN2D and N2D"));
+            throw UsageError("--convention: " + std::string(method.names[0]) + " has no " + *options.convention +
+                             "; it has " + (method.type == Pan::hoa3d ? "SN3D and N3D" : "SN2D and N2D"));
     }
     if (options.sorting) harmonics->SetSphericalHarmonicsSorting(options.sorting->c_str());
     Lume::HOAPanning::HOAPannerInfos infos;
@@ -179,7 +178,7 @@ void PanSetup::Start(int samplerate, unsigned int vectorSize) {
 }
 
 bool PanSetup::HasTail() const {
-    return method.type == Pan::binaural || method.type == Pan::ab || subType == Pan::diffuse;
+    return method.hasTail || subType == Pan::diffuse;
 }
 
 }  // namespace program

@@ -31,7 +31,7 @@ public:
     /// Whether the output goes on when the input has ended.
     bool HasTail() const;
 
-    PanMethod const& method;
+    Lume::PanKind const& method;
     SpeakerLayout layout;  // positions only if the outputs are loudspeakers
     std::unique_ptr<Lume::Pan> panner;
     std::vector<std::string> channels;  // in words, in the order of the file

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "geometry/speakers.h"
+#include "harmonics/spherical_harmonics.h"
 #include "math/lu.h"
 #include "math/pseudo_inverse.h"
-#include "pan/ambisonic/hoa_panning.h"
 
 namespace Lume {
 
@@ -111,7 +111,7 @@ void HOADecoder::SetDecodingConvention(char const* name) {
 }
 
 void HOADecoder::SetSphericalHarmonicsSorting(char const* name) {
-    SetSphericalHarmonicsSorting(HOAPanning::GetSphericalHarmonicsSorting(name));
+    SetSphericalHarmonicsSorting(GetSphericalHarmonicsSorting(name));
 }
 
 void HOADecoder::SetCrossover(float frequency) {
@@ -230,7 +230,7 @@ char const* HOADecoder::GetHOADecoderTypeName(HOADecoderType type) {
 }
 
 char const* HOADecoder::GetHOADecodingConventionName(HOADecodingConvention convention) {
-    return HOAPanning::GetHOAPannerConventionName(static_cast<HOAPanning::HOAEncodingConvention>(convention));
+    return GetAmbisonicConventionName(convention);
 }
 
 }  // namespace Lume

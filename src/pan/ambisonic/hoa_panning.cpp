@@ -19,20 +19,6 @@ void HOAPanning::SetSphericalHarmonicsSorting(char const* name) {
     SetSphericalHarmonicsSorting(GetSphericalHarmonicsSorting(name));
 }
 
-char const* HOAPanning::GetHOAPannerConventionName(HOAEncodingConvention convention) {
-    switch (convention) {
-        case SN3D:
-            return "SN3D";
-        case N3D:
-            return "N3D";
-        case SN2D:
-            return "SN2D";
-        case N2D:
-            return "N2D";
-    }
-    return "";
-}
-
 HOAPanning::HOAEncodingConvention HOAPanning::GetHOAPannerConvention(char const* name) {
     static const std::map<std::string, HOAEncodingConvention> conventions = {
         {"SemiNormalization3D", SN3D}, {"seminormalized3d", SN3D}, {"SN3D", SN3D}, {"sn3d", SN3D}, {"SN3d", SN3D},
@@ -42,21 +28,6 @@ HOAPanning::HOAEncodingConvention HOAPanning::GetHOAPannerConvention(char const*
     };
     const auto found = conventions.find(name);
     return found == conventions.end() ? SN3D : found->second;
-}
-
-char const* HOAPanning::GetSphericalHarmonicsSortingName(SphericalHarmonicsSorting sorting) {
-    switch (sorting) {
-        case IncreasingDegrees:
-            return "IncreasingDegrees";
-        case AlternateDegrees:
-            return "AlternateDegrees";
-    }
-    return "";
-}
-
-SphericalHarmonicsSorting HOAPanning::GetSphericalHarmonicsSorting(char const* name) {
-    const std::string text = name;
-    return text == "AlternateDegrees" || text == "alternatedegrees" ? AlternateDegrees : IncreasingDegrees;
 }
 
 HOAPanning::HOAPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs, unsigned int order,

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "harmonics/spherical_harmonics.h"
-#include "pan/amplitude/amplitude_panning.h"
+#include "pan/amplitude_panning.h"
 
 namespace Lume {
 
@@ -34,13 +34,18 @@ public:
     void GetPannerInfos(HOAPannerInfos& result) const { result = infos; }
 
     /// "SN3D", "N3D", "SN2D", "N2D"; empty for any other value.
-    static char const* GetHOAPannerConventionName(HOAEncodingConvention convention);
+    static char const* GetHOAPannerConventionName(HOAEncodingConvention convention) {
+        return GetAmbisonicConventionName(convention);
+    }
     /// Those names, "FullNormalization3D" and the like; SN3D for an unknown one.
     static HOAEncodingConvention GetHOAPannerConvention(char const* name);
-    /// "IncreasingDegrees" or "AlternateDegrees"; empty for any other value.
-    static char const* GetSphericalHarmonicsSortingName(SphericalHarmonicsSorting sorting);
-    /// Those names, also in small letters; IncreasingDegrees for an unknown one.
-    static SphericalHarmonicsSorting GetSphericalHarmonicsSorting(char const* name);
+    /// As the free functions of these names.
+    static char const* GetSphericalHarmonicsSortingName(SphericalHarmonicsSorting sorting) {
+        return Lume::GetSphericalHarmonicsSortingName(sorting);
+    }
+    static SphericalHarmonicsSorting GetSphericalHarmonicsSorting(char const* name) {
+        return Lume::GetSphericalHarmonicsSorting(name);
+    }
 
 protected:
     HOAPanning(unsigned int numInputs, unsigned int numOutputs, unsigned int order, HOAEncodingConvention convention);

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "pan/amplitude/amplitude_panning.h"
+#include "pan/amplitude_panning.h"
 
 namespace Lume {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "pan/amplitude/amplitude_panning.h"
+#include "pan/amplitude_panning.h"
 
 namespace Lume {
 

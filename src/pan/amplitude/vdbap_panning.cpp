@@ -6,23 +6,10 @@
 
 namespace Lume {
 
-namespace {
-
-/// A panner of the factory as its class; null, and deleted, if the factory made another.
-template <typename Panner>
-std::unique_ptr<Panner> MakeInner(unsigned int numInputs, unsigned int numOutputs, char const* type) {
-    std::unique_ptr<Pan> pan(Pan::factory(numInputs, numOutputs, type, "direct"));
-    auto* const panner = dynamic_cast<Panner*>(pan.get());
-    if (panner != nullptr) static_cast<void>(pan.release());
-    return std::unique_ptr<Panner>(panner);
-}
-
-}  // namespace
-
 VDbapPanning::VDbapPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : AmplitudePanning(numberOfInputs, numberOfOutputs),
-      dbap(MakeInner<DbapPanning3D>(numInputs, numOutputs, "dbap3d")),
-      vbap(MakeInner<VbapPanning>(numInputs, numOutputs, "vbap3d")),
+      dbap(numOutputs > 0 ? std::make_unique<DbapPanning3D>(numInputs, numOutputs) : nullptr),
+      vbap(numOutputs > 2 ? std::make_unique<VbapPanning>(numInputs, numOutputs) : nullptr),
       vbapGains(static_cast<std::size_t>(numInputs) * numOutputs),
       dbapGains(vbapGains.size()) {
     std::vector<CartesianVector> ring;

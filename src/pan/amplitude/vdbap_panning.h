@@ -3,9 +3,9 @@
 #include <memory>
 #include <vector>
 
-#include "pan/amplitude/amplitude_panning.h"
 #include "pan/amplitude/dbap_panning_3d.h"
 #include "pan/amplitude/vbap_panning.h"
+#include "pan/amplitude_panning.h"
 
 namespace Lume {
 
@@ -28,7 +28,7 @@ private:
     float radius = 0.0f;  // largest distance of a loudspeaker from the barycentre [m]
     std::vector<CartesianVector> speakerPositions;
     CartesianVector barycenter;
-    // Only their laws are used, not their mixing. Null if their construction failed.
+    // Only their laws are used, not their mixing. Null for too few outputs.
     std::unique_ptr<DbapPanning3D> dbap;
     std::unique_ptr<VbapPanning> vbap;
     std::vector<float> vbapGains;  // numInputs x numOutputs

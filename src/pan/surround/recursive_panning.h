@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pan/amplitude/amplitude_panning.h"
+#include "pan/amplitude_panning.h"
 
 namespace Lume {
 

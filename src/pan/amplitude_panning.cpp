@@ -1,4 +1,4 @@
-#include "pan/amplitude/amplitude_panning.h"
+#include "pan/amplitude_panning.h"
 
 #include <algorithm>
 
