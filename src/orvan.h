@@ -40,6 +40,7 @@
 #include "geometry/azimuth_distance_elevation.h"
 #include "geometry/cartesian_vector.h"
 #include "geometry/convex_hull_2d.h"
+#include "geometry/orientation.h"
 #include "geometry/plane_geometry.h"
 #include "geometry/point_search.h"
 #include "geometry/space_geometry.h"
@@ -49,6 +50,7 @@
 
 // harmonics
 #include "harmonics/ambisonic_encoding.h"
+#include "harmonics/harmonics_rotation.h"
 #include "harmonics/spherical_harmonics.h"
 
 // filters
@@ -81,6 +83,7 @@
 #include "filters/unitary_hl_shelf.h"
 
 // hrtf
+#include "hrtf/ambisonic_ears.h"
 #include "hrtf/asymmetric_transaural_data_loader.h"
 #include "hrtf/builtin_sets.h"
 #include "hrtf/coll_file.h"
@@ -130,6 +133,7 @@
 #include "pan/amplitude/vbap_panning.h"
 #include "pan/amplitude/vdbap_panning.h"
 #include "pan/amplitude_panning.h"
+#include "pan/binaural/ambisonic_ears_fit.h"
 #include "pan/binaural/binaural_panning.h"
 #include "pan/binaural/binaural_panning_direct.h"
 #include "pan/binaural/binaural_panning_iacc.h"
@@ -166,11 +170,13 @@
 
 // decoders
 #include "decoders/ambisonic/ambisonic_decoder.h"
+#include "decoders/ambisonic/ambisonic_rotation.h"
 #include "decoders/ambisonic/ambisonic_shelving.h"
 #include "decoders/ambisonic/hoa2d_decoder.h"
 #include "decoders/ambisonic/hoa3d_decoder.h"
 #include "decoders/ambisonic/hoa_decoder.h"
 #include "decoders/ambisonic/multi_ambisonic_shelving.h"
+#include "decoders/binaural/hoa_binaural_decoder.h"
 #include "decoders/decoder.h"
 #include "decoders/decoder_factory.h"
 #include "decoders/fixed_decoder.h"
