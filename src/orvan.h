@@ -47,6 +47,7 @@
 #include "geometry/speakers.h"
 #include "geometry/spherical_harmonics_normalization.h"
 #include "geometry/spherical_vector.h"
+#include "geometry/vector_algebra.h"
 
 // harmonics
 #include "harmonics/ambisonic_encoding.h"

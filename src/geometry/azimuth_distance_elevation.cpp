@@ -2,16 +2,11 @@
 
 #include "geometry/azimuth.h"
 #include "geometry/spherical_vector.h"
+#include "geometry/vector_algebra.h"
 
 namespace Lume {
 
-namespace {
-
-constexpr float halfPi = 1.5707964f;
-constexpr float pi = 3.1415927f;
-constexpr float twoPi = 6.2831855f;
-
-}  // namespace
+namespace {}  // namespace
 
 void FoldElevation(float& azimuthDegrees, float& elevationDegrees) {
     elevationDegrees = Wrap(elevationDegrees + 180.0f, 360.0f) - 180.0f;

@@ -3,17 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "geometry/vector_algebra.h"
+
 namespace Lume {
-
-namespace {
-
-float SquaredDistance(CartesianVector const& a, CartesianVector const& b) {
-    const float dx = a.x - b.x;
-    const float dy = a.y - b.y;
-    return dx * dx + dy * dy;
-}
-
-}  // namespace
 
 int CompareAzimuth(void const* a, void const* b) {
     auto const& p = *static_cast<CartesianVector const*>(a);
@@ -67,7 +59,7 @@ bool BelongsToSegment2D(CartesianVector const& a, CartesianVector const& b, Cart
 
 bool Intersect2D(CartesianVector const& a1, CartesianVector const& a2, CartesianVector const& b1,
                  CartesianVector const& b2, CartesianVector& result) {
-    if (SquaredDistance(a1, a2) == 0.0f || SquaredDistance(b1, b2) == 0.0f) return false;
+    if (SquaredLength2D(a1 - a2) == 0.0f || SquaredLength2D(b1 - b2) == 0.0f) return false;
     const bool aIsVertical = a1.x == a2.x;
     const bool bIsVertical = b1.x == b2.x;
     if (aIsVertical && bIsVertical) return false;

@@ -2,27 +2,13 @@
 
 #include <cmath>
 
+#include "geometry/vector_algebra.h"
+
 namespace Lume {
 
 namespace {
 
 constexpr float MillisecondsPerMetre = 2.9411764f;  // 1000 / 340 m/s
-
-float Dot(CartesianVector const& a, CartesianVector const& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-CartesianVector Difference(CartesianVector const& a, CartesianVector const& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-float Distance(CartesianVector const& a, CartesianVector const& b) {
-    return Difference(a, b).radius();
-}
-
-CartesianVector PointOnLine(CartesianVector const& p, float t, CartesianVector const& d) {
-    return {p.x + t * d.x, p.y + t * d.y, p.z + t * d.z};
-}
 
 /// Moves a point along its ray from the origin onto the sphere of that radius.
 /// @return how far it moved [m]
@@ -48,15 +34,8 @@ float ProjectOnSphere(CartesianVector const& point, float radius, CartesianVecto
 
 void ComputeBarycenter(std::vector<CartesianVector> const& points, CartesianVector& result) {
     CartesianVector sum;
-    for (CartesianVector const& point : points) {
-        sum.x += point.x;
-        sum.y += point.y;
-        sum.z += point.z;
-    }
-    if (!points.empty()) {
-        const float scale = 1.0f / static_cast<float>(points.size());
-        sum = CartesianVector{sum.x * scale, sum.y * scale, sum.z * scale};
-    }
+    for (CartesianVector const& point : points) sum = sum + point;
+    if (!points.empty()) sum = sum * (1.0f / static_cast<float>(points.size()));
     result = sum;
 }
 
@@ -76,20 +55,20 @@ float GetRadiusOfTheLargestSphereEncompassing(std::vector<CartesianVector> const
 
 bool IntersectionBetweenLineAndSphere(CartesianVector const& centre, float radius, CartesianVector const& p1,
                                       CartesianVector const& p2, CartesianVector& first, CartesianVector& second) {
-    const CartesianVector d = Difference(p2, p1);
+    const CartesianVector d = p2 - p1;
     const float a = Dot(d, d);
-    const float b = 2.0f * Dot(Difference(p1, centre), d);
+    const float b = 2.0f * Dot(p1 - centre, d);
     const float c = Dot(centre, centre) + Dot(p1, p1) - radius * radius - 2.0f * Dot(centre, p1);
     const float discriminant = b * b - 4.0f * a * c;
     if (discriminant < 0.0f) return false;
     if (discriminant == 0.0f) {
-        first = PointOnLine(p1, b / (-2.0f * a), d);
+        first = p1 + d * (b / (-2.0f * a));
         second = first;
         return true;
     }
     const float root = std::sqrt(discriminant);
-    const CartesianVector further = PointOnLine(p1, (root - b) / (2.0f * a), d);
-    second = PointOnLine(p1, (-b - root) / (2.0f * a), d);
+    const CartesianVector further = p1 + d * ((root - b) / (2.0f * a));
+    second = p1 + d * ((-b - root) / (2.0f * a));
     first = further;
     return true;
 }

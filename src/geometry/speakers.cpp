@@ -4,6 +4,7 @@
 
 #include "geometry/azimuth.h"
 #include "geometry/spherical_vector.h"
+#include "geometry/vector_algebra.h"
 
 // Static objects of other files may be built from these tables, so that they come before anything without a priority.
 #if defined(__GNUC__)
@@ -15,9 +16,6 @@
 namespace Lume {
 
 namespace {
-
-constexpr float pi = 3.1415927f;
-constexpr float twicePi = 6.2831855f;
 
 /// The point of the unit circle at a mathematical azimuth [rad].
 CartesianVector OnCircle(float azimuth) {
@@ -34,7 +32,7 @@ CartesianVector At(float degrees) {
 CartesianVector RegularlySpaced(unsigned int i, unsigned int n) {
     const float degrees = static_cast<float>(i) * 360.0f / static_cast<float>(n);
     const float azimuth = SwapAzimuthConvention(degrees) * DegreesToRadians;
-    return OnCircle(Wrap(azimuth + pi, twicePi) - pi);
+    return OnCircle(Wrap(azimuth + pi, twoPi) - pi);
 }
 
 }  // namespace

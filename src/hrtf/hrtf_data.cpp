@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "geometry/vector_algebra.h"
 #include "hrtf/sdif_set.h"
 
 namespace Lume {
@@ -28,10 +29,7 @@ HrtfPoint const& HrtfData::GetNearestHrtfPoint(CartesianVector const& position) 
     HrtfPoint const* nearest = &points[0];
     float least = 0.0f;
     for (HrtfPoint const& point : points) {
-        const float dx = point.position.x - position.x;
-        const float dy = point.position.y - position.y;
-        const float dz = point.position.z - position.z;
-        const float squared = dx * dx + dy * dy + dz * dz;
+        const float squared = SquaredLength(point.position - position);
         if (&point == &points[0] || squared < least) {
             nearest = &point;
             least = squared;

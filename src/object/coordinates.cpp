@@ -6,22 +6,23 @@
 
 #include "geometry/azimuth.h"
 #include "geometry/spherical_vector.h"
+#include "geometry/vector_algebra.h"
 #include "object/atom_format.h"
 #include "object/lume_common_symbols.h"
 #include "object/orvanmax_common_symbols.h"
 
 using Lume::CartesianVector;
 using Lume::DegreesToRadians;
+using Lume::halfPi;
+using Lume::pi;
 using Lume::RadiansToDegrees;
 using Lume::SphericalVector;
 using Lume::SwapAzimuthConvention;
+using Lume::twoPi;
 using Lume::Wrap;
 
 namespace {
 
-constexpr float pi = 3.1415927f;
-constexpr float twoPi = 6.2831855f;
-constexpr float halfPi = 1.5707964f;
 constexpr float minDistance = 1e-5f;    // [m]
 constexpr float wfsUnit = 0.1f;         // [m]
 constexpr float largestAngle = 1.0e6f;  // [degrees], bounds the time that wrapping takes

@@ -6,12 +6,12 @@
 #include <numbers>
 
 #include "decoders/decoder_factory.h"
+#include "geometry/vector_algebra.h"
 #include "hrtf/sdif_access.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
-#include "orvanverb/hrtf/sphere.h"
 
 namespace program {
 
@@ -59,8 +59,7 @@ std::string OtherPair(std::string const& path, Lume::TransauralDecoder const& de
         std::string words;
         for (std::size_t i = 0; i < point.positions.size(); ++i) {
             Lume::CartesianVector const& place = point.positions[i];
-            const Lume::CartesianVector unit = Unit(i == 0 ? left : right);
-            const float distance = Length({place.x - unit.x, place.y - unit.y, place.z - unit.z});
+            const float distance = Length(place - Unit(i == 0 ? left : right));
             sum += distance * distance;
             most = std::max(most, distance);
             words += (i == 0 ? "" : " and ") +

@@ -6,19 +6,6 @@
 
 namespace program {
 
-float Dot(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-float Length(Lume::CartesianVector const& a) {
-    return std::sqrt(Dot(a, a));
-}
-
-Lume::CartesianVector Unit(Lume::CartesianVector const& a) {
-    const float length = Length(a);
-    return {a.x / length, a.y / length, a.z / length};
-}
-
 std::vector<Lume::CartesianVector> EvenDirections(std::size_t count) {
     const double goldenAngle = std::numbers::pi * (3.0 - std::sqrt(5.0));
     std::vector<Lume::CartesianVector> directions;
@@ -35,7 +22,7 @@ std::vector<double> SphereShares(std::vector<Lume::CartesianVector> const& direc
     constexpr std::size_t numSamples = 20000;
     constexpr float reach = 1.5f;  // of the usual distance between neighbours
     std::vector<Lume::CartesianVector> units(directions.size());
-    std::transform(directions.begin(), directions.end(), units.begin(), Unit);
+    std::transform(directions.begin(), directions.end(), units.begin(), Lume::Unit);
     std::vector<double> shares(units.size(), 1.0 / static_cast<double>(units.size()));
     if (units.size() < 3) return shares;
     std::vector<float> spacing;
@@ -48,7 +35,7 @@ std::vector<double> SphereShares(std::vector<Lume::CartesianVector> const& direc
         spacing.push_back(std::acos(nearest));
     }
     std::nth_element(spacing.begin(), spacing.begin() + static_cast<std::ptrdiff_t>(spacing.size() / 2), spacing.end());
-    const float farthest = std::cos(std::min(reach * spacing[spacing.size() / 2], 3.1415927f));
+    const float farthest = std::cos(std::min(reach * spacing[spacing.size() / 2], Lume::pi));
 
     std::vector<std::size_t> counts(units.size(), 0);
     std::size_t total = 0;

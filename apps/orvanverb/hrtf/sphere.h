@@ -3,15 +3,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "geometry/cartesian_vector.h"
+#include "geometry/vector_algebra.h"
 
 namespace program {
-
-float Dot(Lume::CartesianVector const& a, Lume::CartesianVector const& b);
-float Length(Lume::CartesianVector const& a);
-
-/// The direction of a vector that isn't 0, at distance 1.
-Lume::CartesianVector Unit(Lume::CartesianVector const& a);
 
 /// So many directions, spread evenly over the sphere (Fibonacci's spiral).
 std::vector<Lume::CartesianVector> EvenDirections(std::size_t count);

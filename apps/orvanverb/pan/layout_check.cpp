@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "geometry/azimuth.h"
+#include "geometry/vector_algebra.h"
 #include "orvanverb/common/text.h"
 #include "pan/amplitude/vbap_panning.h"
 
@@ -25,20 +26,8 @@ std::vector<float> Azimuths(Positions const& positions) {
     return azimuths;
 }
 
-float Length(Lume::CartesianVector const& a) {
-    return std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
-}
-
-Lume::CartesianVector Cross(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-Lume::CartesianVector Difference(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
 float AngleDeg(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
-    return std::atan2(Length(Cross(a, b)), a.x * b.x + a.y * b.y + a.z * b.z) * Lume::RadiansToDegrees;
+    return std::atan2(Length(Cross(a, b)), Dot(a, b)) * Lume::RadiansToDegrees;
 }
 
 std::string Names(std::size_t a, std::size_t b) {
@@ -89,8 +78,8 @@ void CheckTriplets(Positions const& positions, std::vector<std::string>& warning
 /// Whether all stand on one line through the plane.
 bool AreInLine(Positions const& positions) {
     for (std::size_t i = 2; i < positions.size(); ++i) {
-        Lume::CartesianVector first = Difference(positions[1], positions[0]);
-        Lume::CartesianVector here = Difference(positions[i], positions[0]);
+        Lume::CartesianVector first = positions[1] - positions[0];
+        Lume::CartesianVector here = positions[i] - positions[0];
         first.z = here.z = 0.0f;
         if (Length(Cross(first, here)) > 0.001f * Length(first) * Length(here)) return false;
     }
@@ -106,7 +95,7 @@ std::vector<std::string> CheckLayout(Lume::PanKind const& method, Positions cons
         CheckPairs(
             positions,
             [&](std::size_t a, std::size_t b) {
-                Lume::CartesianVector apart = Difference(positions[a], positions[b]);
+                Lume::CartesianVector apart = positions[a] - positions[b];
                 if (!method.inSpace) apart.z = 0.0f;
                 return Length(apart) < samePlace;
             },

@@ -6,6 +6,7 @@
 
 #include "dsp/constants.h"
 #include "geometry/speakers.h"
+#include "geometry/vector_algebra.h"
 #include "hrtf/hrtf_header_infos.h"
 #include "orvanverb/audio/channel_mask.h"
 #include "orvanverb/audio/vector_channels.h"
@@ -27,10 +28,6 @@ using Outputs = Lume::PanKind::Outputs;
 
 // Two cycles of 30 ms for gains, glides of 50 ms after a change of rate, and the length of the filters.
 constexpr double settleSeconds = 0.25;
-
-bool AreEqual(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
-    return a.x == b.x && a.y == b.y && a.z == b.z;
-}
 
 /// A layout by a count, a file, or the names of two built-in ones that no count stands for.
 SpeakerLayout ParseLayout(Lume::PanKind const& method, std::string const& text) {
@@ -163,7 +160,7 @@ Lume::CartesianVector PanSetup::ToPanner(Lume::CartesianVector const& position) 
 
 void PanSetup::Place(std::vector<Lume::CartesianVector> const& positions) {
     for (unsigned int i = 0; i < positions.size(); ++i) {
-        if (i < placed.size() && AreEqual(placed[i], positions[i])) continue;
+        if (i < placed.size() && placed[i] == positions[i]) continue;
         panner->SetSourcePosition(i, ToPanner(positions[i]), false);
     }
     placed = positions;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "geometry/speakers.h"
+#include "geometry/vector_algebra.h"
 
 namespace Lume {
 
@@ -28,7 +29,6 @@ void AngularPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
 
 void AngularPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
     constexpr float twicePi = 6.2831855f;
-    constexpr float halfPi = 1.5707964f;
     std::fill_n(gains, numOutputs, 0.0f);
     if (numOutputs == 1) gains[0] = 1.0f;
     if (numOutputs <= 1) return;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "geometry/speakers.h"
+#include "geometry/vector_algebra.h"
 
 namespace Lume {
 
@@ -85,14 +86,13 @@ void DbapPanning::Distribute(CartesianVector const& position, float centerDistan
     CartesianVector const& spread = directionalSpread[source];
     float sum = 0.0f;
     for (unsigned int j = 0; j < numOutputs; ++j) {
-        const float dx = position.x - speakerPositions[j].x;
-        const float dy = position.y - speakerPositions[j].y;
-        const float dz = position.z - speakerPositions[j].z;
+        const CartesianVector d = position - speakerPositions[j];
         float q;
         if (spreadMode == directional) {
-            q = Square((1.0f - spread.y) * dy) + Square((1.0f - spread.x) * dx) + Square((1.0f - spread.z) * dz) + blur;
+            q = Square((1.0f - spread.y) * d.y) + Square((1.0f - spread.x) * d.x) + Square((1.0f - spread.z) * d.z) +
+                blur;
         } else {
-            const float distanceSquared = planar ? dx * dx + dy * dy : dx * dx + dy * dy + dz * dz;
+            const float distanceSquared = planar ? SquaredLength2D(d) : SquaredLength(d);
             q = centerDistanceSquared * w + (1.0f - w) * distanceSquared + blur;
         }
         gains[j] = 1.0f / std::sqrt(q);

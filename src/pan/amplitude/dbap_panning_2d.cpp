@@ -6,15 +6,12 @@
 #include "geometry/plane_geometry.h"
 #include "geometry/point_search.h"
 #include "geometry/space_geometry.h"
+#include "geometry/vector_algebra.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
 
 namespace {
-
-float Distance(CartesianVector const& a, CartesianVector const& b) {
-    return CartesianVector{a.x - b.x, a.y - b.y, a.z - b.z}.radius();
-}
 
 /// Whether p lies in the rectangle with the corners a and b.
 bool IsWithinBounds(CartesianVector const& p, CartesianVector const& a, CartesianVector const& b) {
@@ -44,9 +41,7 @@ void DbapPanning2D::SetLoudspeakerPositions(CartesianVector const* positions) {
 }
 
 void DbapPanning2D::convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) {
-    const float dx = position.x - barycenter.x;
-    const float dy = position.y - barycenter.y;
-    Distribute(position, dx * dx + dy * dy, true, gains, sourceIndex);
+    Distribute(position, SquaredLength2D(position - barycenter), true, gains, sourceIndex);
     if (hull.Contains(position)) return;
     if (muteOutsideHull) {
         std::fill_n(gains, numOutputs, 0.0f);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "geometry/space_geometry.h"
+#include "geometry/vector_algebra.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -26,10 +27,7 @@ void DbapPanning3D::SetLoudspeakerPositions(CartesianVector const* positions) {
 }
 
 void DbapPanning3D::convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) {
-    const float dx = position.x - barycenter.x;
-    const float dy = position.y - barycenter.y;
-    const float dz = position.z - barycenter.z;
-    const float centerDistanceSquared = dx * dx + dy * dy + dz * dz;
+    const float centerDistanceSquared = SquaredLength(position - barycenter);
     Distribute(position, centerDistanceSquared, false, gains, sourceIndex);
     // A squared distance against a plain radius: this is meant, and sets the border at the square root of the radius.
     if (muteOutsideHull && centerDistanceSquared > radius) std::fill_n(gains, numOutputs, 0.0f);

@@ -5,6 +5,7 @@
 
 #include "geometry/azimuth.h"
 #include "geometry/spherical_vector.h"
+#include "geometry/vector_algebra.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -20,18 +21,10 @@ constexpr float insideTolerance = -0.001f;
 /// A gain below this counts as negative. It isn't scaled with the distance of the source.
 constexpr float gainTolerance = -0.01f;
 
-float Dot(CartesianVector const& a, CartesianVector const& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-CartesianVector Cross(CartesianVector const& a, CartesianVector const& b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
 CartesianVector NormalisedCross(CartesianVector const& a, CartesianVector const& b) {
     const CartesianVector n = Cross(a, b);
     const float length = n.radius();
-    return length > 0.0f ? CartesianVector{n.x / length, n.y / length, n.z / length} : n;
+    return length > 0.0f ? n / length : n;
 }
 
 /// Whether a point that lies at these angles from the ends of an arc is on the arc.

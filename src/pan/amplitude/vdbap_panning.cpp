@@ -2,6 +2,7 @@
 
 #include "geometry/space_geometry.h"
 #include "geometry/speakers.h"
+#include "geometry/vector_algebra.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -32,9 +33,7 @@ void VDbapPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
 }
 
 void VDbapPanning::convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) {
-    const CartesianVector fromCenter = {position.x - barycenter.x, position.y - barycenter.y,
-                                        position.z - barycenter.z};
-    const float distance = fromCenter.radius();
+    const float distance = Distance(position, barycenter);
     float vbapWeight = 0.0f;
     if (distance > 1.3f * radius)
         vbapWeight = 1.0f;

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "geometry/azimuth.h"
+#include "geometry/vector_algebra.h"
 #include "hrtf/hrtf.h"
 
 namespace Lume {
@@ -16,7 +17,6 @@ std::map<std::string, BinauralPanning::ITDType> itdTypeMap;
 constexpr char const* itdTypeNames[] = {"basic",   "woodworth", "measurement", "larchetjot",
                                         "savioja", "miller",    "none",        ""};
 
-constexpr float halfPi = 1.5707964f;
 /// Milliseconds that sound takes for half a metre: 1000 / (2 * 340 m/s).
 constexpr float halfMsPerMetre = 1.4705882f;
 
@@ -24,7 +24,7 @@ constexpr float halfMsPerMetre = 1.4705882f;
 struct Direction {
     explicit Direction(CartesianVector const& position)
         : azimuth(SwapAzimuthConvention(std::atan2(position.y, position.x) * RadiansToDegrees) * DegreesToRadians),
-          distance(std::sqrt(position.x * position.x + position.y * position.y + position.z * position.z)),
+          distance(Length(position)),
           elevation(distance > 0.0f ? std::asin(position.z / distance) : 0.0f) {}
     float azimuth;    // the listener's [rad]
     float distance;   // [m]

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "filters/four_allpass_heads.h"
+#include "geometry/vector_algebra.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -50,10 +51,10 @@ void BinauralPanningITD::SetListenerHeadRadius(float metres) {
 }
 
 void BinauralPanningITD::setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) {
-    const float distance = std::sqrt(position.x * position.x + position.y * position.y + position.z * position.z);
+    const float distance = Length(position);
     const float elevation = distance > 0.0f ? std::asin(position.z / distance) : 0.0f;
     const float nearness = std::clamp(distance, -1.0f, 1.0f);
-    const float side = std::sin(1.5707964f - std::atan2(position.y, position.x));  // of the listener's azimuth
+    const float side = std::sin(halfPi - std::atan2(position.y, position.x));  // of the listener's azimuth
     const float v = std::cos(elevation) * side * sideEffect * nearness;
     voices[index].Set(1.0f - v, 1.0f + v, 0.70710678f + v, 0.70710678f - v, flag);
 }

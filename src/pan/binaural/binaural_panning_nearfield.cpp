@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "dsp/constants.h"
+#include "geometry/vector_algebra.h"
 #include "pan/binaural/head_shadow.h"
 #include "pan/null_panning.h"
 
@@ -13,18 +14,6 @@ namespace {
 
 /// Closer to an ear the level doesn't rise any more [m]: it has to stay finite.
 constexpr float minEarDistance = 0.001f;
-
-float Dot(CartesianVector const& a, CartesianVector const& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-CartesianVector Difference(CartesianVector const& a, CartesianVector const& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-float Distance(CartesianVector const& a, CartesianVector const& b) {
-    return Difference(a, b).radius();
-}
 
 /// Whether filters of a set, of the wanted kind, can be run. A set without points or coefficients has nothing to hear.
 bool Suits(HrtfHeaderInfos const& infos, HrtfType type) {
@@ -274,8 +263,8 @@ void BinauralPanningNearfield::getCrossEarsHRTFPoints(CartesianVector const& pos
 
 CartesianVector BinauralPanningNearfield::getCrossEarsPosition(CartesianVector const& position,
                                                                CartesianVector const& ear) const {
-    const CartesianVector v = Difference(position, ear);
-    const CartesianVector w = Difference(ear, headCentre);
+    const CartesianVector v = position - ear;
+    const CartesianVector w = ear - headCentre;
     const float a = Dot(v, v);
     const float b = 2.0f * Dot(v, w);
     const float c = Dot(w, w) - measurementSphereRadius * measurementSphereRadius;

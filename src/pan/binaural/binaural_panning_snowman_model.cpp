@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "dsp/orvan_dsp_exception.h"
+#include "geometry/vector_algebra.h"
 #include "pan/binaural/head_shadow.h"
 #include "pan/null_panning.h"
 
@@ -11,42 +12,14 @@ namespace Lume {
 
 namespace {
 
-constexpr float pi = 3.1415927f;
-constexpr float halfPi = 1.5707964f;
 constexpr float minHeadRadius = 0.01f;  // [m]
 /// The formulas divide by the torso's radius [m].
 constexpr float minTorsoRadius = 0.001f;
 
-float Dot(CartesianVector const& a, CartesianVector const& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-float Length(CartesianVector const& v) {
-    return std::sqrt(Dot(v, v));
-}
-
-CartesianVector Sum(CartesianVector const& a, CartesianVector const& b) {
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-
-CartesianVector Difference(CartesianVector const& a, CartesianVector const& b) {
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-CartesianVector Scaled(CartesianVector const& v, float factor) {
-    return {v.x * factor, v.y * factor, v.z * factor};
-}
-
-/// The direction of a vector; one without a direction stays.
-CartesianVector Direction(CartesianVector const& v) {
-    const float length = Length(v);
-    return length > 0.0f ? CartesianVector{v.x / length, v.y / length, v.z / length} : v;
-}
-
 /// The vector with another length; one without a direction stays.
 CartesianVector WithLength(CartesianVector const& v, float length) {
     const float present = Length(v);
-    return present > 0.0f ? Scaled(v, length / present) : v;
+    return present > 0.0f ? v * (length / present) : v;
 }
 
 /// acos, with what rounding left outside its domain moved onto the edge.
@@ -71,7 +44,7 @@ struct BinauralPanningSnowmanModel::Geometry {
 
     /// The part of the source's direction that is perpendicular to d, scaled to a length.
     CartesianVector Across(float length) const {
-        return WithLength(Difference(Scaled(source, distance * distance), Scaled(d, along)), length);
+        return WithLength(source * (distance * distance) - d * along, length);
     }
 };
 
@@ -142,8 +115,8 @@ void BinauralPanningSnowmanModel::ApplyModel(SnowmanProcessing& ear, CartesianVe
                                              CartesianVector const& source, bool flag) const {
     Geometry geometry{};
     geometry.ear = earPosition;
-    geometry.source = Direction(source);
-    geometry.d = Difference(earPosition, torsoCentre);
+    geometry.source = Unit(source);
+    geometry.d = earPosition - torsoCentre;
     geometry.distance = Length(geometry.d);
     geometry.along = Dot(geometry.source, geometry.d);
     geometry.headRadius = headRadius;
@@ -167,8 +140,8 @@ void BinauralPanningSnowmanModel::computeTorsoShadowSubModel(SnowmanProcessing& 
     // q is the way from the ear to the point where the sound leaves the torso on a tangent.
     const float k = torso * torso / (distance * distance);
     const CartesianVector w = geometry.Across(std::sqrt(std::max((1.0f - k) * k, 0.0f)) * distance);
-    const CartesianVector q = Difference(Difference(Scaled(geometry.d, k), w), geometry.d);
-    const float headAngle = geometry.AngleAtEar(Direction(q));
+    const CartesianVector q = geometry.d * k - w - geometry.d;
+    const float headAngle = geometry.AngleAtEar(Unit(q));
     const float torsoAngle = geometry.AngleAtEar(geometry.source);
 
     // The angle for the delay goes from that at the edge of the shadow to pi straight behind the torso.
@@ -207,9 +180,9 @@ void BinauralPanningSnowmanModel::computeTorsoReflectionSubModel(SnowmanProcessi
         modelMsPerMetre;
 
     // v is the way from the ear to the point that reflects.
-    const CartesianVector outward = Scaled(geometry.d, torso * std::cos(s) / distance);
-    const CartesianVector v = Sum(Difference(outward, geometry.d), geometry.Across(torso * std::sin(s)));
-    const float reflectedAngle = geometry.AngleAtEar(Direction(v));
+    const CartesianVector outward = geometry.d * (torso * std::cos(s) / distance);
+    const CartesianVector v = outward - geometry.d + geometry.Across(torso * std::sin(s));
+    const float reflectedAngle = geometry.AngleAtEar(Unit(v));
 
     constexpr float passThrough[] = {1.0f, 0.0f, 1.0f, 0.0f};
     const auto headCoefficients =

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "dsp/orvan_dsp_exception.h"
+#include "geometry/vector_algebra.h"
 #include "pan/binaural/head_shadow.h"
 #include "pan/null_panning.h"
 
@@ -19,8 +20,7 @@ float AngleBetween(CartesianVector const& ear, CartesianVector const& source) {
     const bool noSource = sourceLength == 0.0f;
     if (earLength == 0.0f) return noSource ? 0.0f : std::abs(std::atan2(source.y, source.x));
     if (noSource) return std::abs(std::atan2(ear.y, ear.x));
-    const float dot = source.x * ear.x + source.y * ear.y + source.z * ear.z;
-    return std::abs(std::acos(std::clamp(dot / (sourceLength * earLength), -1.0f, 1.0f)));
+    return std::abs(std::acos(std::clamp(Dot(source, ear) / (sourceLength * earLength), -1.0f, 1.0f)));
 }
 
 }  // namespace
