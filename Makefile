@@ -2,6 +2,7 @@
 # make test   builds and runs the tests
 # make slow   runs the tests that take minutes
 # make asan   builds and runs the tests with address and undefined-behaviour sanitizers
+# make tsan   runs the tests of what crosses threads, with the thread sanitizer
 # make fuzz   throws crafted files at the loaders for a minute each (clang)
 # make pd-package  puts the external for Pure Data into out/
 # make bench  builds and runs the benchmarks
@@ -12,7 +13,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan fuzz bench check format pd-package clean
+.PHONY: all setup configure build demo test slow asan tsan fuzz bench check format pd-package clean
 all: build
 
 setup:
@@ -38,6 +39,11 @@ asan: setup
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan -j$(JOBS)
 	ctest --preset asan
+
+tsan: setup
+	@cmake --preset tsan >/dev/null
+	@cmake --build --preset tsan -j$(JOBS)
+	build/tsan/tests/test_room
 
 FUZZ_SECONDS ?= 60
 fuzz: setup

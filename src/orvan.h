@@ -9,6 +9,7 @@
 #include "dsp/denormals.h"
 #include "dsp/fast_hadamard_transform.h"
 #include "dsp/filter.h"
+#include "dsp/floating_point_mode.h"
 #include "dsp/four_channels.h"
 #include "dsp/hilbert_transform.h"
 #include "dsp/orvan_dsp_exception.h"
@@ -166,6 +167,10 @@
 #include "engine/room_format.h"
 
 // room
+#include "room/ears.h"
+#include "room/room.h"
+#include "room/room_queue.h"
+#include "room/room_state.h"
 #include "room/sample_guard.h"
 #include "room/steady_vectors.h"
 

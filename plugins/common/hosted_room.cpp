@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
-#include "common/floating_point_mode.h"
+#include "dsp/floating_point_mode.h"
 #include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
 
 namespace plugin {
+
+using orvandsp::FloatingPointMode;
 
 namespace {
 

@@ -97,6 +97,7 @@ public:
 
     /// Whether a first Configure has succeeded.
     bool IsInitialized() const noexcept { return initialized; }
+    unsigned int GetNumInternals() const noexcept { return numInternals; }
 
     /// @name Frame
     /// @{

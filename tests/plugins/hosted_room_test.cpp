@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common/floating_point_mode.h"
+#include "dsp/floating_point_mode.h"
 #include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
 #include "patcher/api.h"
@@ -27,7 +27,7 @@ std::string Text(std::vector<max::t_atom> const& atoms) {
 
 /// The state of a bare object that was told to stand in the built-in layout of its sources or loudspeakers.
 std::string StateOf(std::string const& words, bool sources, bool speakers) {
-    const plugin::FloatingPointMode unchanged;
+    const orvandsp::FloatingPointMode unchanged;
     orvanverb_main();
     max::Box box("orvanverb~ " + words);
     orvanverb_place_defaults(reinterpret_cast<orvanverb_t*>(box.Object()), sources, speakers);

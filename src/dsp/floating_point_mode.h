@@ -4,7 +4,7 @@
 #include <immintrin.h>
 #endif
 
-namespace plugin {
+namespace orvandsp {
 
 /// While one stands, the calling thread's floating-point mode may change; then it is again what it was.
 ///
@@ -39,4 +39,4 @@ private:
 #endif
 };
 
-}  // namespace plugin
+}  // namespace orvandsp

@@ -1,0 +1,183 @@
+#include "room/room.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <stdexcept>
+
+#include "dsp/constants.h"
+#include "dsp/denormals.h"
+#include "dsp/floating_point_mode.h"
+#include "geometry/speakers.h"
+
+namespace Lume {
+
+using orvandsp::FloatingPointMode;
+
+namespace {
+
+// Glides after a change of sample rate last 50 ms, layer gains 100 ms; the panners begin a cycle of 30 ms only when the
+// one before it has ended.
+constexpr double settleSeconds = 0.25;
+constexpr float fadeInSeconds = 0.1f;
+constexpr unsigned int provisionalBlockSize = 64;
+
+std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals) {
+    const FloatingPointMode unchanged;
+    // One loudspeaker is no ring and no headphones.
+    if (numSpeakers < 2 || !OrvanVerb::SupportsConfiguration(numSources, numSpeakers, numInternals))
+        throw std::invalid_argument(
+            "a room has 1 to 64 sources, 2 to 64 loudspeakers and 2 to 16 internal channels, not " +
+            std::to_string(numSources) + ", " + std::to_string(numSpeakers) + " and " + std::to_string(numInternals));
+    auto engine = std::make_unique<OrvanVerb>(numInternals);
+    engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, numSources, numSpeakers);
+    return engine;
+}
+
+/// Brings coordinates within the limit.
+/// @return false if one is not a number
+bool Limit(CartesianVector& position) {
+    if (std::isnan(position.x) || std::isnan(position.y) || std::isnan(position.z)) return false;
+    for (float* const coordinate : {&position.x, &position.y, &position.z})
+        *coordinate = std::clamp(*coordinate, -Room::maxCoordinate, Room::maxCoordinate);
+    return true;
+}
+
+}  // namespace
+
+Room::Room(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals)
+    : Room(MakeEngine(numSources, numSpeakers, numInternals)) {
+    for (RoomControl const& control : roomControls) control.set(*engine, control.standard);
+    std::vector<CartesianVector> positions;
+    Speakers::GetDefaultForChannels(positions, numSpeakers);
+    PlaceSpeakers(positions);
+}
+
+Room::Room(unsigned int numSources, std::span<CartesianVector const> speakers, unsigned int numInternals)
+    : Room(numSources, static_cast<unsigned int>(speakers.size()), numInternals) {
+    if (!PlaceSpeakers(speakers)) throw std::invalid_argument("the position of a loudspeaker is not a number");
+}
+
+Room::Room(std::unique_ptr<OrvanVerb> configured) : engine(std::move(configured)) {
+    vectors.Configure(NumSources(), NumSpeakers(), engine->GetBuffersize(), SteadyVectors::Blocks::Steady,
+                      engine->GetBuffersize());
+    guard.Configure(NumSources(), VectorSize());
+    bypassCopies.resize(NumSources() * VectorSize());
+}
+
+Room::~Room() = default;
+
+void Room::Configure(float samplerate, std::size_t blockSize, std::size_t vectorSize, SteadyVectors::Blocks blocks) {
+    const FloatingPointMode unchanged;
+    vectors.Configure(NumSources(), NumSpeakers(), blockSize, blocks, vectorSize);
+    guard.Configure(NumSources(), VectorSize());
+    bypassCopies.resize(NumSources() * VectorSize());
+    fadeIn = 1.0f;
+    engine->Configure(samplerate, static_cast<unsigned int>(VectorSize()), NumSources(), NumSpeakers());
+    if (earsWait) nextEars->Configure(samplerate, static_cast<unsigned int>(VectorSize()), true);
+}
+
+void Room::Settle() {
+    const FloatingPointMode unchanged;
+    std::vector<float> silence(VectorSize(), 0.0f), discarded(VectorSize());
+    std::vector<float const*> inputs(NumSources());
+    const std::vector<float*> outputs(NumSpeakers(), discarded.data());
+    const double step = static_cast<double>(VectorSize()) / static_cast<double>(Samplerate());
+    for (double seconds = 0.0; seconds < settleSeconds; seconds += step) {
+        std::fill(inputs.begin(), inputs.end(), silence.data());
+        ProcessVector(outputs.data(), inputs.data());
+    }
+}
+
+void Room::Process(float* const* outputs, float const* const* inputs, std::size_t numSamples) {
+    const FloatingPointMode unchanged;
+    orvandsp::FlushDenormals();
+    vectors.Process(outputs, inputs, numSamples,
+                    [this](float* const* out, float const** in) { ProcessVector(out, in); });
+}
+
+void Room::ProcessVector(float* const* outputs, float const** inputs) {
+    runs = true;
+    if (earsWait && engine->ExchangeEars(nextEars)) earsWait = false;
+    guard.Check(inputs);
+    const auto out = const_cast<float**>(outputs);  // the engine changes no pointer
+    if (muted) {
+        engine->Mute(out, VectorSize());
+    } else if (bypassed) {
+        Bypass(outputs, inputs);
+    } else {
+        // It changes no input either, unless an output stands on it.
+        engine->Process(out, const_cast<float**>(inputs), VectorSize(), orvandsp::allActiveInputs);
+        GuardOutputs(outputs);
+    }
+}
+
+/// By way of copies: an output may stand on any of the inputs.
+void Room::Bypass(float* const* outputs, float const** inputs) {
+    for (unsigned int i = 0; i < NumSources(); ++i)
+        std::copy_n(inputs[i], VectorSize(), &bypassCopies[i * VectorSize()]);
+    for (unsigned int i = 0; i < NumSpeakers(); ++i) {
+        if (i < NumSources())
+            std::copy_n(&bypassCopies[i * VectorSize()], VectorSize(), outputs[i]);
+        else
+            std::fill_n(outputs[i], VectorSize(), 0.0f);
+    }
+}
+
+void Room::GuardOutputs(float* const* outputs) {
+    std::size_t bad = 0;
+    for (unsigned int i = 0; i < NumSpeakers(); ++i) bad += SampleGuard::Count(outputs[i], VectorSize());
+    if (bad > 0) {
+        numBadOutputs += bad;
+        engine->Silence();
+        for (unsigned int i = 0; i < NumSpeakers(); ++i) std::fill_n(outputs[i], VectorSize(), 0.0f);
+        fadeIn = 0.0f;
+    } else if (fadeIn < 1.0f) {
+        const float step = 1.0f / (fadeInSeconds * Samplerate());
+        for (unsigned int i = 0; i < NumSpeakers(); ++i)
+            for (std::size_t k = 0; k < VectorSize(); ++k)
+                outputs[i][k] *= std::min(fadeIn + static_cast<float>(k) * step, 1.0f);
+        fadeIn += static_cast<float>(VectorSize()) * step;
+    }
+}
+
+void Room::Clear() {
+    const FloatingPointMode unchanged;
+    engine->Silence();
+}
+
+bool Room::Set(std::size_t control, float value) {
+    if (control >= roomControls.size() || std::isnan(value)) return false;
+    const FloatingPointMode unchanged;
+    RoomControl const& row = roomControls[control];
+    row.set(*engine, std::clamp(value, row.least, row.greatest));
+    return true;
+}
+
+bool Room::PlaceSource(unsigned int source, CartesianVector const& position) {
+    CartesianVector limited = position;
+    if (source >= NumSources() || !Limit(limited)) return false;
+    const FloatingPointMode unchanged;
+    engine->SetSourcePosition(source, limited);
+    return true;
+}
+
+bool Room::PlaceSpeaker(unsigned int speaker, CartesianVector const& position) {
+    std::array<CartesianVector, orvandsp::MaxNumChannels> positions;
+    if (speaker >= NumSpeakers()) return false;
+    std::copy_n(SpeakerPositions().begin(), NumSpeakers(), positions.begin());
+    positions[speaker] = position;
+    return PlaceSpeakers({positions.data(), NumSpeakers()});
+}
+
+bool Room::PlaceSpeakers(std::span<CartesianVector const> positions) {
+    if (positions.size() != NumSpeakers()) return false;
+    std::array<CartesianVector, orvandsp::MaxNumChannels> limited;
+    std::copy(positions.begin(), positions.end(), limited.begin());
+    if (!std::all_of(limited.begin(), limited.begin() + NumSpeakers(), Limit)) return false;
+    const FloatingPointMode unchanged;
+    engine->SetSpeakersPositions(limited.data());
+    return true;
+}
+
+}  // namespace Lume

@@ -1,0 +1,106 @@
+#include "room/room_queue.h"
+
+#include <bit>
+
+#include "dsp/constants.h"
+
+namespace Lume {
+
+namespace {
+
+// What messages are for: first the controls, then every source and loudspeaker, then what there is one of.
+constexpr auto firstSource = static_cast<std::uint32_t>(roomControls.size());
+constexpr std::uint32_t firstSpeaker = firstSource + orvandsp::MaxNumChannels;
+constexpr std::uint32_t muting = firstSpeaker + orvandsp::MaxNumChannels;
+constexpr std::uint32_t bypassing = muting + 1;
+constexpr std::uint32_t clearing = muting + 2;
+constexpr std::uint32_t numTargets = muting + 3;
+
+}  // namespace
+
+RoomQueue::RoomQueue(std::size_t capacity)
+    : messages(std::bit_ceil(capacity)), mask(messages.size() - 1), last(numTargets, 0) {}
+
+RoomQueue::~RoomQueue() {
+    delete earsSent.load();
+    delete earsUsed.load();
+}
+
+bool RoomQueue::Send(std::uint32_t target, CartesianVector const& value) noexcept {
+    const std::size_t place = written.load(std::memory_order_relaxed);
+    if (target >= numTargets || place - read.load(std::memory_order_acquire) == messages.size()) {
+        numLost.fetch_add(1, std::memory_order_relaxed);
+        return false;
+    }
+    messages[place & mask] = {target, value};
+    written.store(place + 1, std::memory_order_release);
+    return true;
+}
+
+bool RoomQueue::Set(std::size_t control, float value) noexcept {
+    return control < firstSource && Send(static_cast<std::uint32_t>(control), {value, 0.0f, 0.0f});
+}
+
+bool RoomQueue::PlaceSource(unsigned int source, CartesianVector const& position) noexcept {
+    return source < orvandsp::MaxNumChannels && Send(firstSource + source, position);
+}
+
+bool RoomQueue::PlaceSpeaker(unsigned int speaker, CartesianVector const& position) noexcept {
+    return speaker < orvandsp::MaxNumChannels && Send(firstSpeaker + speaker, position);
+}
+
+bool RoomQueue::SetMuted(bool muted) noexcept {
+    return Send(muting, {muted ? 1.0f : 0.0f, 0.0f, 0.0f});
+}
+
+bool RoomQueue::SetBypassed(bool bypassed) noexcept {
+    return Send(bypassing, {bypassed ? 1.0f : 0.0f, 0.0f, 0.0f});
+}
+
+bool RoomQueue::Clear() noexcept {
+    return Send(clearing, {});
+}
+
+void RoomQueue::SendEars(Ears ears) {
+    delete earsUsed.exchange(nullptr);
+    delete earsSent.exchange(new Ears(std::move(ears)));
+}
+
+void RoomQueue::Deliver(Room& room) {
+    const std::size_t begin = read.load(std::memory_order_relaxed);
+    const std::size_t end = written.load(std::memory_order_acquire);
+    for (std::size_t i = begin; i != end; ++i) last[messages[i & mask].target] = i;
+    for (std::size_t i = begin; i != end; ++i)
+        if (last[messages[i & mask].target] == i) Apply(room, messages[i & mask]);
+    read.store(end, std::memory_order_release);
+    DeliverEars(room);
+}
+
+void RoomQueue::DeliverEars(Room& room) {
+    // Ears that go out of use wait for the writer, who comes with the next pair: one place is enough.
+    if (earsSent.load(std::memory_order_relaxed) == nullptr || earsUsed.load(std::memory_order_relaxed) != nullptr)
+        return;
+    if (Ears* const ears = earsSent.exchange(nullptr)) {
+        room.TakeEars(*ears);
+        earsUsed.store(ears);
+    }
+}
+
+void RoomQueue::Apply(Room& room, Message const& message) {
+    const std::uint32_t target = message.target;
+    const bool on = message.value.x != 0.0f;
+    if (target < firstSource)
+        room.Set(target, message.value.x);
+    else if (target < firstSpeaker)
+        room.PlaceSource(target - firstSource, message.value);
+    else if (target < muting)
+        room.PlaceSpeaker(target - firstSpeaker, message.value);
+    else if (target == muting)
+        room.SetMuted(on);
+    else if (target == bypassing)
+        room.SetBypassed(on);
+    else
+        room.Clear();
+}
+
+}  // namespace Lume

@@ -1,0 +1,130 @@
+#include "room/room_state.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <stdexcept>
+
+#include "pan/set_file.h"
+#include "room/room.h"
+#include "room/room_rig.h"
+#include "support/temporary_file.h"
+
+namespace {
+
+using Lume::ControlIndex;
+using Lume::Room;
+using Lume::RoomState;
+
+std::string Complaint(std::string const& text) {
+    try {
+        RoomState::Parse(text);
+    } catch (std::invalid_argument const& error) {
+        return error.what();
+    }
+    return {};
+}
+
+/// What a room plays that begins with a state.
+Recording Heard(RoomState const& state, Room& room) {
+    room.RestoreState(state);
+    room.Configure(48000.0f, 256, state.vectorSize);
+    room.Settle();
+    return Play(room, 4096, 16384);
+}
+
+}  // namespace
+
+// Red if anything that a room was told is missing from its state, or comes back rounded: also times that an object's
+// words let past their range, which change what the cluster plays.
+TEST(RoomState, BringsBackWhatWasHeardToTheLastBit) {
+    const std::string set = [] {
+        SetDescription description;
+        description.positions = {{0.0f, 1.0f, 0.0f}};
+        return SetFile(description, [](std::uint32_t, std::uint32_t) { return 0.4f; });
+    }();
+    const TemporaryFile file(".hrtf", set);
+    for (const unsigned int speakers : {2u, 5u}) {
+        Room room(2, speakers, 4);
+        if (speakers == 2) room.LoadEars(file.name);
+        for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
+            Lume::RoomControl const& row = Lume::roomControls[i];
+            room.Set(i, row.least + (row.greatest - row.least) / (2.0f + static_cast<float>(i) / 37.0f));
+        }
+        room.Set(ControlIndex("infinite"), 0.0f);
+        room.Engine().SetEarlyStart(500.0f);
+        room.PlaceSource(1, {0.1f, -1.0f / 3.0f, 1e-3f});
+        room.PlaceSpeaker(1, {2.0f, 3.0f, 0.0f});
+        room.Configure(48000.0f, 256, 32);
+
+        const std::string text = room.SaveState().Text();
+        const RoomState state = RoomState::Parse(text);
+        Room fresh(2, speakers, 4), again(state.numSources, state.numSpeakers, state.numInternals);
+        const Recording first = Heard(room.SaveState(), fresh), second = Heard(state, again);
+        EXPECT_GT(LevelDb(first[1]), -70.0);
+        EXPECT_TRUE(first == second) << speakers << " loudspeakers";
+        EXPECT_EQ(again.SaveState().Text(), text);
+    }
+}
+
+// Red if the format slips: files of this version will be read for years.
+TEST(RoomState, IsTextWithNames) {
+    RoomState state;
+    state.numSources = 1;
+    state.vectorSize = 64;
+    state.ears = {"/sets/my ears #2.hrtf", 0x8f3c0a6b5d21e794u};
+    state.sources = {{0.0f, 0.1f, -2.0f}};
+    state.controls[ControlIndex("tr0")] = 1.0f / 3.0f;
+    const std::string text = state.Text("/states");
+    EXPECT_EQ(
+        text.substr(0, text.find("gain")),
+        "orvanverb-state 1\nnumsources 1\nvector 64\nears 8f3c0a6b5d21e794 ../sets/my ears #2.hrtf\nmute 0\nbypass 0\n"
+        "sourcespositions 0 0.1 -2\n");
+    EXPECT_NE(text.find("\ntr0 0.33333334\n"), std::string::npos);
+    const RoomState again = RoomState::Parse(text, "/states");
+    EXPECT_EQ(again.ears.path.lexically_normal(), state.ears.path);
+    EXPECT_EQ(again.controls, state.controls);
+}
+
+// Red if a state of another version of this program loses what that one knows, or brings noise for what it doesn't.
+TEST(RoomState, TakesOlderAndNewerStates) {
+    const RoomState state = RoomState::Parse("orvanverb-state 1\r\n# by hand\n\ntr0 3\nlate_width 0.5 left\n");
+    EXPECT_EQ(state.controls[ControlIndex("tr0")], 3.0f);
+    EXPECT_EQ(state.controls[ControlIndex("fl")], 250.0f);
+    ASSERT_EQ(state.unknown, std::vector<std::string>{"late_width 0.5 left"});
+    Room room(1, 2);
+    room.RestoreState(state);
+    EXPECT_NE(room.SaveState().Text().find("\nlate_width 0.5 left\n"), std::string::npos);
+}
+
+TEST(RoomState, SaysWhatIsWrongAndWhere) {
+    const std::string head = "orvanverb-state 1\n";
+    EXPECT_EQ(Complaint("tr0 3\n"), "1: orvanverb-state and a version are expected");
+    EXPECT_EQ(Complaint("orvanverb-state 2\n"), "1: orvanverb-state: version 1 is expected, not 2");
+    EXPECT_EQ(Complaint(head + "tr0 11\n"), "2: tr0: 11 is not from 0.1 to 10");
+    EXPECT_EQ(Complaint(head + "tr0 nan\n"), "2: tr0: 'nan' is not finite");
+    EXPECT_EQ(Complaint(head + "tr0 3s\n"), "2: tr0: '3s' is no number that is expected here");
+    EXPECT_EQ(Complaint(head + "tr0 3 4\n"), "2: tr0: one value is expected, '4' is too many");
+    EXPECT_EQ(Complaint(head + "\nsourcespositions 1 2\n"), "3: sourcespositions: positions are three numbers each");
+    EXPECT_EQ(Complaint(head + "numsources 2\nsourcespositions 1 2 3\n"),
+              "sourcespositions: 2 positions are expected, not 1");
+    EXPECT_EQ(Complaint(head + "vector 48\n"), "2: vector: a power of two from 16 to 8192 is expected, not 48");
+    EXPECT_EQ(Complaint(head + "early_start 500\n"), "") << "an object's words let it past its range";
+}
+
+// Red if a room changes although its new state can't be had.
+TEST(RoomState, LeavesTheRoomAsItWasIfTheEarsAreOthers) {
+    SetDescription description;
+    description.positions = {{0.0f, 1.0f, 0.0f}};
+    const TemporaryFile file(".hrtf", SetFile(description, [](std::uint32_t, std::uint32_t) { return 0.4f; }));
+    Room room(1, 2);
+    room.LoadEars(file.name);
+    RoomState state = room.SaveState();
+    state.controls[ControlIndex("tr0")] = 7.0f;
+    std::ofstream(file.name, std::ios::app) << "more";
+    Room other(1, 2);
+    EXPECT_THROW(other.RestoreState(state), std::runtime_error);
+    EXPECT_NE(other.Get(ControlIndex("tr0")), 7.0f);
+    state.numSources = 2;
+    EXPECT_THROW(room.RestoreState(state), std::invalid_argument);
+}

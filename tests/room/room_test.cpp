@@ -1,0 +1,227 @@
+#include "room/room.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+#include "pan/set_file.h"
+#include "room/room_rig.h"
+#include "support/allocation_count.h"
+#include "support/lock_count.h"
+#include "support/temporary_file.h"
+
+namespace {
+
+using Lume::ControlIndex;
+using Lume::Room;
+
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+
+std::string FlatSetFile(float gain) {
+    SetDescription set;
+    set.positions = {{0.0f, 1.0f, 0.0f}};
+    return SetFile(set, [=](std::uint32_t, std::uint32_t) { return gain; });
+}
+
+template <typename Call>
+std::string Complaint(Call call) {
+    try {
+        call();
+    } catch (std::exception const& error) {
+        return error.what();
+    }
+    return {};
+}
+
+/// Those whose setters in the engine make room for longer delays than there were.
+bool StillAllocates(std::string_view control) {
+    return control == "modaldensity" || control == "early_start" || control == "early_end" ||
+           control == "early_distr" || control == "early_shape" || control == "reverb_start";
+}
+
+bool DenormalsCount() {
+    volatile float tiny = 1e-40f;
+    return tiny * 1.0f != 0.0f;
+}
+
+}  // namespace
+
+// Red if the ring loses its place, if the vector size follows the block, or if the engine sees other calls.
+TEST(Room, BlocksOfAnySizeGiveTheSameSamples) {
+    Room plain(2, 5);
+    plain.Configure(44100.0f, 64);
+    const Recording wanted = Play(plain, 8000, 20000);
+    EXPECT_GT(LevelDb(wanted[0]), -60.0);
+    for (const std::size_t block : {1u, 100u, 480u, 1024u}) {
+        Room room(2, 5);
+        room.Configure(44100.0f, block, 64);
+        const std::size_t late = room.Latency();
+        const Recording heard = Play(room, 8000, 20000);
+        for (std::size_t c = 0; c < wanted.size(); ++c)
+            for (std::size_t i = late; i < heard[c].size(); ++i)
+                ASSERT_EQ(heard[c][i], wanted[c][i - late]) << "block " << block << ", sample " << i;
+    }
+}
+
+// Red if any of what is promised to be so allocates, locks, or leaves the processor without denormal numbers.
+TEST(Room, WhatActsOnTheRunningRoomIsRealTimeSafe) {
+    const TemporaryFile file(".hrtf", FlatSetFile(0.5f));
+    for (const unsigned int speakers : {2u, 6u}) {
+        Room room(2, speakers);
+        room.Configure(48000.0f, 48, 64);
+        Play(room, 4800, 9600);
+        Lume::Ears ears;
+        if (speakers == 2) ears = room.PrepareEars(file.name);
+        std::vector<float> block(48, 0.1f);
+        const std::vector<float*> arrays(speakers, block.data());
+        ASSERT_TRUE(DenormalsCount());
+        for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
+            Lume::RoomControl const& row = Lume::roomControls[i];
+            if (StillAllocates(row.name)) continue;
+            const long allocations = AllocationCount();
+            for (const float part : {0.0f, 1.0f, 0.5f}) {
+                room.Set(i, row.least + part * (row.greatest - row.least));
+                room.Process(arrays.data(), arrays.data(), 48);
+            }
+            EXPECT_EQ(AllocationCount() - allocations, 0) << row.name;
+        }
+        const long allocations = AllocationCount(), locks = LockCount();
+        room.PlaceSource(1, {2.0f, 3.0f, 1.0f});
+        room.SetBypassed(true);
+        room.Process(arrays.data(), arrays.data(), 48);
+        room.SetMuted(true);
+        room.Process(arrays.data(), arrays.data(), 48);
+        room.SetMuted(false);
+        room.SetBypassed(false);
+        const bool taken = speakers != 2 || room.TakeEars(ears);
+        for (int i = 0; i < 100; ++i) room.Process(arrays.data(), arrays.data(), 48);
+        room.Clear();
+        EXPECT_EQ(AllocationCount() - allocations, 0) << speakers << " loudspeakers";
+        EXPECT_EQ(LockCount() - locks, 0);
+        EXPECT_TRUE(taken);
+        EXPECT_TRUE(DenormalsCount());
+    }
+}
+
+TEST(Room, LimitsValuesAndRefusesWhatIsNoNumber) {
+    Room room(1, 4);
+    EXPECT_TRUE(room.Set(ControlIndex("tr0"), 1e30f));
+    EXPECT_EQ(room.Get(ControlIndex("tr0")), 10.0f);
+    EXPECT_FALSE(room.Set(ControlIndex("tr0"), notANumber));
+    EXPECT_FALSE(room.Set(Lume::roomControls.size(), 1.0f));
+    EXPECT_EQ(room.Get(ControlIndex("tr0")), 10.0f);
+    EXPECT_TRUE(room.PlaceSource(0, {1e30f, 1.0f, -std::numeric_limits<float>::infinity()}));
+    EXPECT_EQ(room.SourcePosition(0).x, Room::maxCoordinate);
+    EXPECT_EQ(room.SourcePosition(0).z, -Room::maxCoordinate);
+    EXPECT_FALSE(room.PlaceSource(0, {notANumber, 1.0f, 0.0f}));
+    EXPECT_FALSE(room.PlaceSource(1, {1.0f, 1.0f, 0.0f}));
+    EXPECT_EQ(room.SourcePosition(0).x, Room::maxCoordinate);
+    EXPECT_FALSE(room.PlaceSpeaker(2, {0.0f, notANumber, 0.0f}));
+    EXPECT_THROW(Room(65, 2), std::invalid_argument);
+    EXPECT_THROW(Room(1, 1), std::invalid_argument);
+    EXPECT_THROW(Room(1, 2, 17), std::invalid_argument);
+}
+
+// A single one of them makes an engine silent or deafening for good. Red if the room hears it, or doesn't count it.
+TEST(Room, KeepsBadSamplesOut) {
+    for (const float bad : {notANumber, std::numeric_limits<float>::infinity(), -1e7f}) {
+        Room clean(1, 2), room(1, 2);
+        std::vector<float> in(512, 0.25f), out[2] = {std::vector<float>(512), std::vector<float>(512)};
+        float const* const inputs[] = {in.data()};
+        float* const outputs[] = {out[0].data(), out[1].data()};
+        clean.Configure(48000.0f, 512);
+        room.Configure(48000.0f, 512);
+        for (int i = 0; i < 30; ++i) {
+            in[100] = i == 20 ? 0.0f : 0.25f;
+            clean.Process(outputs, inputs, 512);
+            const std::vector<float> wanted = out[1];
+            if (i == 20) in[100] = bad;
+            room.Process(outputs, inputs, 512);
+            EXPECT_EQ(out[1], wanted) << i;
+        }
+        EXPECT_EQ(room.NumBadInputs(), 1u);
+        EXPECT_EQ(room.NumBadOutputs(), 0u);
+    }
+}
+
+// Red if a room that has run away reaches a loudspeaker, isn't emptied, or comes back with a bang.
+TEST(Room, EmptiesARoomThatRunsAwayAndFadesItIn) {
+    Room room(1, 4);
+    room.Configure(48000.0f, 64);
+    Play(room, 24000, 24000);
+    room.Engine().SetDirectGain(140.0f);  // past the limit of the control
+    const Recording wild = Play(room, 24000, 24000);
+    for (auto const& channel : wild)
+        for (const float sample : channel) ASSERT_LE(std::abs(sample), 1e6f);
+    EXPECT_GT(room.NumBadOutputs(), 0u);
+    EXPECT_EQ(LevelDb(std::span(wild[0]).last(1000)), -std::numeric_limits<double>::infinity());
+    room.Set(ControlIndex("direct_gain"), 0.0f);
+    Play(room, 0, 9600);
+    const Recording back = Play(room, 48000, 48000);
+    EXPECT_LT(LevelDb(std::span(back[0]).first(240)), LevelDb(std::span(back[0]).last(4800)) - 10.0);
+    EXPECT_GT(LevelDb(std::span(back[0]).last(4800)), -40.0);
+}
+
+// Red if clearing leaves a tail, as the engine's own does in the air filters.
+TEST(Room, IsSilentWhenCleared) {
+    Room room(1, 6);
+    room.Configure(48000.0f, 64);
+    room.Set(ControlIndex("air"), 1.0f);
+    Play(room, 24000, 24000);
+    room.Clear();
+    for (auto const& channel : Play(room, 0, 48000))
+        for (const float sample : channel) ASSERT_EQ(sample, 0.0f);
+}
+
+// Red if an output that stands on another input is written before that is read.
+TEST(Room, BypassCopiesAcrossSharedArrays) {
+    Room room(2, 3);
+    room.Configure(48000.0f, 64);
+    room.SetBypassed(true);
+    std::vector<float> a(64, 1.0f), b(64, 2.0f), c(64, 3.0f);
+    float const* const inputs[] = {a.data(), b.data()};
+    float* const outputs[] = {b.data(), a.data(), c.data()};
+    room.Process(outputs, inputs, 64);
+    EXPECT_EQ(b[5], 1.0f);
+    EXPECT_EQ(a[5], 2.0f);
+    EXPECT_EQ(c[5], 0.0f);
+    room.SetMuted(true);
+    room.Process(outputs, inputs, 64);
+    EXPECT_EQ(b[5], 0.0f);
+}
+
+// Red if ears need a stop, come late, or if a file that doesn't fit takes the present ones away or doesn't say why.
+TEST(Room, TakesEarsWhileItRuns) {
+    const TemporaryFile quiet(".hrtf", FlatSetFile(0.1f)), loud(".hrtf", FlatSetFile(1.0f));
+    Room room(1, 2);
+    room.LoadEars(loud.name);
+    for (char const* const layer : {"early_gain", "cluster_gain", "room_gain"})
+        room.Set(*Lume::FindControl(layer), -60.0f);
+    room.Configure(48000.0f, 64);
+    const double before = LevelDb(Play(room, 24000, 24000)[0]);
+    Lume::Ears ears = room.PrepareEars(quiet.name);
+    ASSERT_TRUE(room.TakeEars(ears));
+    EXPECT_EQ(room.CurrentEars().path, quiet.name);
+    Play(room, 4800, 4800);
+    EXPECT_NEAR(LevelDb(Play(room, 24000, 24000)[0]), before - 20.0, 1.0);
+
+    ears = room.PrepareEars(loud.name);
+    room.Configure(48000.0f, 128);
+    EXPECT_FALSE(room.TakeEars(ears)) << "made for other vectors";
+
+    SetDescription one;
+    one.numChannels = 1;
+    one.positions = {{0.0f, 1.0f, 0.0f}};
+    const TemporaryFile mono(".hrtf", SetFile(one, [](std::uint32_t, std::uint32_t) { return 1.0f; }));
+    const TemporaryFile noise(".hrtf", "no set"), other(".wav", "RIFF");
+    EXPECT_EQ(Complaint([&] { room.LoadEars(mono.name); }), mono.name + ": NumChannels: 2 ears are expected, not 1");
+    EXPECT_EQ(Complaint([&] { room.LoadEars(other.name); }),
+              other.name + ": a name that ends in .hrtf or .coll is expected");
+    EXPECT_EQ(Complaint([&] { room.LoadEars("/nowhere/x.hrtf"); }), "/nowhere/x.hrtf: No such file or directory");
+    EXPECT_NE(Complaint([&] { room.LoadEars(noise.name); }).find(noise.name + ": "), std::string::npos);
+    EXPECT_EQ(Complaint([&] { Room(1, 4).LoadEars(loud.name); }),
+              loud.name + ": ears are for headphones, two loudspeakers, not 4");
+    EXPECT_EQ(room.CurrentEars().path, quiet.name);
+}
