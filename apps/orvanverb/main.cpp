@@ -5,12 +5,14 @@
 #include "orvanverb/command_line.h"
 #include "orvanverb/common/interrupt.h"
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/common/standard_streams.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/decode/decode_command.h"
 #include "orvanverb/hrtf/hrtf_commands.h"
 #include "orvanverb/object/attribute_listing.h"
 #include "orvanverb/object/reference.h"
 #include "orvanverb/object/shell.h"
+#include "orvanverb/options/file_roles.h"
 #include "orvanverb/pan/pan_command.h"
 #include "orvanverb/room/render.h"
 
@@ -33,6 +35,7 @@ int ObeyHrtf(program::HrtfOptions const& options) {
 
 /// @return the exit status
 int Obey(program::Options const& options) {
+    program::RequireSeparateFiles(options);
     using Command = program::Options::Command;
     switch (options.command) {
         case Command::Render:
@@ -63,10 +66,11 @@ int Obey(program::Options const& options) {
 
 int main(int argc, char** argv) {
     try {
-        program::CatchInterrupts();
-        if (const std::optional<program::Options> options = program::ParseCommandLine(argc, argv))
-            return Obey(*options);
-        return 0;
+        program::PrepareStandardStreams();
+        program::CatchSignals();
+        const std::optional<program::Options> options = program::ParseCommandLine(argc, argv);
+        const int status = options ? Obey(*options) : 0;
+        return program::FinishStandardOutput() ? status : 1;
     } catch (program::ProgramError const& error) {
         std::fprintf(stderr, "orvanverb: %s\n", error.what());
         return error.ExitStatus();

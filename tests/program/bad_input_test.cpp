@@ -90,7 +90,11 @@ TEST_F(BadInput, OptionsAreNamedWithStatusTwo) {
 TEST_F(BadInput, FullDiskAndInterruptionLeaveNothingBehind) {
     const std::vector<std::string> endless{"ir", "-o", Out("out.wav"), "--tail", "30000"};
     Expect(RunProgram(endless, "ulimit -f 512; exec"), 1, Out("out.wav"));
-    Expect(RunProgram(endless, "exec timeout --preserve-status -s INT 0.3"), 1, "interrupted");
+    for (auto const& [name, number] : {std::pair{"INT", 2}, {"TERM", 15}, {"HUP", 1}, {"QUIT", 3}}) {
+        const std::string after =
+            std::string("exec env --default-signal timeout --preserve-status -s ") + name + " 0.3";
+        Expect(RunProgram(endless, after), 128 + number, "interrupted");
+    }
 }
 
 }  // namespace

@@ -1,15 +1,11 @@
 #include "orvanverb/audio/audio_output.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cmath>
-#include <cstdio>
-#include <filesystem>
 #include <stdexcept>
 #include <system_error>
-#include <utility>
 
 #include "orvanverb/audio/channel_mask.h"
 #include "orvanverb/common/program_error.h"
@@ -55,45 +51,20 @@ char const* Describe(SampleFormat format) {
     return Row(format).description;
 }
 
-AudioOutput::AudioOutput(std::string newPath, SampleFormat newFormat, int samplerate, unsigned int channels,
+AudioOutput::AudioOutput(std::string const& path, SampleFormat newFormat, int samplerate, unsigned int channels,
                          std::uint32_t newChannelMask)
-    : path(std::move(newPath)), format(newFormat), numChannels(channels), channelMask(newChannelMask) {
+    : part(path), format(newFormat), numChannels(channels), channelMask(newChannelMask) {
     if (format == SampleFormat::Flac && channels > maxFlacChannels)
         throw UsageError("--format flac: holds at most " + std::to_string(maxFlacChannels) + " channels, there are " +
                          std::to_string(channels));
-
-    std::error_code ignored;
-    if (std::filesystem::exists(path, ignored) && !std::filesystem::is_regular_file(path, ignored))
-        Fail("is there and is no file that could be replaced");
-    finalPath = std::filesystem::weakly_canonical(path, ignored).string();
-    if (finalPath.empty()) finalPath = path;
-
-    const std::string beside = finalPath + ".part" + std::to_string(getpid());
-    const int descriptor = open(beside.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor < 0) Fail(SystemMessage());
-    partialPath = beside;
-
     SF_INFO info{};
     info.samplerate = samplerate;
     info.channels = static_cast<int>(channels);
     info.format = Row(format).sndfileFormat;
-    file.reset(sf_open_fd(descriptor, SFM_WRITE, &info, SF_TRUE));
-    if (!file) {
-        const std::string why = sf_strerror(nullptr);
-        std::remove(partialPath.c_str());
-        Fail(why);
-    }
+    file.reset(sf_open_fd(dup(part.Descriptor()), SFM_WRITE, &info, SF_TRUE));
+    if (!file) part.Fail(sf_strerror(nullptr));
     sf_command(file.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
     sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
-}
-
-AudioOutput::~AudioOutput() {
-    file.reset();
-    if (!partialPath.empty()) std::remove(partialPath.c_str());
-}
-
-void AudioOutput::Fail(std::string const& why) const {
-    throw WorkError(path + ": can't be written: " + why);
 }
 
 void AudioOutput::Write(float const* const* channels, std::size_t frames) {
@@ -111,24 +82,23 @@ void AudioOutput::Flush() {
     const auto count = static_cast<sf_count_t>(interleaved.size());
     errno = 0;
     if (sf_write_float(file.get(), interleaved.data(), count) != count)
-        Fail(errno != 0 ? SystemMessage() : sf_strerror(file.get()));
+        part.Fail(errno != 0 ? SystemMessage() : sf_strerror(file.get()));
     interleaved.clear();
 }
 
 void AudioOutput::Commit() {
     Flush();
     errno = 0;
-    if (const int error = sf_close(file.release())) Fail(errno != 0 ? SystemMessage() : sf_error_number(error));
+    if (const int error = sf_close(file.release())) part.Fail(errno != 0 ? SystemMessage() : sf_error_number(error));
     if (format != SampleFormat::Flac) {
         try {
-            SetChannelMask(partialPath, channelMask);
-            ClearPeakTime(partialPath);
+            SetChannelMask(part.PartPath(), channelMask);
+            ClearPeakTime(part.PartPath());
         } catch (std::runtime_error const& error) {
-            Fail(error.what());
+            part.Fail(error.what());
         }
     }
-    if (std::rename(partialPath.c_str(), finalPath.c_str()) != 0) Fail(SystemMessage());
-    partialPath.clear();
+    part.Commit();
 }
 
 }  // namespace program

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "orvanverb/audio/sound_file.h"
+#include "orvanverb/common/part_file.h"
 
 namespace program {
 
@@ -20,8 +21,7 @@ std::optional<SampleFormat> ParseSampleFormat(std::string_view name);
 /// For people: "32-bit float WAV".
 char const* Describe(SampleFormat format);
 
-/// Writes a rendering as it comes. The samples go to a file beside the wanted one, which takes its name when all is
-/// done: what stands under the final name is whole, and an existing file stays as it was until then.
+/// Writes a rendering as it comes, as a PartFile: what stands under the final name is whole.
 ///
 /// WAV files past 4 GiB become RF64, shorter ones stay plain RIFF.
 class AudioOutput {
@@ -30,13 +30,8 @@ public:
     /// take
     ///                     its channels for a standard layout
     /// @throws UsageError for more channels than the format holds, WorkError for an output that can't be written
-    AudioOutput(std::string path, SampleFormat format, int samplerate, unsigned int channels,
+    AudioOutput(std::string const& path, SampleFormat format, int samplerate, unsigned int channels,
                 std::uint32_t channelMask);
-
-    /// Removes the file unless it was committed.
-    ~AudioOutput();
-    AudioOutput(AudioOutput const&) = delete;
-    AudioOutput& operator=(AudioOutput const&) = delete;
 
     /// Appends planar samples. They reach the file in larger pieces.
     /// @throws WorkError when the disk is full or the like
@@ -52,11 +47,8 @@ public:
 
 private:
     void Flush();
-    [[noreturn]] void Fail(std::string const& why) const;
 
-    std::string path;         // as the user wrote it
-    std::string finalPath;    // behind links
-    std::string partialPath;  // empty when there is nothing to remove
+    PartFile part;
     SampleFormat format;
     unsigned int numChannels;
     std::uint32_t channelMask;

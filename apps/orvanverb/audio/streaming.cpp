@@ -4,8 +4,6 @@
 #include <cstdio>
 
 #include "orvanverb/audio/vector_channels.h"
-#include "orvanverb/common/interrupt.h"
-#include "orvanverb/common/program_error.h"
 #include "orvanverb/common/progress_line.h"
 #include "orvanverb/common/text.h"
 
@@ -24,7 +22,7 @@ bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& outpu
     const double expectedSeconds =
         (source.ExpectedFrames() + (tail.IsAuto() ? 0.0 : static_cast<double>(maxTail))) / streaming.samplerate;
     std::uint64_t tailFrames = 0, frames = 0;
-    for (bool ended = false; !Interrupted();) {
+    for (bool ended = false;;) {
         const std::size_t fresh = source.Read(inputs.Pointers(), vectorSize);
         ended = ended || fresh < vectorSize;
         frames += vectorSize;
@@ -40,7 +38,6 @@ bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& outpu
         if (tail.HasDiedAway(meter.LastBlock(), meter.Loudest(), ofTail, streaming.samplerate)) return true;
         if (tailFrames == maxTail) return !tail.IsAuto();
     }
-    throw WorkError("interrupted, nothing written");
 }
 
 void ReportOutput(std::string const& path, SampleFormat format, AudioOutput const& output, PeakMeter const& meter,

@@ -28,7 +28,7 @@ struct Streaming {
 /// Sends a whole signal and its tail through into a file. One vector after the other: memory does not grow with the
 /// length.
 /// @return false if a tail of unknown length came to its bound before the sound had died away
-/// @throws WorkError when the user interrupts, and what source and output throw
+/// @throws what source and output throw
 bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& output, PeakMeter& meter);
 
 /// Tells what was written: length and speed, and the peak of each channel.

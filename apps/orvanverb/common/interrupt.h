@@ -1,12 +1,27 @@
 #pragma once
 
+#include <string>
+
 namespace program {
 
-/// Lets the keyboard's interrupt and the request to end stop the work in an orderly way: from here on they only raise a
-/// flag. Also makes a file beyond the size limit a write error instead of the end of the program.
-void CatchInterrupts();
+/// Lets the signals that end a program do so in an orderly way: what was being written goes, a line says so, and the
+/// signal then takes its usual course, so that shells and scripts see what ended the program. This holds wherever it
+/// stands at that moment, also where it waits for input.
+///
+/// A signal that was to be ignored stays so (nohup, background jobs). A pipe without a reader and a file beyond the
+/// size limit become write errors.
+void CatchSignals();
 
-/// Whether one came.
-bool Interrupted() noexcept;
+/// A file that a signal removes, as long as this object lives.
+class RemovedOnSignal {
+public:
+    explicit RemovedOnSignal(std::string const& path);
+    ~RemovedOnSignal();
+    RemovedOnSignal(RemovedOnSignal const&) = delete;
+    RemovedOnSignal& operator=(RemovedOnSignal const&) = delete;
+
+private:
+    int slot;  // below 0: none was left
+};
 
 }  // namespace program

@@ -5,9 +5,6 @@
 #include <thread>
 #include <vector>
 
-#include "orvanverb/common/interrupt.h"
-#include "orvanverb/common/program_error.h"
-
 namespace program {
 
 void ForEachNumber(std::size_t count, std::function<void(std::size_t)> const& function) {
@@ -15,10 +12,9 @@ void ForEachNumber(std::size_t count, std::function<void(std::size_t)> const& fu
     std::vector<std::thread> threads;
     for (unsigned int i = 0; i < std::max(1u, std::thread::hardware_concurrency()); ++i)
         threads.emplace_back([&] {
-            for (std::size_t number = next++; number < count && !Interrupted(); number = next++) function(number);
+            for (std::size_t number = next++; number < count; number = next++) function(number);
         });
     for (std::thread& thread : threads) thread.join();
-    if (Interrupted()) throw WorkError("interrupted, nothing written");
 }
 
 }  // namespace program

@@ -9,6 +9,7 @@
 
 #include "object/orvanverb_class.h"
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/common/whole_file.h"
 #include "orvanverb/object/style_sheet.h"
 #include "patcher/box.h"
 
@@ -24,11 +25,7 @@ constexpr char const* styleSheetName = "orvan.xsl";
 }
 
 void WriteStyleSheet() {
-    errno = 0;
-    std::ofstream file(styleSheetName, std::ios::binary);
-    file << styleSheet;
-    file.close();
-    if (!file) Fail(styleSheetName);
+    WholeFile(styleSheetName).Write(styleSheet);
 }
 
 /// The object doesn't say whether it could write its page: look for it.
@@ -41,7 +38,9 @@ void WritePage() {
     if (!std::filesystem::exists(pageName)) Fail(pageName);
     std::ifstream file(pageName);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!text.ends_with("</external>\n")) throw WorkError(std::string(pageName) + ": could not be written whole");
+    if (text.ends_with("</external>\n")) return;
+    std::filesystem::remove(pageName, error);
+    throw WorkError(std::string(pageName) + ": could not be written whole");
 }
 
 }  // namespace

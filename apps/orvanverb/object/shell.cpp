@@ -108,7 +108,7 @@ int RunShell(std::string const& attributes) {
     Shell shell(attributes, std::cout);
     if (!shell.HasObject()) return 1;
     std::string line;
-    while (std::getline(std::cin, line) && shell.Handle(line)) {
+    while (std::cout && std::getline(std::cin, line) && shell.Handle(line)) {
     }
     return 0;
 }

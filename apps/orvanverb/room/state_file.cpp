@@ -1,12 +1,11 @@
 #include "orvanverb/room/state_file.h"
 
-#include <cerrno>
-#include <fstream>
-#include <system_error>
+#include <sstream>
 
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/common/whole_file.h"
 #include "patcher/atom.h"
 
 namespace program {
@@ -77,16 +76,15 @@ void StateFile::Restore(RoomObject& room) const {
 }
 
 void StateFile::Save(std::string const& path, RoomObject& room) {
-    errno = 0;
-    std::ofstream file(path);
-    file << "# A state of orvanverb~. Render from it again with --state.\n";
+    WholeFile file(path);
+    std::ostringstream text;
+    text << "# A state of orvanverb~. Render from it again with --state.\n";
     for (RoomObject::Value const& value : room.Values()) {
-        file << value.name;
-        for (max::t_atom const& atom : value.atoms) file << ' ' << ExactText(atom);
-        file << '\n';
+        text << value.name;
+        for (max::t_atom const& atom : value.atoms) text << ' ' << ExactText(atom);
+        text << '\n';
     }
-    file.close();
-    if (!file) throw WorkError(path + ": " + std::generic_category().message(errno != 0 ? errno : EIO));
+    file.Write(text.str());
 }
 
 }  // namespace program

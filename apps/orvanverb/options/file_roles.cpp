@@ -1,0 +1,70 @@
+#include "orvanverb/options/file_roles.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+
+namespace program {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct File {
+    std::string role;  // in the call, in words
+    std::string path;
+};
+using Files = std::vector<File>;
+
+void Add(Files& files, char const* role, std::optional<std::string> const& path) {
+    if (path && !path->empty()) files.push_back({role, *path});
+}
+
+Files ReadFiles(Options const& options) {
+    Files files;
+    for (std::string const& input : options.inputs) Add(files, "an input", input);
+    Add(files, "the input", options.hrtf.input);
+    if (options.speakers && !ParseCount(*options.speakers)) Add(files, "the layout of --speakers", options.speakers);
+    Add(files, "the --preset", options.preset);
+    Add(files, "the --scene", options.scene);
+    Add(files, "the --state", options.state);
+    Add(files, "the --hrtf", options.hrtfSet);
+    Add(files, "the --hrtf", options.pan.hrtf);
+    Add(files, "the --nearfield", options.pan.nearfield);
+    Add(files, "the --filters", options.decode.filters);
+    return files;
+}
+
+Files WrittenFiles(Options const& options) {
+    Files files;
+    Add(files, "the output", options.output);
+    Add(files, "the output", options.hrtf.output);
+    Add(files, "the --save-state", options.saveState);
+    return files;
+}
+
+bool AreSame(std::string const& a, std::string const& b) {
+    std::error_code error;
+    if (fs::equivalent(a, b, error)) return true;
+    const fs::path first = fs::weakly_canonical(fs::absolute(a, error), error);
+    return !error && first == fs::weakly_canonical(fs::absolute(b, error), error) && !error;
+}
+
+}  // namespace
+
+void RequireSeparateFiles(Options const& options) {
+    Files others = ReadFiles(options);
+    for (File const& written : WrittenFiles(options)) {
+        for (File const& other : others)
+            if (AreSame(written.path, other.path))
+                throw UsageError(written.path + ": can't be " + written.role + " and " + other.role + " at once");
+        others.push_back(written);
+    }
+}
+
+}  // namespace program

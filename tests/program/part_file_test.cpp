@@ -1,0 +1,142 @@
+#include "orvanverb/common/part_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/whole_file.h"
+#include "program/run_program.h"
+#include "program/sound_files.h"
+
+namespace {
+
+using program::PartFile;
+using program::WholeFile;
+
+unsigned int ModeOf(std::string const& path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0);
+    return status.st_mode & 07777u;
+}
+
+// Red if a part of a killed writer stays for ever, or one that is being written, or a stranger's file, goes.
+TEST(PartFile, RemovesWhatTheKilledLeftAndNothingElse) {
+    const TemporaryDirectory directory;
+    const std::string stale = directory / "a.wav.orvanverb-part-01234567";
+    const std::string strangers[] = {directory / "a.wav.orvanverb-part-mine", directory / "a.wav.part123",
+                                     directory / "ba.wav.orvanverb-part-01234567"};
+    for (std::string const& stranger : strangers) WriteText(stranger, "mine");
+    WriteText(stale, "left");
+    PartFile first(directory / "a.wav");
+    EXPECT_FALSE(std::filesystem::exists(stale));
+    PartFile second(directory / "a.wav");
+    EXPECT_NE(first.PartPath(), second.PartPath());
+    for (PartFile* file : {&second, &first}) {
+        EXPECT_TRUE(std::filesystem::exists(file->PartPath()));
+        file->Commit();
+    }
+    for (std::string const& stranger : strangers) EXPECT_EQ(ReadText(stranger), "mine");
+    EXPECT_EQ(directory.NumFiles(), 1u + std::size(strangers));
+}
+
+// Red if a private file becomes readable for all, or a link a file.
+TEST(PartFile, KeepsRightsAndLinks) {
+    const TemporaryDirectory directory;
+    const mode_t mask = umask(022);
+    WholeFile(directory / "file").Write("one");
+    EXPECT_EQ(ModeOf(directory / "file"), 0644u);
+    chmod((directory / "file").c_str(), 0600);
+    std::filesystem::create_symlink("file", directory / "link");
+    WholeFile(directory / "link").Write("two");
+    EXPECT_EQ(ModeOf(directory / "file"), 0600u);
+    EXPECT_EQ(ReadText(directory / "file"), "two");
+    std::filesystem::create_symlink("new", directory / "dangling");
+    WholeFile(directory / "dangling").Write("three");
+    EXPECT_EQ(ReadText(directory / "new"), "three");
+    EXPECT_TRUE(std::filesystem::is_symlink(directory / "dangling"));
+    EXPECT_EQ(directory.NumFiles(), 4u);
+    umask(mask);
+}
+
+class Files : public testing::Test {
+protected:
+    Files() { WriteSound(directory / "in.wav", MakeTone(440.0, 0.1, 48000)); }
+    RunResult Render(std::vector<std::string> const& words, std::string const& before = {}) const {
+        return RunProgram(Joined({"render", directory / "in.wav", "-o", directory / "out.wav"}, words), before);
+    }
+    TemporaryDirectory directory;
+};
+
+// Red if any output of a call can take the place of what the call reads.
+TEST_F(Files, AreNeverReadAndWrittenByOneCall) {
+    std::filesystem::create_symlink(directory / "in.wav", directory / "link.wav");
+    const std::string in = directory / "in.wav", recording = ReadText(in), link = directory / "link.wav";
+    const std::string out = directory / "out.wav";
+    WriteText(directory / "room", "tr0 1\n");
+    WriteText(directory / "walk", "0.02 source 1 azim 30\n");
+    const std::vector<std::string> calls[] = {
+        {"render", in, "-o", in},
+        {"render", in, "-o", link},
+        {"render", in, "-o", out, "--save-state", in},
+        {"render", in, "-o", out, "--save-state", directory / "./link.wav"},
+        {"render", in, "-o", out, "--save-state", out},
+        {"render", in, "-o", out, "--preset", directory / "room", "--save-state", directory / "room"},
+        {"render", in, "-o", directory / "walk", "--scene", directory / "walk"},
+        {"ir", "-o", out, "--state", directory / "room", "--save-state", directory / "room"},
+        {"pan", in, "-o", in, "--method", "vbap2d"},
+        {"decode", in, "-o", in, "--type", "hoa2d"},
+        {"hrtf", "convert", in, in},
+    };
+    for (std::vector<std::string> const& call : calls) {
+        ExpectComplaint(RunProgram(call), 2, "at once");
+        EXPECT_EQ(ReadText(in), recording);
+        EXPECT_EQ(ReadText(directory / "room"), "tr0 1\n");
+        EXPECT_EQ(directory.NumFiles(), 4u) << call.back();
+    }
+}
+
+// Red if a state is written in place.
+TEST_F(Files, AStateThatCannotBeWrittenLeavesTheOldOne) {
+    WriteText(directory / "old.state", "what was there");
+    // Not even the complaint fits.
+    EXPECT_EQ(Render({"--save-state", directory / "old.state"}, "ulimit -f 0; exec").status, 1);
+    EXPECT_EQ(ReadText(directory / "old.state"), "what was there");
+    EXPECT_EQ(directory.NumFiles(), 2u);
+}
+
+// Red if a reader of messages that has seen enough ends the rendering, with or without a part.
+TEST_F(Files, AClosedPipeForMessagesDoesNotEndARendering) {
+    const RunResult run = RunCommand({"sh", "-c", "exec \"$@\" 2>&1 | true", "sh", ORVANVERB_PROGRAM, "render",
+                                      directory / "in.wav", "-o", directory / "out.wav"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(ReadSound(directory / "out.wav").samples.size(), 2u);
+    EXPECT_EQ(directory.NumFiles(), 2u);
+}
+
+// Red if a command says that all went well when nothing of what it printed arrived.
+TEST_F(Files, StandardOutputThatCannotBeWrittenIsAFailure) {
+    for (char const* words : {"attributes", "attributes --json", "pan --list", "decode --list", "hrtf info kemar",
+                              "--help", "render --help", "--version", "pan --method vbap2d --gains", "shell"}) {
+        const std::string call = std::string("echo ':get tr0' | " ORVANVERB_PROGRAM " ") + words;
+        ExpectComplaint(RunCommand({"sh", "-c", call + " >/dev/full"}), 1, "standard output");
+        ExpectComplaint(RunCommand({"sh", "-c", call + " >&-"}), 1, "standard output");
+    }
+}
+
+// Red if a program that waits for its input can only be killed.
+TEST_F(Files, SignalsEndWhatWaits) {
+    const std::string fifo = directory / "fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    for (auto const& [name, number] : {std::pair{"INT", 2}, {"TERM", 15}, {"HUP", 1}}) {
+        const std::string before =
+            std::string("exec env --default-signal timeout --preserve-status -k 5 -s ") + name + " 0.2";
+        EXPECT_EQ(RunProgram({"render", fifo, "-o", directory / "out.wav"}, before).status, 128 + number);
+        const std::string shell = "sleep 3 | " + before.substr(5) + " " ORVANVERB_PROGRAM " shell; echo $?";
+        EXPECT_EQ(RunCommand({"sh", "-c", shell}).out, std::to_string(128 + number) + "\n");
+    }
+}
+
+}  // namespace
