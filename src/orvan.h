@@ -5,6 +5,7 @@
 // dsp
 #include "dsp/audio_buffer.h"
 #include "dsp/bit_reversal.h"
+#include "dsp/console.h"
 #include "dsp/constants.h"
 #include "dsp/denormals.h"
 #include "dsp/fast_hadamard_transform.h"

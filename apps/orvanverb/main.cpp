@@ -1,7 +1,9 @@
 #include <cstdio>
 #include <exception>
 #include <optional>
+#include <string>
 
+#include "dsp/console.h"
 #include "orvanverb/command_line.h"
 #include "orvanverb/common/interrupt.h"
 #include "orvanverb/common/program_error.h"
@@ -66,6 +68,8 @@ int Obey(program::Options const& options) {
 
 int main(int argc, char** argv) {
     try {
+        // What the library has to say about files comes with its exceptions, as lines of the program.
+        orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const&) {});
         program::PrepareStandardStreams();
         program::CatchSignals();
         const std::optional<program::Options> options = program::ParseCommandLine(argc, argv);

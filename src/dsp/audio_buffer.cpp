@@ -4,9 +4,11 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <iterator>
+#include <sstream>
 #include <utility>
+
+#include "dsp/console.h"
 
 namespace orvandsp {
 
@@ -284,7 +286,9 @@ bool IsEqual(AudioBuffer const& a, unsigned int channelA, AudioBuffer const& b, 
     for (std::size_t i = 0; i < a.GetNumSamples(); ++i) {
         const float difference = std::abs(a.GetChannel(channelA)[i] - b.GetChannel(channelB)[i]);
         if (difference > tolerance) {
-            std::cout << "sample " << i << " differ (difference=" << difference << ")" << std::endl;
+            std::ostringstream text;
+            text << "sample " << i << " differ (difference=" << difference << ")";
+            WriteToConsole(Console::output, text.str());
             return false;
         }
     }

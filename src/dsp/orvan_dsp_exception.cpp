@@ -1,12 +1,12 @@
 #include "dsp/orvan_dsp_exception.h"
 
-#include <iostream>
+#include "dsp/console.h"
 
 namespace orvandsp {
 
 OrvanDspException::OrvanDspException(std::string const& what, char const* where, unsigned long lineNumber)
     : file(where), message(what), line(lineNumber) {
-    std::cerr << "OrvanDspException : " << file << " " << line << " : " << message << std::endl;
+    WriteToConsole(Console::error, "OrvanDspException : " + file + " " + std::to_string(line) + " : " + message);
 }
 
 }  // namespace orvandsp

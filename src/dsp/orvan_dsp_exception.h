@@ -9,8 +9,8 @@ namespace orvandsp {
 /// path.
 class OrvanDspException : public std::exception {
 public:
-    /// Also writes "OrvanDspException : FILE LINE : MESSAGE" to standard error, so that a failure whose catcher stays
-    /// silent leaves a trace.
+    /// Also writes "OrvanDspException : FILE LINE : MESSAGE" to the console (dsp/console.h), so that a failure whose
+    /// catcher stays silent leaves a trace.
     /// @param message  what went wrong; returned by what()
     /// @param file, line  where, as __FILE__ and __LINE__ give it
     OrvanDspException(std::string const& message, char const* file, unsigned long line);

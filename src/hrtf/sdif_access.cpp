@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <limits>
 
+#include "dsp/console.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "geometry/azimuth.h"
 #include "geometry/azimuth_distance_elevation.h"
@@ -144,7 +144,8 @@ bool GetValueFromNVT(std::string& text, SdifFileT* file, std::string const& tabl
         return true;
     });
     if (value == nullptr) {
-        std::cerr << "No field " << key << " in NVT " << tableName << " " << __FILE__ << " " << __LINE__ << "\n";
+        orvandsp::WriteToConsole(orvandsp::Console::error, "No field " + key + " in NVT " + tableName + " " + __FILE__ +
+                                                               " " + std::to_string(__LINE__));
         return false;
     }
     text = value;
@@ -292,7 +293,7 @@ bool GetHrtfHeaderInfos(std::string const& fileName, HrtfHeaderInfos& header) {
     SdifGenInitCond("");
     const SdifFilePointer file(SdifFOpen(fileName.c_str(), SdifReadFile));
     if (file == nullptr) {
-        std::cerr << "error reading " << fileName << "\n";
+        orvandsp::WriteToConsole(orvandsp::Console::error, "error reading " + fileName);
         return false;
     }
     SdifFReadGeneralHeader(file.get());

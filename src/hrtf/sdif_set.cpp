@@ -1,8 +1,8 @@
 #include "hrtf/sdif_set.h"
 
 #include <algorithm>
-#include <iostream>
 
+#include "dsp/console.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "hrtf/sdif_access.h"
 
@@ -28,7 +28,9 @@ public:
             SdifFReadFrameHeader(file);
             if (SdifFLastError(file) != nullptr) break;
             if (SdifFCurrFrameSignature(file) != SdifSignatureOf("HRTF")) {
-                std::cerr << "unexpected frames " << SdifSignatureToString(SdifFCurrFrameSignature(file)) << "\n";
+                orvandsp::WriteToConsole(
+                    orvandsp::Console::error,
+                    std::string("unexpected frames ") + SdifSignatureToString(SdifFCurrFrameSignature(file)));
                 SdifFSkipFrameData(file);
             } else {
                 ++numFrames;

@@ -8,6 +8,7 @@
 #include <limits>
 #include <string>
 
+#include "dsp/console.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "filters/fir_time_domain_filter.h"
 
@@ -99,11 +100,22 @@ TEST(Filter, InactiveInputLeavesTheOutputUntouchedAndUnknownNamesAreTimeDomain) 
     EXPECT_STREQ(Filter::GetFIRImplementationName(static_cast<Filter::FIRImplementation>(7)), "timedomain");
 }
 
-TEST(OrvanDspException, LeavesOneLineOnStandardError) {
-    testing::internal::CaptureStderr();
-    const orvandsp::OrvanDspException exception("no such set", "reader.cpp", 12);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "OrvanDspException : reader.cpp 12 : no such set\n");
-    EXPECT_STREQ(exception.what(), "no such set");
+// Red if a line goes past whoever has taken them over, or if it still does so when they are given back.
+TEST(OrvanDspException, LeavesOneLineOnTheConsole) {
+    const auto lineOnStandardError = [] {
+        testing::internal::CaptureStderr();
+        const orvandsp::OrvanDspException exception("no such set", "reader.cpp", 12);
+        EXPECT_STREQ(exception.what(), "no such set");
+        return testing::internal::GetCapturedStderr();
+    };
+    const std::string line = "OrvanDspException : reader.cpp 12 : no such set";
+    EXPECT_EQ(lineOnStandardError(), line + "\n");
+    static std::string taken;
+    orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const& text) { taken += text; });
+    EXPECT_EQ(lineOnStandardError(), "");
+    EXPECT_EQ(taken, line);
+    orvandsp::SetConsoleWriter(nullptr);
+    EXPECT_EQ(lineOnStandardError(), line + "\n");
 }
 
 }  // namespace

@@ -2,9 +2,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <iostream>
 #include <string>
 
+#include "dsp/console.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "hrtf/coll_file.h"
 #include "hrtf/hrtf.h"
@@ -13,7 +13,7 @@
 /// Any bytes as a text of rows, on a grid so small that the fuzzer can fill it, and as a table of positions.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     static const MemoryFile file;
-    std::cerr.rdbuf(nullptr);
+    orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const&) {});
     if (!file.Write({reinterpret_cast<char const*>(data), size})) std::abort();
 
     Lume::HrtfInfo grid;

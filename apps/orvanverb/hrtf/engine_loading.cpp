@@ -3,30 +3,12 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
-#include <iostream>
-#include <sstream>
 #include <system_error>
 
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 
 namespace program {
-
-namespace {
-
-class QuietErrors {
-public:
-    QuietErrors() : before(std::cerr.rdbuf(lines.rdbuf())) {}
-    ~QuietErrors() { std::cerr.rdbuf(before); }
-    QuietErrors(QuietErrors const&) = delete;
-    QuietErrors& operator=(QuietErrors const&) = delete;
-
-private:
-    std::ostringstream lines;
-    std::streambuf* before;
-};
-
-}  // namespace
 
 void RequireSetFile(std::string const& path, std::string const& extensions) {
     std::error_code error;
@@ -39,7 +21,6 @@ void RequireSetFile(std::string const& path, std::string const& extensions) {
 }
 
 void LoadQuietly(std::string const& path, std::function<void()> const& load) {
-    const QuietErrors quiet;
     try {
         load();
     } catch (std::exception const& error) {

@@ -14,7 +14,7 @@ namespace program {
 /// @throws WorkError that names the file
 void RequireSetFile(std::string const& path, std::string const& extensions);
 
-/// Runs a loader of the engine. Nothing that it writes on standard error gets through.
+/// Runs a loader of the engine.
 /// @throws WorkError that names the file
 void LoadQuietly(std::string const& path, std::function<void()> const& load);
 
