@@ -81,6 +81,8 @@ public:
     void SetFormat(RoomFormat const& format);
     /// The format that was asked for; null without one.
     RoomFormat const* GetFormat() const noexcept { return format; }
+    /// Whether the outputs are the two ears of somebody with headphones.
+    bool IsBinaural() const noexcept;
 
     using SignalProcessing::Configure;
 
@@ -312,7 +314,6 @@ public:
 protected:
     bool CreatePanners(unsigned int numSources, unsigned int numSpeakers);
     std::unique_ptr<Pan> MakePan(unsigned int numInputs, unsigned int numSpeakers, Pan::SubType role) const;
-    bool IsBinaural() const noexcept;
     void ProcessRoom(unsigned long numSamples);
     void AddDirectLayer(float** outputs, unsigned long numSamples, float gain);
     void CrossfadeEars(float** outputs, unsigned long numSamples);

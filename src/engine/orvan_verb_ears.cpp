@@ -42,7 +42,7 @@ HrtfHeaderInfos const* OrvanVerb::GetHrtfHeaderInfos() const {
 }
 
 std::unique_ptr<BinauralPanning> OrvanVerb::MakeEars(std::unique_ptr<Hrtf> set) const {
-    if (numOutputs != 2) return nullptr;
+    if (!IsBinaural()) return nullptr;
     auto ears = std::make_unique<BinauralPanningDirect>(numInputs, numOutputs);
     if (!TakeSet(*ears, std::move(set))) return nullptr;
     ears->Configure(samplerate, buffersize, true);

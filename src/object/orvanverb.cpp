@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "geometry/speakers.h"
@@ -41,6 +43,7 @@ void* orvanverb_new(t_symbol*, short count, t_atom* atoms) {
     auto* const x = static_cast<orvanverb_t*>(object_alloc(orvanverb_class));
     if (x == nullptr) return nullptr;
     x->box = gensym("#B")->s_thing;
+    x->holder = nullptr;
     x->engine = nullptr;
     x->initialized = 0;
 
@@ -71,7 +74,11 @@ Lume::OrvanVerb* orvanverb_initialize(orvanverb_t* x) {
         return nullptr;
     }
     try {
-        x->engine = new Lume::OrvanVerb(x->numinternals);
+        auto engine = std::make_unique<Lume::OrvanVerb>(x->numinternals);
+        engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, x->numsources,
+                          x->numspeakers);
+        x->holder = new Lume::Room(std::move(engine));
+        x->engine = &x->holder->Engine();
     } catch (std::exception const& exception) {
         object_error(orvanverb_object(x), "%s", exception.what());
         return nullptr;
@@ -79,8 +86,6 @@ Lume::OrvanVerb* orvanverb_initialize(orvanverb_t* x) {
         object_error(orvanverb_object(x), "exception");
         return nullptr;
     }
-    x->engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, x->numsources,
-                         x->numspeakers);
     if (!x->engine->IsInitialized()) {
         // The engine stays and creation goes on; the sizes are not frozen.
         object_error(orvanverb_object(x), "object not properly initialized");
@@ -93,8 +98,9 @@ Lume::OrvanVerb* orvanverb_initialize(orvanverb_t* x) {
 void orvanverb_free(orvanverb_t* x) {
     if (x == nullptr) return;
     z_dsp_free(&x->ob);  // the callback leaves the chain before its engine goes
-    delete x->engine;
     x->engine = nullptr;
+    delete x->holder;
+    x->holder = nullptr;
 }
 
 void orvanverb_dsp(orvanverb_t* x, t_signal** signals, short*) {
@@ -183,4 +189,15 @@ void orvanverb_notify(orvanverb_t* x) {
 void orvanverb_place_defaults(orvanverb_t* x, bool sources, bool speakers) {
     if (speakers) SetPositions(x, lume_common_symbols.s_speakerspositions, x->numspeakers);
     if (sources) SetPositions(x, lume_common_symbols.s_sourcespositions, x->numsources);
+}
+
+orvanverb_t* orvanverb_record(t_object* object) {
+    if (object == nullptr || object_class(object) != orvanverb_class) return nullptr;
+    return reinterpret_cast<orvanverb_t*>(object);  // the record begins with it
+}
+
+Lume::Room& orvanverb_room(orvanverb_t* x) {
+    x->holder->SetMuted(x->mute == 1 || x->ob.z_disabled != 0);
+    x->holder->SetBypassed(x->bypass == 1);
+    return *x->holder;
 }

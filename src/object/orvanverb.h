@@ -4,12 +4,13 @@
 
 #include "engine/orvan_verb.h"
 #include "object/host_api.h"
+#include "room/room.h"
 
 /// The record of one object orvanverb~: an engine, a copy of every parameter as the user set it, and the vectors of
 /// the present signal chain. It holds no signal processing.
 ///
 /// The host allocates it zero-filled and reaches the fields of attributes by their place, so it stays a plain record:
-/// that is why the engine is a bare pointer. It begins as orvanmax::_OrvanMspObject does.
+/// that is why room and engine are bare pointers. It begins as orvanmax::_OrvanMspObject does.
 struct orvanverb_t {
     static constexpr unsigned int MaxSignals = 256;
     static constexpr unsigned int MaxPositions = 64;  ///< sources, and loudspeakers
@@ -26,7 +27,8 @@ struct orvanverb_t {
     float* inputs[MaxSignals];              ///< one vector per source
     float* outputs[MaxSignals];             ///< one vector per loudspeaker
     std::int16_t connected[MaxSignals];     ///< handed to the engine, which doesn't read it; all 0
-    Lume::OrvanVerb* engine;                ///< owned; null until it is built and after free
+    Lume::Room* holder;                     ///< owned; null until it is built and after free
+    Lume::OrvanVerb* engine;                ///< that of the holder; null as long as there is none
     std::uint8_t initialized;               ///< 1 once the engine stands: the sizes are fixed from then on
     std::uint32_t speakerspositions_count;  ///< 3 * numspeakers
     std::uint32_t sourcespositions_count;   ///< 3 * numsources
@@ -106,6 +108,14 @@ void orvanverb_notify(orvanverb_t* x);
 /// Sets sources, loudspeakers or both to the layouts on which a new engine stands, as attributes. The record of a new
 /// object holds zeros instead: front ends that make sound call this, so that record and engine agree.
 void orvanverb_place_defaults(orvanverb_t* x, bool sources, bool speakers);
+
+/// The record of an object of this class, for fronts that hold it by the host's pointer; null for any other object.
+orvanverb_t* orvanverb_record(t_object* object);
+
+/// The room that an object stands on, for fronts that run it themselves: they Configure and Process it instead of
+/// starting a signal chain, and send messages to the object between two blocks. Its mute and bypass are brought to
+/// those of the record, so ask anew for each block.
+Lume::Room& orvanverb_room(orvanverb_t* x);
 
 /// The host's view of the record.
 inline t_object* orvanverb_object(orvanverb_t* x) {

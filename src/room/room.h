@@ -57,6 +57,8 @@ public:
 
     unsigned int NumSources() const noexcept { return engine->GetNumInputs(); }
     unsigned int NumSpeakers() const noexcept { return engine->GetNumOutputs(); }
+    /// Whether the outputs are two ears.
+    bool HasEars() const noexcept { return engine->IsBinaural(); }
     unsigned int NumInternals() const noexcept { return engine->GetNumInternals(); }
     /// The engine itself. What is set there is what Get and SaveState tell.
     OrvanVerb& Engine() noexcept { return *engine; }

@@ -95,8 +95,9 @@ std::vector<CartesianVector> OrBuiltIn(std::vector<CartesianVector> positions, u
 }
 
 void RequireHeadphones(Room const& room, std::filesystem::path const& file) {
-    if (room.NumSpeakers() != 2)
-        Refuse(file, "ears are for headphones, two loudspeakers, not " + std::to_string(room.NumSpeakers()));
+    if (!room.HasEars())
+        Refuse(file,
+               "ears are for headphones, and this room plays " + std::to_string(room.NumSpeakers()) + " loudspeakers");
 }
 
 }  // namespace

@@ -222,6 +222,6 @@ TEST(Room, TakesEarsWhileItRuns) {
     EXPECT_EQ(Complaint([&] { room.LoadEars("/nowhere/x.hrtf"); }), "/nowhere/x.hrtf: No such file or directory");
     EXPECT_NE(Complaint([&] { room.LoadEars(noise.name); }).find(noise.name + ": "), std::string::npos);
     EXPECT_EQ(Complaint([&] { Room(1, 4).LoadEars(loud.name); }),
-              loud.name + ": ears are for headphones, two loudspeakers, not 4");
+              loud.name + ": ears are for headphones, and this room plays 4 loudspeakers");
     EXPECT_EQ(room.CurrentEars().path, quiet.name);
 }
