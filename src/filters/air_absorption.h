@@ -50,6 +50,8 @@ public:
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
     void Clear() override { shelf.Clear(); }
+    /// What the filter is designed from, as distance, rolloff and sample rate make it.
+    HLShelfParameters const& GetParameters() const noexcept { return parameters; }
     /// The filter itself, for banks that run several at once.
     HLShelf& GetShelf() noexcept { return shelf; }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "dsp/denormals.h"
 
@@ -45,6 +46,16 @@ struct Section {
         k = std::min((1.0f + ratio * t) / (1.0f + t), maxFactor);
     }
     float pole, zero, k;
+};
+
+/// |c0 + c1 q + c2 q^2|^2 on the unit circle, a parabola in u = 1 - cos(w).
+struct SquaredMagnitude {
+    SquaredMagnitude(double c0, double c1, double c2)
+        : constant((c0 + c1 + c2) * (c0 + c1 + c2)),
+          linear(-2.0 * (c1 * (c0 + c2) + 4.0 * c0 * c2)),
+          square(4.0 * c0 * c2) {}
+    double operator()(double u) const { return constant + (linear + square * u) * u; }
+    double constant, linear, square;
 };
 
 }  // namespace
@@ -125,6 +136,35 @@ bool HLShelf::IsStable() const {
 
 bool HLShelf::IsMinimumPhase() const {
     return DurbinStepDownRecursion({b0, b1, b2});
+}
+
+double HLShelf::LargestMagnitude() const {
+    const double poles1 = static_cast<double>(a1), poles2 = static_cast<double>(a2);
+    // Written as "not inside", so that not a number counts as unstable too.
+    if (!(std::abs(poles2) < 1.0 && std::abs(poles1) < 1.0 + poles2)) return std::numeric_limits<double>::infinity();
+
+    // The squared magnitude is a quotient of two parabolas in u = 1 - cos(w), 0 at 0 Hz and 2 at half the sample rate.
+    // Written in u and not in the cosine, its coefficients keep their digits when poles lie next to 1.
+    const SquaredMagnitude above(static_cast<double>(b0), static_cast<double>(b1), static_cast<double>(b2));
+    const SquaredMagnitude below(1.0, poles1, poles2);
+    double largest = std::max(above(0.0) / below(0.0), above(2.0) / below(2.0));
+    // The derivative of the quotient is 0 where (x u + y) u + z is.
+    const double x = above.square * below.linear - above.linear * below.square;
+    const double y = 2.0 * (above.square * below.constant - above.constant * below.square);
+    const double z = above.linear * below.constant - above.constant * below.linear;
+    const double root = std::sqrt(y * y - 4.0 * x * z);
+    const double sum = y < 0.0 ? root - y : -root - y;
+    for (const double u : {sum / (2.0 * x), 2.0 * z / sum})
+        if (u > 0.0 && u < 2.0) largest = std::max(largest, above(u) / below(u));
+    return std::sqrt(largest);
+}
+
+double HLShelf::LargestNoiseGain() const {
+    const SquaredMagnitude below(1.0, static_cast<double>(a1), static_cast<double>(a2));
+    double smallest = std::min(below(0.0), below(2.0));
+    const double lowest = -0.5 * below.linear / below.square;
+    if (below.square > 0.0 && lowest > 0.0 && lowest < 2.0) smallest = std::min(smallest, below(lowest));
+    return 1.0 / std::sqrt(smallest);
 }
 
 void HLShelf::GetCoefficients(std::vector<float>& result) const {

@@ -6,6 +6,7 @@
 #include "dsp/denormals.h"
 #include "filters/four_allpass_heads.h"
 #include "filters/four_shelves.h"
+#include "reverb/line_losses.h"
 
 namespace Lume {
 
@@ -55,6 +56,7 @@ Reverb::Reverb(unsigned int numChannels, float sampleRate)
     : infinite(LumeDefaultParameters::DefaultReverbInfinite),
       airAbsorptionOn(LumeDefaultParameters::DefaultReverbAirAbsorption),
       absorbentFilters(numChannels),
+      absorbentGains(numChannels, 1.0),
       airFilters(numChannels),
       delayGenerator(numChannels, Delgen::DefaultMinimum, Delgen::DefaultMaximum, Delgen::DefaultDistribution),
       tapBuffer(numChannels, maxChunkSamples),
@@ -147,7 +149,10 @@ void Reverb::CompensateInputPower(bool compensate) {
 }
 
 void Reverb::SetAirAbsorptionRolloffFrequency(float hertz) {
-    for (AirAbsorption& filter : airFilters) filter.SetRolloffFrequency(hertz);
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) {
+        airFilters[i].SetRolloffFrequency(hertz);
+        LimitAir(airFilters[i], absorbentGains[i]);
+    }
 }
 
 float Reverb::LowestDelay() const noexcept {
@@ -198,9 +203,14 @@ void Reverb::update() {
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
         const float seconds = std::min(std::max(taps[i]->GetDelay() * 0.001f, 0.0f), longestDelaySeconds);
         const float passDb = -60.0f * invDecay * seconds;
-        absorbentFilters[i].SetAll(0.0f, passDb * invLow, passDb * invMed, passDb * invHigh, crossoverFrequencyLow,
-                                   crossoverFrequencyHigh);
+        absorbentGains[i] = DesignAbsorption(absorbentFilters[i], {.gain = 0.0f,
+                                                                   .gainLow = passDb * invLow,
+                                                                   .gainMed = passDb * invMed,
+                                                                   .gainHigh = passDb * invHigh,
+                                                                   .freqLow = crossoverFrequencyLow,
+                                                                   .freqHigh = crossoverFrequencyHigh});
         airFilters[i].SetDistance(speedOfSound * seconds);
+        LimitAir(airFilters[i], absorbentGains[i]);
         sumOfShares += std::pow(base, seconds * 1000.0f);
     }
     const float target = std::sqrt(static_cast<float>(GetNumDelays()) / sumOfShares - 1.0f);

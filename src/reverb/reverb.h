@@ -117,6 +117,7 @@ private:
     std::vector<std::unique_ptr<Delay>> lines;
     std::vector<std::unique_ptr<TapOut>> taps;  // tap i reads line i
     std::vector<UnitaryHLShelf> absorbentFilters;
+    std::vector<double> absorbentGains;  // the largest that each has at any frequency
     std::vector<AirAbsorption> airFilters;
     Delgen delayGenerator;
     orvandsp::AudioBuffer tapBuffer;       // N channels by one chunk

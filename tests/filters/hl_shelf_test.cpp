@@ -44,6 +44,23 @@ TEST(HLShelf, FollowsTheAnalogShelvesAtEveryFrequency) {
     }
 }
 
+// Red if the closed form loses a peak between 0 Hz and half the rate, takes the wrong root, or takes a pole on the unit
+// circle for a stable one.
+TEST(HLShelf, TellsItsLargestMagnitude) {
+    HLShelf shelf;
+    for (const auto& [low, med, high] : {std::array{-9.0, -3.0, -15.0}, {-3.0, -9.0, -4.0}, {2.0, 8.0, 3.0}}) {
+        shelf.SetAll(-20.0f, static_cast<float>(low), static_cast<float>(med), static_cast<float>(high), 300.0f,
+                     2500.0f);
+        const std::vector<float> response = ImpulseResponse(shelf, 4096);
+        double largest = 0.0;
+        for (int k = 0; k <= 500; ++k) largest = std::max(largest, std::abs(ResponseAt(response, 0.001 * k)));
+        EXPECT_NEAR(20.0 * std::log10(shelf.LargestMagnitude() * static_cast<double>(shelf.GetOverallGain()) / largest),
+                    0.0, 2e-3);
+    }
+    shelf.SetAll(0.0f, 0.0f, -400.0f, -400.0f, 20.0f, 4000.0f);
+    EXPECT_TRUE(std::isinf(shelf.LargestMagnitude()));
+}
+
 // Crossovers at and past both ends, and the bands that a decay time of 0.1 s asks of a long delay. Red if the tangent
 // passes its pole at half the sample rate or isn't kept from it for a crossover above, or if the ratio of two bands
 // becomes zero or infinite.
