@@ -9,6 +9,7 @@
 #include "orvanverb/common/text.h"
 #include "orvanverb/decode/decode_command_line.h"
 #include "orvanverb/hrtf/hrtf_command_line.h"
+#include "orvanverb/measure/measure_command_line.h"
 #include "orvanverb/pan/pan_command_line.h"
 #include "orvanverb/room/render_command_line.h"
 
@@ -74,6 +75,7 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
     AddPanCommand(app, options);
     AddDecodeCommand(app, options);
     AddHrtfCommand(app, options);
+    AddMeasureCommand(app, options);
     AddObjectCommands(app, options);
     try {
         app.parse(arguments);

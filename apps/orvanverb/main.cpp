@@ -11,6 +11,7 @@
 #include "orvanverb/common/text.h"
 #include "orvanverb/decode/decode_command.h"
 #include "orvanverb/hrtf/hrtf_commands.h"
+#include "orvanverb/measure/measure_command.h"
 #include "orvanverb/object/attribute_listing.h"
 #include "orvanverb/object/reference.h"
 #include "orvanverb/object/shell.h"
@@ -52,6 +53,9 @@ int Obey(program::Options const& options) {
             break;
         case Command::Hrtf:
             return ObeyHrtf(options.hrtf);
+        case Command::Measure:
+            program::RunMeasure(options);
+            break;
         case Command::Shell:
             return program::RunShell(program::JoinWords(options.attributes));
         case Command::Attributes:

@@ -223,7 +223,7 @@ std::string WhyMissing(Figure const& figure, BandFigures const& band, double low
         case Missing::noDecay:
             return "no decay can be told from noise";
         case Missing::noRange:
-            std::snprintf(text, sizeof text, "the decay must be seen down to %.0f dB; %s at %.0f dB", lowerDb - 10.0,
+            std::snprintf(text, sizeof text, "the decay must be seen down to %.0f dB; %s at %.1f dB", lowerDb - 10.0,
                           band.floor.found ? "noise begins" : "the response ends", band.endDb);
             break;
         case Missing::nothingLate:

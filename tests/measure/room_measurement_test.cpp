@@ -7,6 +7,7 @@
 #include <numbers>
 #include <random>
 
+#include "measure/reflections.h"
 #include "support/signals.h"
 
 namespace {
@@ -269,6 +270,19 @@ TEST(Measure, FollowsTheCentreOfTheSpectrum) {
     const auto centroids = [](double hertz) { return MeasureAll({MakeSine(hertz, sampleRate, 24000)}).centroidHz; };
     EXPECT_NEAR(centroids(2000.0)[10], 2000.0f, 5.0f);
     EXPECT_NEAR(centroids(8000.0)[10], 8000.0f, 5.0f);
+}
+
+// Red if a reflection's time counts from elsewhere, or if the crowd counts as reflections.
+TEST(Echogram, MarksWhatStandsOut) {
+    std::vector<float> response(9600, 0.0f);
+    AddNoise(response, 0.001, 1);
+    response[1000] = 1.0f;
+    response[1000 + 1440] = -0.5f;  // 30 ms, -6 dB
+    const std::vector<std::span<float const>> channels{response};
+    const Echogram echogram = MakeEchogram(channels, sampleRate, 1000, 0.1);
+    ASSERT_EQ(echogram.reflections.size(), 1u);
+    EXPECT_NEAR(echogram.reflections[0].seconds, 0.03, 0.0003);
+    EXPECT_NEAR(echogram.reflections[0].levelDb, -6.02, 0.1);
 }
 
 }  // namespace

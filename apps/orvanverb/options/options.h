@@ -10,13 +10,14 @@
 #include "orvanverb/layout/listener_position.h"
 #include "orvanverb/options/decode_options.h"
 #include "orvanverb/options/hrtf_options.h"
+#include "orvanverb/options/measure_options.h"
 #include "orvanverb/options/pan_options.h"
 
 namespace program {
 
 /// What the user asked for: every word checked on its own, nothing opened yet.
 struct Options {
-    enum class Command { Render, ImpulseResponse, Pan, Decode, Hrtf, Shell, Attributes, Reference };
+    enum class Command { Render, ImpulseResponse, Pan, Decode, Hrtf, Measure, Shell, Attributes, Reference };
     struct SourcePlace {
         unsigned int number = 1;  // counted from 1
         ListenerPosition position;
@@ -30,6 +31,7 @@ struct Options {
     HrtfOptions hrtf;
     PanOptions pan;
     DecodeOptions decode;
+    MeasureOptions measure;
     std::vector<std::string> attributes;  // of the object box: @name value ...
     bool json = false;
     std::vector<std::string> inputs;

@@ -1,0 +1,71 @@
+#include "orvanverb/measure/measure_command_line.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <memory>
+
+#include "orvanverb/common/gnuplot.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/options/options.h"
+
+namespace program {
+
+namespace {
+
+struct Words {
+    std::string bands = "octave", channel;
+};
+
+constexpr char const* footer =
+    "Figures are those of ISO 3382-1; the energies of all channels count together, as a microphone among the\n"
+    "loudspeakers would hear them. Where a figure can't be told, a line says why.\n"
+    "  orvanverb ir -o hall.wav --preset examples/rooms/hall.room\n"
+    "  orvanverb measure hall.wav --plot hall.svg\n"
+    "  orvanverb measure yours.wav --bands third --against hall.wav";
+
+void TakeMeaning(Words const& words, Options& options) {
+    MeasureOptions& measure = options.measure;
+    if (words.bands != "octave" && words.bands != "third")
+        throw UsageError("--bands: '" + words.bands + "' is neither octave nor third");
+    measure.thirds = words.bands == "third";
+    if (!words.channel.empty()) {
+        measure.channel = ParseCount(words.channel);
+        if (!measure.channel || *measure.channel < 1)
+            throw UsageError("--channel: '" + words.channel + "' is no channel from 1 on");
+    }
+    if (measure.plot) {
+        RequirePictureName(*measure.plot);
+        if (options.inputs.size() > 1) throw UsageError("--plot: draws one response, not several");
+    }
+}
+
+}  // namespace
+
+CLI::App* AddMeasureCommand(CLI::App& app, Options& options) {
+    const auto words = std::make_shared<Words>();
+    MeasureOptions& measure = options.measure;
+    CLI::App* command =
+        app.add_subcommand("measure", "Measure impulse responses: decay, clarity, the ears' correlation and more");
+    command->add_option("inputs", options.inputs, "Impulse responses")->type_name("FILE")->required();
+    command->add_option("--bands", words->bands, "octave or third [octave]")->type_name("NAME")->take_last();
+    command->add_option("--channel", words->channel, "Measure only this channel, counted from 1")
+        ->type_name("COUNT")
+        ->take_last();
+    command->add_option("--against", measure.against, "Compare with another response, in steps that one just hears")
+        ->type_name("FILE")
+        ->take_last();
+    command->add_option("--plot", measure.plot, "Draw a picture, .svg or .png (needs gnuplot)")
+        ->type_name("FILE")
+        ->take_last();
+    command->add_flag("--json", options.json, "Print all figures and curves as JSON, for programs");
+    command->footer(footer);
+    command->callback([&options, words] {
+        options.command = Options::Command::Measure;
+        TakeMeaning(*words, options);
+    });
+    return command;
+}
+
+}  // namespace program
