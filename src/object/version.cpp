@@ -1,10 +1,5 @@
 #include "object/version.h"
 
-#include <cstdio>
-
 std::string orvanverb_version() {
-    constexpr int major = 4, minor = 2, bugfix = 6;
-    char text[64];
-    std::snprintf(text, sizeof text, "%d.%d.%d (Build %s)", major, minor, bugfix, __DATE__);
-    return text;
+    return ORVAN_VERSION " (Build " ORVAN_BUILD_DATE ")";
 }

@@ -2,5 +2,5 @@
 
 #include <string>
 
-/// Version of the object and date of its build: "4.2.6 (Build Nov 15 2010)".
+/// The version, which is that of the whole product, and the date of its sources: "4.2.6 (Build Nov 15 2010)".
 std::string orvanverb_version();

@@ -36,6 +36,9 @@ TEST(Shell, RunsAsAProgram) {
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out, "error: no attribute foo\ngain -3.000000\n");
     EXPECT_EQ(run.err, "");
+    const std::string version = RunProgram({"--version"}).out;  // "orvanverb 4.2.6"
+    EXPECT_TRUE(RunProgram({"shell"}, {}, "version\n")
+                    .out.starts_with("post: Version " + version.substr(10, version.size() - 11) + " (Build "));
     const RunResult refused = RunProgram({"shell", "@numspeakers", "1"}, {}, "version\n");
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.out, "error: Configuration not supported\nerror: couldnt create object\n");

@@ -54,8 +54,9 @@ class Typist {
 public:
     std::string Answer(std::string const& line) {
         out.str("");
-        if (line == ":class") return DescribeClass();
-        if (line == ":new" || line.starts_with(":new ")) {
+        if (line == ":class") {
+            out << DescribeClass();
+        } else if (line == ":new" || line.starts_with(":new ")) {
             shell.reset();
             shell = std::make_unique<program::Shell>(line.substr(4), out);
         } else {
