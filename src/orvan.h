@@ -15,6 +15,7 @@
 #include "dsp/hilbert_transform.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "dsp/ramp.h"
+#include "dsp/repeatable_random.h"
 #include "dsp/signal_processing.h"
 #include "dsp/vector_operations.h"
 #include "dsp/vector_statistics.h"

@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "dsp/audio_buffer.h"
 #include "dsp/ramp.h"
+#include "dsp/repeatable_random.h"
 #include "dsp/signal_processing.h"
 #include "engine/room_format.h"
 #include "filters/multi_faded_hl_shelf.h"
@@ -96,6 +98,12 @@ public:
     ///                       samples 7 s, and an infinite room then grows. SteadyVectors cuts any blocks to vectors of
     ///                       one size; Room does it inside
     void Configure(float newSamplerate, unsigned int maxBlockSize, unsigned int numSources, unsigned int numSpeakers);
+
+    /// From nine internal channels on each change of the early reflections draws their gains anew: from the C library's
+    /// rand(), which the whole process shares, or, from this call on, from a sequence of this engine's own. It is that
+    /// of a rand() seeded so, so that an engine that gets it before its first Configure sounds as it would alone in a
+    /// process that called srand(seed).
+    void SetRandomSeed(std::uint32_t seed) { random.emplace(seed); }
 
     /// Whether a first Configure has succeeded.
     bool IsInitialized() const noexcept { return initialized; }
@@ -389,7 +397,8 @@ protected:
     std::vector<orvandsp::Ramp> roomSendRamps;        // 1/d of each source
     std::vector<CartesianVector> sourcePositions;
     std::vector<CartesianVector> speakerPositions;
-    std::vector<float> earlyGains;  // one signed gain per early tap
+    std::optional<orvandsp::RepeatableRandom> random;  // for the early gains, if it isn't the process's
+    std::vector<float> earlyGains;                     // one signed gain per early tap
 };
 
 }  // namespace Lume

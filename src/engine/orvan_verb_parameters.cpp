@@ -267,7 +267,8 @@ void OrvanVerb::UpdateEarlyDelays() {
 }
 
 void OrvanVerb::UpdateEarlyGains() {
-    GetRecommendedEarlyGains(earlyGains, numInternals, earlyShape, early->GetLength(), true);
+    GetRecommendedEarlyGains(earlyGains, numInternals, earlyShape, early->GetLength(), true,
+                             random ? &*random : nullptr);
 }
 
 void OrvanVerb::UpdateClusterDelays() {

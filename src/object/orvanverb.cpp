@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,6 +23,9 @@ namespace {
 
 /// Vector size of the configuration before audio is known [samples].
 constexpr unsigned int provisionalBlockSize = 64;
+
+/// Of the engines of new objects; none: they draw from the process's rand().
+std::optional<std::uint32_t> randomSeed;
 
 Lume::CartesianVector Position(float const* positions, unsigned int index) {
     return {positions[3 * index], positions[3 * index + 1], positions[3 * index + 2]};
@@ -67,6 +71,10 @@ void* orvanverb_new(t_symbol*, short count, t_atom* atoms) {
     return x;
 }
 
+void orvanverb_seed(std::uint32_t seed) {
+    randomSeed = seed;
+}
+
 Lume::OrvanVerb* orvanverb_initialize(orvanverb_t* x) {
     if (x->initialized != 0) return x->engine;
     if (!Lume::OrvanVerb::SupportsConfiguration(x->numsources, x->numspeakers, x->numinternals)) {
@@ -75,6 +83,7 @@ Lume::OrvanVerb* orvanverb_initialize(orvanverb_t* x) {
     }
     try {
         auto engine = std::make_unique<Lume::OrvanVerb>(x->numinternals);
+        if (randomSeed) engine->SetRandomSeed(*randomSeed);
         engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, x->numsources,
                           x->numspeakers);
         x->holder = new Lume::Room(std::move(engine));

@@ -66,6 +66,10 @@ struct orvanverb_t {
 ///         record of a refused object is the host's to discard
 void* orvanverb_new(t_symbol* name, short count, t_atom* atoms);
 
+/// Gives the engines of all objects that are made from now on a random sequence of their own, instead of the process's
+/// rand(): front ends that share a process with others call it once.
+void orvanverb_seed(std::uint32_t seed);
+
 /// Builds the engine, once, and configures it for 44100 Hz and 64 samples, so that it takes parameters before audio
 /// starts.
 /// @return the engine, or null; the console says why

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <iterator>
+
+#include "dsp/repeatable_random.h"
 
 namespace Lume {
 
@@ -43,11 +44,11 @@ void Delgen::init() {
 void Delgen::InitRandomWalk() {
     constexpr float step = 4.656613e-10f;  // 2^-31: steps below 1
     positions.resize(numDelays);
-    // Reseeded, so that the same number of delays has the same positions whatever ran before.
-    std::srand(0);
+    // Seeded anew, so that the same number of delays has the same positions whatever ran before.
+    orvandsp::RepeatableRandom random(0);
     positions[0] = 0.0f;
     for (unsigned int i = 1; i < numDelays; ++i)
-        positions[i] = static_cast<float>(std::rand()) * step + positions[i - 1];
+        positions[i] = static_cast<float>(random.Next()) * step + positions[i - 1];
     const float first = positions.front();
     const float last = positions.back();
     float positionSum = 0.0f;

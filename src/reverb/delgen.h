@@ -14,7 +14,7 @@ namespace Lume {
 /// below 0.5 the delays crowd towards the minimum, above it towards the maximum. They rise and stay fractional
 /// milliseconds.
 ///
-/// Control side only. For more than sixteen delays a change of their number reseeds the C library's generator.
+/// Control side only.
 class Delgen {
 public:
     static constexpr float minMinimum = 1.0f;       ///< [ms]

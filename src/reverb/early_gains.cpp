@@ -44,10 +44,11 @@ float ThinningFactor(float length) {
     return std::clamp(0.1f + 0.0225f * (length - 20.0f), 0.1f, 1.0f);
 }
 
-void Spread(std::vector<float>& gains) {
+void Spread(std::vector<float>& gains, orvandsp::RepeatableRandom* random) {
     for (float& gain : gains) {
         // 0.95 to 1.05
-        const double factor = std::rand() * 4.6566112077428556e-11 + 0.949999988079071;
+        const double factor =
+            (random != nullptr ? random->Next() : std::rand()) * 4.6566112077428556e-11 + 0.949999988079071;
         gain *= static_cast<float>(factor);
     }
 }
@@ -74,7 +75,7 @@ void Thin(std::vector<float>& gains, float factor, bool normalize) {
 }  // namespace
 
 void GetRecommendedEarlyGains(std::vector<float>& gains, unsigned int numDelays, float shape, float length,
-                              bool normalize) {
+                              bool normalize, orvandsp::RepeatableRandom* random) {
     const unsigned int numTaps = std::min(numDelays, static_cast<unsigned int>(std::size(randomPhase)));
     const Envelope envelope =
         EnvelopeOf(std::clamp(shape, LumeDefaultParameters::MinEarlyShape, LumeDefaultParameters::MaxEarlyShape));
@@ -91,7 +92,7 @@ void GetRecommendedEarlyGains(std::vector<float>& gains, unsigned int numDelays,
     for (unsigned int k = 0; k < numTaps; ++k) gains[k] = static_cast<float>(randomPhase[k]) * (gains[k] * scale);
 
     if (numDelays <= maxPlainTaps) return;
-    Spread(gains);
+    Spread(gains, random);
     Thin(gains, ThinningFactor(length), normalize);
 }
 

@@ -21,6 +21,7 @@ namespace {
 constexpr double settleSeconds = 0.25;
 constexpr float fadeInSeconds = 0.1f;
 constexpr unsigned int provisionalBlockSize = 64;
+constexpr std::uint32_t randomSeed = 1;  // with the process's own numbers no two rooms of many internals would be alike
 
 std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals) {
     const FloatingPointMode unchanged;
@@ -30,6 +31,7 @@ std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numS
             "a room has 1 to 64 sources, 2 to 64 loudspeakers and 2 to 16 internal channels, not " +
             std::to_string(numSources) + ", " + std::to_string(numSpeakers) + " and " + std::to_string(numInternals));
     auto engine = std::make_unique<OrvanVerb>(numInternals);
+    engine->SetRandomSeed(randomSeed);
     engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, numSources, numSpeakers);
     return engine;
 }

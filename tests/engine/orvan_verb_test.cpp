@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <tuple>
@@ -224,6 +225,23 @@ TEST(OrvanVerb, LayerGainsAreDecibelsAndActOnce) {
 }
 
 // Red if layers sound before their gain is set, or if the first configuration starts at full level.
+// Red if an engine with a seed draws from the process, or another sequence than a process with that seed.
+TEST(OrvanVerb, OwnRandomSequenceIsThatOfAProcess) {
+    const auto gains = [](bool own) {
+        std::srand(own ? 99 : 7);
+        OpenEngine engine(12);
+        if (own) engine.SetRandomSeed(7);
+        engine.Configure(48000.0f, 64, 1, 4);
+        engine.SetEarlyShape(0.6f);
+        return engine.earlyGains;
+    };
+    const std::vector<float> alone = gains(false);
+    EXPECT_EQ(gains(true), alone);
+    const int next = std::rand();
+    std::srand(99);
+    EXPECT_EQ(next, std::rand());
+}
+
 TEST(OrvanVerb, BeginsSilentAndRises) {
     EngineRig rig(1, 4, 4);
     EXPECT_EQ(Energy(rig.Run(9600, Noise)), 0.0);

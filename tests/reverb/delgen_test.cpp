@@ -58,12 +58,15 @@ TEST(Delgen, DelaysFollowTheTableBentByTheDistribution) {
         }
 }
 
-// Red if the walk isn't reseeded, or its ends are not the ends of the range.
+// Red if the walk isn't the same each time, if it draws from the process's generator, or if its ends are not the ends
+// of the range.
 TEST(Delgen, MoreThanSixteenDelaysWalkTheSameWayEveryTime) {
     std::srand(5);
     Delgen generator(17, 10.0f, 110.0f, 0.5f);
     const std::vector<float> first = DelaysOf(generator);
-    std::srand(77);
+    const int next = std::rand();
+    std::srand(5);
+    EXPECT_EQ(next, std::rand());
     EXPECT_EQ(DelaysOf(Delgen(17, 10.0f, 110.0f, 0.5f)), first);
     EXPECT_EQ(first.front(), 10.0f);
     EXPECT_NEAR(first.back(), 110.0f, 1e-4f);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <stdexcept>
 
+#include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/program_error.h"
@@ -135,9 +135,9 @@ void RoomSetup::Arrange(Options const& options, RoomObject& room) {
 }
 
 std::unique_ptr<RoomObject> RoomSetup::MakeRoom() const {
-    // From nine internal channels on the early gains are spread by the C library's generator: without a fixed seed they
-    // would depend on how many messages came before.
-    std::srand(1);
+    // From nine internal channels on the early gains are spread at random: without a sequence of its own they would
+    // depend on how many messages came before.
+    orvanverb_seed(1);
     std::unique_ptr<RoomObject> room = NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals);
     if (hrtfSet) room->LoadHrtf(*hrtfSet);
     room->Restore(state);
