@@ -44,7 +44,7 @@ bool SupportsHoa2d(unsigned int numInputs, unsigned int numOutputs) {
            numOutputs >= numInputs;
 }
 
-/// Fewer loudspeakers than channels are allowed here, though not in the plane: this is meant.
+/// Fewer loudspeakers than channels are allowed here, though not in the plane (kept: quirks.md 26).
 bool SupportsHoa3d(unsigned int numInputs, unsigned int numOutputs) {
     return numOutputs > 3 && IsWholeAndNotNegative(std::sqrt(static_cast<float>(numInputs)) - 1.0f);
 }

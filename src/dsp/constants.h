@@ -10,7 +10,7 @@ namespace orvandsp {
 
 constexpr float sqrt2 = 1.4142135f;
 constexpr float sqrt2div2 = 0.70710677f;
-/// The decimal logarithm of 2; the name is historical.
+/// The decimal logarithm of 2, by its name (kept: quirks.md 9).
 const float Log2 = std::log10(2.0f);
 const float ln10 = std::log(10.0f);
 constexpr float sqrt2_div_sqrt3 = 0.8164966f;

@@ -26,7 +26,7 @@ struct Ramp {
     ///
     /// Each piece of a ramp that falls into one call runs from its first to its last sample exactly from where the ramp
     /// was to where it will be: the last sample of one block equals the first of the next. A piece of a single sample
-    /// (a block of one, or one sample left) is 0 times infinity and comes out as not a number. Both are meant.
+    /// (a block of one, or one sample left) is 0 times infinity and comes out as not a number (kept: quirks.md 4).
     void Process(float* out, int numSamples);
 
     /// Moves the ramp forward by a block without writing samples. Real-time safe.

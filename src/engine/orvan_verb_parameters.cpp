@@ -14,7 +14,7 @@ using Defaults = LumeDefaultParameters;
 
 namespace {
 
-// The literal is meant: it is no limit of the cluster start, which is an absolute time.
+// No limit of the cluster start, which is an absolute time (kept: quirks.md 12).
 constexpr float MinClusterOffset = 1.0f;                // [ms]
 constexpr float ReverbDistributionManyChannels = 0.3f;  // from 9 channels on
 constexpr unsigned int FewChannels = 8;

@@ -42,7 +42,7 @@ public:
     bool IsStable() const override;
     bool IsMinimumPhase() const override;
     /// The gain, then b1, b2, -a1, -a2 of each stage: the denominator has the opposite sign of what SetCoefficients
-    /// takes, and that is meant.
+    /// takes (kept: quirks.md 7).
     /// @param result  at least GetNumCoefficients() long
     void GetCoefficients(std::vector<float>& result) const override;
     unsigned int GetNumCoefficients() const override { return 4 * numStages + 1; }

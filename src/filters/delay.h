@@ -72,7 +72,7 @@ public:
 
     /// Reads a block along a ramp of the delay and moves the ramp forward. Once the ramp has ended, the line reads in
     /// its own mode and with its own state, whatever the arguments are: a head with another mode uses it during its
-    /// glides only. That is meant. Real-time safe.
+    /// glides only (kept: quirks.md 3). Real-time safe.
     void tapOut(float* out, unsigned int count, orvandsp::Ramp& ramp, InterpolationMode mode, float& state);
 
     /// Reads a block with a delay for each sample. A delay beyond the ring wraps around. Real-time safe.

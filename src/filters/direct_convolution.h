@@ -7,8 +7,8 @@ namespace Lume {
 /// Convolves one channel with a finite impulse response, sample by sample, in direct form.
 ///
 /// The newest sample enters the memory before the sum is formed, so that both taps[0] and taps[1] act on it: the
-/// impulse response is taps[0] + taps[1], taps[2], taps[3], ... This is how the direct form of this system behaves, and
-/// meant; convolution by FFT gives taps[0], taps[1], taps[2], ...
+/// impulse response is taps[0] + taps[1], taps[2], taps[3], ... Convolution by FFT gives taps[0], taps[1], taps[2], ...
+/// (kept: quirks.md 5)
 ///
 /// The products beyond the first are added up in four partial sums, as vector units do it. Real-time safe.
 /// @param output, input  may be the same array

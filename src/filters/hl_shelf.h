@@ -55,8 +55,8 @@ public:
     void GetCoefficients(std::vector<float>& result) const override;
     unsigned int GetNumCoefficients() const override { return static_cast<unsigned int>(coefficients.size()); }
 
-    /// Sets the overall gain so that its square is the argument (10 log10 and not 20 log10 makes the decibels): meant,
-    /// callers hand in energies.
+    /// Sets the overall gain so that its square is the argument (10 log10 and not 20 log10 makes the decibels): callers
+    /// hand in energies (kept: quirks.md 8).
     virtual void SetGain(float linear);
     /// Designs from the record. GetCoefficients goes on to return what SetAll or SetCoefficients set.
     virtual void SetParameters(HLShelfParameters const& parameters);

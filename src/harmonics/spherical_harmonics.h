@@ -13,7 +13,7 @@ namespace Lume {
 /// Angles: the azimuth is the mathematical one, 0 on +x (the listener's right) and counter-clockwise; the colatitude is
 /// 0 on +z. None of these functions is meant for the audio thread.
 
-/// "Unnormalized" and so on; empty for any other value. The missing letter is part of the name.
+/// "Unnormalized" and so on; empty for any other value. The name lacks a letter (kept: quirks.md 32).
 char const* GetSphericalHarmonicsNormalizatioName(SphericalHarmonicsNormalization normalization);
 
 /// "SN3D", "N3D", "SN2D", "N2D" for the values 0, 1, 4 and 5 that encoders and decoders have; empty for any other.

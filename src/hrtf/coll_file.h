@@ -11,7 +11,7 @@ namespace Lume {
 bool CheckFileExtension(std::string const& fileName, std::string const& extension);
 
 /// The subject in a name of the form name-subject-rate.coll: as many characters behind the first "-" as stand before
-/// it, or what is left of them. That lengths are tied is meant: abc-KEM-44100.coll has the subject KEM.
+/// it, or what is left of them: abc-KEM-44100.coll has the subject KEM (kept: quirks.md 15).
 std::string GetSubjectFromCollFilename(std::string const& fileName, std::string const& defaultSubject);
 
 /// The rate [Hz] behind the last "-" of such a name; the default if there is none.

@@ -45,8 +45,8 @@ void HrtfFiltering::SetNumCoefficients(unsigned int n) {
         biquads.SetNumStages(numStages);
     } else if (filterType == firFilter) {
         firOrder = numBehindFirst;
-        // An order one higher than the set needs: its last tap stays 0, and the length of the transform, which follows
-        // the order, is what it has always been.
+        // An order one higher than the set needs: its last tap stays 0, and the length of the transform follows the
+        // order (kept: quirks.md 6).
         fir.SetOrder(n);
     }
 }

@@ -27,7 +27,7 @@ public:
     void SetGains(float const* gains);
     /// @param gains  at least N x M; what lies beyond isn't read
     void SetGains(orvandsp::Matrix<float> const& gains);
-    /// Sets the gains from the beginning of a row to the end of the matrix, not of the row: this is meant.
+    /// Sets the gains from the beginning of a row to the end of the matrix, not of the row (kept: quirks.md 19).
     /// @param row    nothing happens when it is no input
     /// @param gains  N x M floats for row 0, M fewer for each row further down
     void SetRowGains(unsigned int row, float const* gains);

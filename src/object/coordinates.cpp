@@ -93,7 +93,7 @@ float CounterAzimuthIn(float degrees) {
 }
 
 /// Brings an elevation [rad] into the half turn between the poles; beyond one the azimuth turns to the other side. The
-/// fold is about the pole in this way, and not as pi - e, on purpose.
+/// fold is about the pole, and not pi - e (kept: quirks.md 13).
 float FoldElevation(float radians, float& azimuth) {
     const float e = Wrap(radians + pi, twoPi) - pi;
     if (e > halfPi) {
@@ -272,7 +272,7 @@ void get_coordinates_format_and_stride(t_symbol* symbol, t_object* x, Coordinate
     CoordinatesKeyword const* found = FindCoordinatesKeyword(symbol);
     if (found == nullptr) {
         object_warn(x, "unknown coordinate type: %s. using default coordinate type (ade)", symbol->s_name);
-        found = FindCoordinatesKeyword(lume_common_symbols.s_aed);  // not what the line says; meant to stay
+        found = FindCoordinatesKeyword(lume_common_symbols.s_aed);  // kept: quirks.md 14
     }
     format = found->format;
     stride = found->stride;

@@ -44,8 +44,7 @@ struct CoordinatesKeyword {
 /// The keyword of that name, or null.
 CoordinatesKeyword const* FindCoordinatesKeyword(t_symbol const* symbol);
 
-/// Looks a keyword up. An unknown one gives a warning that speaks of ade, and the format aed: patches have come to rely
-/// on both.
+/// Looks a keyword up. An unknown one gives a warning that speaks of ade, and the format aed (kept: quirks.md 14).
 void get_coordinates_format_and_stride(t_symbol* symbol, t_object* x, CoordinatesFormat& format, long& stride,
                                        t_symbol*& keyword);
 

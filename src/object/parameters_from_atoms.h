@@ -4,7 +4,7 @@
 #include "parameters/hl_shelf_parameters.h"
 #include "parameters/reverb_dsp_parameters.h"
 
-/// Parameter sets from lists of atoms, for all objects of the family. Control thread only.
+/// Parameter sets from lists of atoms, for any object. Control thread only.
 
 /// The six members of a shelf, in the order of every list.
 inline constexpr float Lume::HLShelfParameters::*shelfMembers[] = {

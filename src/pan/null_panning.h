@@ -4,7 +4,8 @@
 
 namespace Lume {
 
-/// The panner that stands in where no real one can be made. It has no channels and leaves the outputs as they were.
+/// The panner that stands in where no real one can be made. It has no channels and leaves the outputs as they were
+/// (kept: quirks.md 18).
 class NullPanning : public Pan {
 public:
     NullPanning() { SetNumInputs(0), SetNumOutputs(0); }

@@ -56,11 +56,12 @@ public:
     static char const* GetTypeName(Type type);
     /// The method of a name or one of its synonyms, null for an unknown name.
     static Type GetType(char const* name);
-    /// Whether the name is that of a method. "null" is listed as a method, and yet not valid as one.
+    /// Whether the name is that of a method. "null" is listed as a method, and yet not valid as one (kept:
+    /// quirks.md 17).
     static bool IsValidPanType(char const* name);
 
     /// Whether a method suits a number of outputs. Stricter than factory for the distance-based methods (from 3 outputs
-    /// on, while one output is built), laxer for hoa3d (order 0 is no panner): both are meant.
+    /// on, while one output is built), laxer for hoa3d, as order 0 is no panner (kept: quirks.md 16).
     static bool SupportsConfiguration(Type type, unsigned int numOutputs);
     static bool SupportsConfiguration(char const* name, unsigned int numOutputs);
 

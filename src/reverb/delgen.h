@@ -29,7 +29,7 @@ public:
 
     /// @param newMinimum  shortest delay [ms]; taken as at least 1
     /// @param newMaximum  longest delay [ms]; raised to give the set room, see SetMinMax
-    /// @param newDistribution  passed over: a new generator has the default distribution. That is meant
+    /// @param newDistribution  passed over: a new generator has the default distribution (kept: quirks.md 10)
     Delgen(unsigned int newNumDelays, float newMinimum, float newMaximum, float newDistribution);
 
     /// Sets the number of delays. The distribution goes back to its default.
@@ -42,7 +42,7 @@ public:
     void SetDistribution(float newDistribution);
 
     /// Sets the range [ms] and the distribution. A range narrower than the widest table position is wide in samples is
-    /// widened upwards.
+    /// widened upwards (kept: quirks.md 11).
     /// @return the delays, in rising order
     float* SetMinMax(float newMinimum, float newMaximum, float newDistribution);
 

@@ -293,7 +293,7 @@ void Reverb::ProcessChunk(float** outputs, float** inputs, unsigned long first, 
     ReadTaps(chunk);
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
         // Before the line is written: what goes in now is read a chunk and a delay later, and the loop of each line is
-        // a chunk longer than its delay. The filters are made for the delay alone; both are meant.
+        // a chunk longer than its delay. The filters are made for the delay alone (kept: quirks.md 1).
         lines[i]->AdvanceWritePosition(static_cast<int>(chunk));
         float const* const tapped = tapBuffer.GetChannel(i);
         float* const feedback = feedbackBuffer.GetChannel(i);

@@ -141,7 +141,7 @@ void PanSetup::LoadFiles(Options const& options) {
         auto& binaural = static_cast<Lume::BinauralPanning&>(*panner);
         LoadQuietly(path, [&] { taken = binaural.LoadFromFile(path.c_str()); });
         if (!taken) throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
-        // For impulse responses: to the letter, and many times faster. The vectors are powers of two.
+        // Impulse responses come out as the set has them, many times faster. The vectors are powers of two.
         binaural.SetFIRFiltersImplementationMethod("fftconvolution");
     }
     if (options.pan.nearfield) {

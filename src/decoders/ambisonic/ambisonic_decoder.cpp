@@ -58,7 +58,7 @@ void AmbisonicDecoder::convert(CartesianVector const& position, float* gains) co
     gains[1] = c * std::cos(az);
     gains[2] = c * std::sin(az);
     if (numInputs == 4) {
-        // The sine of the azimuth has no business in a height channel, and yet it is meant.
+        // The sine of the azimuth has no business in a height channel (kept: quirks.md 28).
         gains[3] = std::sin(el) * std::sin(az);
     } else if (numInputs == 5) {
         gains[3] = 0.442259f * (c * c) * std::cos(2.0f * az);

@@ -194,7 +194,7 @@ HOADecoder::HOADecoderMethod HOADecoder::GetHOADecoderMethod(char const* name) {
 }
 
 HOADecoder::HOADecoderType HOADecoder::GetHOADecoderType(char const* name) {
-    // "InIhase" is the name that users' files hold; it stays.
+    // Kept: quirks.md 31.
     static const std::map<std::string, HOADecoderType> types = {{"basic", basic},
                                                                 {"Basic", basic},
                                                                 {"inphase", inphase},

@@ -88,7 +88,7 @@ public:
     double CheckLoudspeakersSetupSemiRegularity() const;
 
     /// Decodes. The types inphase and maxre weight the input arrays themselves, which hold the weighted signals
-    /// afterwards. That is meant, and saves a copy. Real-time safe while the block length is steady.
+    /// afterwards (kept: quirks.md 27). Real-time safe while the block length is steady.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;

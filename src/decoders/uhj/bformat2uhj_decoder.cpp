@@ -28,7 +28,7 @@ void Bformat2UHJDecoder::Process(float** outputs, float** inputs, unsigned long 
     for (unsigned long n = 0; n < numSamples; ++n) {
         const float y = inputs[2][n];
         const float z = numOutputs == 4 ? inputs[3][n] : 0.0f;
-        // These two gains stand again in the sum. That is meant and not to be simplified.
+        // These two gains stand again in the sum (kept: quirks.md 29).
         const float w0 = pairW[0][n] * 0.939693f;
         const float x0 = pairX[0][n] * 0.185574f;
         const float w1 = pairW[1][n];

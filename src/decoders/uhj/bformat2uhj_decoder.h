@@ -11,7 +11,7 @@ namespace Lume {
 /// Eng. Soc. 33(11), 1985).
 ///
 /// X points ahead and Y to the left, as UHJ has it. The gains of W and X in the sum act twice, which makes X fall
-/// behind W. That is meant: it sets the width of the image.
+/// behind W: it sets the width of the image (kept: quirks.md 29).
 class Bformat2UHJDecoder : public FixedDecoder {
 public:
     /// For the numbers of channels that Create takes.

@@ -43,7 +43,7 @@ void UHJ2BformatDecoder::Process(float** outputs, float** inputs, unsigned long 
     for (unsigned long n = 0; n < numSamples; ++n) {
         const float q = numOutputs == 4 ? inputs[3][n] : 0.0f;
         const float t = 0.828f * difference[1][n] + 0.768f * third[1][n];
-        // The sum has no share in W. That is meant and not to be "repaired".
+        // The sum has no share in W (kept: quirks.md 30).
         outputs[0][n] = 0.197f * t;
         outputs[1][n] = 0.419f * sum[0][n] + t;
         outputs[2][n] = 0.796f * difference[0][n] + 0.187f * sum[1][n] - 0.676f * third[0][n];

@@ -9,7 +9,7 @@ namespace Lume {
 /// UHJ (left, right, and with more inputs T and Q) to B-format (W, X, Y, and Z with 4 outputs), after Gerzon,
 /// "Ambisonics in multichannel broadcasting and video", J. Audio Eng. Soc. 33(11), 1985.
 ///
-/// From three or four channels W holds a weighted difference alone and no sum, which is meant.
+/// From three or four channels W holds a weighted difference alone and no sum (kept: quirks.md 30).
 class UHJ2BformatDecoder : public FixedDecoder {
 public:
     /// For the numbers of channels that Create takes.

@@ -29,7 +29,7 @@ void DbapPanning3D::SetLoudspeakerPositions(CartesianVector const* positions) {
 void DbapPanning3D::convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) {
     const float centerDistanceSquared = SquaredLength(position - barycenter);
     Distribute(position, centerDistanceSquared, false, gains, sourceIndex);
-    // A squared distance against a plain radius: this is meant, and sets the border at the square root of the radius.
+    // A squared distance against a plain radius sets the border at the square root of the radius (kept: quirks.md 20).
     if (muteOutsideHull && centerDistanceSquared > radius) std::fill_n(gains, numOutputs, 0.0f);
 }
 

@@ -20,7 +20,8 @@ struct HrtfPoint;
 /// Everything but processing belongs to the control thread.
 class BinauralPanning : public Pan {
 public:
-    /// Models of the ITD. Every other number counts as measurement, and 7 has an empty name.
+    /// Models of the ITD. Every other number counts as measurement, and 7 has an empty name (kept:
+    /// quirks.md 25).
     enum ITDType : int {
         basic = 0,        ///< straight lines to two points at the sides of the head
         woodworth = 1,    ///< plane wave around a sphere, in the horizontal plane

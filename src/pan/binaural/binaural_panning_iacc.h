@@ -32,7 +32,7 @@ public:
     /// Reads the first two inputs, whatever their number, as they are.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     /// Reads the first two inputs, active or not. They stand for all of them, and are raised by the power of the
-    /// others: unlike Process, which is meant.
+    /// others, unlike in Process (kept: quirks.md 21).
     void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     /// The filters keep their taps: at another rate than 44.1 kHz their frequencies move with it.
     void SetSamplerate(float newSamplerate) override;

@@ -304,7 +304,7 @@ void BinauralPanningNearfield::Process(float** outputs, float** inputs, unsigned
         return;
     }
     RunVoice(0, inputs[0], numSamples);
-    // The gains step from block to block.
+    // The gains step from block to block (kept: quirks.md 23).
     Scale(outputs[0], leftBuffer.data(), leftGains[0].Advance(numSamples) * orvandsp::sqrt2div2, numSamples);
     Scale(outputs[1], rightBuffer.data(), rightGains[0].Advance(numSamples) * orvandsp::sqrt2div2, numSamples);
 }

@@ -29,7 +29,7 @@ public:
     void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
 
     /// The following three place every source again. The torso's centre stays where the default sizes put it: a longer
-    /// neck or a bigger head changes nothing there, which is meant.
+    /// neck or a bigger head changes nothing there (kept: quirks.md 24).
     /// @param metres  at least 0.01 m
     void SetListenerHeadRadius(float metres) override;
     void SetListenerTorsoRadius(float metres);

@@ -42,7 +42,7 @@ public:
 
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     /// Scales everything that the outputs hold after each source: earlier sources, and what was there before, get the
-    /// factor again. That is meant.
+    /// factor again (kept: quirks.md 22).
     void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
