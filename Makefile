@@ -6,14 +6,15 @@
 # make fuzz   throws crafted files at the loaders for a minute each (clang)
 # make pd-package  puts the external for Pure Data into out/
 # make bench  builds and runs the benchmarks
-# make check  layout, layers and static analysis
+# make check  layout, layers, quirks and static analysis
+# make docs   the pages of the library's interface, into out/docs (doxygen)
 # make format lays out every file
 BUILD := build/release
 WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan tsan fuzz bench check format pd-package clean
+.PHONY: all setup configure build demo test slow asan tsan fuzz bench check docs format pd-package clean
 all: build
 
 setup:
@@ -67,7 +68,14 @@ check: build
 	@tools/setup check
 	tools/format --check
 	tools/check_layers
+	tools/check_quirks
 	tools/tidy
+
+docs:
+	@tools/setup docs
+	@mkdir -p out
+	doxygen docs/Doxyfile
+	@echo "out/docs/html/index.html"
 
 format:
 	@tools/setup check
