@@ -28,6 +28,7 @@
 #include "math/matrix_complex.h"
 #include "math/pseudo_inverse.h"
 #include "math/real_matrix.h"
+#include "math/real_transform.h"
 #include "math/svd.h"
 
 // parameters

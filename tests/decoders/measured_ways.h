@@ -5,56 +5,42 @@
 #include <cmath>
 #include <complex>
 #include <memory>
-#include <numbers>
 #include <vector>
+
+#include "math/real_transform.h"
 
 /// The ways from two loudspeakers to the ears of a KEMAR manikin, as Gardner and Martin, "HRTF measurements of a
 /// KEMAR", J. Acoust. Soc. Am. 97(6), 1995, measured them, and filters made from them. In double precision.
 
-using Spectrum = std::vector<std::complex<double>>;
+using orvandsp::Spectrum;
 
 constexpr std::size_t fftSize = 4096;
 constexpr double measuredRate = 44100.0;
 
-/// X[k] = sum x[n] exp(-2 pi j k n / size) for a power of two; +1 as sign gives the inverse, times the size.
-inline void Transform(Spectrum& x, double sign = -1.0) {
-    const std::size_t half = x.size() / 2;
-    if (half == 0) return;
-    Spectrum even(half), odd(half);
-    for (std::size_t n = 0; n < half; ++n) even[n] = x[2 * n], odd[n] = x[2 * n + 1];
-    Transform(even, sign);
-    Transform(odd, sign);
-    for (std::size_t k = 0; k < half; ++k) {
-        const std::complex<double> term =
-            std::polar(1.0, sign * std::numbers::pi * static_cast<double>(k) / static_cast<double>(half)) * odd[k];
-        x[k] = even[k] + term;
-        x[k + half] = even[k] - term;
-    }
+inline orvandsp::RealTransform const& Transform() {
+    static const orvandsp::RealTransform transform(fftSize);
+    return transform;
 }
 
 inline Spectrum SpectrumOf(std::vector<float> const& response) {
-    Spectrum spectrum(response.begin(), response.end());
-    spectrum.resize(fftSize);
-    Transform(spectrum);
-    return spectrum;
+    return Transform().Forward(std::vector<double>(response.begin(), response.end()));
 }
 
 /// The first samples of the response with a spectrum, `delay` samples later (or earlier, below 0).
-inline std::vector<float> ResponseOf(Spectrum spectrum, int delay, std::size_t length) {
-    Transform(spectrum, 1.0);
+inline std::vector<float> ResponseOf(Spectrum const& spectrum, int delay, std::size_t length) {
+    const std::vector<double> whole = Transform().Inverse(spectrum);
     std::vector<float> response(length);
     for (std::size_t n = 0; n < length; ++n)
         response[n] = static_cast<float>(
-            spectrum[(n + fftSize - static_cast<std::size_t>(delay + static_cast<int>(fftSize))) % fftSize].real() /
-            static_cast<double>(fftSize));
+            whole[(n + fftSize - static_cast<std::size_t>(delay + static_cast<int>(fftSize))) % fftSize]);
     return response;
 }
 
 /// Element by element.
 template <typename Function, typename... Spectra>
 Spectrum Combine(Function function, Spectra const&... spectra) {
-    Spectrum result(fftSize);
-    for (std::size_t k = 0; k < fftSize; ++k) result[k] = function(spectra[k]...);
+    Spectrum result(fftSize / 2 + 1);
+    for (std::size_t k = 0; k < result.size(); ++k) result[k] = function(spectra[k]...);
     return result;
 }
 

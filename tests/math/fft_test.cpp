@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dsp/orvan_dsp_exception.h"
+#include "math/real_transform.h"
 #include "support/signals.h"
 
 namespace {
@@ -84,6 +85,22 @@ TEST(Fft, MultiplyFormsComplexProductsInPlaceToo) {
     const std::vector<Complex> b = {{3.0f, -1.0f}, {0.5f, 4.0f}};
     orvandsp::Multiply<float, float>(a, b, a);
     EXPECT_EQ(a, (std::vector<Complex>{{5.0f, 5.0f}, {4.0f, -0.5f}}));
+}
+
+// Red if the halves are told apart wrongly, at any size, or if the way back lacks a factor.
+TEST(RealTransform, AgreesWithThePlainSumAndComesBack) {
+    for (std::size_t size = 4; size <= 1024; size *= 2) {
+        const orvandsp::RealTransform transform(size);
+        const std::vector<float> noise = MakeNoise(9, size);
+        const std::vector<double> signal(noise.begin(), noise.end());
+        const orvandsp::Spectrum spectrum = transform.Forward(signal);
+        ASSERT_EQ(spectrum.size(), transform.NumBins());
+        for (std::size_t k = 0; k < spectrum.size(); k += 1 + size / 64)
+            EXPECT_LT(std::abs(spectrum[k] - Dft({noise.begin(), noise.end()}, k, -1.0)),
+                      1e-12 * static_cast<double>(size));
+        const std::vector<double> back = transform.Inverse(spectrum);
+        for (std::size_t n = 0; n < size; ++n) EXPECT_NEAR(back[n], signal[n], 1e-14);
+    }
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 
 #include "filters/biquad_cascade.h"
 #include "hrtf/hrtf.h"
-#include "orvanverb/hrtf/cascade_fit.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "program/run_program.h"
 #include "program/sound_files.h"
@@ -69,41 +68,6 @@ struct SimpleHead {
         return set;
     }
 };
-
-// Red if the parametrisation, a derivative, the warping or the order of coefficients is wrong: sections that made a
-// level are found again from it, and are stable and minimum-phase.
-TEST(CascadeFit, FindsSectionsAgainFromTheirLevel) {
-    constexpr double rate = 48000.0;
-    const program::ErbAxis axis(rate);
-    const program::CascadeFit fit(axis, rate);
-    for (const std::uint32_t seed : {1u, 2u, 3u, 4u}) {
-        const std::vector<float> noise = MakeNoise(seed, 24);
-        const std::vector<double> random(noise.begin(), noise.end());
-        std::vector<float> wanted{0.5f};
-        for (std::size_t stage = 0; stage < 6; ++stage) {
-            // A zero and a pole at one place of the ear's axis, of different sharpness.
-            const double hertz = 400.0 * std::pow(2.0, 0.85 * static_cast<double>(stage) + 0.3 * random[4 * stage]);
-            for (const std::size_t side : {1u, 2u}) {
-                const double radius = 1.0 - hertz / rate * (1.5 + random[4 * stage + side]);
-                wanted.push_back(static_cast<float>(-2.0 * radius * std::cos(6.283185307 * hertz / rate)));
-                wanted.push_back(static_cast<float>(radius * radius));
-            }
-        }
-        const std::vector<float> response = ImpulseResponse(wanted);
-        std::vector<double> level;
-        for (const double hertz : axis.Frequencies()) level.push_back(GainDbAt(response, hertz / rate));
-
-        const program::CascadeFit::Result result = fit.Refine(fit.Start(level), level, 80);
-        const auto made = program::OrderStages(result.cascade, rate);
-        std::vector<float> coefficients(made.begin(), made.end());
-        const std::vector<float> fitted = ImpulseResponse(coefficients);
-        for (const double hertz : {110.0, 300.0, 900.0, 2500.0, 7000.0, 15000.0})
-            EXPECT_NEAR(GainDbAt(fitted, hertz / rate), GainDbAt(response, hertz / rate), 0.3) << seed << ": " << hertz;
-        Lume::BiquadCascade cascade(6);
-        cascade.SetCoefficients(coefficients.data());
-        EXPECT_TRUE(cascade.IsStable() && cascade.IsMinimumPhase());
-    }
-}
 
 // Red if the ears, the sign or the unit of the delay, or one of the two rates change places.
 TEST(HrtfConvert, FitsLevelsAndDelaysAtAnotherRate) {

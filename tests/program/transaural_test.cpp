@@ -8,7 +8,6 @@
 #include <span>
 
 #include "decoders/measured_ways.h"
-#include "orvanverb/hrtf/filter_fit.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "program/run_program.h"
@@ -182,51 +181,6 @@ TEST_F(Transaural, OtherRatesAndBlocks) {
         EXPECT_NE(RunProgram({"hrtf", "info", set}).out.find(std::string("blocks            ") + block),
                   std::string::npos);
     }
-}
-
-// Red if the gradient of what is minimised isn't 0: no tap can be moved either way without a loss, with the errors
-// summed up frequency by frequency.
-TEST(FilterFit, NoTapCanBeMovedForTheBetter) {
-    constexpr std::size_t size = 64, length = 7;
-    const program::RealTransform transform(size);
-    program::FilterWish wish;
-    for (std::uint32_t signal = 0; signal < 2; ++signal) {
-        const auto noise = [&](std::uint32_t seed) {
-            const std::vector<float> samples = MakeNoise(10 * signal + seed, 12);
-            return std::vector<double>(samples.begin(), samples.end());
-        };
-        wish.ways.push_back({transform.Forward(noise(1)), transform.Forward(noise(2))});
-        wish.wanted.push_back(transform.Forward(noise(3)));
-        std::vector<double> weights(transform.NumBins());
-        for (std::size_t k = 0; k < weights.size(); ++k) weights[k] = 1.0 + 0.1 * static_cast<double>(k * (signal + 1));
-        wish.weights.push_back(weights);
-    }
-    wish.effort = 2.0;
-    const auto cost = [&](std::vector<std::vector<double>> const& filters) {
-        double sum = 0.0;
-        for (std::size_t k = 0; k <= size / 2; ++k) {
-            std::vector<std::complex<double>> responses;
-            for (std::vector<double> const& taps : filters) {
-                const std::vector<float> narrow(taps.begin(), taps.end());
-                responses.push_back(ResponseAt(narrow, static_cast<double>(k) / size));
-            }
-            double here = wish.effort * (std::norm(responses[0]) + std::norm(responses[1]));
-            for (std::size_t e = 0; e < 2; ++e)
-                here += wish.weights[e][k] * std::norm(wish.ways[e][0][k] * responses[0] +
-                                                       wish.ways[e][1][k] * responses[1] - wish.wanted[e][k]);
-            sum += k % (size / 2) == 0 ? here : 2.0 * here;  // the bins between have a mirror image
-        }
-        return sum;
-    };
-    std::vector<std::vector<double>> filters = program::FitFilters(transform, wish, length);
-    const double least = cost(filters);
-    for (std::vector<double>& filter : filters)
-        for (double& tap : filter)
-            for (const double step : {0.001, -0.001}) {
-                tap += step;
-                EXPECT_GT(cost(filters), least);
-                tap -= step;
-            }
 }
 
 TEST_F(Transaural, WrongWordsAndFilesEndInOneLineThatNamesThem) {

@@ -11,9 +11,9 @@
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/decode/transaural_filters.h"
+#include "orvanverb/design/transaural_design.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
-#include "orvanverb/hrtf/transaural_design.h"
 #include "orvanverb/layout/channel_words.h"
 
 namespace program {

@@ -8,9 +8,9 @@
 
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/design/transaural_design.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/transaural_conversion.h"
-#include "orvanverb/hrtf/transaural_design.h"
 #include "orvanverb/options/option_values.h"
 
 namespace program {

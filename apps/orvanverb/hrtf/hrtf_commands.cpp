@@ -8,15 +8,15 @@
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/common/whole_file.h"
+#include "orvanverb/design/set_conversion.h"
+#include "orvanverb/design/set_measurement.h"
+#include "orvanverb/design/transaural_design.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
-#include "orvanverb/hrtf/set_conversion.h"
-#include "orvanverb/hrtf/set_measurement.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/set_summary.h"
 #include "orvanverb/hrtf/sofa_file.h"
 #include "orvanverb/hrtf/transaural_conversion.h"
-#include "orvanverb/hrtf/transaural_design.h"
 
 namespace program {
 

@@ -9,10 +9,10 @@
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/design/set_conversion.h"
+#include "orvanverb/design/set_measurement.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
-#include "orvanverb/hrtf/set_conversion.h"
-#include "orvanverb/hrtf/set_measurement.h"
 #include "orvanverb/hrtf/sofa_file.h"
 
 namespace program {

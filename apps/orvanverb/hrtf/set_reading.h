@@ -5,7 +5,7 @@
 
 #include "hrtf/hrtf.h"
 #include "hrtf/sdif_set.h"
-#include "orvanverb/hrtf/measured_set.h"
+#include "orvanverb/design/measured_set.h"
 
 /// How the commands read the sets that they are given. The word "kemar" means the built-in set. All throw WorkError
 /// that names the file.

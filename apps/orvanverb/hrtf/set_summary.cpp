@@ -12,9 +12,9 @@
 #include "geometry/spherical_vector.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/text.h"
-#include "orvanverb/hrtf/erb_axis.h"
-#include "orvanverb/hrtf/section_cascade.h"
-#include "orvanverb/hrtf/sphere.h"
+#include "orvanverb/design/erb_axis.h"
+#include "orvanverb/design/section_cascade.h"
+#include "orvanverb/design/sphere.h"
 
 namespace program {
 

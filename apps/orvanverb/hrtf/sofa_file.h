@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "orvanverb/hrtf/measured_set.h"
+#include "orvanverb/design/measured_set.h"
 
 namespace program {
 

@@ -10,10 +10,10 @@
 #include "decoders/decoder_factory.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
-#include "orvanverb/hrtf/ear_ring.h"
-#include "orvanverb/hrtf/parallel.h"
-#include "orvanverb/hrtf/set_conversion.h"
-#include "orvanverb/hrtf/transaural_design.h"
+#include "orvanverb/design/ear_ring.h"
+#include "orvanverb/design/parallel.h"
+#include "orvanverb/design/set_conversion.h"
+#include "orvanverb/design/transaural_design.h"
 
 namespace program {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "hrtf/sdif_set.h"
-#include "orvanverb/hrtf/measured_set.h"
+#include "orvanverb/design/measured_set.h"
 #include "orvanverb/options/transaural_options.h"
 
 namespace program {

@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/spectrum.h"
+#include "math/real_transform.h"
 
 #include <algorithm>
 #include <bit>
@@ -7,7 +7,7 @@
 #include <numbers>
 #include <utility>
 
-namespace program {
+namespace orvandsp {
 
 namespace {
 
@@ -94,4 +94,4 @@ Spectrum RealTransform::MinimumPhase(std::vector<double> const& magnitude) const
     return spectrum;
 }
 
-}  // namespace program
+}  // namespace orvandsp

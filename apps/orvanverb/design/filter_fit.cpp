@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/filter_fit.h"
+#include "orvanverb/design/filter_fit.h"
 
 #include <numeric>
 #include <utility>
@@ -24,11 +24,11 @@ void Add(Signals& a, double factor, Signals const& b) {
 /// The normal equations.
 class Equations {
 public:
-    Equations(RealTransform const& newTransform, FilterWish const& wish, std::size_t newLength)
+    Equations(orvandsp::RealTransform const& newTransform, FilterWish const& wish, std::size_t newLength)
         : transform(newTransform), length(newLength), numFilters(wish.ways[0].size()) {
         for (std::size_t f = 0; f < numFilters; ++f)
             for (std::size_t g = 0; g < numFilters; ++g) {
-                Spectrum& product = products.emplace_back(transform.NumBins(), f == g ? wish.effort : 0.0);
+                orvandsp::Spectrum& product = products.emplace_back(transform.NumBins(), f == g ? wish.effort : 0.0);
                 for (std::size_t e = 0; e < wish.ways.size(); ++e)
                     for (std::size_t k = 0; k < product.size(); ++k)
                         product[k] += wish.weights[e][k] * std::conj(wish.ways[e][f][k]) * wish.ways[e][g][k];
@@ -38,7 +38,7 @@ public:
     Signals RightSide(FilterWish const& wish) const {
         Signals side;
         for (std::size_t f = 0; f < numFilters; ++f) {
-            Spectrum sum(transform.NumBins());
+            orvandsp::Spectrum sum(transform.NumBins());
             for (std::size_t e = 0; e < wish.ways.size(); ++e)
                 for (std::size_t k = 0; k < sum.size(); ++k)
                     sum[k] += wish.weights[e][k] * std::conj(wish.ways[e][f][k]) * wish.wanted[e][k];
@@ -48,13 +48,13 @@ public:
     }
 
     Signals Apply(Signals const& filters) const {
-        std::vector<Spectrum> spectra;
+        std::vector<orvandsp::Spectrum> spectra;
         for (std::vector<double> const& filter : filters) spectra.push_back(transform.Forward(filter));
         Signals result;
         for (std::size_t f = 0; f < numFilters; ++f) {
-            Spectrum sum(transform.NumBins());
+            orvandsp::Spectrum sum(transform.NumBins());
             for (std::size_t g = 0; g < numFilters; ++g) {
-                Spectrum const& product = products[f * numFilters + g];
+                orvandsp::Spectrum const& product = products[f * numFilters + g];
                 for (std::size_t k = 0; k < sum.size(); ++k) sum[k] += product[k] * spectra[g][k];
             }
             result.push_back(Cut(sum));
@@ -63,20 +63,20 @@ public:
     }
 
 private:
-    std::vector<double> Cut(Spectrum const& spectrum) const {
+    std::vector<double> Cut(orvandsp::Spectrum const& spectrum) const {
         std::vector<double> signal = transform.Inverse(spectrum);
         signal.resize(length);
         return signal;
     }
 
-    RealTransform const& transform;
+    orvandsp::RealTransform const& transform;
     std::size_t length, numFilters;
-    std::vector<Spectrum> products;  // of the ways, weighted and summed over the signals; filters x filters
+    std::vector<orvandsp::Spectrum> products;  // of the ways, weighted and summed over the signals; filters x filters
 };
 
 }  // namespace
 
-std::vector<std::vector<double>> FitFilters(RealTransform const& transform, FilterWish const& wish,
+std::vector<std::vector<double>> FitFilters(orvandsp::RealTransform const& transform, FilterWish const& wish,
                                             std::size_t length) {
     constexpr int numSteps = 40;      // more change the crosstalk that is left by parts of a decibel
     constexpr double enough = 1e-20;  // of the first residual's power

@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/erb_axis.h"
+#include "orvanverb/design/erb_axis.h"
 
 #include <algorithm>
 #include <cmath>

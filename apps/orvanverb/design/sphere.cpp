@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/sphere.h"
+#include "orvanverb/design/sphere.h"
 
 #include <algorithm>
 #include <cmath>

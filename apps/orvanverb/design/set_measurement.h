@@ -2,7 +2,7 @@
 
 #include "hrtf/hrtf_data.h"
 #include "hrtf/symmetric_transaural_data_loader.h"
-#include "orvanverb/hrtf/measured_set.h"
+#include "orvanverb/design/measured_set.h"
 
 namespace program {
 

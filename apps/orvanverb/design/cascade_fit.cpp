@@ -1,11 +1,11 @@
-#include "orvanverb/hrtf/cascade_fit.h"
+#include "orvanverb/design/cascade_fit.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 
 #include "math/lu.h"
-#include "orvanverb/hrtf/minimum_phase.h"
+#include "orvanverb/design/minimum_phase.h"
 
 namespace program {
 

@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/minimum_phase.h"
+#include "orvanverb/design/minimum_phase.h"
 
 #include <algorithm>
 #include <cmath>

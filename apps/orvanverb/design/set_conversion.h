@@ -7,7 +7,7 @@
 
 #include "hrtf/hrtf_data.h"
 #include "hrtf/sdif_set.h"
-#include "orvanverb/hrtf/measured_set.h"
+#include "orvanverb/design/measured_set.h"
 
 namespace program {
 

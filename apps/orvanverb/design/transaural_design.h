@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "hrtf/hrtf_header_infos.h"
-#include "orvanverb/hrtf/spectrum.h"
+#include "math/real_transform.h"
 
 namespace program {
 
@@ -55,15 +55,15 @@ private:
 
     Plant Prepare(Ways const& ways) const;
     /// gain / way, as far as that can be had, behind the common delay.
-    Filter Inverse(Plant const& plant, Spectrum const& way, double gain) const;
+    Filter Inverse(Plant const& plant, orvandsp::Spectrum const& way, double gain) const;
     /// The ratio of a far ear's way to a near ear's, begun one block early.
-    Filter LoopFilter(Plant const& plant, Spectrum const& far, Spectrum const& near) const;
+    Filter LoopFilter(Plant const& plant, orvandsp::Spectrum const& far, orvandsp::Spectrum const& near) const;
     /// The inverse determinant.
     Filter InverseDeterminant(Plant const& plant) const;
     /// Both filters from one ear's signal to the loudspeakers.
     std::vector<Filter> LeastSquares(Plant const& plant, bool rightEar) const;
     /// The first samples of the response of (a + sign b) / 2.
-    Filter Half(Spectrum const& a, double sign, Spectrum const& b) const;
+    Filter Half(orvandsp::Spectrum const& a, double sign, orvandsp::Spectrum const& b) const;
 
     double Frequency(std::size_t bin) const { return transform.FrequencyOf(bin, limits.samplerate); }
 
@@ -73,7 +73,7 @@ private:
     // Of a fit: a way w is inverted as w / (w^2 + effort), at most 1 / (2 sqrt(effort)). That is 5 dB above the largest
     // gain, as fits of some length smooth their peaks; a price that keeps to it would cost more cancelling than that.
     double effort;
-    RealTransform transform;
+    orvandsp::RealTransform transform;
     std::vector<double> importance;  // of an error, per bin
 };
 

@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/set_measurement.h"
+#include "orvanverb/design/set_measurement.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include "dsp/constants.h"
 #include "filters/biquad_cascade.h"
 #include "hrtf/hrtf_filtering.h"
-#include "orvanverb/hrtf/sphere.h"
+#include "orvanverb/design/sphere.h"
 
 namespace program {
 

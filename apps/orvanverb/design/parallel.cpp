@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/parallel.h"
+#include "orvanverb/design/parallel.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,12 +1,12 @@
-#include "orvanverb/hrtf/ear_ring.h"
+#include "orvanverb/design/ear_ring.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <numbers>
 
-#include "orvanverb/hrtf/spectrum.h"
-#include "orvanverb/hrtf/sphere.h"
+#include "math/real_transform.h"
+#include "orvanverb/design/sphere.h"
 
 namespace program {
 
@@ -16,9 +16,10 @@ constexpr double degree = std::numbers::pi / 180.0;
 
 /// The samples by which b comes later than a: the peak of their cross-correlation below 8 kHz, between samples by a
 /// parabola. Above, pinnae shape the responses, and the peaks of neighbouring periods are hard to tell apart.
-double Lag(RealTransform const& transform, Spectrum const& a, Spectrum const& b, double samplerate) {
+double Lag(orvandsp::RealTransform const& transform, orvandsp::Spectrum const& a, orvandsp::Spectrum const& b,
+           double samplerate) {
     constexpr double highHz = 8000.0;
-    Spectrum cross(a.size());
+    orvandsp::Spectrum cross(a.size());
     for (std::size_t k = 0; k < a.size() && transform.FrequencyOf(k, samplerate) < highHz; ++k)
         cross[k] = b[k] * std::conj(a[k]);
     const std::vector<double> correlation = transform.Inverse(cross);
@@ -82,15 +83,15 @@ EarRing::Ears EarRing::At(double azimuthDeg) const {
     const Neighbours neighbours = FindNeighbours(azimuthDeg);
     if (neighbours.before == neighbours.after) return neighbours.before->ears;
     const std::size_t length = neighbours.before->ears[0].size();
-    const RealTransform transform(std::bit_ceil(2 * length));
+    const orvandsp::RealTransform transform(std::bit_ceil(2 * length));
     const double part = neighbours.part;
     Ears ears;
     for (std::size_t ear = 0; ear < 2; ++ear) {
-        const Spectrum before = transform.Forward(neighbours.before->ears[ear]);
-        const Spectrum after = transform.Forward(neighbours.after->ears[ear]);
+        const orvandsp::Spectrum before = transform.Forward(neighbours.before->ears[ear]);
+        const orvandsp::Spectrum after = transform.Forward(neighbours.after->ears[ear]);
         const double lag = Lag(transform, before, after, samplerate);
-        Spectrum mixed = transform.Delayed(before, part * lag);
-        const Spectrum other = transform.Delayed(after, (part - 1.0) * lag);
+        orvandsp::Spectrum mixed = transform.Delayed(before, part * lag);
+        const orvandsp::Spectrum other = transform.Delayed(after, (part - 1.0) * lag);
         for (std::size_t k = 0; k < mixed.size(); ++k) mixed[k] += part * (other[k] - mixed[k]);
         ears[ear] = transform.Inverse(mixed);
         ears[ear].resize(length);

@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/section_cascade.h"
+#include "orvanverb/design/section_cascade.h"
 
 #include <algorithm>
 #include <cmath>

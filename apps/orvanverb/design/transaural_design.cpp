@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/transaural_design.h"
+#include "orvanverb/design/transaural_design.h"
 
 #include <algorithm>
 #include <bit>
@@ -7,7 +7,7 @@
 #include <tuple>
 #include <utility>
 
-#include "orvanverb/hrtf/filter_fit.h"
+#include "orvanverb/design/filter_fit.h"
 
 namespace program {
 
@@ -20,8 +20,8 @@ constexpr double measuredFromHz = 120.0, measuredToHz = 16000.0;
 
 /// The mean of two responses that differ little: their mean phase with their mean power, so that the highs don't cancel
 /// where one comes later.
-Spectrum MeanOf(Spectrum const& a, Spectrum const& b) {
-    Spectrum mean(a.size());
+orvandsp::Spectrum MeanOf(orvandsp::Spectrum const& a, orvandsp::Spectrum const& b) {
+    orvandsp::Spectrum mean(a.size());
     for (std::size_t k = 0; k < a.size(); ++k) {
         const Complex sum = a[k] + b[k];
         const double level = std::sqrt(0.5 * (std::norm(a[k]) + std::norm(b[k])));
@@ -65,11 +65,11 @@ bool HasBlockLateLoop(Lume::HrtfType network) {
 
 /// The ways as they are to be inverted, with the near ears at a mean level of 1.
 struct TransauralDesign::Plant {
-    Spectrum ll, lr, rl, rr;
-    double level = 1.0;        // that was taken out
-    std::vector<double> near;  // the near ears' level, at least -24 dB
-    Spectrum target;           // what an ear is to hear of its signal, and
-    double delay = 0.0;        // how late, in samples
+    orvandsp::Spectrum ll, lr, rl, rr;
+    double level = 1.0;         // that was taken out
+    std::vector<double> near;   // the near ears' level, at least -24 dB
+    orvandsp::Spectrum target;  // what an ear is to hear of its signal, and
+    double delay = 0.0;         // how late, in samples
 };
 
 TransauralDesign::TransauralDesign(Lume::HrtfType newNetwork, TransauralLimits const& newLimits, std::size_t wayLength)
@@ -112,8 +112,8 @@ TransauralDesign::Plant TransauralDesign::Prepare(Ways const& ways) const {
     const double cornerHz = leak / (2.0 * std::numbers::pi * typicalItdSeconds);
     for (std::size_t k = 0; k < transform.NumBins(); ++k) {
         const Complex kept = 1.0 - leak / Complex(1.0, Frequency(k) / cornerHz);
-        for (Spectrum* const near : {&plant.ll, &plant.rr}) (*near)[k] /= plant.level;
-        for (Spectrum* const far : {&plant.lr, &plant.rl}) (*far)[k] *= kept / plant.level;
+        for (orvandsp::Spectrum* const near : {&plant.ll, &plant.rr}) (*near)[k] /= plant.level;
+        for (orvandsp::Spectrum* const far : {&plant.lr, &plant.rl}) (*far)[k] *= kept / plant.level;
         plant.near.push_back(std::sqrt(0.5 * (std::norm(plant.ll[k]) + std::norm(plant.rr[k]))));
     }
 
@@ -132,7 +132,8 @@ TransauralDesign::Plant TransauralDesign::Prepare(Ways const& ways) const {
     return plant;
 }
 
-TransauralDesign::Filter TransauralDesign::Inverse(Plant const& plant, Spectrum const& way, double gain) const {
+TransauralDesign::Filter TransauralDesign::Inverse(Plant const& plant, orvandsp::Spectrum const& way,
+                                                   double gain) const {
     FilterWish wish;
     wish.ways = {{way}};
     wish.wanted = {transform.Delayed(plant.target, plant.delay)};
@@ -143,8 +144,8 @@ TransauralDesign::Filter TransauralDesign::Inverse(Plant const& plant, Spectrum 
     return filter;
 }
 
-TransauralDesign::Filter TransauralDesign::LoopFilter(Plant const& plant, Spectrum const& far,
-                                                      Spectrum const& near) const {
+TransauralDesign::Filter TransauralDesign::LoopFilter(Plant const& plant, orvandsp::Spectrum const& far,
+                                                      orvandsp::Spectrum const& near) const {
     constexpr int mostRounds = 6;
     constexpr double tolerance = 0.02, dearer = 8.0, largest = 0.92;
     FilterWish wish;
@@ -170,7 +171,7 @@ TransauralDesign::Filter TransauralDesign::LoopFilter(Plant const& plant, Spectr
     double peak = 0.0;
     for (int round = 0; round < mostRounds; ++round) {
         filter = FitFilters(transform, wish, limits.length)[0];
-        const Spectrum response = transform.Forward(filter);
+        const orvandsp::Spectrum response = transform.Forward(filter);
         bool exceeds = false;
         peak = 0.0;
         for (std::size_t k = 0; k < most.size(); ++k) {
@@ -206,7 +207,7 @@ std::vector<TransauralDesign::Filter> TransauralDesign::LeastSquares(Plant const
     constexpr double crosstalkWeight = 4.0;  // of what the other ear hears, against colour
     FilterWish wish;
     wish.ways = {{plant.ll, plant.rl}, {plant.lr, plant.rr}};
-    wish.wanted.assign(2, Spectrum(transform.NumBins()));
+    wish.wanted.assign(2, orvandsp::Spectrum(transform.NumBins()));
     wish.wanted[rightEar ? 1 : 0] = transform.Delayed(plant.target, plant.delay);
     wish.weights = {importance, importance};
     for (double& weight : wish.weights[rightEar ? 0 : 1]) weight *= crosstalkWeight;
@@ -217,8 +218,9 @@ std::vector<TransauralDesign::Filter> TransauralDesign::LeastSquares(Plant const
     return filters;
 }
 
-TransauralDesign::Filter TransauralDesign::Half(Spectrum const& a, double sign, Spectrum const& b) const {
-    Spectrum sum(a.size());
+TransauralDesign::Filter TransauralDesign::Half(orvandsp::Spectrum const& a, double sign,
+                                                orvandsp::Spectrum const& b) const {
+    orvandsp::Spectrum sum(a.size());
     for (std::size_t k = 0; k < a.size(); ++k) sum[k] = 0.5 * (a[k] + sign * b[k]);
     Filter filter = transform.Inverse(sum);
     filter.resize(limits.length);
@@ -232,7 +234,7 @@ std::vector<float> TransauralDesign::Filters(Ways const& ways) const {
     switch (network) {
         case Lume::hrtfBinauralToTransauralShufflerSymmetric:
             for (const double sign : {1.0, -1.0}) {
-                Spectrum both(ll.size());
+                orvandsp::Spectrum both(ll.size());
                 for (std::size_t k = 0; k < ll.size(); ++k) both[k] = ll[k] + sign * lr[k];
                 filters.push_back(Inverse(plant, both, 0.25 * std::numbers::sqrt2));
             }
@@ -243,7 +245,7 @@ std::vector<float> TransauralDesign::Filters(Ways const& ways) const {
             break;
         case Lume::hrtfBinauralToTransauralFeedForwardSymmetric:
         case Lume::hrtfBinauralToTransauralFeedForwardAsymmetric:
-            for (Spectrum const* const way : {&rr, &rl, &lr, &ll}) filters.push_back(Half(*way, 1.0, *way));
+            for (orvandsp::Spectrum const* const way : {&rr, &rl, &lr, &ll}) filters.push_back(Half(*way, 1.0, *way));
             filters.resize(6, InverseDeterminant(plant));
             break;
         case Lume::hrtfBinauralToTransauralRecursiveSymmetric:

@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/responses.h"
+#include "orvanverb/design/responses.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,8 +6,8 @@
 #include <limits>
 #include <numbers>
 
-#include "orvanverb/hrtf/minimum_phase.h"
-#include "orvanverb/hrtf/parallel.h"
+#include "orvanverb/design/minimum_phase.h"
+#include "orvanverb/design/parallel.h"
 
 namespace program {
 

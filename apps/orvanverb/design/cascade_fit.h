@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "orvanverb/hrtf/erb_axis.h"
-#include "orvanverb/hrtf/section_cascade.h"
+#include "orvanverb/design/erb_axis.h"
+#include "orvanverb/design/section_cascade.h"
 
 namespace program {
 

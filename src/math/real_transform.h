@@ -5,12 +5,13 @@
 #include <span>
 #include <vector>
 
-namespace program {
+namespace orvandsp {
 
 /// A real signal's spectrum from 0 Hz to half the sample rate, both included.
 using Spectrum = std::vector<std::complex<double>>;
 
-/// Fourier transform of real signals in double precision, by a complex one of half the size.
+/// Fourier transform of real signals in double precision, by a complex one of half the size: accurate to the last
+/// digits, for designs and measurements. Not for the audio thread: the results are vectors.
 class RealTransform {
 public:
     /// @param size  samples, a power of two from 4 on
@@ -42,4 +43,4 @@ private:
     std::vector<std::size_t> order;  // bit-reversed
 };
 
-}  // namespace program
+}  // namespace orvandsp

@@ -1,4 +1,4 @@
-#include "orvanverb/hrtf/set_conversion.h"
+#include "orvanverb/design/set_conversion.h"
 
 #include <algorithm>
 #include <array>
@@ -9,10 +9,10 @@
 #include <span>
 #include <stdexcept>
 
-#include "orvanverb/hrtf/cascade_fit.h"
-#include "orvanverb/hrtf/parallel.h"
-#include "orvanverb/hrtf/responses.h"
-#include "orvanverb/hrtf/sphere.h"
+#include "orvanverb/design/cascade_fit.h"
+#include "orvanverb/design/parallel.h"
+#include "orvanverb/design/responses.h"
+#include "orvanverb/design/sphere.h"
 
 namespace program {
 
