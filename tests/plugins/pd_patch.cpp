@@ -39,8 +39,10 @@ std::string PdPatch::Text() const {
 }
 
 RunResult RunPd(std::string const& path, std::vector<std::string> const& options, std::string const& before) {
-    // -batch: no sound card, no clock on the wall. The external's folder comes first, whatever is installed.
-    std::vector<std::string> words{"pd", "-batch", "-nogui", "-noaudio", "-stderr", "-noprefs", "-path", PD_EXTERNAL};
+    // -batch: no sound card, no clock on the wall. -nrt: no watchdog, which complains of a busy machine. The external's
+    // folder comes first, whatever is installed.
+    std::vector<std::string> words{"pd",      "-batch",   "-nrt",  "-nogui",   "-noaudio",
+                                   "-stderr", "-noprefs", "-path", PD_EXTERNAL};
     words.insert(words.end(), options.begin(), options.end());
     words.insert(words.end(), {"-open", path});
     return RunCommand(words, "timeout 300 env " PD_ENVIRONMENT " " + before);
