@@ -138,8 +138,9 @@ public:
     /// @param positions  one per loudspeaker [m]
     void SetSpeakersPositions(CartesianVector const* positions);
 
-    /// Loads the filters of a binaural engine's direct sound from a .hrtf or .coll file; impulse responses run by fast
-    /// convolution. The sources' present filters stay until then. Allocates: not while Process runs.
+    /// Loads the filters of a binaural engine's direct sound from a .hrtf or .coll file, or the built-in ones for the
+    /// name "kemar"; impulse responses run by fast convolution. The sources' present filters stay until then.
+    /// Allocates: not while Process runs.
     /// @return false, and nothing has changed, if the engine isn't binaural or the set isn't one for two ears
     /// @throws OrvanDspException, and nothing has changed, if the file can't be read
     bool LoadHrtf(char const* path);

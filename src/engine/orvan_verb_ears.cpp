@@ -1,9 +1,13 @@
 // The ears of a binaural engine, and how they are exchanged while it runs.
 
 #include <algorithm>
+#include <fstream>
+#include <string>
 
 #include "dsp/constants.h"
+#include "dsp/orvan_dsp_exception.h"
 #include "engine/orvan_verb.h"
+#include "hrtf/coll_file.h"
 #include "hrtf/hrtf.h"
 #include "pan/binaural/binaural_panning_direct.h"
 
@@ -28,6 +32,11 @@ bool TakeSet(BinauralPanningDirect& ears, std::unique_ptr<Hrtf> set) {
 }  // namespace
 
 bool OrvanVerb::LoadHrtf(char const* path) {
+    // A set reads a name that is no file's as that of the built-in one; a mistyped name must not pass for it.
+    const std::string name = path;
+    if (!name.empty() && name != "kemar" && name != "KEMAR" &&
+        (!std::ifstream(name) || !(CheckFileExtension(name, ".hrtf") || CheckFileExtension(name, ".coll"))))
+        throw orvandsp::OrvanDspException("can't open the file " + name, __FILE__, __LINE__);
     return Ears(directPan.get()) != nullptr && SetHrtf(std::make_unique<Hrtf>(path));
 }
 

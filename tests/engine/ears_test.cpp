@@ -5,6 +5,7 @@
 #include <limits>
 #include <numbers>
 
+#include "dsp/orvan_dsp_exception.h"
 #include "engine_rig.h"
 #include "hrtf/hrtf.h"
 #include "pan/binaural/binaural_panning.h"
@@ -97,4 +98,13 @@ TEST(Silence, NothingThatEverCameInIsHeardAgain) {
             rig.engine.Silence();
             EXPECT_TRUE(AllZero(rig.Silence(2.0))) << speakers << " loudspeakers, " << bad;
         }
+}
+
+// Red if a mistyped name passes for the built-in set.
+TEST(Ears, OfAFileThatIsNotThereAreAnError) {
+    Headphones rig;
+    const TemporaryFile text(".txt", "no set");
+    for (std::string const& name : {std::string("/nonexistent/typo.xyz"), std::string("no.hrtf"), text.name})
+        EXPECT_THROW(rig.engine.LoadHrtf(name.c_str()), orvandsp::OrvanDspException) << name;
+    EXPECT_TRUE(rig.engine.LoadHrtf("kemar"));
 }

@@ -46,14 +46,14 @@ void ExpectPosition(Lume::CartesianVector const& position, double azimuthToTheLe
 
 // Red if rings run clockwise, the mirrored row is off by one, or the ears change places.
 TEST(Hrtf, RowsOfOneEarBecomePointsOfTwo) {
-    const TemporaryFile file("-S12-44100.coll", Rows(710, 26));
+    const TemporaryFile file("-S12-48000.coll", Rows(710, 26));
     const Hrtf set(file.name);
     ASSERT_EQ(set.GetNumPoints(), 710u);
     EXPECT_EQ(set.GetNumCoefficients(), 25u);
-    EXPECT_EQ(set.GetSamplingRate(), 44100u);
+    EXPECT_EQ(set.GetSamplingRate(), 48000u);
     EXPECT_EQ(set.GetFlagItdExtracted(), Lume::itdExtracted);
     EXPECT_EQ(set.GetHrtfHeaderInfos().owner, "ORVAN");
-    EXPECT_EQ(set.GetHrtfHeaderInfos().subject, "S12-44100.coll");  // as long as what stands before the dash
+    EXPECT_EQ(set.GetHrtfHeaderInfos().subject, "S12-48000.coll");  // as long as what stands before the dash
     EXPECT_EQ(set.GetHrtfHeaderInfos().flagInterpolated, Lume::dataInterpolated);
 
     const struct {

@@ -130,6 +130,8 @@ TEST(Sdif, WhatIsWrongIsSaid) {
         {GoodSet(Header("NumPoints", "2000000000")).bytes, "invalid header NAME"},
         {GoodSet(Header("FiltersLength", "99999999999")).bytes, "invalid header NAME"},
         {empty.bytes, "invalid header NAME"},
+        // Points without coefficients would still take a hundred bytes each.
+        {GoodSet("FiltersLength\t0\n" + Header("NumPoints", "100000000")).bytes, "invalid header NAME"},
         {GoodSet(Header("TableName", "Infos")).bytes, "invalid header NAME"},
         {GoodSet(Header("DataType", "Stereo")).bytes, "unknown hrtf type Stereo"},
         {GoodSet(Header("FiltersType", "IIR")).bytes, "unknown hrtf filter type IIR"},

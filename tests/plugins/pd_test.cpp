@@ -238,7 +238,7 @@ std::vector<float> SavedState(std::string const& file) {
 // Red if a state loses a bit on the way into the file and back, reaches another object, or is saved unasked.
 TEST_F(InPd, StatesAreKeptInThePatchFile) {
     const std::string words = "@numsources 2 @numspeakers 3";
-    const std::vector<std::string> messages{"source 1 ade 33.3 2.2 11.1", "source 2 xyz 1e-05 -1.2345678 0",
+    const std::vector<std::string> messages{"source 1 ade 33.3 2.2 11.1", "source 2 xyz 1e-05 -1.2345678 -1e-46",
                                             "tr0 3.1415927", "early 1 2 3 4 555.55 6666.666"};
     PdPatch patch;
     patch.Connect(patch.Object("r other"), 0, patch.Object("orvanverb~ " + words), 0);
@@ -264,6 +264,7 @@ TEST_F(InPd, StatesAreKeptInThePatchFile) {
 
     const std::string saved = save("patch.pd", script, "saved.pd");
     EXPECT_EQ(SavedState(saved), expected);
+    EXPECT_NE(saved.find(" -0 "), std::string::npos);  // a number of its own, which must come back as it is
     EXPECT_EQ(save("saved.pd", "", "again.pd"), saved);
 }
 

@@ -66,9 +66,9 @@ TEST(AudioInput, TellsWholeFilesFromCutOnes) {
     const TemporaryDirectory directory;
     Sound sound = MakeTone(440.0, 1.0, 44100);
     sound.samples.push_back(sound.samples[0]);
-    for (const int format :
-         {SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_WAVEX | SF_FORMAT_PCM_24, SF_FORMAT_RF64 | SF_FORMAT_FLOAT,
-          SF_FORMAT_AIFF | SF_FORMAT_PCM_16, SF_FORMAT_FLAC | SF_FORMAT_PCM_16}) {
+    for (const int format : {SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_WAVEX | SF_FORMAT_PCM_24,
+                             SF_FORMAT_RF64 | SF_FORMAT_FLOAT, SF_FORMAT_AIFF | SF_FORMAT_PCM_16,
+                             SF_FORMAT_WAV | SF_FORMAT_PCM_16 | SF_ENDIAN_BIG, SF_FORMAT_FLAC | SF_FORMAT_PCM_16}) {
         const std::string path = directory / "sound";
         WriteSound(path, sound, format);
         EXPECT_EQ(Complaint(path), "") << std::hex << format;
@@ -77,13 +77,21 @@ TEST(AudioInput, TellsWholeFilesFromCutOnes) {
     }
     WriteSound(directory / "sound.ogg", sound, SF_FORMAT_OGG | SF_FORMAT_VORBIS);
     EXPECT_EQ(Complaint(directory / "sound.ogg"), "");
+    // Damaged in each of its pages of sound, which readers then leave out.
+    std::string pages = ReadText(directory / "sound.ogg");
+    for (std::size_t page = pages.find("OggS", 4000); page != std::string::npos; page = pages.find("OggS", page + 4))
+        pages[page + 100] = static_cast<char>(pages[page + 100] + 1);
+    WriteText(directory / "sound.ogg", pages);
+    EXPECT_NE(Complaint(directory / "sound.ogg").find("yields no samples"), std::string::npos);
 
     // A recorder that wrote through a pipe could not come back to fill in the lengths.
     WriteSound(directory / "pipe.wav", sound, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     std::string bytes = ReadText(directory / "pipe.wav");
-    bytes.replace(bytes.find("data") + 4, 4, "\xFF\xFF\xFF\xFF");
-    WriteText(directory / "pipe.wav", bytes);
-    EXPECT_EQ(Complaint(directory / "pipe.wav"), "");
+    for (const std::string length : {"\xFF\xFF\xFF\xFF", "\xD3\xFF\xFF\x7F"}) {
+        bytes.replace(bytes.find("data") + 4, 4, length);
+        WriteText(directory / "pipe.wav", bytes);
+        EXPECT_EQ(Complaint(directory / "pipe.wav"), "");
+    }
 }
 
 // Red if channels of several files meet, if a pause is counted twice, or if turns overlap at a vector's border.

@@ -52,6 +52,9 @@ TEST_F(BadInput, FilesAreNamedWithStatusOne) {
     WriteText(In("room"), "tr0 2\n\ntr0 200\n");
     Expect(Render({"--speakers", In("speakers")}), 1, In("speakers") + ":2: ");
     Expect(Render({"--speakers", In("none")}), 1, In("none"));
+    // Opens, and gives an error at the first read.
+    for (char const* option : {"--speakers", "--preset", "--scene"})
+        Expect(Render({option, "/proc/self/mem"}), 1, "/proc/self/mem: Input/output error");
     Expect(Render({"--preset", In("room")}), 1, In("room") + ":3: ");
     for (std::string const& place : {Out("no/such/place.wav"), std::string("/dev/null")})
         Expect(RunProgram({"render", In("good.wav"), "-o", place}), 1, place);

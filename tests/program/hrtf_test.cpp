@@ -168,6 +168,15 @@ TEST(HrtfConvert, SLOW_FitsAMeasuredHead) {
     EXPECT_LT(std::stod(run.err.substr(at + 5)), 0.4) << run.err;
 }
 
+TEST(HrtfInfo, ShowsDistances) {
+    const TemporaryDirectory directory;
+    Lume::SdifSet set = SimpleHead::Set();
+    for (float* coordinate : {&set.points[0].positions[0].x, &set.points[0].positions[0].y}) *coordinate *= 2.5f;
+    WriteText(directory / "set.hrtf", program::SdifSetBytes(set, "me"));
+    const RunResult run = RunProgram({"hrtf", "info", directory / "set.hrtf"});
+    EXPECT_NE(run.out.find("distances         1.00 to 2.50 m\n"), std::string::npos) << run.out;
+}
+
 TEST(HrtfInfo, ShowsTheHeaderAndFindsFaults) {
     const RunResult builtIn = RunProgram({"hrtf", "info", "kemar"});
     EXPECT_EQ(builtIn.status, 0) << builtIn.out;
@@ -192,6 +201,27 @@ TEST(HrtfInfo, ShowsTheHeaderAndFindsFaults) {
     }
 }
 
+// Red if the engine's way to find extensions anywhere in a name gets to the users.
+TEST(Hrtf, SetsLoadFromFoldersOfAnyName) {
+    const TemporaryDirectory directory;
+    const std::string folder = directory / "my.collection";
+    std::filesystem::create_directory(folder);
+    WriteText(folder + "/head.hrtf", program::SdifSetBytes(SimpleHead::Set(), "me"));
+    WriteSound(directory / "in.wav", MakeTone(440.0, 0.1, 44100));
+    const std::string in = directory / "in.wav", out = directory / "out.wav", set = folder + "/head.hrtf";
+    const std::vector<std::string> calls[] = {
+        {"render", in, "-o", out, "--hrtf", set},
+        {"pan", in, "-o", out, "--method", "binaural", "--hrtf", set},
+        {"pan", in, "-o", out, "--method", "binaural", "--model", "nearfield", "--hrtf", set},
+        {"hrtf", "info", set},
+        {"hrtf", "convert", set, folder + "/other.hrtf", "--fir", "--length", "128"},
+    };
+    for (std::vector<std::string> const& call : calls) {
+        const RunResult run = RunProgram(call);
+        EXPECT_EQ(run.status, 0) << call.front() << ": " << run.err;
+    }
+}
+
 TEST(Hrtf, WrongFilesAndWordsEndInOneLineThatNamesThem) {
     const TemporaryDirectory directory;
     WriteText(directory / "text.sofa", "no measurement\n");
@@ -206,6 +236,7 @@ TEST(Hrtf, WrongFilesAndWordsEndInOneLineThatNamesThem) {
     const auto expect = [&](std::vector<std::string> const& arguments, int status, std::string const& culprit) {
         ExpectComplaint(RunProgram(arguments), status, culprit);
         EXPECT_EQ(ReadText(directory / "out.hrtf"), "an earlier one");
+        EXPECT_EQ(directory.NumFiles(), 7u);
     };
     for (char const* name :
          {"none.sofa", "text.sofa", "cut.sofa", "none.hrtf", "text.hrtf", "cut.hrtf", "a-b-44100.coll"})

@@ -128,6 +128,23 @@ TEST_F(Rendering, GivesTheSameBytesTwice) {
     EXPECT_TRUE(first == ReadText(directory / "ir.wav"));
 }
 
+// Red if what was typed last doesn't win.
+TEST_F(Rendering, ThePresetYieldsToSetAndSetToAttributes) {
+    WriteText(directory / "room", "numinternals 2\n");
+    const auto internals = [&](std::vector<std::string> const& words) {
+        ImpulseResponse("2", "0", "0", Joined({"--save-state", directory / "state"}, words));
+        const std::string state = ReadText(directory / "state");
+        const std::size_t at = state.find("\nnuminternals ") + 1;
+        return state.substr(at, state.find('\n', at) - at);
+    };
+    std::vector<std::string> words{"--preset", directory / "room"};
+    EXPECT_EQ(internals(words), "numinternals 2");
+    words.insert(words.end(), {"--set", "numinternals=4"});
+    EXPECT_EQ(internals(words), "numinternals 4");
+    words.insert(words.end(), {"@numinternals", "16"});
+    EXPECT_EQ(internals(words), "numinternals 16");
+}
+
 TEST_F(Rendering, KeepsWhatIsNotFiniteOutOfTheRoomAndTellsOnce) {
     Sound sound = MakeTone(440.0, 0.2, 48000);
     for (const std::size_t i : {1000u, 2000u, 2001u}) sound.samples[0][i] = std::numeric_limits<float>::quiet_NaN();

@@ -13,6 +13,7 @@
 #include "program/run_program.h"
 #include "program/sound_files.h"
 #include "support/frequency_response.h"
+#include "support/sdif_writer.h"
 #include "support/signals.h"
 
 namespace {
@@ -26,6 +27,14 @@ struct Figures {
     double colourDb = 0.0;        // standard deviation of the near ear's level
     double levelDb = 0.0;         // mean level of the near ear, the one further from 0
 };
+
+/// Frames of other types may stand in a set; one without frames of its own needs one.
+std::string FrameOfAStranger() {
+    SdifWriter writer;
+    const std::size_t begin = writer.bytes.size();
+    writer.Frame("XXXX", 1, {});
+    return writer.bytes.substr(begin);
+}
 
 class Transaural : public testing::Test {
 protected:
@@ -221,11 +230,27 @@ TEST_F(Transaural, WrongWordsAndFilesEndInOneLineThatNamesThem) {
         WriteText(odd, program::SdifSetBytes(program::ReadAnySet(out), "me", length));
         expect(Decode("recursivesymmetric", odd), 1, "blocks of '" + std::to_string(length) + "'");
     }
+    // Sets that are well formed and can't be played.
+    const Lume::SdifSet good = program::ReadAnySet(out);
+    Lume::SdifSet silent = good, loud = good, empty = good;
+    for (float& tap : silent.points[0].coefficients) tap = 0.0f;
+    for (float& tap : loud.points[0].coefficients) tap *= 1e36f;
+    empty.points.clear();
+    empty.header.numCoefficients = 2;
+    for (auto const& [set, fault] :
+         {std::pair{&silent, "silent"}, {&loud, "filters of up to"}, {&empty, "no points"}}) {
+        WriteText(odd, program::SdifSetBytes(*set, "me", 2) + FrameOfAStranger());
+        expect(Decode("recursivesymmetric", odd), 1, fault);
+        EXPECT_NE(RunProgram({"hrtf", "info", odd}).out.find(std::string("FAULT: ")), std::string::npos) << fault;
+    }
     // Loudspeakers that a symmetric network can't serve.
     WriteText(directory / "pair", "-25\n40\n");
     EXPECT_NE(Decode("recursivesymmetric", out, directory / "pair").err.find("don't mirror each other"),
               std::string::npos);
-    WriteText(directory / "pair", "-35\n35\n");
+    // Nearer than 3 degrees they count as those of the set.
+    WriteText(directory / "pair", "-32.5\n32.5\n");
+    EXPECT_EQ(Decode("recursivesymmetric", out, directory / "pair").err.find("warning"), std::string::npos);
+    WriteText(directory / "pair", "-33.5\n33.5\n");
     EXPECT_NE(Decode("recursivesymmetric", out, directory / "pair").err.find("for loudspeakers at -30.0 degrees"),
               std::string::npos);
 }

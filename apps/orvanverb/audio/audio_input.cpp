@@ -64,6 +64,7 @@ float* AudioInput::ReadPiece(std::size_t& frames) {
                             " samples, " + std::to_string(inAll) + " can be read");
         if (const int error = sf_error(file.get())) throw WorkError(path + ": " + sf_error_number(error));
     }
+    if (got == 0 && framesRead == 0) throw WorkError(path + ": is damaged: it yields no samples");
     frames = static_cast<std::size_t>(got);
     framesRead += frames;
     for (std::size_t i = 0; i < frames * NumChannels(); ++i) {

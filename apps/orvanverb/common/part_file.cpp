@@ -49,7 +49,8 @@ PartFile::PartFile(std::string newPath) : path(std::move(newPath)) {
     if (fs::exists(path, ignored) && !fs::is_regular_file(path, ignored))
         Fail("is there and is no file that could be replaced");
     const fs::path target = BehindLinks(path);
-    finalPath = target.string();
+    finalPath = fs::absolute(target, ignored).string();  // the working folder may be another at times
+    if (finalPath.empty()) finalPath = target.string();
     // A file that may not be written isn't replaced either, although its folder would let it.
     if (fs::exists(target, ignored) && access(finalPath.c_str(), W_OK) != 0) FailAsErrno();
     constexpr std::size_t longest = 200;  // of a name, so that there is room for the rest

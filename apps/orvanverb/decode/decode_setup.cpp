@@ -157,7 +157,7 @@ void DecodeSetup::SetUpTransaural(Options const& options) {
     } else {
         // A network that the built-in set doesn't suit refuses it, in one way or the other.
         try {
-            LoadQuietly("kemar", [&] { transaural->LoadFromFile("kemar"); });
+            LoadQuietly("kemar", [&](std::string const& name) { transaural->LoadFromFile(name.c_str()); });
         } catch (WorkError const&) {
         }
     }

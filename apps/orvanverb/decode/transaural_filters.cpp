@@ -12,6 +12,7 @@
 #include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
+#include "orvanverb/hrtf/set_summary.h"
 
 namespace program {
 
@@ -36,16 +37,19 @@ void LoadFilters(std::string const& path, Lume::TransauralDecoder& decoder) {
     RequireSetFile(path, FilesFor(wanted));
     Lume::HrtfHeaderInfos infos;
     bool known = false;
-    if (path.ends_with(".bin2trans")) LoadQuietly(path, [&] { known = Lume::GetHrtfHeaderInfos(path, infos); });
+    if (path.ends_with(".bin2trans"))
+        LoadQuietly(path, [&](std::string const& name) { known = Lume::GetHrtfHeaderInfos(name, infos); });
     if (known && infos.hrtfType != wanted && !NetworkFor(infos.hrtfType).empty())
         throw WorkError(path + ": is for the network " + NetworkFor(infos.hrtfType) + ", not for " +
                         NetworkFor(wanted));
     bool taken = false;
-    LoadQuietly(path, [&] { taken = decoder.LoadFromFile(path.c_str()); });
+    LoadQuietly(path, [&](std::string const& name) { taken = decoder.LoadFromFile(name.c_str()); });
     if (!taken)
         throw WorkError(path + ": has not what this network takes: " +
                         std::to_string(decoder.getExpectedNumberOfFiltersInHrtfFiles()) + " filters a point, for " +
                         Lume::GetHrtfTypeName(wanted));
+    if (const std::vector<std::string> faults = FaultsOfFilters(ReadAnySet(path)); !faults.empty())
+        throw WorkError(path + ": can't be played: " + faults.front());
 }
 
 std::string OtherPair(std::string const& path, Lume::TransauralDecoder const& decoder) {

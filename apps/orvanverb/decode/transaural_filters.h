@@ -10,7 +10,8 @@ namespace program {
 std::string NetworkFor(Lume::HrtfType type);
 
 /// Loads the filters of a transaural network.
-/// @throws WorkError that names the file, and says what it is for if it isn't for this network
+/// @throws WorkError that names the file, and says what it is for if it isn't for this network, or what is wrong with
+///         its filters
 void LoadFilters(std::string const& path, Lume::TransauralDecoder& decoder);
 
 /// What to tell of a set whose nearest filters are for loudspeakers that stand clearly elsewhere; else nothing.

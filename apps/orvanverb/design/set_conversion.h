@@ -36,7 +36,7 @@ struct ConversionErrors {
 /// filters lack against the measurements below 1.5 kHz, by cross-correlation. Impulse responses keep their phase and
 /// with it their delays, except for what all of them have in common.
 /// @param errors  filled for sections
-/// @throws std::invalid_argument for a measurement without sound, WorkError when the user interrupts
+/// @throws std::invalid_argument for a measurement without sound
 Lume::SdifSet ConvertSet(MeasuredSet const& measured, ConversionSettings const& settings, ConversionErrors& errors);
 
 /// A set as it stands, to be written to a file.

@@ -14,9 +14,11 @@ namespace program {
 /// @throws WorkError that names the file
 void RequireSetFile(std::string const& path, std::string const& extensions);
 
-/// Runs a loader of the engine.
+/// Runs a loader of the engine, in the file's folder: the engine looks for extensions anywhere in a name, and a folder
+/// may have any name.
+/// @param load  takes the file's name as it is there
 /// @throws WorkError that names the file
-void LoadQuietly(std::string const& path, std::function<void()> const& load);
+void LoadQuietly(std::string const& path, std::function<void(std::string const& name)> const& load);
 
 /// What to tell of a set that was made for another rate: it is used as it is, and its filters are shifted in frequency.
 /// Empty if the rates agree.

@@ -30,6 +30,11 @@ double SecondsSince(Clock::time_point begin) {
     return std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
+/// The engine asks for the end of the name, and finds it anywhere in it.
+bool IsNameOfSet(std::string const& path, std::string const& extension) {
+    return path.ends_with(extension) && path.find(".coll", path.find_last_of('/') + 1) == std::string::npos;
+}
+
 }  // namespace
 
 int ShowHrtf(HrtfOptions const& options) {
@@ -48,8 +53,7 @@ int ShowHrtf(HrtfOptions const& options) {
 }
 
 void ConvertHrtf(HrtfOptions const& options) {
-    // The engine asks for the end of the name, and finds it anywhere.
-    if (!options.output.ends_with(".hrtf") || options.output.find(".coll") != std::string::npos)
+    if (!IsNameOfSet(options.output, ".hrtf"))
         throw UsageError(options.output + ": the name of a set for the panners ends in .hrtf");
     WholeFile file(options.output);
     const auto begin = Clock::now();
@@ -97,8 +101,7 @@ void ConvertHrtf(HrtfOptions const& options) {
 
 void MakeTransaural(HrtfOptions const& options) {
     TransauralOptions const& transaural = options.transaural;
-    // The engine asks for the end of the name, and finds it anywhere.
-    if (!options.output.ends_with(".bin2trans") || options.output.find(".coll") != std::string::npos)
+    if (!IsNameOfSet(options.output, ".bin2trans"))
         throw UsageError(options.output + ": the name of a set for loudspeakers ends in .bin2trans");
     WholeFile file(options.output);
     const auto begin = Clock::now();

@@ -3,7 +3,6 @@
 #include <bit>
 #include <exception>
 
-#include "hrtf/coll_file.h"
 #include "hrtf/sdif_access.h"
 #include "hrtf/symmetric_transaural_data_loader.h"
 #include "orvanverb/common/limits.h"
@@ -24,12 +23,12 @@ constexpr char const* builtIn = "kemar";
 /// A text of rows: for the ears, or, with 34 of them, for two loudspeakers.
 Lume::SdifSet ReadColl(std::string const& path) {
     Lume::SdifSet set;
-    LoadQuietly(path, [&] {
+    LoadQuietly(path, [&](std::string const& name) {
         try {
-            set = CopySet(Lume::Hrtf(path));
+            set = CopySet(Lume::Hrtf(name));
         } catch (std::exception const&) {
             try {
-                set = CopySet(Lume::SymmetricTransauralDataLoader(path));
+                set = CopySet(Lume::SymmetricTransauralDataLoader(name));
                 return;
             } catch (std::exception const&) {
             }
@@ -44,15 +43,15 @@ Lume::SdifSet ReadColl(std::string const& path) {
 Lume::SdifSet ReadAnySet(std::string const& path) {
     if (path == builtIn) return CopySet(Lume::Hrtf(""));
     RequireSetFile(path, ".hrtf, .near, .bin2trans or .coll");
-    if (Lume::CheckFileExtension(path, ".coll")) return ReadColl(path);
+    if (path.ends_with(".coll")) return ReadColl(path);
     Lume::SdifSet set;
-    LoadQuietly(path, [&] {
+    LoadQuietly(path, [&](std::string const& name) {
         try {
-            set = Lume::ReadSdifSet(path, 1);
+            set = Lume::ReadSdifSet(name, 1);
         } catch (std::exception const& error) {
             // Sets for loudspeakers that stand anywhere have two positions a point.
             if (std::string(error.what()).find("exception reading X") == std::string::npos) throw;
-            set = Lume::ReadSdifSet(path, 2);
+            set = Lume::ReadSdifSet(name, 2);
         }
     });
     return set;
@@ -68,9 +67,9 @@ bool IsBlockLength(unsigned int samples) {
 
 std::optional<unsigned int> BlockLengthOf(std::string const& path) {
     std::string text;
-    LoadQuietly(path, [&] {
+    LoadQuietly(path, [&](std::string const& name) {
         Lume::SdifGenInitCond("");
-        const Lume::SdifFilePointer file(Lume::SdifFOpen(path.c_str(), Lume::SdifReadFile));
+        const Lume::SdifFilePointer file(Lume::SdifFOpen(name.c_str(), Lume::SdifReadFile));
         if (file == nullptr) return;
         Lume::SdifFReadGeneralHeader(file.get());
         Lume::SdifFReadAllASCIIChunks(file.get());
@@ -88,7 +87,7 @@ Lume::Hrtf ReadHrtf(std::string const& path) {
     if (path == builtIn) return Lume::Hrtf("");
     RequireSetFile(path, ".sofa, .coll or .hrtf");
     Lume::Hrtf set("");
-    LoadQuietly(path, [&] { set.LoadFromFile(path); });
+    LoadQuietly(path, [&](std::string const& name) { set.LoadFromFile(name); });
     Lume::HrtfHeaderInfos const& header = set.GetHrtfHeaderInfos();
     if (header.hrtfType != Lume::hrtfBinaural || header.numChannels != 2 || header.filterType > Lume::hrtfFIR ||
         header.numPoints == 0 || header.numCoefficients == 0)

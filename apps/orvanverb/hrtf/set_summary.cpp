@@ -112,6 +112,7 @@ bool IsStable(std::span<float const> sections) {
 }
 
 void CheckFilters(Lume::SdifSet const& set, SetCheck& check) {
+    if (set.points.empty()) check.faults.push_back("no points, thus no filters");
     const bool isFir = set.header.filterType == Lume::hrtfFIR;
     if (!isFir && set.header.filterType != Lume::hrtfBiquadCells) return;
     const unsigned int length = set.header.numCoefficients;
@@ -153,6 +154,10 @@ void CheckFilters(Lume::SdifSet const& set, SetCheck& check) {
             else
                 peaks.Take(Decibels(peak));
         }
+    constexpr double loudestDb = 60.0;  // more than any head or canceller of crosstalk asks for
+    if (peaks.most > loudestDb)
+        check.faults.push_back("filters of up to " + FixedText(peaks.most, 0) + " dB; at most " +
+                               FixedText(loudestDb, 0) + " dB makes sense");
     if (numUnstable > 0) check.faults.push_back(std::to_string(numUnstable) + " filters are unstable");
     if (numSilent > 0) check.faults.push_back(std::to_string(numSilent) + " filters are silent");
     if (numPowers == 0 || power == 0.0) return;
@@ -182,6 +187,12 @@ std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header, std
     };
     if (blockLength) rows.push_back(Row("blocks", std::to_string(*blockLength) + " samples, in which it has to run"));
     return rows;
+}
+
+std::vector<std::string> FaultsOfFilters(Lume::SdifSet const& set) {
+    SetCheck check;
+    CheckFilters(set, check);
+    return check.faults;
 }
 
 SetCheck CheckSet(Lume::SdifSet const& set) {

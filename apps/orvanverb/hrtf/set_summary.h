@@ -18,4 +18,7 @@ struct SetCheck {
 };
 SetCheck CheckSet(Lume::SdifSet const& set);
 
+/// Of these faults, those of the filters: a set that has one can't be played.
+std::vector<std::string> FaultsOfFilters(Lume::SdifSet const& set);
+
 }  // namespace program

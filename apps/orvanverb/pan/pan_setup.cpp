@@ -139,7 +139,7 @@ void PanSetup::LoadFiles(Options const& options) {
         RequireSetFile(path, ".hrtf or .coll");
         bool taken = false;
         auto& binaural = static_cast<Lume::BinauralPanning&>(*panner);
-        LoadQuietly(path, [&] { taken = binaural.LoadFromFile(path.c_str()); });
+        LoadQuietly(path, [&](std::string const& name) { taken = binaural.LoadFromFile(name.c_str()); });
         if (!taken) throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
         // Impulse responses come out as the set has them, many times faster. The vectors are powers of two.
         binaural.SetFIRFiltersImplementationMethod("fftconvolution");
@@ -149,7 +149,7 @@ void PanSetup::LoadFiles(Options const& options) {
         std::string const& path = *options.pan.nearfield;
         RequireSetFile(path, ".near");
         bool taken = false;
-        LoadQuietly(path, [&] { taken = nearfield->LoadCompensationFilters(path.c_str()); });
+        LoadQuietly(path, [&](std::string const& name) { taken = nearfield->LoadCompensationFilters(name.c_str()); });
         if (!taken) throw WorkError(path + ": is no set of near-field compensation filters for two ears");
     }
 }

@@ -122,7 +122,7 @@ void RoomObject::Start(int newSamplerate, unsigned int vectorSize) {
 void RoomObject::LoadHrtf(std::string const& path) {
     RequireSetFile(path, ".hrtf or .coll");
     bool taken = false;
-    LoadQuietly(path, [&] { taken = Engine(box).LoadHrtf(path.c_str()); });
+    LoadQuietly(path, [&](std::string const& name) { taken = Engine(box).LoadHrtf(name.c_str()); });
     if (!taken) throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
 }
 

@@ -53,6 +53,7 @@ void CheckSettings(std::vector<Options::Setting> const& settings) {
 }
 
 void Tell(RoomObject& room, Options::Setting const& setting, std::string const& option) {
+    if (setting.name == "numinternals") return;  // it was part of the shape
     try {
         room.Tell(setting.name + " " + JoinWords(setting.values));
     } catch (std::invalid_argument const& error) {
