@@ -1,7 +1,7 @@
 // Claps once in a room, at the front left of the listener, and prints the energy that each of six loudspeakers plays.
 #include <cstdio>
 
-#include "orvan.h"
+#include <orvan/orvan.h>
 
 int main() {
     constexpr unsigned int blockSize = 64, numSpeakers = 6;
