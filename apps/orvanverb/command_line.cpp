@@ -52,6 +52,9 @@ void AddObjectCommands(CLI::App& app, Options& options) {
     CLI::App* listing = app.add_subcommand("attributes", "List the attributes of orvanverb~");
     listing->add_flag("--json", options.json, "As JSON, for programs");
     listing->callback([&options] { options.command = Options::Command::Attributes; });
+    CLI::App* controls = app.add_subcommand("controls", "List the controls of the room, as --set and files name them");
+    controls->add_flag("--json", options.json, "As JSON, for programs");
+    controls->callback([&options] { options.command = Options::Command::Controls; });
     CLI::App* reference =
         app.add_subcommand("reference", "Write the reference page of orvanverb~, and its style sheet, where you are");
     reference->callback([&options] { options.command = Options::Command::Reference; });

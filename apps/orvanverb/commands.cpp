@@ -7,6 +7,7 @@
 #include "orvanverb/hrtf/hrtf_commands.h"
 #include "orvanverb/measure/measure_command.h"
 #include "orvanverb/object/attribute_listing.h"
+#include "orvanverb/object/control_listing.h"
 #include "orvanverb/object/reference.h"
 #include "orvanverb/object/shell.h"
 #include "orvanverb/options/file_roles.h"
@@ -57,6 +58,9 @@ int Obey(Options const& options) {
             return RunShell(JoinWords(options.attributes));
         case Command::Attributes:
             std::fputs((options.json ? AttributeJson() : AttributeTable()).c_str(), stdout);
+            break;
+        case Command::Controls:
+            std::fputs((options.json ? ControlJson() : ControlTable()).c_str(), stdout);
             break;
         case Command::Reference:
             WriteReference();

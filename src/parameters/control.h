@@ -14,7 +14,7 @@ enum class ControlGroup : unsigned char { late, direct, room, early, cluster };
 
 /// How a change of a control sounds, as it was measured (docs/engine.md, "Clicks").
 enum class Change : unsigned char {
-    ramps,   ///< by ramp or crossfade: small changes stay some 60 dB below the sound
+    ramps,   ///< mostly by ramp or crossfade: small changes stay some 60 dB below the sound
     glides,  ///< delays move to their new times, which is heard as a change of pitch
     jumps    ///< at once: what sounds is torn
 };
@@ -37,6 +37,7 @@ struct Control {
     char const* label;      ///< a few words for people
     char const* usualName;  ///< what the field usually calls it
     char const* unit;       ///< "dB", "Hz", "ms", "s", "degrees"; empty for factors and places in a range
+    char const* what;       ///< what it does, in one phrase
     float least;
     float greatest;
     float standard;  ///< what a new room has

@@ -21,5 +21,5 @@ struct Control {
 };
 
 /// Every control that takes a number. Positions are given as distance and listener's azimuth of source 0 and as a turn
-/// of the loudspeaker ring; switches count as on from 0.5.
+/// of the loudspeaker ring; switches are on unless 0.
 std::vector<Control> const& AllControls();

@@ -6,6 +6,8 @@
 #include <set>
 #include <string>
 
+#include "engine/controls.h"
+
 namespace {
 
 using Lume::OrvanVerb;
@@ -36,6 +38,16 @@ TEST(RoomControls, AreNamedOnceAndStartWithinTheirRange) {
         EXPECT_EQ(&roomControls[Lume::FindControl(control.name).value()], &control);
     }
     EXPECT_FALSE(Lume::FindControl("tr").has_value());
+}
+
+// What the table says of changes is what was measured: red if a row promises a ramp where a small change is heard.
+TEST(RoomControls, SayHowChangesSound) {
+    for (RoomControl const& control : roomControls) {
+        auto const& measured = AllControls();
+        const auto found = std::find_if(measured.begin(), measured.end(),
+                                        [&](Control const& other) { return other.name == control.name; });
+        EXPECT_EQ(control.change == Lume::Change::ramps, found->smallLimit <= -60.0) << control.name;
+    }
 }
 
 }  // namespace

@@ -1,13 +1,12 @@
 #include "orvanverb/object/attribute_listing.h"
 
-#include <algorithm>
-#include <array>
 #include <vector>
 
 #include "object/attribute_reflection.h"
 #include "object/attribute_value.h"
 #include "object/orvanverb_class.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/object/listing_text.h"
 #include "patcher/box.h"
 
 namespace program {
@@ -55,23 +54,6 @@ std::vector<Listing> DescribeAll() {
     return listings;
 }
 
-std::string Join(std::vector<std::string> const& words, char const* between) {
-    std::string text;
-    for (std::string const& word : words) text.append(text.empty() ? "" : between).append(word);
-    return text;
-}
-
-std::string JsonText(std::string const& text) {
-    if (text.empty()) return "null";
-    std::string quoted("\"");
-    for (const char letter : text) {
-        if (letter == '"' || letter == '\\') quoted.push_back('\\');
-        quoted.push_back(letter);
-    }
-    quoted.push_back('"');
-    return quoted;
-}
-
 std::string JsonNumber(std::string const& number) {
     return number.empty() ? "null" : number;
 }
@@ -85,7 +67,7 @@ std::string JsonDefault(Listing const& listing) {
 }  // namespace
 
 std::string AttributeTable() {
-    std::vector<std::array<std::string, 6>> rows{{"name", "type", "default", "range", "unit", "label"}};
+    TextRows rows{{"name", "type", "default", "range", "unit", "label"}};
     for (Listing const& listing : DescribeAll()) {
         std::string type = listing.type;
         if (listing.count > 1) type += (listing.counted ? " x 0-" : " x ") + std::to_string(listing.count);
@@ -93,16 +75,7 @@ std::string AttributeTable() {
         if (!listing.minimum.empty()) range = listing.minimum + " to " + listing.maximum;
         rows.push_back({listing.name, type, Join(listing.defaults, " "), range, listing.units, listing.label});
     }
-    std::array<std::size_t, 6> widths{};
-    for (auto const& row : rows)
-        for (std::size_t c = 0; c < row.size(); ++c) widths[c] = std::max(widths[c], row[c].size());
-    std::string text;
-    for (auto const& row : rows) {
-        std::string line;
-        for (std::size_t c = 0; c < row.size(); ++c) line.append(row[c]).append(widths[c] + 2 - row[c].size(), ' ');
-        text.append(line, 0, line.find_last_not_of(' ') + 1).push_back('\n');
-    }
-    return text;
+    return AlignedText(rows);
 }
 
 std::string AttributeJson() {
