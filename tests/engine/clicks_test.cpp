@@ -18,8 +18,8 @@ double ResidualOfChange(Control const& control, float from, float to) {
     EngineRig rig(1, 4, 8);
     for (Control const& other : AllControls()) other.set(rig.engine, other.usual);
     for (Control const& other : AllControls()) {
-        if (other.name.ends_with(" gain low")) other.set(rig.engine, 6.0f);
-        if (other.name.ends_with(" gain high")) other.set(rig.engine, -6.0f);
+        if (other.name.ends_with("_gain_low")) other.set(rig.engine, 6.0f);
+        if (other.name.ends_with("_gain_high")) other.set(rig.engine, -6.0f);
     }
     control.set(rig.engine, from);
 
@@ -45,8 +45,8 @@ double ResidualOfChange(Control const& control, float from, float to) {
 
 /// Where a change starts: the default, but for shelves that aren't flat.
 float StartOf(Control const& control) {
-    if (control.name.ends_with(" gain low")) return 6.0f;
-    if (control.name.ends_with(" gain high")) return -6.0f;
+    if (control.name.ends_with("_gain_low")) return 6.0f;
+    if (control.name.ends_with("_gain_high")) return -6.0f;
     return control.usual;
 }
 
