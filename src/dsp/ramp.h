@@ -26,7 +26,8 @@ struct Ramp {
     ///
     /// Each piece of a ramp that falls into one call runs from its first to its last sample exactly from where the ramp
     /// was to where it will be: the last sample of one block equals the first of the next. A piece of a single sample
-    /// (a block of one, or one sample left) is 0 times infinity and comes out as not a number (kept: quirks.md 4).
+    /// (a block of one, or one sample left) is 0 times infinity and comes out as not a number (kept: quirks.md 4);
+    /// for gains there is ProcessGain.
     void Process(float* out, int numSamples);
 
     /// Moves the ramp forward by a block without writing samples. Real-time safe.
@@ -50,5 +51,15 @@ struct Ramp {
 private:
     void Begin(float newTarget, float timeMs);
 };
+
+/// Process for whoever multiplies by what it writes: a piece of a single sample takes the value at its start. Real-time
+/// safe.
+inline void ProcessGain(Ramp& ramp, float* out, int numSamples) {
+    const float start = ramp.current;
+    // A call holds at most one piece that is a ramp, and that comes first.
+    const bool isSingle = ramp.remaining == 1 || (ramp.remaining > 0 && numSamples == 1);
+    ramp.Process(out, numSamples);
+    if (isSingle && numSamples > 0) out[0] = start;
+}
 
 }  // namespace orvandsp

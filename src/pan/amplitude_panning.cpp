@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "geometry/reach.h"
+
 namespace Lume {
 
 AmplitudePanning::AmplitudePanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
@@ -26,8 +28,8 @@ void AmplitudePanning::ProcessAdding(float** outputs, float** inputs, unsigned l
 }
 
 void AmplitudePanning::SetSourcePosition(unsigned int index, CartesianVector const& position, bool /*flag*/) {
-    sourcePositions[index] = position;
-    convert(position, cycle.requestedGains.data() + static_cast<std::size_t>(index) * numOutputs, index);
+    sourcePositions[index] = WithinReach(position);
+    convert(sourcePositions[index], cycle.requestedGains.data() + static_cast<std::size_t>(index) * numOutputs, index);
 }
 
 void AmplitudePanning::SetSourcePositions(CartesianVector const* positions) {

@@ -304,6 +304,13 @@ TEST(AmbisonicShelving, BandsAddUpToAnAllpass) {
     const double a = -0.5 * std::cos(0.8 * pi);
     EXPECT_NEAR(static_cast<double>(low), 0.25 * (1.0 - a) * (1.0 - a), 1e-6);
     EXPECT_NEAR(static_cast<double>(high + low), a, 1e-6);
+    // Red if a crossover below 0 or above three quarters of the rate makes a pole outside the unit circle.
+    for (const float crossover : {-50.0f, 0.76f * 44100.0f, 0.97f * 44100.0f, 1e9f}) {
+        shelving.SetCrossover(crossover);
+        std::vector<float> lows(8192, 1.0f), highs(8192);
+        shelving.Process(lows.data(), lows.data(), highs.data(), lows.size());
+        EXPECT_LT(std::abs(lows.back()) + std::abs(highs.back()), 4.0f) << crossover;
+    }
 }
 
 }  // namespace

@@ -147,26 +147,28 @@ TEST(EveryPanner, BinauralSilenceIsForBothEars) {
     }
 }
 
-// Loudspeakers in one place, in one line, in the listener's place, or nowhere, and fewer outputs later: gains of some
-// kind, and an end.
+// Loudspeakers in one place, in one direction, in the listener's place, out of this world, or nowhere, and fewer
+// outputs later: an end, and for all that are numbers finite gains.
 TEST(EveryPanner, SurvivesBadLayouts) {
     const float nan = std::nanf("");
-    const std::vector<CartesianVector> places = {{1, 1, 0}, {0, 0, 0}, {nan, nan, nan}};
+    const std::vector<CartesianVector> places = {{1, 1, 0}, {0, 0, 0}, {1e30f, -1e30f, 1e25f}, {nan, nan, nan}};
     for (Kind const& kind : kinds)
         for (const unsigned int numOutputs : {1u, 2u, 3u, 4u, 5u, 12u})
-            for (std::size_t layout = 0; layout < 5; ++layout) {
+            for (std::size_t layout = 0; layout < 7; ++layout) {
                 const std::unique_ptr<Pan> panner(Pan::factory(1, numOutputs, kind.type.c_str(), kind.role));
-                std::vector<CartesianVector> speakers(12, places[std::min<std::size_t>(layout, 2)]);
-                if (layout > 2) {  // a line, and places of all kinds
-                    for (std::size_t j = 0; j < 12; ++j) speakers[j] = {static_cast<float>(j), 0, 0};
-                    if (layout == 4) speakers[1] = speakers[0] = At(10), speakers[2] = {nan, nan, nan};
+                std::vector<CartesianVector> speakers(12, places[std::min<std::size_t>(layout, 3)]);
+                if (layout > 3) {  // a direction, a line, and places of all kinds
+                    const float first = layout == 4 ? 1.0f : -2.0f;
+                    for (std::size_t j = 0; j < 12; ++j) speakers[j] = {first + static_cast<float>(j), 0, 0};
+                    if (layout == 6) speakers[1] = speakers[0] = At(10), speakers[2] = {nan, nan, nan};
                 }
                 panner->SetLoudspeakerPositions(speakers.data());
                 auto* const amplitude = dynamic_cast<Lume::AmplitudePanning*>(panner.get());
-                const bool isByDistance = kind.type.find("dbap") != std::string::npos && layout != 2 && layout != 4;
-                for (CartesianVector const& source : {CartesianVector{3, 1, 2}, speakers[0], At(10)}) {
+                const bool areNumbers = layout != 3 && layout != 6;
+                for (CartesianVector const& source :
+                     {CartesianVector{3, 1, 2}, speakers[0], At(10), places[1], places[2]}) {
                     panner->SetSourcePosition(0, source, false);
-                    if (amplitude == nullptr || !isByDistance) continue;
+                    if (amplitude == nullptr || !areNumbers) continue;
                     std::vector<float> gains(panner->GetNumOutputs());
                     amplitude->GetGains(gains.data());
                     EXPECT_TRUE(std::isfinite(Power(gains))) << kind.type << " " << numOutputs << " " << layout;

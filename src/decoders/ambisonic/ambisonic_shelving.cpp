@@ -1,5 +1,6 @@
 #include "decoders/ambisonic/ambisonic_shelving.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "dsp/denormals.h"
@@ -17,7 +18,9 @@ void AmbisonicShelving::SetCrossover(float frequency) {
 }
 
 void AmbisonicShelving::ComputeCoefficients() {
-    const float x = 6.2831855f * crossover / samplerate;
+    // Below 0 and beyond three quarters of the rate the sine is negative, the allpass unstable.
+    const float limited = std::min(std::max(0.0f, crossover), 0.75f * samplerate);
+    const float x = 6.2831855f * limited / samplerate;
     const float c = std::cos(x);
     const float s = std::sin(x);
     // Near and beyond a quarter of the sample rate the quotient has no value, or one outside the unit circle.

@@ -12,7 +12,7 @@ public:
 
     AmbisonicShelving();
 
-    /// [Hz]
+    /// [Hz], from 0 to three quarters of the sample rate; beyond, these count
     void SetCrossover(float frequency);
 
     /// Splits one channel. Real-time safe.

@@ -5,6 +5,7 @@
 
 #include "geometry/plane_geometry.h"
 #include "geometry/point_search.h"
+#include "geometry/reach.h"
 #include "geometry/space_geometry.h"
 #include "geometry/vector_algebra.h"
 #include "pan/null_panning.h"
@@ -33,7 +34,8 @@ Pan* DbapPanning2D::Create(unsigned int numInputs, unsigned int numOutputs) {
 }
 
 void DbapPanning2D::SetLoudspeakerPositions(CartesianVector const* positions) {
-    speakerPositions.assign(positions, positions + numOutputs);
+    speakerPositions.resize(numOutputs);
+    std::transform(positions, positions + numOutputs, speakerPositions.begin(), WithinReach);
     ComputeBarycenter(speakerPositions, barycenter);
     hull.SetPoints(speakerPositions);
     hull.GetHullVertex(hullVertices);

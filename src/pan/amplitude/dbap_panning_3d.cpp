@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "geometry/reach.h"
 #include "geometry/space_geometry.h"
 #include "geometry/vector_algebra.h"
 #include "pan/null_panning.h"
@@ -20,7 +21,8 @@ Pan* DbapPanning3D::Create(unsigned int numInputs, unsigned int numOutputs) {
 }
 
 void DbapPanning3D::SetLoudspeakerPositions(CartesianVector const* positions) {
-    speakerPositions.assign(positions, positions + numOutputs);
+    speakerPositions.resize(numOutputs);
+    std::transform(positions, positions + numOutputs, speakerPositions.begin(), WithinReach);
     ComputeBarycenter(speakerPositions, barycenter);
     radius = GetRadiusOfTheLargestSphereEncompassing(speakerPositions, barycenter);
     forceUpdate(false);

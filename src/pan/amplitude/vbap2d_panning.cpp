@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "geometry/azimuth.h"
+#include "geometry/reach.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -39,12 +40,16 @@ Pan* Vbap2DPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
 }
 
 void Vbap2DPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
-    std::vector<Point2D> points(numOutputs);
-    for (unsigned int i = 0; i < numOutputs; ++i) points[i] = {positions[i].x, positions[i].y, 0.0f, i};
-    // Stable: which of two loudspeakers in one direction comes first must not depend on the library.
-    std::stable_sort(points.begin(), points.end(), AscendingAzimuthSort);
-    for (Point2D& point : points) point.azimuth = ListenerAzimuth(point.x, point.y);
-    std::copy(points.begin(), points.end(), speakers.begin());
+    // Sorted in place, as they come: which of two loudspeakers in one direction comes first must not depend on the
+    // library, and a stable sort of the library allocates.
+    for (unsigned int i = 0; i < numOutputs; ++i) {
+        const CartesianVector position = WithinReach(positions[i]);
+        const Point2D point = {position.x, position.y, ListenerAzimuth(position.x, position.y), i};
+        unsigned int place = i;
+        for (; place > 0 && AscendingAzimuthSort(point, speakers[place - 1]); --place)
+            speakers[place] = speakers[place - 1];
+        speakers[place] = point;
+    }
     FillPairs();
     forceUpdate(false);
 }
@@ -52,7 +57,9 @@ void Vbap2DPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
 void Vbap2DPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
     if (numOutputs == 0) return;
     const unsigned int k = find_pair(position.x, position.y);
-    const Gains solved = Solve(pairs[k], position.x, position.y);
+    Gains solved = Solve(pairs[k], position.x, position.y);
+    if (!std::isfinite(solved.first) || !std::isfinite(solved.second))
+        solved = ShareInLine(pairs[k], position.x, position.y);
     const float g1 = AtLeastZero(solved.first);
     const float g2 = AtLeastZero(solved.second);
     const float norm = std::sqrt(g1 * g1 + g2 * g2) + 1e-20f;
@@ -85,6 +92,18 @@ unsigned int Vbap2DPanning::find_pair_old(float x, float y) const {
 
 bool Vbap2DPanning::AscendingAzimuthSort(Point2D const& a, Point2D const& b) {
     return ListenerAzimuth(a.x, a.y) < ListenerAzimuth(b.x, b.y);
+}
+
+/// Gains of a pair in one line with the listener, which is no base of the plane: what the wedge between two such
+/// loudspeakers tends to as it closes, equal shares for whatever has one. A source on the line itself belongs to those
+/// on its own side.
+Vbap2DPanning::Gains Vbap2DPanning::ShareInLine(Pair const& pair, float x, float y) {
+    const Gains solved = Solve(pair, x, y);
+    const auto share = [&](float gain, float alongX, float alongY) {
+        if (std::isnan(gain)) return alongX * x + alongY * y > 0.0f ? 1.0f : 0.0f;
+        return gain > 0.0f ? 1.0f : 0.0f;
+    };
+    return {share(solved.first, pair.x1, pair.y1), share(solved.second, pair.x2, pair.y2)};
 }
 
 /// Solves first * (x1, y1) + second * (x2, y2) = (x, y). A pair in one line with the listener has no solution and gives

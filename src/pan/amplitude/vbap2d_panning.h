@@ -50,6 +50,7 @@ private:
         float first, second;
     };
     static Gains Solve(Pair const& pair, float x, float y);
+    static Gains ShareInLine(Pair const& pair, float x, float y);
     void FillPairs();
 
     std::vector<Point2D> speakers;  // by ascending azimuth

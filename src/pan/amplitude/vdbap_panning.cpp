@@ -1,5 +1,8 @@
 #include "pan/amplitude/vdbap_panning.h"
 
+#include <algorithm>
+
+#include "geometry/reach.h"
 #include "geometry/space_geometry.h"
 #include "geometry/speakers.h"
 #include "geometry/vector_algebra.h"
@@ -24,11 +27,12 @@ Pan* VDbapPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
 }
 
 void VDbapPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
-    speakerPositions.assign(positions, positions + numOutputs);
+    speakerPositions.resize(numOutputs);
+    std::transform(positions, positions + numOutputs, speakerPositions.begin(), WithinReach);
     ComputeBarycenter(speakerPositions, barycenter);
     radius = GetRadiusOfTheLargestSphereEncompassing(speakerPositions, barycenter);
-    if (dbap) dbap->SetLoudspeakerPositions(positions);
-    if (vbap) vbap->SetLoudspeakerPositions(positions);
+    if (dbap) dbap->SetLoudspeakerPositions(speakerPositions.data());
+    if (vbap) vbap->SetLoudspeakerPositions(speakerPositions.data());
     forceUpdate(false);
 }
 

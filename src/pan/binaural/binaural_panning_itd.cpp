@@ -73,9 +73,9 @@ void BinauralPanningITD::Process(float** outputs, float** inputs, unsigned long 
     const DelayJob left = {&voice.leftDelay, signalBuffers.GetChannel(0), inputs[0]};
     const DelayJob right = {&voice.rightDelay, signalBuffers.GetChannel(1), inputs[0]};
     ProcessFourDelays({left, right, right, right}, 2, count);
-    voice.leftGain.Process(gainBuffer.data(), count);
+    ProcessGain(voice.leftGain, gainBuffer.data(), count);
     Multiply(outputs[0], left.output, gainBuffer.data(), numSamples);
-    voice.rightGain.Process(gainBuffer.data(), count);
+    ProcessGain(voice.rightGain, gainBuffer.data(), count);
     Multiply(outputs[1], right.output, gainBuffer.data(), numSamples);
 }
 
@@ -91,7 +91,7 @@ void BinauralPanningITD::ProcessAdding(float** outputs, float** inputs, unsigned
     const auto addFour = [&](orvandsp::PerLane<Ear> const& ears, std::size_t numEars) {
         ProcessFourDelays({ears[0].delay, ears[1].delay, ears[2].delay, ears[3].delay}, numEars, count);
         for (std::size_t e = 0; e < numEars; ++e) {
-            ears[e].gain->Process(gainBuffer.data(), count);
+            ProcessGain(*ears[e].gain, gainBuffer.data(), count);
             MultiplyAdding(outputs[e % 2], ears[e].delay.output, gainBuffer.data(), numSamples);
         }
     };

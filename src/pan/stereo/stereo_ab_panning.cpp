@@ -93,7 +93,7 @@ void StereoABPanning::AddVoices(float** inputs, unsigned long numSamples, short 
         if (activeInputs[i] == 0) continue;
         const auto add = [&](Delay& delay, orvandsp::Ramp& gain, std::vector<float>& channel) {
             delay.Process(signalBuffer.data(), inputs[i], count);
-            gain.Process(gainBuffer.data(), count);
+            ProcessGain(gain, gainBuffer.data(), count);
             for (std::size_t k = 0; k < numSamples; ++k) channel[k] += signalBuffer[k] * gainBuffer[k];
         };
         add(voices[i].leftDelay, voices[i].leftGain, channelBuffers[0]);
