@@ -231,8 +231,7 @@ void Delay::SetDelayInSamples(float samples, bool immediately) {
     delayRamp.Start(samples, immediately ? 0.0f : interpolationTime);
 }
 
-void Delay::SetMaxDelay(float ms) {
-    const float newMaxDelay = maxDelayMargin + ms;
+int Delay::SizeFor(float newMaxDelay) const {
     const float delaySamples = newMaxDelay * samplerate * 0.001f;
     // A quarter of an hour at 1 MHz: beyond it somebody's arithmetic went wrong. "Not below", so that infinity and not
     // a number are refused too.
@@ -243,17 +242,28 @@ void Delay::SetMaxDelay(float ms) {
     const long long required = static_cast<long long>(buffersize) + 1 + delayCount;
     if (required > static_cast<long long>(maxSamples))
         throw std::length_error("Delay::SetMaxDelay: the line would exceed 2^30 samples");
-    const int newSize = required <= 1 ? 1 : static_cast<int>(std::bit_ceil(static_cast<unsigned int>(required)));
+    return required <= 1 ? 1 : static_cast<int>(std::bit_ceil(static_cast<unsigned int>(required)));
+}
 
+void Delay::Allocate(int newSize) {
+    if (newSize <= allocatedSize) return;
+    buffer.resize(static_cast<std::size_t>(newSize) + 2 * numGuards);
+    allocatedSize = newSize;
+}
+
+void Delay::Reserve(float ms) {
+    Allocate(SizeFor(maxDelayMargin + ms));
+}
+
+void Delay::SetMaxDelay(float ms) {
+    const float newMaxDelay = maxDelayMargin + ms;
+    const int newSize = SizeFor(newMaxDelay);
     // The only step that can fail comes first: a line without memory for its new length stays what it was.
-    if (newSize > allocatedSize) {
-        buffer.resize(static_cast<std::size_t>(newSize) + 2 * numGuards);
-        allocatedSize = newSize;
-    }
+    Allocate(newSize);
+    Clear();
     maxDelay = newMaxDelay;
     size = newSize;
     mask = newSize - 1;
-    Clear();
 }
 
 void Delay::SetMaxBlockSize(unsigned int blockSize) {
@@ -271,7 +281,8 @@ void Delay::SetSamplerate(float newSamplerate) {
 }
 
 void Delay::Clear() {
-    std::fill(buffer.begin(), buffer.end(), 0.0f);
+    // What lies behind the ring and its guards is zero already.
+    std::fill_n(buffer.begin(), size + 2 * numGuards, 0.0f);
     allpassState = 0.0f;
 }
 

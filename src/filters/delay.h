@@ -103,6 +103,9 @@ public:
 
     /// Makes room for delays up to `ms`, plus a margin of 5 ms, and silences the line.
     void SetMaxDelay(float ms);
+    /// Takes the memory that SetMaxDelay of as much would need, for the present sample rate and block size, and changes
+    /// nothing else: delays up to there then don't allocate.
+    void Reserve(float ms);
     /// The maximum delay [ms], margin included.
     float GetMaxDelay() const noexcept { return maxDelay; }
     /// Length of the ring [samples].
@@ -135,6 +138,10 @@ private:
     /// Cells on either side of the ring that repeat its other end, so that readers need no test for the wrap.
     static constexpr int numGuards = 4;
 
+    /// The length of the ring for a maximum delay [ms].
+    int SizeFor(float newMaxDelay) const;
+    void Allocate(int newSize);
+
     float* Ring() noexcept { return buffer.data() + numGuards; }
     /// Renews the guard cells that a reader of so many neighbours looks at. Writing doesn't maintain them.
     void RefreshGuards(int numNeighbours) noexcept;
@@ -145,7 +152,7 @@ private:
     float interpolationTime = DefaultInterpolationTime;  // [ms]
     float allpassState = 0.0f;
     orvandsp::Ramp delayRamp;   // [samples]
-    std::vector<float> buffer;  // guards, ring, guards; never shrinks
+    std::vector<float> buffer;  // guards, ring, guards, then zeros; never shrinks
     int size = 0;
     int mask = 0;
     int allocatedSize = 0;

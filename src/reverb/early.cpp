@@ -118,6 +118,11 @@ TapOut const* Early::FindTap(unsigned int index) const noexcept {
     return tap < voice->GetTaps().size() ? &voice->GetTaps()[tap] : nullptr;
 }
 
+void Early::Reserve(float ms) {
+    for (Voice* const voice : {leftVoice.get(), rightVoice.get()})
+        if (voice != nullptr) voice->Reserve(ms);
+}
+
 void Early::SetDelay(unsigned int index, float ms) {
     if (TapOut* const tap = FindTap(index)) tap->SetDelay(ms, false);
 }
@@ -134,12 +139,19 @@ void Early::GetDelays(float* ms) const {
 }
 
 float Early::GetLength() const {
-    std::vector<float> delays(numOutputs);
-    GetDelays(delays.data());
-    if (rightVoice) delays.resize(numOutputs / 2 * 2);  // without the one that has no tap
-    if (delays.empty()) return 0.0f;
-    const float highest = std::max(0.0f, *std::max_element(delays.begin(), delays.end()));
-    const float lowest = *std::min_element(delays.begin(), delays.end());
+    // Of two voices, an odd delay at the end has no tap.
+    const unsigned int numTaps = rightVoice ? numOutputs / 2 * 2 : numOutputs;
+    if (numTaps == 0) return 0.0f;
+    const auto delayOf = [&](unsigned int i) {
+        TapOut const* const tap = FindTap(i);
+        return tap != nullptr ? tap->GetDelay() : 0.0f;
+    };
+    float highest = 0.0f;
+    float lowest = delayOf(0);
+    for (unsigned int i = 0; i < numTaps; ++i) {
+        highest = std::max(highest, delayOf(i));
+        lowest = std::min(lowest, delayOf(i));
+    }
     return std::abs(highest - lowest);
 }
 

@@ -35,6 +35,7 @@ public:
         void SetSamplerate(float samplerate);
         void SetMaxBlockSize(unsigned int blockSize);
         void Clear();
+        void Reserve(float ms) { delay->Reserve(ms); }
 
         /// Writes a block and reads tap i into outputs[i * stride]. An inactive voice clears these outputs, and its
         /// line's time stands still.
@@ -62,6 +63,9 @@ public:
     /// the whole new count. Allocates.
     void SetNumDelays(unsigned int numDelays);
 
+    /// Takes the memory for delays up to so many milliseconds, at the present sample rate and block size: setting them
+    /// then doesn't allocate.
+    void Reserve(float ms);
     void SetDelay(unsigned int index, float ms);
     /// GetNumDelays() values [ms].
     void SetDelays(float const* ms);

@@ -186,6 +186,22 @@ void Reverb::SetDelaysMinSum(float minimum, float sum, float distribution) {
     SetDelays(delayGenerator.SetMinSum(minimum, sum, distribution));
 }
 
+void Reverb::Reserve(float longestMinimum, float largestSum, float distribution) {
+    Delgen generator = delayGenerator;
+    generator.SetMinSum(LowestDelay(), largestSum, distribution);
+    // Where the sum is too small for the minimum, the generator goes from somewhere below the minimum up to it; and it
+    // widens what is too narrow.
+    constexpr float widening = 5.0f;  // [ms]
+    const float longest = std::max(generator.GetMaximum(), longestMinimum) + widening;
+    for (auto const& line : lines) line->Reserve(std::min(longest, longestDelayMs));
+}
+
+float Reverb::GetLongestDelay() const noexcept {
+    float longest = 0.0f;
+    for (auto const& line : lines) longest = std::max(longest, line->GetDelay());
+    return longest;
+}
+
 void Reverb::GetDelays(float* ms) const {
     for (unsigned int i = 0; i < GetNumDelays(); ++i) ms[i] = lines[i]->GetDelay();
 }

@@ -86,6 +86,11 @@ public:
     void SetDelay(unsigned int channel, float ms);
     /// Sets delays that rise from a minimum [ms] and have about a given sum [ms]; see Delgen for the distribution.
     void SetDelaysMinSum(float minimum, float sum, float distribution);
+    /// Takes the memory that SetDelaysMinSum needs for minima up to one [ms] and sums up to another [ms] of the given
+    /// distribution, at the present sample rate and block size: such a call then doesn't allocate.
+    void Reserve(float longestMinimum, float largestSum, float distribution);
+    /// The longest of the delays [ms].
+    float GetLongestDelay() const noexcept;
     /// Writes N delays [ms].
     void GetDelays(float* ms) const;
     unsigned int GetNumDelays() const noexcept { return numInputs; }
