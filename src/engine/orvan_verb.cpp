@@ -5,6 +5,7 @@
 
 #include "dsp/constants.h"
 #include "dsp/orvan_dsp_exception.h"
+#include "geometry/reach.h"
 #include "geometry/speakers.h"
 
 namespace Lume {
@@ -45,6 +46,13 @@ CartesianVector Turned(CartesianVector const& p, float radians) {
     const float s = std::sin(radians);
     return {c * p.x - s * p.y, s * p.x + c * p.y, p.z};
 }
+
+bool IsNumber(CartesianVector const& p) {
+    return !std::isnan(p.x) && !std::isnan(p.y) && !std::isnan(p.z);
+}
+
+/// Beyond it sums of sources and gains may become infinite.
+constexpr float LoudestSample = 1e30f;
 
 }  // namespace
 
@@ -120,6 +128,7 @@ void OrvanVerb::Configure(float newSamplerate, unsigned int maxBlockSize, unsign
         speakerPositions.resize(numSpeakers);
         directDistanceRamps.resize(numSources);
         roomSendRamps.resize(numSources);
+        doorInputs.resize(numSources);
         earlyGains.resize(numInternals, 1.0f);
         if (!CreatePanners(numSources, numSpeakers)) return;
 
@@ -171,13 +180,31 @@ void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSample
     const float clusterGain = clusterGainRamp.Advance(numSamples);
     const float reverbLayerGain = reverbGainRamp.Advance(numSamples);
 
-    directShelf.Process(sourceBus->GetChannels(), inputs, numSamples, allActiveInputs);
+    directShelf.Process(sourceBus->GetChannels(), AtTheDoor(inputs, numSamples), numSamples, allActiveInputs);
     ProcessRoom(numSamples);
 
     AudioBuffer(outputs, numOutputs, static_cast<unsigned int>(numSamples), 0).Clear();
     AddDirectLayer(outputs, numSamples, sourceScale * internalScale * directGain);
     AddEarlyLayer(outputs, numSamples, earlyGain * internalScale);
     AddLateLayer(outputs, numSamples, clusterGain * internalScale, reverbLayerGain * internalScale);
+}
+
+/// The inputs, but for channels with samples that aren't finite: of these, copies where such samples are 0. A single
+/// one inside would stay in the room for good.
+float** OrvanVerb::AtTheDoor(float** inputs, unsigned long numSamples) {
+    for (unsigned int i = 0; i < numInputs; ++i) {
+        float const* const in = inputs[i];
+        // Without a branch in the loop, so that several samples are looked at at once.
+        int numBad = 0;
+        for (unsigned long k = 0; k < numSamples; ++k) numBad += std::abs(in[k]) <= LoudestSample ? 0 : 1;
+        doorInputs[i] = inputs[i];
+        if (numBad == 0) continue;
+        // The shelf works in place.
+        doorInputs[i] = sourceBus->GetChannel(i);
+        std::transform(in, in + numSamples, doorInputs[i],
+                       [](float x) { return std::abs(x) <= LoudestSample ? x : 0.0f; });
+    }
+    return doorInputs.data();
 }
 
 /// Fills the buses of the three room blocks from the filtered sources. The blocks stand in series, each on the raw
@@ -232,6 +259,7 @@ void OrvanVerb::SetSamplerate(float newSamplerate) {
     for (MultiFadedHLShelf* shelf : {&directShelf, &earlyShelf, &clusterShelf, &roomShelf})
         shelf->SetSamplerate(newSamplerate);
     for (Pan* pan : {directPan.get(), earlyPan.get(), diffusePan.get()}) pan->SetSamplerate(newSamplerate);
+    MakeRoom();
 }
 
 void OrvanVerb::SetMaxBlockSize(unsigned int blockSize) {
@@ -241,6 +269,7 @@ void OrvanVerb::SetMaxBlockSize(unsigned int blockSize) {
     cluster->SetMaxBlockSize(blockSize);
     reverb->SetMaxBlockSize(blockSize);
     for (Pan* pan : {directPan.get(), earlyPan.get(), diffusePan.get()}) pan->SetMaxBlockSize(blockSize);
+    MakeRoom();
     earlyBus->Resize(numInternals, blockSize);
     clusterBus->Resize(numInternals, blockSize);
     reverbBus->Resize(numInternals, blockSize);
@@ -275,8 +304,9 @@ void OrvanVerb::Silence() {
 
 void OrvanVerb::SetSourcePosition(unsigned int source, CartesianVector const& position) {
     if (source >= sourcePositions.size()) return;
+    if (!IsNumber(position)) return;
     // A copy: the argument may be an entry of the vector.
-    const CartesianVector p = position;
+    const CartesianVector p = WithinReach(position);
     sourcePositions[source] = p;
     const CartesianVector inPanner = format != nullptr ? format->ToPanner(p) : p;
     if (directPan) directPan->SetSourcePosition(source, inPanner, false);
@@ -291,7 +321,8 @@ void OrvanVerb::SetSourcePosition(unsigned int source, CartesianVector const& po
 }
 
 void OrvanVerb::SetSpeakersPositions(CartesianVector const* positions) {
-    std::copy_n(positions, speakerPositions.size(), speakerPositions.begin());
+    for (std::size_t i = 0; i < speakerPositions.size(); ++i)
+        if (IsNumber(positions[i])) speakerPositions[i] = WithinReach(positions[i]);
     // The diffuse field takes no account of where the loudspeakers stand.
     if (directPan) directPan->SetLoudspeakerPositions(speakerPositions.data());
     if (earlyPan) earlyPan->SetLoudspeakerPositions(speakerPositions.data());

@@ -49,13 +49,15 @@ class Hrtf;
 /// gains (SetDirectGain, SetEarlyGain, SetClusterGain, SetReverbGain) are set for the first time they stand at zero and
 /// the outputs are silent.
 ///
-/// Setters neither check nor report: a value outside its range is taken as it comes, except where a clamp is named.
-/// A getter gives the value that its setter would have to get to make this engine as it is.
-/// They start ramps, crossfades and glides; the times below say how long a change takes to be complete. Nothing is
-/// synchronised: call them on the audio thread between two blocks, or accept that a setter on another thread may be
-/// heard in two pieces. Two of them may touch the memory that Process works on: a larger early time (SetEarlyStart,
-/// SetEarlyEnd) grows the early delay line, a longer one than ever before allocates; and a large change of the decay
-/// clears the late field. Configure and SetMaxBlockSize must not overlap Process.
+/// Setters don't report. A value outside its range is taken as it comes, except where a clamp is named; one that isn't
+/// finite changes nothing (minus infinity switches a level off); levels and bands stay within 120 dB, places within
+/// 1000 km. A sample that isn't finite, or is beyond 1e30, counts as 0: nothing that comes in can stay in the room for
+/// good. A getter gives the value that its setter would have to get to make this engine as it is.
+///
+/// Setters start ramps, crossfades and glides; the times below say how long a change takes to be complete. After
+/// Configure none of them allocates, but for LoadHrtf, SetHrtf and MakeEars. Nothing is synchronised, and nothing may
+/// run beside Process: some setters clear or lengthen the delay lines that it reads. Call them on its thread, between
+/// two blocks; RoomQueue brings messages there from other threads.
 class OrvanVerb : public orvandsp::SignalProcessing {
 public:
     /// Time in which a layer gain reaches its new value [ms].
@@ -121,6 +123,12 @@ public:
     void Clear() override;
     /// Clear, and the air filters too: nothing that ever came in is heard again. Real-time safe.
     void Silence();
+
+    /// How long to go on after the input has ended until the room has fallen by so many decibels [s]: an upper bound
+    /// for the present controls, 60 for what is heard, 90 for what is recorded. Infinite for an infinite room.
+    float GetTailLength(float decibels = 60.0f) const;
+    /// How much later than the input the direct sound leaves [samples]: none.
+    static constexpr unsigned int GetLatency() noexcept { return 0; }
     /// @}
 
     /// @name Positions
@@ -323,6 +331,7 @@ public:
 protected:
     bool CreatePanners(unsigned int numSources, unsigned int numSpeakers);
     std::unique_ptr<Pan> MakePan(unsigned int numInputs, unsigned int numSpeakers, Pan::SubType role) const;
+    float** AtTheDoor(float** inputs, unsigned long numSamples);
     void ProcessRoom(unsigned long numSamples);
     void AddDirectLayer(float** outputs, unsigned long numSamples, float gain);
     void CrossfadeEars(float** outputs, unsigned long numSamples);
@@ -333,6 +342,9 @@ protected:
     void UpdateEarlyGains();
     void UpdateClusterDelays();
     void UpdateReverbDelays();
+    float ReverbDistribution() const noexcept;
+    /// Takes the memory for the longest delays that setters can ask for.
+    void MakeRoom();
     void UpdateDirectShelf();
     void UpdateRoomShelf();
     void UpdateEarlyShelf();
@@ -400,6 +412,7 @@ protected:
     std::vector<CartesianVector> speakerPositions;
     std::optional<orvandsp::RepeatableRandom> random;  // for the early gains, if it isn't the process's
     std::vector<float> earlyGains;                     // one signed gain per early tap
+    std::vector<float*> doorInputs;                    // the inputs that Process works on
 };
 
 }  // namespace Lume

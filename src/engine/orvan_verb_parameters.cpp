@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "engine/orvan_verb.h"
 #include "geometry/azimuth.h"
@@ -19,8 +20,14 @@ constexpr float MinClusterOffset = 1.0f;                // [ms]
 constexpr float ReverbDistributionManyChannels = 0.3f;  // from 9 channels on
 constexpr unsigned int FewChannels = 8;
 
+// Beyond these the input gain of the late field would be infinite or zero, and nothing would come out for good [s].
+constexpr float ShortestDecay = 0.01f;
+constexpr float LongestDecay = 1000.0f;
+/// No gain is more than that [dB]: a ramp on its way to infinity would never come back.
+constexpr float MaxGaindB = 120.0f;
+
 float DecibelsToAmplitude(float decibels) {
-    return std::sqrt(std::pow(10.0f, decibels * 0.1f));
+    return std::sqrt(std::pow(10.0f, std::min(decibels, MaxGaindB) * 0.1f));
 }
 
 /// The larger of value and low, then the smaller of that and high; not a number gives low.
@@ -29,7 +36,32 @@ float Clamped(float value, float low, float high) {
 }
 
 void SetShelf(MultiFadedHLShelf& shelf, HLShelfParameters const& p, float globalGain) {
-    shelf.SetAll(globalGain, p.gainLow, p.gainMed, p.gainHigh, p.freqLow, p.freqHigh);
+    const auto limited = [](float gainDb) { return Clamped(gainDb, -MaxGaindB, MaxGaindB); };
+    shelf.SetAll(std::min(globalGain, MaxGaindB), limited(p.gainLow), limited(p.gainMed), limited(p.gainHigh),
+                 p.freqLow, p.freqHigh);
+}
+
+/// Stores a value, unless it isn't finite: one that got inside would stay for good.
+bool Take(float& stored, float value) {
+    if (!std::isfinite(value)) return false;
+    stored = value;
+    return true;
+}
+
+/// The same for a level [dB], which minus infinity switches off.
+bool TakeLevel(float& stored, float value) {
+    if (std::isnan(value) || value > std::numeric_limits<float>::max()) return false;
+    stored = value;
+    return true;
+}
+
+void Take(HLShelfParameters& stored, HLShelfParameters const& values) {
+    TakeLevel(stored.gain, values.gain);
+    Take(stored.gainLow, values.gainLow);
+    Take(stored.gainMed, values.gainMed);
+    Take(stored.gainHigh, values.gainHigh);
+    Take(stored.freqLow, values.freqLow);
+    Take(stored.freqHigh, values.freqHigh);
 }
 
 }  // namespace
@@ -53,145 +85,145 @@ void OrvanVerb::UpdateRoomShelf() {
 }
 
 void OrvanVerb::SetDirectParameters(HLShelfParameters const& parameters) {
-    directParameters = parameters;
-    SetDirectGain(parameters.gain);
+    Take(directParameters, parameters);
+    SetDirectGain(directParameters.gain);
     UpdateDirectShelf();
 }
 
 void OrvanVerb::SetDirectGain(float gainDb) {
-    directParameters.gain = gainDb;
+    if (!TakeLevel(directParameters.gain, gainDb)) return;
     directGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
 }
 
 void OrvanVerb::SetDirectGainLow(float gainDb) {
-    directParameters.gainLow = gainDb;
+    if (!Take(directParameters.gainLow, gainDb)) return;
     UpdateDirectShelf();
 }
 
 void OrvanVerb::SetDirectGainMedium(float gainDb) {
-    directParameters.gainMed = gainDb;
+    if (!Take(directParameters.gainMed, gainDb)) return;
     UpdateDirectShelf();
 }
 
 void OrvanVerb::SetDirectGainHigh(float gainDb) {
-    directParameters.gainHigh = gainDb;
+    if (!Take(directParameters.gainHigh, gainDb)) return;
     UpdateDirectShelf();
 }
 
 void OrvanVerb::SetDirectCrossoverFrequencyLow(float frequencyHz) {
-    directParameters.freqLow = frequencyHz;
+    if (!Take(directParameters.freqLow, frequencyHz)) return;
     UpdateDirectShelf();
 }
 
 void OrvanVerb::SetDirectCrossoverFrequencyHigh(float frequencyHz) {
-    directParameters.freqHigh = frequencyHz;
+    if (!Take(directParameters.freqHigh, frequencyHz)) return;
     UpdateDirectShelf();
 }
 
 void OrvanVerb::SetRoomParameters(HLShelfParameters const& parameters) {
-    roomParameters = parameters;
+    Take(roomParameters, parameters);
     UpdateRoomShelf();
 }
 
 void OrvanVerb::SetRoomGain(float gainDb) {
-    roomParameters.gain = gainDb;
+    if (!TakeLevel(roomParameters.gain, gainDb)) return;
     UpdateRoomShelf();
 }
 
 void OrvanVerb::SetRoomGainLow(float gainDb) {
-    roomParameters.gainLow = gainDb;
+    if (!Take(roomParameters.gainLow, gainDb)) return;
     UpdateRoomShelf();
 }
 
 void OrvanVerb::SetRoomGainMedium(float gainDb) {
-    roomParameters.gainMed = gainDb;
+    if (!Take(roomParameters.gainMed, gainDb)) return;
     UpdateRoomShelf();
 }
 
 void OrvanVerb::SetRoomGainHigh(float gainDb) {
-    roomParameters.gainHigh = gainDb;
+    if (!Take(roomParameters.gainHigh, gainDb)) return;
     UpdateRoomShelf();
 }
 
 void OrvanVerb::SetRoomCrossoverFrequencyLow(float frequencyHz) {
-    roomParameters.freqLow = frequencyHz;
+    if (!Take(roomParameters.freqLow, frequencyHz)) return;
     UpdateRoomShelf();
 }
 
 void OrvanVerb::SetRoomCrossoverFrequencyHigh(float frequencyHz) {
-    roomParameters.freqHigh = frequencyHz;
+    if (!Take(roomParameters.freqHigh, frequencyHz)) return;
     UpdateRoomShelf();
 }
 
 void OrvanVerb::SetEarlyParameters(HLShelfParameters const& parameters) {
-    earlyParameters = parameters;
-    SetEarlyGain(parameters.gain);
+    Take(earlyParameters, parameters);
+    SetEarlyGain(earlyParameters.gain);
     UpdateEarlyShelf();
 }
 
 void OrvanVerb::SetEarlyGain(float gainDb) {
-    earlyParameters.gain = gainDb;
+    if (!TakeLevel(earlyParameters.gain, gainDb)) return;
     earlyGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
 }
 
 void OrvanVerb::SetEarlyGainLow(float gainDb) {
-    earlyParameters.gainLow = gainDb;
+    if (!Take(earlyParameters.gainLow, gainDb)) return;
     UpdateEarlyShelf();
 }
 
 void OrvanVerb::SetEarlyGainMedium(float gainDb) {
-    earlyParameters.gainMed = gainDb;
+    if (!Take(earlyParameters.gainMed, gainDb)) return;
     UpdateEarlyShelf();
 }
 
 void OrvanVerb::SetEarlyGainHigh(float gainDb) {
-    earlyParameters.gainHigh = gainDb;
+    if (!Take(earlyParameters.gainHigh, gainDb)) return;
     UpdateEarlyShelf();
 }
 
 void OrvanVerb::SetEarlyCrossoverFrequencyLow(float frequencyHz) {
-    earlyParameters.freqLow = frequencyHz;
+    if (!Take(earlyParameters.freqLow, frequencyHz)) return;
     UpdateEarlyShelf();
 }
 
 void OrvanVerb::SetEarlyCrossoverFrequencyHigh(float frequencyHz) {
-    earlyParameters.freqHigh = frequencyHz;
+    if (!Take(earlyParameters.freqHigh, frequencyHz)) return;
     UpdateEarlyShelf();
 }
 
 void OrvanVerb::SetClusterParameters(HLShelfParameters const& parameters) {
-    clusterParameters = parameters;
-    SetClusterGain(parameters.gain);
+    Take(clusterParameters, parameters);
+    SetClusterGain(clusterParameters.gain);
     UpdateClusterShelf();
 }
 
 void OrvanVerb::SetClusterGain(float gainDb) {
-    clusterParameters.gain = gainDb;
+    if (!TakeLevel(clusterParameters.gain, gainDb)) return;
     clusterGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
 }
 
 void OrvanVerb::SetClusterGainLow(float gainDb) {
-    clusterParameters.gainLow = gainDb;
+    if (!Take(clusterParameters.gainLow, gainDb)) return;
     UpdateClusterShelf();
 }
 
 void OrvanVerb::SetClusterGainMedium(float gainDb) {
-    clusterParameters.gainMed = gainDb;
+    if (!Take(clusterParameters.gainMed, gainDb)) return;
     UpdateClusterShelf();
 }
 
 void OrvanVerb::SetClusterGainHigh(float gainDb) {
-    clusterParameters.gainHigh = gainDb;
+    if (!Take(clusterParameters.gainHigh, gainDb)) return;
     UpdateClusterShelf();
 }
 
 void OrvanVerb::SetClusterCrossoverFrequencyLow(float frequencyHz) {
-    clusterParameters.freqLow = frequencyHz;
+    if (!Take(clusterParameters.freqLow, frequencyHz)) return;
     UpdateClusterShelf();
 }
 
 void OrvanVerb::SetClusterCrossoverFrequencyHigh(float frequencyHz) {
-    clusterParameters.freqHigh = frequencyHz;
+    if (!Take(clusterParameters.freqHigh, frequencyHz)) return;
     UpdateClusterShelf();
 }
 
@@ -206,37 +238,37 @@ void OrvanVerb::SetReverbParameters(ReverbDspParameters const& parameters) {
 }
 
 void OrvanVerb::SetReverbGain(float gainDb) {
-    reverbGain = gainDb;
+    if (!TakeLevel(reverbGain, gainDb)) return;
     reverbGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
 }
 
 void OrvanVerb::SetDecayTime(float seconds) {
-    decayTime = seconds;
-    reverb->SetDecayTime(seconds);
+    if (!Take(decayTime, seconds)) return;
+    reverb->SetDecayTime(Clamped(seconds, ShortestDecay, LongestDecay));
 }
 
 void OrvanVerb::SetRelativeDecayLow(float factor) {
-    relativeDecayLow = factor;
+    if (!Take(relativeDecayLow, factor)) return;
     reverb->SetRelativeDecayLow(factor);
 }
 
 void OrvanVerb::SetRelativeDecayMedium(float factor) {
-    relativeDecayMedium = factor;
+    if (!Take(relativeDecayMedium, factor)) return;
     reverb->SetRelativeDecayMedium(factor);
 }
 
 void OrvanVerb::SetRelativeDecayHigh(float factor) {
-    relativeDecayHigh = factor;
+    if (!Take(relativeDecayHigh, factor)) return;
     reverb->SetRelativeDecayHigh(factor);
 }
 
 void OrvanVerb::SetReverbCrossoverFrequencyLow(float frequencyHz) {
-    crossoverLow = frequencyHz;
+    if (!Take(crossoverLow, frequencyHz)) return;
     reverb->SetCrossoverFrequencyLow(frequencyHz);
 }
 
 void OrvanVerb::SetReverbCrossoverFrequencyHigh(float frequencyHz) {
-    crossoverHigh = frequencyHz;
+    if (!Take(crossoverHigh, frequencyHz)) return;
     reverb->SetCrossoverFrequencyHigh(frequencyHz);
 }
 
@@ -251,7 +283,7 @@ void OrvanVerb::UseAirAbsorption(bool use) {
 }
 
 void OrvanVerb::SetAirAbsorptionRolloffFrequency(float frequencyHz) {
-    airAbsorptionRolloffFrequency = frequencyHz;
+    if (!Take(airAbsorptionRolloffFrequency, frequencyHz)) return;
     reverb->SetAirAbsorptionRolloffFrequency(frequencyHz);
 }
 
@@ -281,70 +313,90 @@ void OrvanVerb::UpdateClusterDelays() {
 void OrvanVerb::UpdateReverbDelays() {
     const float start = Clamped(reverbStart - clusterStart, 0.0f, Defaults::MaxReverbStart);
     const float sum = Clamped(modalDensity, Defaults::MinReverbModalDensity, Defaults::MaxReverbModalDensity) * 1000.0f;
-    const float distribution =
-        numInternals > FewChannels ? ReverbDistributionManyChannels : Defaults::DefaultReverbDistr;
-    reverb->SetDelaysMinSum(start, sum, distribution);
+    reverb->SetDelaysMinSum(start, sum, ReverbDistribution());
+}
+
+float OrvanVerb::ReverbDistribution() const noexcept {
+    return numInternals > FewChannels ? ReverbDistributionManyChannels : Defaults::DefaultReverbDistr;
+}
+
+void OrvanVerb::MakeRoom() {
+    // A range that is too narrow for its delays is widened beyond the limit.
+    constexpr float widening = 5.0f;  // [ms]
+    early->Reserve(std::max(Defaults::MaxEarlyStart, Defaults::MaxEarlyEnd) + widening);
+    reverb->Reserve(Defaults::MaxReverbStart, Defaults::MaxReverbModalDensity * 1000.0f, ReverbDistribution());
+}
+
+float OrvanVerb::GetTailLength(float decibels) const {
+    if (infinite) return std::numeric_limits<float>::infinity();
+    const float slowest = std::max({relativeDecayLow, relativeDecayMedium, relativeDecayHigh});
+    // The loops are a chunk longer than the delays that the decay is designed for: the shorter, the more.
+    constexpr float longLoops = 1.1f;
+    const float decay = decayTime * slowest * longLoops * decibels / 60.0f;
+    // The way into the late field, and once around.
+    const float way = Defaults::MaxEarlyEnd + Defaults::MaxClusterEnd + reverb->GetLongestDelay();
+    return decay + 0.001f * way;
 }
 
 void OrvanVerb::SetEarlyStart(float milliseconds) {
-    earlyStart = milliseconds;
+    if (!Take(earlyStart, milliseconds)) return;
     UpdateEarlyDelays();
     UpdateClusterDelays();
 }
 
 void OrvanVerb::SetEarlyEnd(float milliseconds) {
-    earlyEnd = milliseconds;
+    if (!Take(earlyEnd, milliseconds)) return;
     UpdateEarlyDelays();
     UpdateClusterDelays();
 }
 
 void OrvanVerb::SetEarlyDistribution(float distribution) {
-    earlyDistribution = distribution;
+    if (!Take(earlyDistribution, distribution)) return;
     UpdateEarlyDelays();
     UpdateClusterDelays();
 }
 
 void OrvanVerb::SetClusterStart(float milliseconds) {
-    clusterStart = milliseconds;
+    if (!Take(clusterStart, milliseconds)) return;
     UpdateClusterDelays();
     UpdateReverbDelays();
 }
 
 void OrvanVerb::SetClusterEnd(float milliseconds) {
-    clusterEnd = milliseconds;
+    if (!Take(clusterEnd, milliseconds)) return;
     UpdateClusterDelays();
     UpdateReverbDelays();
 }
 
 void OrvanVerb::SetClusterDistribution(float distribution) {
-    clusterDistribution = distribution;
+    if (!Take(clusterDistribution, distribution)) return;
     UpdateClusterDelays();
     UpdateReverbDelays();
 }
 
 void OrvanVerb::SetReverbStart(float milliseconds) {
-    reverbStart = milliseconds;
+    if (!Take(reverbStart, milliseconds)) return;
     UpdateReverbDelays();
 }
 
 void OrvanVerb::SetReverbModalDensity(float seconds) {
-    modalDensity = seconds;
+    if (!Take(modalDensity, seconds)) return;
     UpdateReverbDelays();
 }
 
 void OrvanVerb::SetEarlyShape(float shape) {
-    earlyShape = shape;
+    if (!Take(earlyShape, shape)) return;
     UpdateEarlyGains();
 }
 
 void OrvanVerb::SetEarlyWidth(float degrees) {
-    earlyWidth = degrees;
+    if (!Take(earlyWidth, degrees)) return;
     // The early reflections belong to the source that is placed last, so that all are placed again, in order.
     for (unsigned int i = 0; i < sourcePositions.size(); ++i) SetSourcePosition(i, sourcePositions[i]);
 }
 
 void OrvanVerb::SetElevation(float degrees) {
-    elevation = degrees;
+    if (!Take(elevation, degrees)) return;
     for (unsigned int i = 0; i < sourcePositions.size(); ++i) {
         SphericalVector spherical;
         spherical = sourcePositions[i];
