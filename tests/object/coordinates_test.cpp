@@ -72,6 +72,7 @@ TEST_F(Coordinates, FormatsMoveTheSource) {
         {"azim++ 20", Direction(az + 20, r, el)},
         {"elev 10", Direction(az, r, 10)},
         {"elev 100", Direction(az, r, -10)},
+        {"elev -100", Direction(az, r, 10)},
         {"elev++ 10", Direction(az, r, el - 10)},
         {"dist 2", Direction(az, 2, el)},
         {"dist -2", Direction(az, 2, el)},

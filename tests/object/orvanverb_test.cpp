@@ -63,6 +63,21 @@ bool AllZero(std::vector<float> const& peaks) {
     return std::all_of(peaks.begin(), peaks.end(), [](float peak) { return !(peak > 0.0f); });
 }
 
+// Red if a setting stops at the record, if not a number passes the clip, or if a name without a value takes the default
+// away.
+TEST(OrvanverbObject, WhatItIsToldReachesTheEngine) {
+    OrvanBox box("@tr0 @airfreq 321 @early_end");
+    EXPECT_EQ(box.Record()->engine->GetAirAbsorptionRolloffFrequency(), 321.0f);
+    EXPECT_EQ(box.Get("tr0") + box.Get("early_end"), "1.995000 39.709999 ");
+    box.Send("reverb airfreq 654");
+    EXPECT_EQ(box.Record()->engine->GetAirAbsorptionRolloffFrequency(), 654.0f);
+    t_atom nan;
+    atom_setfloat(&nan, std::nan(""));
+    object_attr_setvalueof(box.Object(), gensym("tr0"), 1, &nan);
+    EXPECT_EQ(box.Get("tr0"), "0.100000 ");
+    EXPECT_EQ(box.Record()->engine->GetReverbParameters().decayTime, 0.1f);
+}
+
 // What creation promises: sizes from the attributes, then defaults, then what was typed, and one warning of two passes.
 TEST(OrvanverbObject, IsMadeOfItsAttributes) {
     OrvanBox box("@tr0 3.5 @numsources 2 @numspeakers 5 @numinternals 12 @early start 33 @bogus 1");
