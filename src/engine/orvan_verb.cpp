@@ -52,7 +52,7 @@ bool IsNumber(CartesianVector const& p) {
 }
 
 /// Beyond it sums of sources and gains may become infinite.
-constexpr float LoudestSample = 1e30f;
+constexpr float LoudestSample = 1e15f;
 
 }  // namespace
 

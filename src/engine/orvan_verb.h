@@ -50,8 +50,8 @@ class Hrtf;
 /// the outputs are silent.
 ///
 /// Setters don't report. A value outside its range is taken as it comes, except where a clamp is named; one that isn't
-/// finite changes nothing (minus infinity switches a level off); levels and bands stay within 120 dB, places within
-/// 1000 km. A sample that isn't finite, or is beyond 1e30, counts as 0: nothing that comes in can stay in the room for
+/// finite changes nothing (minus infinity switches a level off); levels and bands stay within 200 dB, places within
+/// 1000 km. A sample that isn't finite, or is beyond 1e15, counts as 0: nothing that comes in can stay in the room for
 /// good. A getter gives the value that its setter would have to get to make this engine as it is.
 ///
 /// Setters start ramps, crossfades and glides; the times below say how long a change takes to be complete. After

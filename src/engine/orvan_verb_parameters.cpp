@@ -24,7 +24,7 @@ constexpr unsigned int FewChannels = 8;
 constexpr float ShortestDecay = 0.01f;
 constexpr float LongestDecay = 1000.0f;
 /// No gain is more than that [dB]: a ramp on its way to infinity would never come back.
-constexpr float MaxGaindB = 120.0f;
+constexpr float MaxGaindB = 200.0f;
 
 float DecibelsToAmplitude(float decibels) {
     return std::sqrt(std::pow(10.0f, std::min(decibels, MaxGaindB) * 0.1f));
