@@ -1,11 +1,13 @@
 #include "common/hosted_room.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 
 #include "dsp/floating_point_mode.h"
 #include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
+#include "object/room_exchange.h"
 
 namespace plugin {
 
@@ -13,8 +15,12 @@ using orvandsp::FloatingPointMode;
 
 namespace {
 
+/// Of the room's random numbers: those of the host are its own.
+constexpr std::uint32_t randomSeed = 1;
+
 std::vector<max::t_atom> BoxWords(std::vector<max::t_atom> words) {
     orvanverb_main();
+    orvanverb_seed(randomSeed);
     max::t_atom name{};
     max::atom_setsym(&name, max::gensym("orvanverb~"));
     words.insert(words.begin(), name);
@@ -29,15 +35,59 @@ bool Contains(std::vector<max::t_atom> const& words, char const* word) {
 
 }  // namespace
 
-HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener listener) {
+HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener newListener)
+    : listener(std::move(newListener)), remarks(std::make_unique<orvanverb::RangeRemarks>()) {
     const FloatingPointMode unchanged;
     const bool sources = !Contains(words, "@sourcespositions"), speakers = !Contains(words, "@speakerspositions");
-    box = std::make_unique<max::Box>(BoxWords(std::move(words)), std::move(listener));
-    if (IsMade()) orvanverb_place_defaults(reinterpret_cast<orvanverb_t*>(box->Object()), sources, speakers);
+    box = std::make_unique<max::Box>(BoxWords(std::move(words)), listener);
+    record = orvanverb_record(box->Object());
+    if (IsMade()) orvanverb_place_defaults(record, sources, speakers);
+}
+
+HostedRoom::~HostedRoom() {
+    if (loadingEars.valid()) loadingEars.wait();  // the loader reads the room's rate
+}
+
+Lume::Room& HostedRoom::Room() const {
+    return orvanverb_room(record);
+}
+
+std::size_t HostedRoom::NumInputs() const {
+    return Room().NumSources();
+}
+
+std::size_t HostedRoom::NumOutputs() const {
+    return Room().NumSpeakers();
+}
+
+std::size_t HostedRoom::BlockSize() const {
+    return Room().BlockSize();
+}
+
+std::uint64_t HostedRoom::NumReplaced() const {
+    return Room().NumBadInputs();
+}
+
+Lume::RoomState HostedRoom::NamedState() {
+    if (loadingEars.valid()) {
+        loadingEars.wait();
+        try {
+            TakeEars();
+        } catch (std::runtime_error const& error) {
+            Warn(error.what());
+        }
+    }
+    return orvanverb_save_state(record);
+}
+
+void HostedRoom::Warn(std::string const& text) const {
+    if (listener.console) listener.console(max::ConsoleLevel::warn, text);
 }
 
 bool HostedRoom::Send(char const* selector, std::vector<max::t_atom> atoms) {
     const FloatingPointMode unchanged;
+    const std::string remark = remarks->Of(selector, atoms);
+    if (!remark.empty()) Warn(remark);
     return box->Send(max::gensym(selector), std::move(atoms));
 }
 
@@ -50,20 +100,43 @@ void HostedRoom::Restore(std::vector<max::t_atom> state) {
     box->SetState(std::move(state));
 }
 
+void HostedRoom::Restore(Lume::RoomState state) {
+    if (loadingEars.valid()) loadingEars.wait();
+    loadingEars = {};
+    try {
+        orvanverb_restore_state(record, state);
+    } catch (std::runtime_error const& error) {
+        Warn(error.what());
+        state.ears = Room().CurrentEars();
+        orvanverb_restore_state(record, state);
+    }
+}
+
+void HostedRoom::LoadEars(std::filesystem::path const& file) {
+    if (sampleRate == 0.0f) return Room().LoadEars(file);
+    if (loadingEars.valid()) loadingEars.wait();
+    earsFile = file;
+    loadingEars = std::async(std::launch::async, [&room = Room(), file] { return room.PrepareEars(file); });
+}
+
+bool HostedRoom::TakeEars() {
+    if (!loadingEars.valid()) return true;
+    if (loadingEars.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return false;
+    Lume::Ears ears = loadingEars.get();
+    if (!Room().TakeEars(ears)) Room().LoadEars(earsFile);  // the rate has changed meanwhile
+    return true;
+}
+
 void HostedRoom::Start(float newSampleRate, std::size_t blockSize) {
     const FloatingPointMode unchanged;
+    if (loadingEars.valid()) loadingEars.wait();
     sampleRate = newSampleRate;
-    vectors.Configure(NumInputs(), NumOutputs(), blockSize);
-    guard.Configure(NumInputs(), vectors.VectorSize());
-    box->StartAudio(sampleRate, static_cast<long>(vectors.VectorSize()));
+    Room().Configure(sampleRate, blockSize);
 }
 
 void HostedRoom::Process(float const* const* inputs, float* const* outputs) {
-    const FloatingPointMode unchanged;
-    vectors.Process(outputs, inputs, vectors.BlockSize(), [this](float* const* out, float const** in) {
-        guard.Check(in);
-        box->Process(in, out);
-    });
+    Lume::Room& room = Room();
+    room.Process(outputs, inputs, room.BlockSize());
 }
 
 }  // namespace plugin

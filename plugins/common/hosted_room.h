@@ -1,51 +1,87 @@
 #pragma once
 
+#include <filesystem>
+#include <future>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "patcher/box.h"
-#include "room/sample_guard.h"
-#include "room/steady_vectors.h"
+#include "room/ears.h"
+#include "room/room_state.h"
+
+// Not the object's headers: they bring in the names of its host, which are those of other hosts, too.
+struct orvanverb_t;
+namespace orvanverb {
+class RangeRemarks;
+}
+namespace Lume {
+class Room;
+}
 
 namespace plugin {
 
 /// The object orvanverb~ as plug-ins run it in the process of a host: in its box, with the built-in places for what
-/// wasn't placed, at a steady vector size, and without a trace on the thread's floating-point mode.
+/// wasn't placed. What sounds is the room on which the object stands, at a steady vector size and without a trace on
+/// the thread's floating-point mode.
 ///
 /// The host calls it from one thread at a time, messages between two blocks.
 class HostedRoom {
 public:
     /// Makes the object.
     /// @param words  of the object box behind the class name: @numsources 2 @numspeakers 8
-    HostedRoom(std::vector<max::t_atom> words, max::BoxListener listener);
+    HostedRoom(std::vector<max::t_atom> words, max::BoxListener newListener);
+    ~HostedRoom();
 
     /// False if the object refused to be made; its lines said why, and nothing else may be called.
-    bool IsMade() const noexcept { return box->Object() != nullptr; }
-    std::size_t NumInputs() const { return static_cast<std::size_t>(box->NumSignalInlets()); }
-    std::size_t NumOutputs() const { return static_cast<std::size_t>(box->NumSignalOutlets()); }
+    bool IsMade() const noexcept { return record != nullptr; }
+    std::size_t NumInputs() const;
+    std::size_t NumOutputs() const;
 
+    /// Sends a message; a value out of range is told once for each control.
     bool Send(char const* selector, std::vector<max::t_atom> atoms);
+    /// The object's flat list of all values, for storage objects.
     std::vector<max::t_atom> State();
     void Restore(std::vector<max::t_atom> state);
+    /// The state with names, which holds the ears, too.
+    Lume::RoomState NamedState();
+    /// @throws std::exception for sizes that don't fit: nothing has changed then. Ears that can't be loaded are told,
+    ///         and the present ones stay
+    void Restore(Lume::RoomState state);
+
+    /// Loads ears: at once before the first Start, later beside the host's thread, and they fade in once TakeEars finds
+    /// them.
+    /// @throws std::runtime_error as TakeEars
+    void LoadEars(std::filesystem::path const& file);
+    /// Hands loaded ears to the room, if there are any. @return false as long as some are being loaded
+    /// @throws std::runtime_error "FILE: FIELD: why" if they can't be used; the present ones stay
+    bool TakeEars();
 
     /// Prepares for audio and silences the room.
     /// @param sampleRate  [Hz]
     /// @param blockSize   of the host [samples]; any from 1 on
     void Start(float sampleRate, std::size_t blockSize);
+    /// 0 before the first Start.
     float SampleRate() const noexcept { return sampleRate; }
-    std::size_t BlockSize() const noexcept { return vectors.BlockSize(); }
+    std::size_t BlockSize() const;
     /// How many input samples became 0 because they could have stayed in the room for good.
-    std::uint64_t NumReplaced() const noexcept { return guard.NumReplaced(); }
+    std::uint64_t NumReplaced() const;
 
     /// Processes one block of the host. Real-time safe.
     /// @param inputs, outputs  one pointer per channel; may be the same arrays, in any order
     void Process(float const* const* inputs, float* const* outputs);
 
 private:
-    float sampleRate = 0.0f;  // [Hz]; 0 before the first Start
-    Lume::SteadyVectors vectors;
-    Lume::SampleGuard guard;
+    Lume::Room& Room() const;
+    void Warn(std::string const& text) const;
+
+    max::BoxListener listener;
     std::unique_ptr<max::Box> box;
+    orvanverb_t* record = nullptr;  // the box's
+    float sampleRate = 0.0f;        // [Hz]
+    std::unique_ptr<orvanverb::RangeRemarks> remarks;
+    std::filesystem::path earsFile;  // being loaded
+    std::future<Lume::Ears> loadingEars;
 };
 
 }  // namespace plugin

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <sstream>
 
 #include "patcher/atom.h"
 #include "patcher/symbol.h"
@@ -66,12 +67,20 @@ t_atom ToPd(max::t_atom const& from) {
     return atom;
 }
 
-t_atom ToFile(max::t_atom const& from) {
-    t_atom atom = ToPd(from);
-    if (!IsNumber(from)) return atom;
+constexpr char const* lineEnd = "/";
+/// In front of the ears' checksum, which could be read as a number.
+constexpr char checksumMark = 'x';
+constexpr char const* earsName = "ears ";
+
+std::string AtomWord(t_atom const& atom) {
+    if (atom.a_type != A_FLOAT) return atom.a_type == A_SYMBOL ? atom.a_w.w_symbol->s_name : "";
     char text[32];
-    *std::to_chars(text, text + sizeof text - 1, atom.a_w.w_float).ptr = '\0';
-    SETSYMBOL(&atom, gensym(text));
+    return {text, std::to_chars(text, text + sizeof text, atom.a_w.w_float).ptr};
+}
+
+t_atom Symbol(std::string const& word) {
+    t_atom atom{};
+    SETSYMBOL(&atom, gensym(word.c_str()));
     return atom;
 }
 
@@ -97,8 +106,49 @@ std::vector<t_atom> ToPd(std::vector<max::t_atom> const& atoms) {
     return Each<t_atom>(atoms, [](max::t_atom const& atom) { return ToPd(atom); });
 }
 
-std::vector<t_atom> StateToFile(std::vector<max::t_atom> const& atoms) {
-    return Each<t_atom>(atoms, [](max::t_atom const& atom) { return ToFile(atom); });
+std::vector<t_atom> StateToFile(std::string const& text) {
+    std::vector<t_atom> atoms;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (!atoms.empty()) atoms.push_back(Symbol(lineEnd));
+        const bool ears = line.starts_with(earsName);
+        if (ears) line.insert(std::strlen(earsName), 1, checksumMark);
+        std::istringstream words(line);
+        for (std::string word; words >> word;) {
+            if (ears && atoms.back().a_w.w_symbol->s_name[0] == checksumMark) {
+                // The file's name, with all its blanks.
+                std::string rest;
+                std::getline(words, rest);
+                word += rest;
+            }
+            atoms.push_back(Symbol(word));
+        }
+    }
+    return atoms;
+}
+
+std::string StateText(std::span<t_atom const> atoms) {
+    std::string text, line;
+    const auto endLine = [&] {
+        if (line.starts_with(std::string(earsName) + checksumMark)) line.erase(std::strlen(earsName), 1);
+        text.append(line).push_back('\n');
+        line.clear();
+    };
+    for (t_atom const& atom : atoms) {
+        const std::string word = AtomWord(atom);
+        if (word == lineEnd)
+            endLine();
+        else
+            line.append(line.empty() ? "" : " ").append(word);
+    }
+    endLine();
+    return text;
+}
+
+std::string WordsText(std::span<t_atom const> atoms) {
+    std::string text;
+    for (t_atom const& atom : atoms) text.append(text.empty() ? "" : " ").append(AtomWord(atom));
+    return text;
 }
 
 }  // namespace pd

@@ -15,6 +15,9 @@ constexpr char const* className = "orvanverb~";
 /// Pd computes in ticks of this size, whatever the blocks of a subpatch are [samples].
 constexpr double tickSize = 64.0;
 
+/// How often to look for ears that are being loaded [ms].
+constexpr double earsInterval = 10.0;
+
 /// A second after the first sample that was replaced, so that the line can say how many there were [ms].
 constexpr double reportDelay = 1000.0;
 
@@ -56,13 +59,15 @@ t_symbol* SavedStateReceiver() {
 PdRoom::PdRoom(t_object* newOwner, std::span<t_atom const> words)
     : owner(newOwner),
       room(ObjectWords(words, autosave),
-           {[this](max::ConsoleLevel level, std::string const& text) { Line(level, text); }, nullptr, nullptr}) {
+           {[this](max::ConsoleLevel level, std::string const& text) { Line(level, text); }, nullptr, nullptr}),
+      canvas(canvas_getcurrent()) {
     if (!IsMade()) return;
     for (std::size_t i = 1; i < room.NumInputs(); ++i) signalinlet_new(owner, 0.0f);
     for (std::size_t i = 0; i < room.NumOutputs(); ++i) outlet_new(owner, &s_signal);
     stateOutlet = outlet_new(owner, &s_anything);
     inputs.resize(room.NumInputs());
     outputs.resize(room.NumOutputs());
+    earsClock = clock_new(this, reinterpret_cast<t_method>(+[](PdRoom* x) { x->PollEars(); }));
     reportClock = clock_new(this, reinterpret_cast<t_method>(+[](PdRoom* x) { x->ReportReplaced(); }));
     if (autosave) {
         // In patch files, lines that begin with #A go to the object before them: whoever was made last and wants them
@@ -73,6 +78,7 @@ PdRoom::PdRoom(t_object* newOwner, std::span<t_atom const> words)
 }
 
 PdRoom::~PdRoom() {
+    if (earsClock != nullptr) clock_free(earsClock);
     if (reportClock != nullptr) clock_free(reportClock);
     if (autosave && IsMade() && pd_findbyclass(SavedStateReceiver(), owner->ob_pd) == &owner->ob_pd)
         pd_unbind(&owner->ob_pd, SavedStateReceiver());
@@ -100,9 +106,41 @@ void PdRoom::Message(t_symbol const* selector, std::span<t_atom const> atoms) {
         std::vector<t_atom> state = ToPd(room.State());
         outlet_list(stateOutlet, &s_list, static_cast<int>(state.size()), state.data());
     } else if (std::strcmp(selector->s_name, "setstate") == 0) {
-        room.Restore(StateFromPd(atoms));
+        SetState(atoms);
+    } else if (std::strcmp(selector->s_name, "hrtf") == 0) {
+        LoadEars(atoms);
     } else {
         room.Send(selector->s_name, FromPd(atoms));
+    }
+}
+
+std::string PdRoom::Folder() const {
+    return canvas_getdir(canvas)->s_name;
+}
+
+/// A state with names, or the flat list.
+void PdRoom::SetState(std::span<t_atom const> atoms) {
+    const std::string text = StateText(atoms);
+    if (Lume::RoomState::IsState(text))
+        room.Restore(Lume::RoomState::Parse(text, Folder()));
+    else
+        room.Restore(StateFromPd(atoms));
+}
+
+void PdRoom::LoadEars(std::span<t_atom const> atoms) {
+    if (atoms.empty()) {
+        Line(max::ConsoleLevel::error, "hrtf: a file is expected behind it");
+        return;
+    }
+    room.LoadEars(std::filesystem::path(Folder()) / WordsText(atoms));
+    clock_delay(earsClock, 0.0);
+}
+
+void PdRoom::PollEars() {
+    try {
+        if (!room.TakeEars()) clock_delay(earsClock, earsInterval);
+    } catch (std::exception const& error) {
+        Line(max::ConsoleLevel::error, error.what());
     }
 }
 
@@ -150,7 +188,7 @@ void PdRoom::Save(t_binbuf* file) {
     binbuf_addbinbuf(file, owner->te_binbuf);
     binbuf_addsemi(file);
     if (autosave) {
-        const std::vector<t_atom> state = StateToFile(room.State());
+        const std::vector<t_atom> state = StateToFile(room.NamedState().Text(Folder()));
         binbuf_addv(file, "ss", SavedStateReceiver(), gensym("setstate"));
         binbuf_add(file, static_cast<int>(state.size()), state.data());
         binbuf_addsemi(file);

@@ -24,7 +24,7 @@ public:
 
     bool IsMade() const noexcept { return room.IsMade(); }
 
-    /// Any message: getstate, setstate, or one of the object.
+    /// Any message: getstate, setstate, hrtf, or one of the object.
     void Message(t_symbol const* selector, std::span<t_atom const> atoms);
 
     /// Enters the signal chain that Pd is about to compile. It compiles it anew whenever a patch is edited: as long as
@@ -37,6 +37,11 @@ public:
 
 private:
     void Line(max::ConsoleLevel level, std::string const& text);
+    void SetState(std::span<t_atom const> atoms);
+    void LoadEars(std::span<t_atom const> atoms);
+    void PollEars();
+    /// Where the patch lies: what file names are relative to.
+    std::string Folder() const;
     bool MissedABlock() const;
     void ReportReplaced();
 
@@ -46,7 +51,9 @@ private:
     t_outlet* stateOutlet = nullptr;
     std::vector<float const*> inputs;
     std::vector<float*> outputs;
-    double lastBlockTime = 0.0;  // of Pd's clock
+    double lastBlockTime = 0.0;    // of Pd's clock
+    t_glist* canvas;               // the patch
+    t_clock* earsClock = nullptr;  // looks for ears that were loaded
     t_clock* reportClock = nullptr;
     bool reported = false;  // that input samples were replaced
 };

@@ -30,7 +30,7 @@ std::string StateOf(std::string const& words, bool sources, bool speakers) {
     const orvandsp::FloatingPointMode unchanged;
     orvanverb_main();
     max::Box box("orvanverb~ " + words);
-    orvanverb_place_defaults(reinterpret_cast<orvanverb_t*>(box.Object()), sources, speakers);
+    orvanverb_place_defaults(orvanverb_record(box.Object()), sources, speakers);
     return Text(box.GetState());
 }
 
@@ -69,4 +69,21 @@ TEST(HostedRoom, LeavesNoTraceOnTheFloatingPointMode) {
     room.Process(inputs, outputs);
     EXPECT_EQ(AllocationCount(), before);
     EXPECT_TRUE(DenormalsCount());
+}
+
+// Red if ears that are loaded while audio runs don't arrive, or if ones that can't be used leave a trace.
+TEST(HostedRoom, LoadsEarsBesideTheAudio) {
+    plugin::HostedRoom room = MakeRoom("@numsources 1 @numspeakers 2");
+    room.Start(48000.0f, 64);
+    const auto wait = [&room] {
+        while (!room.TakeEars()) {
+        }
+    };
+    room.LoadEars(ORVAN_SET);
+    wait();
+    const Lume::RoomState state = room.NamedState();
+    EXPECT_EQ(state.ears.path, ORVAN_SET);
+    room.LoadEars("/nowhere.hrtf");
+    EXPECT_THROW(wait(), std::runtime_error);
+    EXPECT_EQ(room.NamedState().Text(), state.Text());
 }

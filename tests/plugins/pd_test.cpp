@@ -207,12 +207,14 @@ TEST_F(PlayingInPd, BadSamplesStayOutAndAreReportedOnce) {
 TEST_F(InPd, MessagesReachTheObjectAndItsLinesTheConsole) {
     EXPECT_EQ(Tell("@numsources 2 @numspeakers 3 @tr0 2 @wurst 1",
                    {"source 2 ade 90 2 0", "postattributes sourcespositions", "postattributes tr0", "tr0 2.5",
-                    "postattributes tr0", "mute 1", "postdspstatus", "source 3 ade 1 1 1", "direct 1 2.5 3",
-                    "setstate 1 2 3", "wurst 1", "bang", "1 2 3"}),
+                    "postattributes tr0", "tr0 20", "reverb tr0 30", "mute 1", "postdspstatus", "source 3 ade 1 1 1",
+                    "direct 1 2.5 3", "setstate 1 2 3", "wurst 1", "bang", "1 2 3"}),
               "verbose(2): warning: orvanverb~: \"wurst\" is not an attribute that can be set\n"
               "orvanverb~: sourcespositions : -0.500000 0.866025 0.000000 2.000000 0.000000 0.000000 \n"
               "orvanverb~: tr0 : 2.000000 \n"
               "orvanverb~: tr0 : 2.500000 \n"
+              "verbose(2): warning: orvanverb~: tr0: 20 is not from 0.1 to 10, the nearest is taken. This is said "
+              "once\n"
               "orvanverb~: dsp processing is muted\n"
               "error: orvanverb~: invalid source index 3\n"
               "error: orvanverb~: invalid direct parameters : 1 2.500000 3 \n"
@@ -222,17 +224,17 @@ TEST_F(InPd, MessagesReachTheObjectAndItsLinesTheConsole) {
               "error: orvanverb~: doesn't understand \"list\"\n");
 }
 
-/// What a patch file keeps of a state: the numbers behind #A.
-std::vector<float> SavedState(std::string const& file) {
-    const std::string mark = "#A setstate";
+/// What a patch file keeps of a state: the text behind #A, line by line.
+std::string SavedState(std::string const& file) {
+    const std::string mark = "#A setstate ";
     const auto begin = file.find(mark);
     if (begin == file.npos) return {};
-    const auto values = begin + mark.size();
-    EXPECT_EQ(file.find(mark, values), file.npos) << "two states";
-    std::vector<float> state;
-    for (max::t_atom const& atom : max::ParseAtoms(file.substr(values, file.find(';', values) - values)))
-        state.push_back(max::atom_getfloat(&atom));
-    return state;
+    EXPECT_EQ(file.find(mark, begin + 1), file.npos) << "two states";
+    std::istringstream words(file.substr(begin + mark.size(), file.find(';', begin) - begin - mark.size()));
+    std::string text;
+    for (std::string word; words >> word;)
+        text.append(word == "/" ? "\n" : (text.empty() || text.back() == '\n' ? "" : " ") + word);
+    return text + "\n";
 }
 
 // Red if a state loses a bit on the way into the file and back, reaches another object, or is saved unasked.
@@ -259,13 +261,29 @@ TEST_F(InPd, StatesAreKeptInThePatchFile) {
         const std::vector<max::t_atom> atoms = max::ParseAtoms(message);
         room.Send(max::atom_getsym(atoms.data())->s_name, {atoms.begin() + 1, atoms.end()});
     }
-    std::vector<float> expected;
-    for (max::t_atom const& atom : room.State()) expected.push_back(max::atom_getfloat(&atom));
-
     const std::string saved = save("patch.pd", script, "saved.pd");
-    EXPECT_EQ(SavedState(saved), expected);
+    EXPECT_EQ(SavedState(saved), room.NamedState().Text());
     EXPECT_NE(saved.find(" -0 "), std::string::npos);  // a number of its own, which must come back as it is
     EXPECT_EQ(save("saved.pd", "", "again.pd"), saved);
+
+    // A patch of before, with the flat list.
+    std::string flat;
+    for (max::t_atom const& atom : room.State()) flat.append(" ").append(max::AtomText(atom));
+    const auto begin = saved.find("#A setstate"), end = saved.find(';', begin);
+    WriteText(directory / "flat.pd", std::string(saved).replace(begin, end - begin, "#A setstate" + flat));
+    EXPECT_NE(save("flat.pd", "", "new.pd").find("#A setstate orvanverb-state 1 / numsources 2 "), std::string::npos);
+
+    // Ears, by a name with a blank, come back with the patch.
+    std::filesystem::copy_file(ORVAN_SET, directory / "my ears.coll");
+    PdPatch headphones;
+    headphones.Connect(headphones.Object("r room"), 0,
+                       headphones.Object("orvanverb~ @autosave 1 @numsources 1 @numspeakers 2"), 0);
+    WriteText(directory / "ears.pd", headphones.Text());
+    const std::string kept = save("ears.pd", "\\; room hrtf my ears.coll", "kept.pd");
+    EXPECT_NE(kept.find("my\\ ears.coll"), std::string::npos) << kept;
+    EXPECT_EQ(save("kept.pd", "", "again.pd"), kept);
+    EXPECT_NE(Tell("@numsources 1 @numspeakers 2", {"hrtf nothing.coll"}).find("nothing.coll: No such file"),
+              std::string::npos);
 }
 
 // Red if a state that a list object keeps doesn't bring the object back to where it was.
