@@ -5,6 +5,9 @@
 # make tsan   runs the tests of what crosses threads, with the thread sanitizer
 # make fuzz   throws crafted files at the loaders for a minute each (clang)
 # make pd-package  puts the external for Pure Data into out/
+# make python builds the Python package into build/release/python
+# make lv2    installs the LV2 plug-ins for this user, or into LV2_FOLDER
+# make lv2-package  puts them into out/
 # make bench  builds and runs the benchmarks
 # make check  layout, layers, quirks and static analysis
 # make docs   the pages of the library's interface, into out/docs (doxygen)
@@ -14,7 +17,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan tsan fuzz bench check docs format pd-package clean
+.PHONY: all setup configure build demo test slow asan tsan fuzz bench check docs format pd-package lv2 lv2-package python clean
 all: build
 
 setup:
@@ -60,6 +63,25 @@ pd-package: configure
 	@cmake --install $(BUILD) --component pd --strip --prefix out/pd >/dev/null
 	@tar -czf $(PD_PACKAGE) --owner=0 --group=0 -C out/pd/lib/pd/extra orvanverb~
 	@echo "$(PD_PACKAGE) unpacks into Pd's folder of externals, such as ~/.local/lib/pd/extra"
+
+python: configure
+	@cmake --build --preset release -j$(JOBS) --target orvan_python
+	@echo "$(BUILD)/python holds the package orvanverb: add it to PYTHONPATH, or pip install ./bindings/python"
+
+LV2_FOLDER ?= $(HOME)/.lv2
+lv2: configure
+	@cmake --build --preset release -j$(JOBS) --target orvan_lv2 orvan_lv2_texts
+	@rm -rf out/lv2
+	@cmake --install $(BUILD) --component lv2 --strip --prefix out/lv2 >/dev/null
+	@mkdir -p "$(LV2_FOLDER)"
+	@cp -r out/lv2/lib/lv2/orvanverb.lv2 "$(LV2_FOLDER)"
+	@echo "$(LV2_FOLDER)/orvanverb.lv2: hosts find it when they look for plug-ins again"
+
+LV2_PACKAGE := out/orvanverb.lv2.tar.gz
+lv2-package: LV2_FOLDER := out/lv2/package
+lv2-package: lv2
+	@tar -czf $(LV2_PACKAGE) --owner=0 --group=0 -C $(LV2_FOLDER) orvanverb.lv2
+	@echo "$(LV2_PACKAGE) unpacks into a folder of LV2 plug-ins, such as ~/.lv2"
 
 bench: build
 	$(BUILD)/bench/orvan_bench

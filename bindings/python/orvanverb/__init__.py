@@ -1,0 +1,342 @@
+"""Rooms for sounds: a room reverberator and spatialiser.
+
+>>> import numpy, orvanverb
+>>> room = orvanverb.Room(sources=1, speakers="headphones", rate=48000)
+>>> room.decay_s = 1.8
+>>> room.early.gain_db = -3
+>>> room.place(0, azimuth_deg=-45, distance_m=2)
+>>> wet = room.render(numpy.zeros((1, 480), numpy.float32), tail=0.5)
+>>> wet.shape
+(2, 24480)
+
+Arrays are float32 and (channels, frames). Azimuths are positive to the right; sources count from 0. A room belongs to
+one thread at a time, and says so otherwise; rooms on several threads run at once.
+"""
+
+from __future__ import annotations
+
+import json
+from typing import Any, Iterable, Mapping, Sequence
+
+import numpy
+
+from . import _orvanverb
+
+__all__ = ["Room", "controls", "measure"]
+
+#: The controls of the late field, by what people call them.
+_LATE_NAMES = {
+    "gain": "late_gain", "modaldensity": "modal_density", "tr0": "decay", "trl": "decay_low", "trm": "decay_medium",
+    "trh": "decay_high", "fl": "crossover_low", "fh": "crossover_high", "airfreq": "air_freq", "reverb_start": "late_start",
+}
+_UNITS = {"dB": "_db", "Hz": "_hz", "ms": "_ms", "s": "_s", "degrees": "_deg", "": ""}
+_VECTOR = 64  # samples of one run of the engine
+
+
+def controls() -> dict[str, dict[str, Any]]:
+    """All controls of a room by name: label, usual name, unit, least and greatest value, standard, group, scale."""
+    return _orvanverb.controls()
+
+
+def _property_name(name: str, control: Mapping[str, Any]) -> str:
+    group = control["group"]
+    own = _LATE_NAMES.get(name, name)
+    if group != "late":
+        own = own.removeprefix(group + "_").replace("distr", "distribution")
+    return own + _UNITS[control["unit"]]
+
+
+def _add_controls(owner: type, group: str) -> None:
+    for name, control in controls().items():
+        if control["group"] != group:
+            continue
+        unit = f" {control['unit']}" if control["unit"] else ""
+        text = f"{control['label']} ({control['usual_name']}), {control['least']:g} to {control['greatest']:g}{unit}"
+        setattr(owner, _property_name(name, control), property(
+            lambda self, name=name: self._room.get(name),
+            lambda self, value, name=name: self._room.set(name, value), doc=text))
+
+
+class _Group:
+    """The controls of a part of the room."""
+
+    __slots__ = ("_room",)
+
+    def __init__(self, room: Any) -> None:
+        object.__setattr__(self, "_room", room)
+
+    def __setattr__(self, name: str, value: float) -> None:
+        if not isinstance(getattr(type(self), name, None), property):
+            raise AttributeError(f"{name}: there is no such control; {', '.join(_names(type(self)))} are")
+        object.__setattr__(self, name, value)
+
+    def __repr__(self) -> str:
+        return f"<{', '.join(f'{name}={getattr(self, name):g}' for name in _names(type(self)))}>"
+
+
+def _names(owner: type) -> list[str]:
+    return [name for name, value in vars(owner).items() if isinstance(value, property)]
+
+
+class _Direct(_Group):
+    __slots__ = ()
+
+
+class _Shelf(_Group):
+    __slots__ = ()
+
+
+class _Early(_Group):
+    __slots__ = ()
+
+
+class _Cluster(_Group):
+    __slots__ = ()
+
+
+def _places(speakers: Any) -> list[tuple[float, float, float]]:
+    """Azimuths, or rows of azimuth, elevation [degrees] and distance [m]."""
+    places = []
+    for row in speakers:
+        row = [float(value) for value in numpy.atleast_1d(row)]
+        if not 1 <= len(row) <= 3:
+            raise ValueError("a loudspeaker is an azimuth, with an elevation [degrees] and a distance [m] if need be")
+        places.append((row[0], row[1] if len(row) > 1 else 0.0, row[2] if len(row) > 2 else 1.0))
+    return places
+
+
+class Room:
+    """A room with sources and loudspeakers in it.
+
+    :param sources: how many, 1 to 64
+    :param speakers: "headphones", a number from 3 to 64 (a ring), or their places: azimuths in degrees, or rows of
+        azimuth, elevation [degrees] and distance [m]
+    :param rate: samples a second
+    :param internals: channels of the room, 2 to 16; more are denser
+    """
+
+    _room: Any
+
+    def __init__(self, sources: int = 1, speakers: int | str | Iterable[Any] = "headphones", rate: float = 48000,
+                 internals: int = 8) -> None:
+        places = None
+        if isinstance(speakers, str):
+            if speakers != "headphones":
+                raise ValueError(f"speakers: '{speakers}' is no number, no list of places and not 'headphones'")
+            number = 2
+        elif isinstance(speakers, (int, numpy.integer)):
+            number = int(speakers)
+            if not 3 <= number <= 64:
+                raise ValueError(f"speakers: {number} is not from 3 to 64; two ears are 'headphones'")
+        else:
+            places = _places(speakers)
+            number = len(places)
+        self._rate = float(rate)
+        object.__setattr__(self, "_room", _orvanverb.Room(sources, number, internals, rate))
+        if places is not None:
+            self._room.place_speakers(places)
+        self._places = [(None, None, None)] * sources
+        self.direct = _Direct(self._room)
+        self.room = _Shelf(self._room)
+        self.early = _Early(self._room)
+        self.cluster = _Cluster(self._room)
+
+    def __setattr__(self, name: str, value: Any) -> None:
+        known = name.startswith("_") or isinstance(getattr(type(self), name, None), property)
+        if not known and not isinstance(value, _Group):
+            raise AttributeError(f"{name}: a room has no such control; {', '.join(_names(Room))} are")
+        object.__setattr__(self, name, value)
+
+    # Shape
+
+    @property
+    def sources(self) -> int:
+        """How many sources there are."""
+        return self._room.num_sources
+
+    @property
+    def outputs(self) -> int:
+        """How many channels come out: loudspeakers, or the left and the right ear."""
+        return self._room.num_speakers
+
+    @property
+    def internals(self) -> int:
+        """Channels of the room."""
+        return self._room.num_internals
+
+    @property
+    def rate(self) -> float:
+        """Samples a second."""
+        return self._rate
+
+    # Controls and places
+
+    def __getitem__(self, name: str) -> float:
+        """The value of a control by its name in `controls()`."""
+        return self._room.get(name)
+
+    def __setitem__(self, name: str, value: float) -> None:
+        self._room.set(name, value)
+
+    def place(self, source: int, azimuth_deg: float, elevation_deg: float = 0.0, distance_m: float = 1.0) -> None:
+        """Moves a source: azimuth 0 is ahead, 90 on the right; the source counts from 0."""
+        if not distance_m >= 0:
+            raise ValueError(f"distance_m: {distance_m} is not 0 or more")
+        self._room.place(source, azimuth_deg, elevation_deg, distance_m)
+
+    def load_ears(self, path: str) -> None:
+        """Takes the filters of a .hrtf or .coll file for headphones."""
+        self._room.load_ears(str(path))
+
+    # Sound
+
+    def process(self, x: Any) -> numpy.ndarray:
+        """Plays the next frames, and remembers the room's sound for the next call.
+
+        Whole multiples of 64 frames come back at once; other numbers come `latency` frames late.
+        :param x: (sources, frames), float32
+        :return: (outputs, frames)
+        """
+        return self._room.process(x)
+
+    @property
+    def latency(self) -> int:
+        """How late outputs come [frames]; it grows with the first call of another length than multiples of 64."""
+        return self._room.latency
+
+    def clear(self) -> None:
+        """Silences the room."""
+        self._room.clear()
+
+    def render(self, x: Any, tail: float | str = "auto") -> numpy.ndarray:
+        """Plays a recording from its beginning in this room, without touching what `process` remembers.
+
+        The same samples as `orvanverb render --state` writes.
+        :param x: (sources, frames) or, for one source, (frames,)
+        :param tail: seconds behind the end, or "auto": until the output stays 60 dB below its peak for a second, at
+            most 120 seconds
+        :return: (outputs, frames and tail)
+        """
+        x = numpy.atleast_2d(numpy.asarray(x, numpy.float32))
+        other = self._fresh()
+        frames = x.shape[1]
+        if tail != "auto":
+            if isinstance(tail, str) or not tail >= 0:
+                raise ValueError(f"tail: {tail!r} is no number of seconds and not 'auto'")
+            length = frames + int(round(tail * self._rate))
+            return _padded(other, x, length)
+        pieces = [_padded(other, x, -(-frames // _VECTOR) * _VECTOR)]
+        peak = float(numpy.abs(pieces[0]).max(initial=0.0))
+        quiet, longest, piece = 0, int(120 * self._rate), _VECTOR * 16
+        silence = numpy.zeros((self.sources, piece), numpy.float32)
+        total = 0
+        while quiet < self._rate and total < longest:
+            pieces.append(other.process(silence))
+            level = float(numpy.abs(pieces[-1]).max(initial=0.0))
+            peak = max(peak, level)
+            quiet = quiet + piece if level <= peak * 1e-3 else 0
+            total += piece
+        return numpy.concatenate(pieces, axis=1)
+
+    def impulse_responses(self, seconds: float | None = None) -> numpy.ndarray:
+        """From each source to each output: (sources, outputs, frames), by default as long as the decay time and a
+        half."""
+        longest = max(1.0, self["trl"], self["trm"], self["trh"])
+        length = int(round((1.5 * self["tr0"] * longest if seconds is None else seconds) * self._rate))
+        responses = numpy.zeros((self.sources, self.outputs, length), numpy.float32)
+        for source in range(self.sources):
+            impulse = numpy.zeros((self.sources, 1), numpy.float32)
+            impulse[source] = 1.0
+            responses[source] = _padded(self._fresh(), impulse, length)
+        return responses
+
+    def _fresh(self) -> Any:
+        """The same room at rest."""
+        other = _orvanverb.Room(self.sources, self.outputs, self.internals, self._rate)
+        other.restore(self._room.state())
+        other.configure(self._rate)
+        other.settle()
+        return other
+
+    # State
+
+    @property
+    def state(self) -> dict[str, Any]:
+        """All that the room was told: names and values, as `orvanverb render --save-state` writes them."""
+        state: dict[str, Any] = {}
+        for line in self._room.state().splitlines()[1:]:
+            name, *words = line.split()
+            values = [_value(word) for word in words]
+            state[name] = values[0] if len(values) == 1 else values
+        return state
+
+    @state.setter
+    def state(self, state: Mapping[str, Any]) -> None:
+        lines = ["orvanverb-state 1"]
+        for name, value in state.items():
+            values = value if isinstance(value, (list, tuple)) else [value]
+            lines.append(" ".join([name, *(_word(item) for item in values)]))
+        self._room.restore("\n".join(lines) + "\n")
+
+    def to_json(self) -> str:
+        """The state as JSON text."""
+        return json.dumps(self.state)
+
+    def __getstate__(self) -> dict[str, Any]:
+        return {"rate": self._rate, "shape": (self.sources, self.outputs, self.internals), "text": self._room.state()}
+
+    def __setstate__(self, saved: Mapping[str, Any]) -> None:
+        sources, outputs, internals = saved["shape"]
+        self.__init__(sources, "headphones" if outputs == 2 else outputs, saved["rate"], internals)  # type: ignore
+        self._room.restore(saved["text"])
+        self._room.configure(saved["rate"])
+
+    def __repr__(self) -> str:
+        where = "headphones" if self.outputs == 2 else f"{self.outputs} loudspeakers"
+        return (f"<orvanverb.Room: {self.sources} source{'s' if self.sources > 1 else ''} to {where}, "
+                f"{self._rate:g} Hz, decay {self['tr0']:.3g} s>")
+
+
+_add_controls(Room, "late")
+_add_controls(_Direct, "direct")
+_add_controls(_Shelf, "room")
+_add_controls(_Early, "early")
+_add_controls(_Cluster, "cluster")
+
+
+def _value(word: str) -> Any:
+    for kind in (int, float):
+        try:
+            return kind(word)
+        except ValueError:
+            pass
+    return word
+
+
+def _word(value: Any) -> str:
+    if isinstance(value, float):
+        return repr(float(numpy.float32(value))) if not isinstance(value, numpy.float32) else repr(float(value))
+    return str(value)
+
+
+def _padded(room: Any, x: numpy.ndarray, length: int) -> numpy.ndarray:
+    """What comes of a recording with silence behind it, in whole vectors, cut to a length."""
+    frames = -(-max(length, x.shape[1] if length >= x.shape[1] else length) // _VECTOR) * _VECTOR
+    padded = numpy.zeros((x.shape[0], frames), numpy.float32)
+    count = min(frames, x.shape[1])
+    padded[:, :count] = x[:, :count]
+    return room.process(padded)[:, :length]
+
+
+def measure(response: Any, rate: float, bands: str = "octave") -> dict[str, Any]:
+    """Measures an impulse response after ISO 3382-1: decay times, energy ratios, correlation of two ears.
+
+    :param response: (channels, frames) or (frames,)
+    :param bands: "octave" or "third"
+    :return: {"all": figures, "bands": {"125": figures, ...}, "t30_mid_s": ..., ...}; None is what can't be told
+    """
+    if bands not in ("octave", "third"):
+        raise ValueError(f"bands: '{bands}' is neither 'octave' nor 'third'")
+    if not rate > 0:
+        raise ValueError(f"rate: {rate} is not above 0")
+    return _orvanverb.measure(numpy.atleast_2d(numpy.asarray(response, numpy.float32)), rate, bands == "third")

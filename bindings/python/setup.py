@@ -1,0 +1,30 @@
+"""Builds the module by the project's own CMake files."""
+
+import os
+import pathlib
+import subprocess
+import sys
+
+from setuptools import Extension, setup
+from setuptools.command.build_ext import build_ext
+
+
+class CMakeBuild(build_ext):
+    def build_extension(self, extension):
+        here = pathlib.Path(__file__).resolve().parent
+        build = pathlib.Path(self.build_temp).resolve()
+        target = pathlib.Path(self.get_ext_fullpath(extension.name)).resolve().parent
+        build.mkdir(parents=True, exist_ok=True)
+        subprocess.run(
+            ["cmake", "-S", str(here.parent.parent), "-B", str(build), "-DCMAKE_BUILD_TYPE=Release",
+             "-DORVAN_BUILD_PYTHON=ON", "-DORVAN_BUILD_TESTS=OFF", "-DORVAN_BUILD_BENCH=OFF",
+             "-DORVAN_BUILD_PROGRAM=OFF", "-DORVAN_BUILD_PLUGINS=OFF", f"-DPython3_EXECUTABLE={sys.executable}"],
+            check=True)
+        subprocess.run(["cmake", "--build", str(build), "--target", "orvan_python", "-j", str(os.cpu_count() or 2)],
+                       check=True)
+        target.mkdir(parents=True, exist_ok=True)
+        for module in (build / "python" / "orvanverb").glob("_orvanverb*"):
+            self.copy_file(str(module), str(target))
+
+
+setup(ext_modules=[Extension("orvanverb._orvanverb", [])], cmdclass={"build_ext": CMakeBuild})

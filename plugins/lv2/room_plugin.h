@@ -1,0 +1,95 @@
+#pragma once
+
+#include <lv2/atom/atom.h>
+#include <lv2/atom/forge.h>
+#include <lv2/core/lv2.h>
+#include <lv2/log/logger.h>
+#include <lv2/state/state.h>
+#include <lv2/urid/urid.h>
+#include <lv2/worker/worker.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "lv2/fade.h"
+#include "lv2/variants.h"
+#include "room/room.h"
+
+namespace lv2 {
+
+/// The host's numbers for the URIs that the plug-in speaks of.
+struct Urids {
+    explicit Urids(LV2_URID_Map& map);
+
+    LV2_URID atomPath, atomString, atomUrid, patchGet, patchSet, patchProperty, patchValue;
+    LV2_URID ears, state;  // of this plug-in
+    LV2_URID maxBlockLength, minBlockLength, atomInt;
+};
+
+/// One plug-in as a host runs it: a room, its ports and the ways between them.
+///
+/// Threads as the host's API has it: Run on the audio thread, without heap, lock or file; Work beside it; everything
+/// else while the plug-in doesn't run.
+class RoomPlugin {
+public:
+    /// @throws std::exception if the host lacks what the plug-in needs
+    RoomPlugin(Variant const& variant, double sampleRate, LV2_Feature const* const* features);
+
+    void Connect(std::uint32_t port, void* data);
+    void Activate();
+    void Deactivate();
+    void Run(std::uint32_t numSamples);
+
+    LV2_Worker_Status Work(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle, std::uint32_t size,
+                           void const* data);
+    LV2_Worker_Status WorkResponse(std::uint32_t size, void const* body);
+    LV2_State_Status Save(LV2_State_Store_Function store, LV2_State_Handle handle, LV2_Feature const* const* features);
+    LV2_State_Status Restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
+                             LV2_Feature const* const* features);
+
+private:
+    struct Source {
+        float azimuthDeg, elevationDeg, distance;
+        Fade fade;
+    };
+
+    void Configure();
+    void Renew(Lume::RoomState const& state);
+    float const* Value(std::size_t port) const { return static_cast<float const*>(data[port]); }
+    void ReadEvents();
+    void TellEars();
+    void ReadPorts();
+    void ReadSource(unsigned int source, float azimuthDeg, float elevationDeg, float distance);
+    void Process(std::size_t begin, std::size_t count);
+    void AddDry(std::size_t begin, std::size_t count);
+
+    Variant const& variant;
+    double sampleRate;
+    LV2_Log_Logger logger{};
+    LV2_Worker_Schedule* schedule = nullptr;
+    std::unique_ptr<Urids> urids;
+    LV2_Atom_Forge forge{};
+    std::size_t blockLength = 0;  // the longest that the host announced [samples]
+    bool steadyBlocks = false;    // all blocks have that length
+
+    std::vector<Port> ports;
+    std::vector<void*> data;      // what each port is connected to
+    std::vector<float> lastSeen;  // of each port with a value
+
+    std::unique_ptr<Lume::Room> room;
+    bool configured = false;  // the room is
+    bool active = false;
+    std::vector<Source> sources;
+    Fade wet, dry;
+    std::vector<std::vector<float>> inputs;   // faded, a block each
+    std::vector<std::vector<float>> waiting;  // dry samples on their way past the room's latency, oldest first
+    std::vector<float const*> roomInputs;
+    std::vector<float*> roomOutputs;
+    std::vector<float> peaks;
+    bool tellEars = false;
+    std::mutex besideAudio;  // ears are prepared while the room isn't configured anew; Run never takes it
+};
+
+}  // namespace lv2

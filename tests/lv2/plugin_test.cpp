@@ -1,0 +1,336 @@
+#include <gtest/gtest.h>
+#include <lilv/lilv.h>
+#include <lv2/buf-size/buf-size.h>
+#include <lv2/options/options.h>
+#include <lv2/state/state.h>
+#include <lv2/urid/urid.h>
+#include <lv2/worker/worker.h>
+
+#include <cmath>
+#include <limits>
+#include <map>
+#include <memory>
+#include <numbers>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "program/run_program.h"
+#include "program/sound_files.h"
+#include "support/allocation_count.h"
+#include "support/signals.h"
+
+namespace {
+
+/// The host's numbers for URIs.
+class UridMap {
+public:
+    LV2_URID operator()(std::string const& uri) {
+        return numbers.try_emplace(uri, static_cast<LV2_URID>(numbers.size() + 1)).first->second;
+    }
+    char const* Uri(LV2_URID number) const {
+        for (auto const& [uri, known] : numbers)
+            if (known == number) return uri.c_str();
+        return nullptr;
+    }
+
+    LV2_URID_Map map{this,
+                     [](LV2_URID_Map_Handle self, char const* uri) { return (*static_cast<UridMap*>(self))(uri); }};
+    LV2_URID_Unmap unmap{this, [](LV2_URID_Unmap_Handle self, LV2_URID number) {
+                             return static_cast<UridMap const*>(self)->Uri(number);
+                         }};
+
+private:
+    std::map<std::string, LV2_URID> numbers;
+};
+
+/// The bundle that was built, and nothing else.
+class Bundle {
+public:
+    Bundle() : world(lilv_world_new()) {
+        LilvNode* const uri = lilv_new_file_uri(world, nullptr, LV2_BUNDLE "/");
+        lilv_world_load_bundle(world, uri);
+        lilv_node_free(uri);
+    }
+    ~Bundle() { lilv_world_free(world); }
+    Bundle(Bundle const&) = delete;
+    Bundle& operator=(Bundle const&) = delete;
+
+    LilvPlugins const* Plugins() const { return lilv_world_get_all_plugins(world); }
+    LilvPlugin const* Plugin(std::string const& symbol) const {
+        LilvNode* const uri = lilv_new_uri(world, ("urn:orvanverb:lv2:" + symbol).c_str());
+        LilvPlugin const* const plugin = lilv_plugins_get_by_uri(Plugins(), uri);
+        lilv_node_free(uri);
+        return plugin;
+    }
+
+    LilvWorld* world;
+    UridMap urids;
+};
+
+/// One plug-in in a host that announces the longest block, and whether all are so long.
+class Instance {
+public:
+    Instance(Bundle& newBundle, LilvPlugin const* newPlugin, double rate, std::int32_t longest, bool steady)
+        : bundle(newBundle), plugin(newPlugin) {
+        const std::int32_t shortest = steady ? longest : 1;
+        const LV2_URID type = bundle.urids("http://lv2plug.in/ns/ext/atom#Int");
+        const LV2_Options_Option options[] = {
+            {LV2_OPTIONS_INSTANCE, 0, bundle.urids(LV2_BUF_SIZE__minBlockLength), sizeof shortest, type, &shortest},
+            {LV2_OPTIONS_INSTANCE, 0, bundle.urids(LV2_BUF_SIZE__maxBlockLength), sizeof longest, type, &longest},
+            {LV2_OPTIONS_INSTANCE, 0, 0, 0, 0, nullptr}};
+        const LV2_Feature map{LV2_URID__map, &bundle.urids.map},
+            given{LV2_OPTIONS__options, const_cast<LV2_Options_Option*>(options)};
+        LV2_Feature const* const features[] = {&map, &given, nullptr};
+        instance = lilv_plugin_instantiate(plugin, rate, features);
+        const std::uint32_t numPorts = lilv_plugin_get_num_ports(plugin);
+        values.resize(numPorts);
+        least.resize(numPorts);
+        greatest.resize(numPorts);
+        lilv_plugin_get_port_ranges_float(plugin, least.data(), greatest.data(), values.data());
+        LilvNode* const audio = lilv_new_uri(bundle.world, LILV_URI_AUDIO_PORT);
+        LilvNode* const control = lilv_new_uri(bundle.world, LILV_URI_CONTROL_PORT);
+        LilvNode* const input = lilv_new_uri(bundle.world, LILV_URI_INPUT_PORT);
+        for (std::uint32_t i = 0; i < numPorts; ++i) {
+            LilvPort const* const port = lilv_plugin_get_port_by_index(plugin, i);
+            const bool isInput = lilv_port_is_a(plugin, port, input);
+            if (lilv_port_is_a(plugin, port, audio)) (isInput ? inputs : outputs).push_back(i);
+            if (!lilv_port_is_a(plugin, port, control)) continue;
+            if (isInput) controls.push_back(i);
+            lilv_instance_connect_port(instance, i, &values[i]);
+        }
+        for (LilvNode* const node : {audio, control, input}) lilv_node_free(node);
+    }
+    ~Instance() { lilv_instance_free(instance); }
+    Instance(Instance const&) = delete;
+    Instance& operator=(Instance const&) = delete;
+
+    float& Value(std::string const& symbol) {
+        LilvNode* const node = lilv_new_string(bundle.world, symbol.c_str());
+        const std::uint32_t index = lilv_port_get_index(plugin, lilv_plugin_get_port_by_symbol(plugin, node));
+        lilv_node_free(node);
+        return values[index];
+    }
+
+    /// Runs over a sound and gives what comes out. @param block  the length of the next block
+    template <class Length>
+    Sound Play(Sound const& sound, Length&& block) {
+        Sound in = sound, out{std::vector(outputs.size(), std::vector<float>(sound.NumFrames())), sound.samplerate};
+        for (std::size_t done = 0; done < sound.NumFrames();) {
+            const std::size_t count = std::min<std::size_t>(block(), sound.NumFrames() - done);
+            for (std::size_t i = 0; i < inputs.size(); ++i)
+                lilv_instance_connect_port(instance, inputs[i], in.samples[i].data() + done);
+            for (std::size_t i = 0; i < outputs.size(); ++i)
+                lilv_instance_connect_port(instance, outputs[i], out.samples[i].data() + done);
+            const long before = AllocationCount();
+            lilv_instance_run(instance, static_cast<std::uint32_t>(count));
+            numAllocations += AllocationCount() - before;
+            done += count;
+        }
+        return out;
+    }
+
+    std::string SavedState() {
+        LilvState* const state =
+            lilv_state_new_from_instance(plugin, instance, &bundle.urids.map, nullptr, nullptr, nullptr, nullptr,
+                                         GetPort, this, LV2_STATE_IS_POD, nullptr);
+        char* const text =
+            lilv_state_to_string(bundle.world, &bundle.urids.map, &bundle.urids.unmap, state, "urn:x", nullptr);
+        std::string result(text);
+        lilv_free(text);
+        lilv_state_free(state);
+        return result;
+    }
+    void Restore(std::string const& text) {
+        LilvState* const state = lilv_state_new_from_string(bundle.world, &bundle.urids.map, text.c_str());
+        Restore(state);
+    }
+    void RestorePreset(std::string const& name) {
+        LilvNode* const uri = lilv_new_uri(
+            bundle.world, (std::string(lilv_node_as_uri(lilv_plugin_get_uri(plugin))) + ":" + name).c_str());
+        lilv_world_load_resource(bundle.world, uri);
+        Restore(lilv_state_new_from_world(bundle.world, &bundle.urids.map, uri));
+        lilv_node_free(uri);
+    }
+
+    Bundle& bundle;
+    LilvPlugin const* plugin;
+    LilvInstance* instance;
+    std::vector<float> values, least, greatest;
+    std::vector<std::uint32_t> inputs, outputs, controls;
+    long numAllocations = 0;
+
+private:
+    static void const* GetPort(char const* symbol, void* self, std::uint32_t* size, std::uint32_t* type) {
+        auto& instance = *static_cast<Instance*>(self);
+        *size = sizeof(float);
+        *type = instance.bundle.urids("http://lv2plug.in/ns/ext/atom#Float");
+        return &instance.Value(symbol);
+    }
+    void Restore(LilvState* state) {
+        ASSERT_NE(state, nullptr);
+        lilv_state_restore(
+            state, instance,
+            [](char const* symbol, void* self, void const* value, std::uint32_t, std::uint32_t) {
+                static_cast<Instance*>(self)->Value(symbol) = *static_cast<float const*>(value);
+            },
+            this, 0, nullptr);
+        lilv_state_free(state);
+    }
+};
+
+Sound Noise(unsigned int numChannels, double seconds, int rate = 48000) {
+    Sound sound;
+    sound.samplerate = rate;
+    std::mt19937 random(3);
+    for (unsigned int c = 0; c < numChannels; ++c) {
+        sound.samples.emplace_back(static_cast<std::size_t>(seconds * rate));
+        for (float& sample : sound.samples.back())
+            sample = static_cast<float>(static_cast<double>(random()) / 4294967296.0 - 0.5) * 0.2f;
+    }
+    return sound;
+}
+
+// Red if outputs change places, if a port's standard isn't the room's, or if the engine runs at another vector.
+TEST(Lv2, PlaysWhatTheProgramRenders) {
+    struct Case {
+        char const *variant, *speakers, *preset;
+        std::vector<std::size_t> fileChannels;  // of each output
+    };
+    Bundle bundle;
+    TemporaryDirectory directory;
+    for (auto const& [variant, speakers, preset, fileChannels] :
+         {Case{"mono-headphones", "2", "", {0, 1}}, Case{"stereo-5.0", "5", "hall", {0, 2, 1, 3, 4}},
+          Case{"stereo-ring8", "8", "", {0, 1, 2, 3, 4, 5, 6, 7}},
+          Case{"mono-ring6", "6", "studio", {0, 1, 2, 3, 4, 5}}}) {
+        Instance plugin(bundle, bundle.Plugin(variant), 48000.0, 256, true);
+        const Sound sound = Noise(static_cast<unsigned int>(plugin.inputs.size()), 0.7);
+        WriteSound(directory / "in.wav", sound);
+        std::vector<std::string> words{
+            "render", directory / "in.wav", "-o",   directory / "out.wav", "--speakers", speakers, "--tail",
+            "0",      "--format",           "float"};
+        if (*preset != '\0') {
+            plugin.RestorePreset(preset);
+            words.insert(words.end(), {"--preset", ROOMS "/" + std::string(preset) + ".room"});
+        }
+        ASSERT_EQ(RunProgram(words).status, 0);
+        const Sound rendered = ReadSound(directory / "out.wav");
+        lilv_instance_activate(plugin.instance);
+        const Sound played = plugin.Play(sound, [] { return 256u; });
+        EXPECT_EQ(plugin.Value("latency"), 0.0f);
+        ASSERT_EQ(rendered.samples.size(), played.samples.size());
+        // A preset reaches the two by calls in another order, and glides end a fraction of a sample beside their goal.
+        const float tolerance = *preset == '\0' ? 0.0f : 1e-4f;
+        for (std::size_t i = 0; i < played.samples.size(); ++i)
+            for (std::size_t k = 0; k < played.NumFrames(); ++k)
+                ASSERT_NEAR(played.samples[i][k], rendered.samples[fileChannels[i]][k], tolerance)
+                    << variant << " " << i << " " << k;
+        lilv_instance_deactivate(plugin.instance);
+        std::filesystem::remove(directory / "out.wav");
+    }
+}
+
+// Blocks of any length give the same samples, later by the latency that the plug-in reports, and off is dry.
+TEST(Lv2, RunsInBlocksOfAnyLength) {
+    Bundle bundle;
+    const Sound sound = Noise(1, 0.5);
+    Instance steady(bundle, bundle.Plugin("mono-headphones"), 48000.0, 64, true);
+    Instance varying(bundle, bundle.Plugin("mono-headphones"), 48000.0, 8192, false);
+    lilv_instance_activate(steady.instance);
+    lilv_instance_activate(varying.instance);
+    std::mt19937 random(5);
+    const Sound a = steady.Play(sound, [] { return 64u; });
+    const Sound b =
+        varying.Play(sound, [&] { return static_cast<std::size_t>(1 + random() % (random() % 4 == 0 ? 2000 : 90)); });
+    const auto latency = static_cast<std::size_t>(varying.Value("latency"));
+    EXPECT_GT(latency, 0u);
+    for (std::size_t k = 0; k + latency < sound.NumFrames(); ++k)
+        ASSERT_EQ(a.samples[0][k], b.samples[0][k + latency]) << k;
+    varying.Value("enabled") = 0.0f;
+    varying.Play(Noise(1, 10.0), [] { return 500u; });
+    Sound silence = sound;
+    std::fill(silence.samples[0].begin(), silence.samples[0].end(), 0.0f);
+    varying.Play(silence, [] { return 500u; });
+    for (int i = 0; i < 20; ++i) varying.Play(silence, [] { return 500u; });
+    const Sound dry = varying.Play(sound, [] { return 500u; });
+    for (std::size_t k = latency; k < sound.NumFrames(); ++k)
+        ASSERT_NEAR(dry.samples[1][k], sound.samples[0][k - latency], 1e-6f) << k;
+}
+
+// Every variant at odd rates under ports at their ends, beyond them, and without a number; on the audio thread no heap.
+TEST(Lv2, SurvivesWhateverItsPortsSay) {
+    Bundle bundle;
+    std::mt19937 random(11);
+    LILV_FOREACH(plugins, i, bundle.Plugins()) {
+        LilvPlugin const* const plugin = lilv_plugins_get(bundle.Plugins(), i);
+        for (const double rate : {8000.0, 44100.0, 192000.0}) {
+            Instance instance(bundle, plugin, rate, 2048, false);
+            ASSERT_NE(instance.instance, nullptr);
+            lilv_instance_activate(instance.instance);
+            const Sound sound =
+                Noise(static_cast<unsigned int>(instance.inputs.size()), 200.0 / rate, static_cast<int>(rate));
+            for (int step = 0; step < 12; ++step) {
+                for (const std::uint32_t port : instance.controls) {
+                    const auto choice = static_cast<unsigned int>(random() % 6);
+                    if (choice == 0) instance.values[port] = instance.least[port];
+                    if (choice == 1) instance.values[port] = instance.greatest[port];
+                    if (choice == 2) instance.values[port] = std::numeric_limits<float>::quiet_NaN();
+                    if (choice == 3) instance.values[port] = 1e30f;
+                }
+                const Sound out = instance.Play(sound, [&] { return static_cast<std::size_t>(1 + random() % 2048); });
+                for (auto const& channel : out.samples)
+                    for (const float sample : channel) ASSERT_TRUE(std::abs(sample) < 1e6f);
+            }
+            EXPECT_EQ(instance.numAllocations, 0) << lilv_node_as_uri(lilv_plugin_get_uri(plugin)) << " " << rate;
+            lilv_instance_deactivate(instance.instance);
+        }
+    }
+}
+
+// A session from another machine, whose ears aren't here, opens and plays; what is no state changes nothing.
+TEST(Lv2, OpensWithWhatIsThere) {
+    Bundle bundle;
+    LilvPlugin const* const plugin = bundle.Plugin("mono-headphones");
+    const Sound sound = Noise(1, 0.2);
+    const auto play = [&](std::string const& text) {
+        Instance instance(bundle, plugin, 48000.0, 64, true);
+        if (!text.empty()) instance.Restore(text);
+        lilv_instance_activate(instance.instance);
+        return instance.Play(sound, [] { return 64u; }).samples;
+    };
+    const auto expected = play("");
+    const auto expectSame = [&](std::vector<std::vector<float>> const& played) {
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            for (std::size_t k = 0; k < expected[i].size(); ++k) ASSERT_NEAR(played[i][k], expected[i][k], 1e-4f) << k;
+    };
+    Instance fresh(bundle, plugin, 48000.0, 64, true);
+    std::string saved = fresh.SavedState();
+    const std::string ears =
+        "state:state [ <urn:orvanverb:lv2:ears> \"/no/such/set.hrtf\"^^<http://lv2plug.in/ns/ext/atom#Path> ; ";
+    const std::size_t at = saved.find("state:state [");
+    ASSERT_NE(at, saved.npos);
+    expectSame(play(saved.replace(at, 13, ears)));
+    const std::size_t first = saved.find("orvanverb-state 1");
+    expectSame(play(saved.replace(first, 17, "orvanverb-state 9")));
+}
+
+TEST(Lv2, StateComesBackByteForByte) {
+    Bundle bundle;
+    LilvPlugin const* const plugin = bundle.Plugin("stereo-headphones");
+    const Sound sound = Noise(2, 0.1);
+    Instance first(bundle, plugin, 48000.0, 64, true), second(bundle, plugin, 48000.0, 64, true);
+    first.RestorePreset("cathedral");
+    first.Value("tr0") = 3.25f;
+    first.Value("source_2_azimuth") = -77.5f;
+    lilv_instance_activate(first.instance);
+    first.Play(sound, [] { return 64u; });
+    const std::string saved = first.SavedState();
+    EXPECT_NE(saved.find("numinternals 16"), std::string::npos);
+    second.Restore(saved);
+    lilv_instance_activate(second.instance);
+    second.Play(sound, [] { return 64u; });
+    EXPECT_EQ(second.SavedState(), saved);
+    EXPECT_EQ(second.Value("source_2_azimuth"), -77.5f);
+}
+
+}  // namespace

@@ -1,0 +1,168 @@
+"""The package as its users call it, against the program."""
+
+import doctest
+import os
+import pathlib
+import pickle
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+import numpy
+import pytest
+
+import orvanverb
+from orvanverb import batch
+
+PROGRAM = os.environ["ORVANVERB"]
+
+
+def noise(sources, frames):
+    return numpy.random.default_rng(5).uniform(-0.2, 0.2, (sources, frames)).astype(numpy.float32)
+
+
+def furnished(speakers, **options):
+    room = orvanverb.Room(sources=2, speakers=speakers, **options)
+    room.decay_s = 1.3
+    room.early.gain_db = -4.5
+    room.cluster.freq_high_hz = 3000
+    room.place(0, azimuth_deg=-45, elevation_deg=0, distance_m=2)
+    room.place(1, azimuth_deg=100, distance_m=1.5)
+    return room
+
+
+def test_documentation_runs():
+    assert doctest.testmod(orvanverb).failed == 0
+
+
+@pytest.mark.parametrize("speakers", ["headphones", 6])
+def test_impulse_responses_are_what_process_answers(speakers):
+    room = furnished(speakers)
+    responses = room.impulse_responses(0.2)
+    assert responses.shape == (2, room.outputs, 9600)
+    x = numpy.zeros((2, 9600), numpy.float32)
+    x[1, 128] = 0.5
+    played = room.render(x, tail=0)
+    numpy.testing.assert_array_equal(played[:, :128], 0)
+    numpy.testing.assert_allclose(played[:, 128:], 0.5 * responses[1, :, :-128], atol=1e-6)
+
+
+def test_streaming_remembers():
+    whole, pieces = furnished(6), furnished(6)
+    x = noise(2, 6400)
+    parts = [pieces.process(x[:, i:i + 640]) for i in range(0, 6400, 640)]
+    numpy.testing.assert_array_equal(numpy.concatenate(parts, axis=1), whole.process(x))
+    assert whole.latency == 0
+
+
+def test_front_left_is_left():
+    room = orvanverb.Room(speakers="headphones")
+    room.place(0, azimuth_deg=-90)
+    left, right = numpy.square(room.impulse_responses(0.01)[0]).sum(axis=1)
+    assert left > 4 * right
+
+
+def test_decay_is_the_one_asked_for():
+    room = orvanverb.Room(speakers=8)
+    room.decay_s, room.decay_high = 1.0, 1.0
+    measured = orvanverb.measure(room.impulse_responses(1.5)[0], 48000)
+    assert measured["t30_mid_s"] == pytest.approx(1.0, rel=0.05)
+
+
+def test_states_come_back():
+    room = furnished(6, rate=44100, internals=12)
+    other = orvanverb.Room(sources=2, speakers=6, rate=44100, internals=12)
+    other.state = room.state
+    assert other.state == room.state
+    x = noise(2, 2000)
+    copy = pickle.loads(pickle.dumps(room))
+    numpy.testing.assert_array_equal(copy.render(x, 0.1), room.render(x, 0.1))
+    numpy.testing.assert_array_equal(other.render(x, 0.1), room.render(x, 0.1))
+
+
+def test_mistakes_are_named():
+    room = furnished(6)
+    with pytest.raises(ValueError, match="tr0: 99 is not from 0.1 to 10 s"):
+        room.decay_s = 99
+    with pytest.raises(AttributeError, match="decay_s"):
+        room.decay = 1
+    with pytest.raises(AttributeError, match="gain_db"):
+        room.early.gain = 1
+    with pytest.raises(ValueError, match=r"shape \(2, frames\).*\(480, 2\)"):
+        room.process(numpy.zeros((480, 2)))
+    with pytest.raises(IndexError, match="source 2"):
+        room.place(2, 0)
+    with pytest.raises(ValueError, match="headphones"):
+        orvanverb.Room(speakers=2)
+    bad = noise(2, 640)
+    bad[0, 7], bad[1, 9] = numpy.nan, 3e38
+    assert numpy.isfinite(room.process(bad)).all()
+
+
+def test_two_threads_in_one_room_are_told_so():
+    room = furnished(6)
+    thread = threading.Thread(target=room.process, args=(noise(2, 64 * 40000),))
+    thread.start()
+    seen = ""
+    while thread.is_alive() and not seen:
+        try:
+            room.clear()
+        except RuntimeError as error:
+            seen = str(error)
+    thread.join()
+    assert "another thread" in seen
+
+
+TABLE = "id,tr0,azimuth,speakers,seconds\na,0.4,-30,headphones,0.3\nb,0.5,40,6,0.3\nc,0.3,0,8,0.3\nd,0.6,10,1,0.3\n"
+
+
+def files(folder):
+    return {path.name: path.read_bytes() for path in sorted(pathlib.Path(folder).iterdir())}
+
+
+def test_batches_give_the_same_bytes_however_they_run(tmp_path):
+    distributed = pytest.importorskip("distributed")
+    (tmp_path / "rooms.csv").write_text(TABLE)
+    rooms = batch.read_table(tmp_path / "rooms.csv")
+    failed = batch.run(rooms, tmp_path / "one", workers=1)
+    assert list(failed) == ["d"] and "3 to 64" in failed["d"]
+    batch.run(rooms, tmp_path / "two", workers=2)
+    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None) as cluster:
+        with distributed.Client(cluster) as client:
+            batch.run(rooms, tmp_path / "dask", client=client)
+    assert sorted(files(tmp_path / "one")) == ["a.npz", "b.npz", "c.npz", "index.json"]
+    assert files(tmp_path / "one") == files(tmp_path / "two") == files(tmp_path / "dask")
+    labels = batch.labels_of(tmp_path / "one" / "b.npz")
+    assert labels["azimuth"] == 40 and labels["room"]["tr0"] == 0.5
+
+
+def test_a_killed_run_goes_on(tmp_path):
+    words = [sys.executable, "-m", "orvanverb.batch", "random:24:3", "--out", str(tmp_path / "killed"), "--workers", "2"]
+    run = subprocess.Popen(words, start_new_session=True, stderr=subprocess.DEVNULL)
+    while run.poll() is None and len(list((tmp_path / "killed").glob("*.npz"))) < 3:
+        time.sleep(0.02)
+    os.killpg(run.pid, signal.SIGKILL)
+    run.wait()
+    assert not (tmp_path / "killed" / "index.json").exists()
+    subprocess.run(words, check=True, stderr=subprocess.DEVNULL)
+    batch.run(batch.random_rooms(24, 3), tmp_path / "whole")
+    killed = {name: data for name, data in files(tmp_path / "killed").items() if not name.endswith(".part")}
+    assert killed == files(tmp_path / "whole") and len(killed) == 25
+
+
+def test_tables_are_checked(tmp_path):
+    for text, complaint in [("tr0\n99\n", r"rooms.csv:2: tr0: 99 is not from 0.1 to 10 s"), ("tro\n1\n", "'tro'"),
+                            ("id\na\na\n", "twice"), ("tr0\nx\n", "no number")]:
+        (tmp_path / "rooms.csv").write_text(text)
+        with pytest.raises(ValueError, match=complaint):
+            batch.read_table(tmp_path / "rooms.csv")
+
+
+def test_stubs_are_current():
+    top = pathlib.Path(__file__).parents[2]
+    sys.path.append(str(top / "tools"))
+    import make_python_stub
+
+    assert (top / "bindings/python/orvanverb/__init__.pyi").read_text() == make_python_stub.stub()
