@@ -11,6 +11,7 @@
 #include "orvanverb/hrtf/hrtf_command_line.h"
 #include "orvanverb/measure/measure_command_line.h"
 #include "orvanverb/pan/pan_command_line.h"
+#include "orvanverb/presets/presets_command.h"
 #include "orvanverb/room/render_command_line.h"
 
 namespace program {
@@ -79,6 +80,7 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
     AddDecodeCommand(app, options);
     AddHrtfCommand(app, options);
     AddMeasureCommand(app, options);
+    AddPresetsCommand(app, options);
     AddObjectCommands(app, options);
     try {
         app.parse(arguments);

@@ -12,6 +12,7 @@
 #include "orvanverb/object/shell.h"
 #include "orvanverb/options/file_roles.h"
 #include "orvanverb/pan/pan_command.h"
+#include "orvanverb/presets/presets_command.h"
 #include "orvanverb/room/render.h"
 
 namespace program {
@@ -53,6 +54,9 @@ int Obey(Options const& options) {
             return ObeyHrtf(options.hrtf);
         case Command::Measure:
             RunMeasure(options);
+            break;
+        case Command::Presets:
+            ListPresets(options.json);
             break;
         case Command::Shell:
             return RunShell(JoinWords(options.attributes));

@@ -92,7 +92,7 @@ void DrawEchoes(std::ostream& out, ResponseFile const& response, RoomMeasurement
             << FixedText(1000.0 * echoes.reflections[i].seconds, 1) << "\"\n";
     out << "EOD\nset title 'First echoes: energy of 0.25 ms; clear reflections with their times in ms'\n"
         << "set xlabel 'ms behind the direct sound'\nset ylabel 'dB'\nset xrange [-3:" << 1000.0 * shownSeconds
-        << "]\nset yrange [-60:9]\nset ytics -60,10,0\nset label 1 'direct' at -1,1.8 left textcolor rgb '" << ink
+        << "]\nset yrange [-60:9]\nset ytics -60,10,0\nset label 1 'direct' at -2,6.5 left textcolor rgb '" << ink
         << "' font ',9'\nplot $echoes using 1:(-60):(0):($2+60) with vectors nohead lw 2 lc rgb '#3b528b'";
     if (!echoes.reflections.empty())
         out << ", $marks using 1:2 with points pt 7 ps 0.6 lc rgb '" << mark

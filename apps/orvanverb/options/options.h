@@ -17,7 +17,19 @@ namespace program {
 
 /// What the user asked for: every word checked on its own, nothing opened yet.
 struct Options {
-    enum class Command { Render, ImpulseResponse, Pan, Decode, Hrtf, Measure, Shell, Attributes, Controls, Reference };
+    enum class Command {
+        Render,
+        ImpulseResponse,
+        Pan,
+        Decode,
+        Hrtf,
+        Measure,
+        Presets,
+        Shell,
+        Attributes,
+        Controls,
+        Reference
+    };
     struct SourcePlace {
         unsigned int number = 1;  // counted from 1
         ListenerPosition position;

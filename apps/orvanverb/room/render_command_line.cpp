@@ -50,8 +50,11 @@ void AddRoomOptions(CLI::App& command, Options& options, Words& words) {
         ->type_name("FILE")
         ->take_last();
     AddPlaces(command, options, words.common);
-    command.add_option("--preset", words.preset, "A room: a file with one NAME VALUE... a line")
-        ->type_name("FILE")
+    command
+        .add_option("--preset", words.preset,
+                    "A room: a name that `orvanverb presets` lists, or a file with one NAME VALUE...\n"
+                    "a line")
+        ->type_name("NAME|FILE")
         ->take_last();
     command.add_option("--set", words.settings, "Set a control of the room, over the preset; may be repeated")
         ->type_name("NAME=VALUE")

@@ -9,6 +9,7 @@
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/presets/preset.h"
 #include "orvanverb/room/control.h"
 #include "orvanverb/room/source_motion.h"
 
@@ -78,7 +79,7 @@ std::unique_ptr<RoomObject> NewRoom(unsigned int sources, unsigned int speakers,
 RoomSetup::RoomSetup(Options const& options, unsigned int numSources)
     : sources(numSources), attributes(SplitAttributes(options.attributes)) {
     CheckSettings(options.settings);
-    if (options.preset) preset = LoadPreset(*options.preset);
+    if (options.preset) preset = LoadPreset(FindPreset(*options.preset));
     if (options.state) stateFile.emplace(*options.state);
     if (options.scene) scene = Scene(*options.scene);
     ChooseShape(options, numSources);
