@@ -202,7 +202,7 @@ TEST(Lv2, PlaysWhatTheProgramRenders) {
     for (auto const& [variant, speakers, preset, fileChannels] :
          {Case{"mono-headphones", "2", "", {0, 1}}, Case{"stereo-5.0", "5", "hall", {0, 2, 1, 3, 4}},
           Case{"stereo-ring8", "8", "", {0, 1, 2, 3, 4, 5, 6, 7}},
-          Case{"mono-ring6", "6", "studio", {0, 1, 2, 3, 4, 5}}}) {
+          Case{"mono-ring6", "6", "chamber_hall", {0, 1, 2, 3, 4, 5}}}) {
         Instance plugin(bundle, bundle.Plugin(variant), 48000.0, 256, true);
         const Sound sound = Noise(static_cast<unsigned int>(plugin.inputs.size()), 0.7);
         WriteSound(directory / "in.wav", sound);
