@@ -11,6 +11,7 @@ namespace {
 constexpr char const* scaleNames[] = {"linear", "logarithmic", "on/off"};
 constexpr char const* groupNames[] = {"late", "direct", "room", "early", "cluster"};
 constexpr char const* changeNames[] = {"ramps", "glides", "jumps"};
+constexpr char const* beyondNames[] = {"taken", "limited"};
 
 template <std::size_t count, class Choice>
 std::string NameOf(char const* const (&names)[count], Choice choice) {
@@ -31,7 +32,10 @@ std::string Described(Lume::RoomControl const& control) {
     object.append(", \"default\": ").append(NumberText(control.standard));
     object.append(", \"scale\": ").append(JsonText(NameOf(scaleNames, control.scale)));
     object.append(", \"group\": ").append(JsonText(NameOf(groupNames, control.group)));
-    return object.append(", \"change\": ").append(JsonText(NameOf(changeNames, control.change))).append("}");
+    object.append(", \"change\": ").append(JsonText(NameOf(changeNames, control.change)));
+    return object.append(", \"engine_beyond_range\": ")
+        .append(JsonText(NameOf(beyondNames, control.outOfRange)))
+        .append("}");
 }
 
 }  // namespace
