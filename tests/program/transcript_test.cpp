@@ -90,11 +90,12 @@ TEST(Transcript, IsTheOneOnFile) {
     }
     const auto differ = std::mismatch(lines.begin(), lines.end(), typed.begin(), typed.end());
     if (differ.first == lines.end() && differ.second == typed.end()) return;
-    std::ofstream file("transcript.new");
+    const std::string present = testing::TempDir() + "transcript.new";
+    std::ofstream file(present);
     for (std::string const& line : typed) file << line << '\n';
     FAIL() << "line " << differ.first - lines.begin() + 1 << ": "
            << (differ.second != typed.end() ? *differ.second : "(end)") << "\ninstead of "
-           << (differ.first != lines.end() ? *differ.first : "(end)") << "\nall of it: transcript.new";
+           << (differ.first != lines.end() ? *differ.first : "(end)") << "\nall of it: " << present;
 }
 
 }  // namespace
