@@ -19,7 +19,6 @@ namespace {
 // Glides after a change of sample rate last 50 ms, layer gains 100 ms; the panners begin a cycle of 30 ms only when the
 // one before it has ended.
 constexpr double settleSeconds = 0.25;
-constexpr float fadeInSeconds = 0.1f;
 constexpr unsigned int provisionalBlockSize = 64;
 constexpr std::uint32_t randomSeed = 1;  // with the process's own numbers no two rooms of many internals would be alike
 
@@ -36,13 +35,8 @@ std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numS
     return engine;
 }
 
-/// Brings coordinates within the limit.
-/// @return false if one is not a number
-bool Limit(CartesianVector& position) {
-    if (std::isnan(position.x) || std::isnan(position.y) || std::isnan(position.z)) return false;
-    for (float* const coordinate : {&position.x, &position.y, &position.z})
-        *coordinate = std::clamp(*coordinate, -Room::maxCoordinate, Room::maxCoordinate);
-    return true;
+bool HasNumbers(CartesianVector const& p) {
+    return !std::isnan(p.x) && !std::isnan(p.y) && !std::isnan(p.z);
 }
 
 }  // namespace
@@ -64,6 +58,7 @@ Room::Room(std::unique_ptr<OrvanVerb> configured) : engine(std::move(configured)
     vectors.Configure(NumSources(), NumSpeakers(), engine->GetBuffersize(), SteadyVectors::Blocks::Steady,
                       engine->GetBuffersize());
     guard.Configure(NumSources(), VectorSize());
+    outputGuard.Configure(Samplerate());
     bypassCopies.resize(NumSources() * VectorSize());
 }
 
@@ -74,7 +69,7 @@ void Room::Configure(float samplerate, std::size_t blockSize, std::size_t vector
     vectors.Configure(NumSources(), NumSpeakers(), blockSize, blocks, vectorSize);
     guard.Configure(NumSources(), VectorSize());
     bypassCopies.resize(NumSources() * VectorSize());
-    fadeIn = 1.0f;
+    outputGuard.Configure(samplerate);
     engine->Configure(samplerate, static_cast<unsigned int>(VectorSize()), NumSources(), NumSpeakers());
     if (earsWait) nextEars->Configure(samplerate, static_cast<unsigned int>(VectorSize()), true);
 }
@@ -110,7 +105,7 @@ void Room::ProcessVector(float* const* outputs, float const** inputs) {
     } else {
         // It changes no input either, unless an output stands on it.
         engine->Process(out, const_cast<float**>(inputs), VectorSize(), orvandsp::allActiveInputs);
-        GuardOutputs(outputs);
+        if (outputGuard.Check(outputs, NumSpeakers(), VectorSize())) engine->Silence();
     }
 }
 
@@ -123,23 +118,6 @@ void Room::Bypass(float* const* outputs, float const** inputs) {
             std::copy_n(&bypassCopies[i * VectorSize()], VectorSize(), outputs[i]);
         else
             std::fill_n(outputs[i], VectorSize(), 0.0f);
-    }
-}
-
-void Room::GuardOutputs(float* const* outputs) {
-    std::size_t bad = 0;
-    for (unsigned int i = 0; i < NumSpeakers(); ++i) bad += SampleGuard::Count(outputs[i], VectorSize());
-    if (bad > 0) {
-        numBadOutputs += bad;
-        engine->Silence();
-        for (unsigned int i = 0; i < NumSpeakers(); ++i) std::fill_n(outputs[i], VectorSize(), 0.0f);
-        fadeIn = 0.0f;
-    } else if (fadeIn < 1.0f) {
-        const float step = 1.0f / (fadeInSeconds * Samplerate());
-        for (unsigned int i = 0; i < NumSpeakers(); ++i)
-            for (std::size_t k = 0; k < VectorSize(); ++k)
-                outputs[i][k] *= std::min(fadeIn + static_cast<float>(k) * step, 1.0f);
-        fadeIn += static_cast<float>(VectorSize()) * step;
     }
 }
 
@@ -156,11 +134,15 @@ bool Room::Set(std::size_t control, float value) {
     return true;
 }
 
+CartesianVector Room::Limited(CartesianVector const& p) noexcept {
+    return {std::clamp(p.x, -maxCoordinate, maxCoordinate), std::clamp(p.y, -maxCoordinate, maxCoordinate),
+            std::clamp(p.z, -maxCoordinate, maxCoordinate)};
+}
+
 bool Room::PlaceSource(unsigned int source, CartesianVector const& position) {
-    CartesianVector limited = position;
-    if (source >= NumSources() || !Limit(limited)) return false;
+    if (source >= NumSources() || !HasNumbers(position)) return false;
     const FloatingPointMode unchanged;
-    engine->SetSourcePosition(source, limited);
+    engine->SetSourcePosition(source, Limited(position));
     return true;
 }
 
@@ -173,10 +155,9 @@ bool Room::PlaceSpeaker(unsigned int speaker, CartesianVector const& position) {
 }
 
 bool Room::PlaceSpeakers(std::span<CartesianVector const> positions) {
-    if (positions.size() != NumSpeakers()) return false;
+    if (positions.size() != NumSpeakers() || !std::all_of(positions.begin(), positions.end(), HasNumbers)) return false;
     std::array<CartesianVector, orvandsp::MaxNumChannels> limited;
-    std::copy(positions.begin(), positions.end(), limited.begin());
-    if (!std::all_of(limited.begin(), limited.begin() + NumSpeakers(), Limit)) return false;
+    std::transform(positions.begin(), positions.end(), limited.begin(), Limited);
     const FloatingPointMode unchanged;
     engine->SetSpeakersPositions(limited.data());
     return true;

@@ -96,7 +96,7 @@ public:
     /// Input samples that weren't finite, or beyond SampleGuard::maxSample, and became 0.
     std::uint64_t NumBadInputs() const noexcept { return guard.NumReplaced(); }
     /// Output samples that were such: the room was emptied, and faded in again.
-    std::uint64_t NumBadOutputs() const noexcept { return numBadOutputs; }
+    std::uint64_t NumBadOutputs() const noexcept { return outputGuard.NumBad(); }
     /// @}
 
     /// @name Controls and places
@@ -110,6 +110,8 @@ public:
     /// @param control  below roomControls.size()
     float Get(std::size_t control) const { return roomControls[control].get(*engine); }
 
+    /// A position with its coordinates brought within maxCoordinate.
+    static CartesianVector Limited(CartesianVector const& position) noexcept;
     /// @param position  [m]; x to the right, y ahead, z up. Coordinates are brought within maxCoordinate
     /// @return false, and nothing has changed, if there is no such source or a coordinate is not a number
     bool PlaceSource(unsigned int source, CartesianVector const& position);
@@ -133,6 +135,9 @@ public:
     bool TakeEars(Ears& ears) noexcept;
     /// Both at once.
     void LoadEars(std::filesystem::path const& file);
+    /// Loads the ears of a state, if it has others.
+    /// @throws std::runtime_error as LoadEars, and if the file has changed since the state was saved
+    void RestoreEars(EarsFile const& wanted);
     EarsFile const& CurrentEars() const noexcept { return earsFile; }
     /// The description of the filters, null without headphones.
     HrtfHeaderInfos const* EarsInfos() const { return engine->GetHrtfHeaderInfos(); }
@@ -152,15 +157,14 @@ public:
 private:
     void ProcessVector(float* const* outputs, float const** inputs);
     void Bypass(float* const* outputs, float const** inputs);
-    void GuardOutputs(float* const* outputs);
     void UseSet(std::unique_ptr<Hrtf> set, EarsFile file);
 
     std::unique_ptr<OrvanVerb> engine;
     SteadyVectors vectors;
     SampleGuard guard;
+    OutputGuard outputGuard;
     bool muted = false, bypassed = false;
-    bool runs = false;  // since it was made
-    std::uint64_t numBadOutputs = 0;
+    bool runs = false;                          // since it was made
     float fadeIn = 1.0f;                        // gain of the outputs: below 1 after the room was emptied
     std::vector<float> bypassCopies;            // of the inputs
     std::unique_ptr<BinauralPanning> nextEars;  // to be exchanged, or out of use

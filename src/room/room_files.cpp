@@ -136,6 +136,16 @@ void Room::UseSet(std::unique_ptr<Hrtf> set, EarsFile file) {
     }
 }
 
+void Room::RestoreEars(EarsFile const& wanted) {
+    const FloatingPointMode unchanged;
+    if (wanted.path == earsFile.path && wanted.checksum == earsFile.checksum) return;
+    if (wanted.path.empty()) return UseSet(std::make_unique<Hrtf>(""), {});
+    RequireHeadphones(*this, wanted.path);
+    std::unique_ptr<Hrtf> set = ReadSet(wanted.path);
+    if (Checksum(wanted.path) != wanted.checksum) Refuse(wanted.path, "has changed since the state was saved");
+    UseSet(std::move(set), wanted);
+}
+
 RoomState Room::SaveState() const {
     RoomState state;
     state.numSources = NumSources();
@@ -163,14 +173,7 @@ void Room::RestoreState(RoomState const& state) {
         if (!std::isfinite(state.controls[i]))
             throw std::invalid_argument(std::string(roomControls[i].name) + ": is not finite");
 
-    if (state.ears.path != earsFile.path || state.ears.checksum != earsFile.checksum) {
-        const bool builtIn = state.ears.path.empty();
-        if (!builtIn) RequireHeadphones(*this, state.ears.path);
-        std::unique_ptr<Hrtf> set = builtIn ? std::make_unique<Hrtf>("") : ReadSet(state.ears.path);
-        if (!builtIn && Checksum(state.ears.path) != state.ears.checksum)
-            Refuse(state.ears.path, "has changed since the state was saved");
-        UseSet(std::move(set), state.ears);
-    }
+    RestoreEars(state.ears);
     muted = state.mute;
     bypassed = state.bypass;
     // Past Set, which would limit what an object's words have let through.

@@ -30,6 +30,7 @@ std::string_view TakeWord(std::string_view& line) {
 
 template <typename Number, typename... Base>
 Number ParseAll(std::string_view word, Base... base) {
+    if (word.empty()) throw std::invalid_argument("a value is missing");
     Number number{};
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number, base...);
     if (error != std::errc{} || end != word.data() + word.size())
@@ -144,6 +145,29 @@ bool TakeLine(RoomState& state, std::string_view name, std::string_view values, 
     return true;
 }
 
+bool HasVersion(std::string_view text) noexcept {
+    text = text.substr(0, text.find('\n'));
+    return TakeWord(text) == firstWord;
+}
+
+/// Takes a line of a file without a version: an attribute of the object.
+/// @return false if there is none of that name
+bool TakeAttribute(RoomState& state, std::string_view name, std::string_view values,
+                   std::filesystem::path const& folder) {
+    if (name == "delays") return true;  // nothing heard them
+    bool isShelf = false;
+    for (std::size_t i = 0; i < roomControls.size(); ++i) {
+        RoomControl const& row = roomControls[i];
+        if (row.attribute == nullptr || name != row.attribute || name == row.name) continue;
+        state.controls[i] = ParseControl(row, TakeWord(values));
+        isShelf = true;
+    }
+    if (!isShelf) return TakeLine(state, name, values, folder);
+    if (const std::string_view surplus = TakeWord(values); !surplus.empty())
+        throw std::invalid_argument("six values are expected, '" + std::string(surplus) + "' is too many");
+    return true;
+}
+
 /// Counts and positions have to agree where both are told.
 void CheckCount(std::string const& what, unsigned int& number, std::size_t positions) {
     if (number == 0) number = static_cast<unsigned int>(positions);
@@ -158,16 +182,10 @@ RoomState::RoomState() {
     for (RoomControl const& control : roomControls) controls.push_back(control.standard);
 }
 
-bool RoomState::IsState(std::string_view text) noexcept {
-    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);  // the mark that some editors put first
-    text = text.substr(0, text.find('\n'));
-    return TakeWord(text) == firstWord;
-}
-
 RoomState RoomState::Parse(std::string_view text, std::filesystem::path const& folder) {
+    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);  // the mark that some editors put first
     RoomState state;
-    if (!IsState(text)) throw std::invalid_argument("1: " + std::string(firstWord) + " and a version are expected");
-    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+    const bool hasVersion = HasVersion(text);
     for (int number = 1; !text.empty(); ++number) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
@@ -175,10 +193,14 @@ RoomState RoomState::Parse(std::string_view text, std::filesystem::path const& f
         const std::string_view name = TakeWord(values);
         if (name.empty() || name.front() == '#') continue;
         try {
-            if (number == 1) {
+            if (number == 1 && hasVersion) {
                 if (const auto found = ParseAll<unsigned int>(TakeWord(values)); found != version)
                     throw std::invalid_argument("version " + NumberText(version) + " is expected, not " +
                                                 NumberText(found));
+            } else if (!hasVersion) {
+                if (!TakeAttribute(state, name, values, folder))
+                    throw std::invalid_argument("is in no state; " + std::string(firstWord) + " " +
+                                                NumberText(version) + " is expected in front of them");
             } else if (!TakeLine(state, name, values, folder)) {
                 state.unknown.emplace_back(line.substr(0, line.find_last_not_of(blanks) + 1));
             }

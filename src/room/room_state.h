@@ -39,13 +39,11 @@ struct RoomState {
     /// A room as it is when nobody has told it anything: every control at its standard.
     RoomState();
 
-    /// Reads a state. What is missing stays as in a new state; the sizes stay 0.
+    /// Reads a state. What is missing stays as in a new state; the sizes stay 0. Files of earlier programs hold the
+    /// object's attributes instead and no version, the shelves as six values each: they are read as well.
     /// @param folder  that the path of the ears is relative to
     /// @throws std::invalid_argument "LINE: what is wrong, and what would be right"
     static RoomState Parse(std::string_view text, std::filesystem::path const& folder = {});
-
-    /// Whether a text is meant to be a state, of whatever version.
-    static bool IsState(std::string_view text) noexcept;
 
     /// @param folder  of the file that the text is for: the path of the ears becomes relative to it where it can
     std::string Text(std::filesystem::path const& folder = {}) const;

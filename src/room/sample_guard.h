@@ -32,4 +32,25 @@ private:
     std::uint64_t numReplaced = 0;
 };
 
+/// Looks at what leaves a room, a panner, anything that may have run away: a vector that holds such samples becomes
+/// silence, and so does what comes behind it until the sound has faded in again, in a tenth of a second. Whoever made
+/// the sound is to be emptied meanwhile.
+class OutputGuard {
+public:
+    /// @param samplerate  [Hz]
+    void Configure(float samplerate) noexcept;
+
+    /// Looks at a vector, and changes it. Real-time safe.
+    /// @return whether it was bad
+    bool Check(float* const* outputs, std::size_t numOutputs, std::size_t numSamples) noexcept;
+
+    /// How many samples were bad, in all.
+    std::uint64_t NumBad() const noexcept { return numBad; }
+
+private:
+    float step = 1.0f;  // of the gain, per sample
+    float gain = 1.0f;  // below 1: fades in
+    std::uint64_t numBad = 0;
+};
+
 }  // namespace Lume

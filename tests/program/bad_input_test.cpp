@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "program/run_program.h"
@@ -58,6 +59,29 @@ TEST_F(BadInput, FilesAreNamedWithStatusOne) {
     Expect(Render({"--preset", In("room")}), 1, In("room") + ":3: ");
     for (std::string const& place : {Out("no/such/place.wav"), std::string("/dev/null")})
         Expect(RunProgram({"render", In("good.wav"), "-o", place}), 1, place);
+}
+
+// Red if what has run away reaches the file, or goes without a word. The input is within what may go in, near enough to
+// the listener to come out beyond.
+TEST_F(BadInput, WhatRunsAwayIsSilencedAndCounted) {
+    Sound loud = MakeTone(440.0, 0.5, 48000);
+    std::fill_n(loud.samples[0].begin() + 12000, 200, 9e5f);
+    loud.samples[0][100] = 2e6f;
+    WriteSound(In("loud.wav"), loud);
+    const RunResult run = RunProgram({"render", In("loud.wav"), "-o", Out("out.wav"), "--speakers", "4", "--source",
+                                      "1", "0", "0", "0.3", "--tail", "0.2"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("loud.wav: 1 samples were infinite, not a number or beyond 120 dBFS and became 0\n"),
+              std::string::npos)
+        << run.err;
+    EXPECT_NE(run.err.find(" samples were infinite, not a number or beyond 120 dBFS and became silence\n"),
+              std::string::npos)
+        << run.err;
+    float loudest = 0.0f;
+    for (auto const& channel : ReadSound(Out("out.wav")).samples)
+        for (const float sample : channel) loudest = std::max(loudest, std::fabs(sample));
+    EXPECT_GT(loudest, 0.1f);
+    EXPECT_LE(loudest, 1e6f);
 }
 
 TEST_F(BadInput, OptionsAreNamedWithStatusTwo) {

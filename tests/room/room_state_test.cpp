@@ -97,9 +97,24 @@ TEST(RoomState, TakesOlderAndNewerStates) {
     EXPECT_NE(room.SaveState().Text().find("\nlate_width 0.5 left\n"), std::string::npos);
 }
 
+// Red if the files that earlier programs saved can't be opened any more.
+TEST(RoomState, ReadsAttributesWithoutAVersion) {
+    const RoomState state = RoomState::Parse(
+        "# A state of orvanverb~.\nair 0\nbypass 0\ncluster -3. 0. 1.5 0. 177. 5657.\ndelays 0. 0.\nearly_start 500.\n"
+        "numinternals 4\nnumsources 1\nsourcespositions -0.5 0.8660254 0.\n");
+    EXPECT_EQ(state.numInternals, 4u);
+    EXPECT_EQ(state.controls[ControlIndex("cluster_gain")], -3.0f);
+    EXPECT_EQ(state.controls[ControlIndex("cluster_gain_medium")], 1.5f);
+    EXPECT_EQ(state.controls[ControlIndex("cluster_freq_high")], 5657.0f);
+    EXPECT_EQ(state.controls[ControlIndex("early_start")], 500.0f);
+    EXPECT_EQ(state.sources[0].y, 0.8660254f);
+    EXPECT_EQ(Complaint("early 0. 0. 0. 0. 177.\n"), "1: early: a value is missing");
+}
+
 TEST(RoomState, SaysWhatIsWrongAndWhere) {
     const std::string head = "orvanverb-state 1\n";
-    EXPECT_EQ(Complaint("tr0 3\n"), "1: orvanverb-state and a version are expected");
+    EXPECT_EQ(Complaint("tr0 3\ndance 4\n"),
+              "2: dance: is in no state; orvanverb-state 1 is expected in front of them");
     EXPECT_EQ(Complaint("orvanverb-state 2\n"), "1: orvanverb-state: version 1 is expected, not 2");
     EXPECT_EQ(Complaint(head + "tr0 11\n"), "2: tr0: 11 is not from 0.1 to 10");
     EXPECT_EQ(Complaint(head + "tr0 nan\n"), "2: tr0: 'nan' is not finite");
@@ -108,6 +123,7 @@ TEST(RoomState, SaysWhatIsWrongAndWhere) {
     EXPECT_EQ(Complaint(head + "\nsourcespositions 1 2\n"), "3: sourcespositions: positions are three numbers each");
     EXPECT_EQ(Complaint(head + "numsources 2\nsourcespositions 1 2 3\n"),
               "sourcespositions: 2 positions are expected, not 1");
+    EXPECT_EQ(Complaint(head + "tr0\n"), "2: tr0: a value is missing");
     EXPECT_EQ(Complaint(head + "vector 48\n"), "2: vector: a power of two from 16 to 8192 is expected, not 48");
     EXPECT_EQ(Complaint(head + "early_start 500\n"), "") << "an object's words let it past its range";
 }

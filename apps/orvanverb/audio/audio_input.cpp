@@ -10,6 +10,7 @@
 
 #include "orvanverb/common/complete_file.h"
 #include "orvanverb/common/program_error.h"
+#include "room/sample_guard.h"
 
 namespace program {
 
@@ -68,7 +69,8 @@ float* AudioInput::ReadPiece(std::size_t& frames) {
     frames = static_cast<std::size_t>(got);
     framesRead += frames;
     for (std::size_t i = 0; i < frames * NumChannels(); ++i) {
-        if (std::isfinite(piece[i])) continue;
+        // What is not a number is not within the bound, too.
+        if (std::abs(piece[i]) <= Lume::SampleGuard::maxSample) continue;
         piece[i] = 0.0f;
         ++numReplaced;
     }

@@ -13,8 +13,8 @@ namespace program {
 
 /// One recording as a stream of planar samples at a chosen rate. Memory does not grow with its length.
 ///
-/// Samples that aren't finite are replaced by 0 before anything else sees them (one of them would spread through the
-/// rate conversion and stay in the room's feedback for ever), and counted.
+/// Samples that aren't finite, or so large that they overflow in a room, are replaced by 0 before anything else sees
+/// them (one of them would spread through the rate conversion and stay in the room's feedback for ever), and counted.
 class AudioInput {
 public:
     /// Opens a WAV, AIFF, FLAC or Ogg file of any rate and channel count.
@@ -37,7 +37,7 @@ public:
     /// @throws WorkError if the file ends before the length that it tells, or can't be read any more
     std::size_t Read(float* const* channels, std::size_t frames);
 
-    /// Samples that weren't finite, so far.
+    /// Samples that were replaced, so far.
     std::uint64_t NumReplaced() const noexcept { return numReplaced; }
 
 private:

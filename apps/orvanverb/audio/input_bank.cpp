@@ -81,7 +81,7 @@ std::vector<std::string> InputBank::Remarks() const {
     for (Entry const& entry : entries)
         if (const std::uint64_t count = entry.input->NumReplaced())
             remarks.push_back(entry.input->Path() + ": " + std::to_string(count) +
-                              " samples were infinite or not a number and became 0");
+                              " samples were infinite, not a number or beyond 120 dBFS and became 0");
     return remarks;
 }
 

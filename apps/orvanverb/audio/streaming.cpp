@@ -4,18 +4,22 @@
 #include <cstdio>
 
 #include "orvanverb/audio/vector_channels.h"
+#include "orvanverb/common/program_error.h"
 #include "orvanverb/common/progress_line.h"
 #include "orvanverb/common/text.h"
+#include "room/sample_guard.h"
 
 namespace program {
 
-bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& output, PeakMeter& meter) {
+StreamEnd Stream(SignalSource& source, Streaming const& streaming, AudioOutput& output, PeakMeter& meter) {
     const std::size_t vectorSize = streaming.vectorSize;
     VectorChannels inputs(streaming.numInputs, vectorSize);
     VectorChannels outputs(streaming.numOutputs, vectorSize);
     std::vector<float const*> fileChannels;
     for (const std::size_t index : streaming.fileOrder) fileChannels.push_back(outputs.Pointers()[index]);
 
+    Lume::OutputGuard guard;
+    guard.Configure(static_cast<float>(streaming.samplerate));
     ProgressLine progress(stderr);
     Tail tail = streaming.tail;
     const std::uint64_t maxTail = tail.MaxFrames(streaming.samplerate);
@@ -28,6 +32,7 @@ bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& outpu
         frames += vectorSize;
         if (streaming.prepare) streaming.prepare(frames);
         streaming.process(outputs.Pointers(), inputs.Pointers());
+        if (guard.Check(outputs.Pointers(), streaming.numOutputs, vectorSize) && streaming.clear) streaming.clear();
 
         const auto ofTail = static_cast<std::size_t>(std::min<std::uint64_t>(vectorSize - fresh, maxTail - tailFrames));
         tailFrames += ofTail;
@@ -35,8 +40,9 @@ bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& outpu
         output.Write(fileChannels.data(), fresh + ofTail);
         progress.Show(static_cast<double>(output.NumFrames()) / streaming.samplerate, expectedSeconds);
         if (!ended) continue;
-        if (tail.HasDiedAway(meter.LastBlock(), meter.Loudest(), ofTail, streaming.samplerate)) return true;
-        if (tailFrames == maxTail) return !tail.IsAuto();
+        if (tail.HasDiedAway(meter.LastBlock(), meter.Loudest(), ofTail, streaming.samplerate))
+            return {true, guard.NumBad()};
+        if (tailFrames == maxTail) return {!tail.IsAuto(), guard.NumBad()};
     }
 }
 
@@ -52,6 +58,12 @@ void ReportOutput(std::string const& path, SampleFormat format, AudioOutput cons
     if (output.NumClipped() > 0)
         Say(path + ": " + std::to_string(output.NumClipped()) +
             " samples went beyond full scale and were clipped; --format float keeps them");
+}
+
+void RequireSound(std::string const& path, std::uint64_t numBad) {
+    if (numBad > 0)
+        throw WorkError(path + ": " + std::to_string(numBad) +
+                        " samples were infinite, not a number or beyond 120 dBFS and became silence");
 }
 
 SampleFormat ChooseFormat(std::optional<SampleFormat> const& wanted, std::string const& path) {

@@ -23,18 +23,29 @@ struct Streaming {
     /// Called before each vector with the number of frames at its end: what is due before them happens now.
     std::function<void(std::uint64_t beforeFrame)> prepare;
     std::function<void(float** outputs, float** inputs)> process;
+    /// Called when what process gave was not finite, or beyond all bounds: empties what made it.
+    std::function<void()> clear;
+};
+
+/// How a rendering ended.
+struct StreamEnd {
+    bool diedAway = true;      ///< false if a tail of unknown length came to its bound before the sound had died away
+    std::uint64_t numBad = 0;  ///< output samples that were not finite or beyond all bounds, and became silence
 };
 
 /// Sends a whole signal and its tail through into a file. One vector after the other: memory does not grow with the
 /// length.
-/// @return false if a tail of unknown length came to its bound before the sound had died away
 /// @throws what source and output throw
-bool Stream(SignalSource& source, Streaming const& streaming, AudioOutput& output, PeakMeter& meter);
+StreamEnd Stream(SignalSource& source, Streaming const& streaming, AudioOutput& output, PeakMeter& meter);
 
 /// Tells what was written: length and speed, and the peak of each channel.
 /// @param channels  what each channel of the file is, in words
 void ReportOutput(std::string const& path, SampleFormat format, AudioOutput const& output, PeakMeter const& meter,
                   std::vector<std::string> const& channels, int samplerate, double elapsedSeconds);
+
+/// Ends a rendering that has written, and told about, an output in which samples had to be replaced.
+/// @throws WorkError with their number, if there were any
+void RequireSound(std::string const& path, std::uint64_t numBad);
 
 /// The format that was asked for, or the one that a file's name suggests.
 SampleFormat ChooseFormat(std::optional<SampleFormat> const& wanted, std::string const& path);

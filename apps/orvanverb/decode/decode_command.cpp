@@ -35,15 +35,17 @@ void RunDecode(Options const& options) {
     streaming.fileOrder = setup.layout.fileOrder;
     streaming.tail = options.tailGiven ? options.tail : Tail(usualTailSeconds);
     streaming.process = [&](float** outputs, float** inputs) { setup.Process(outputs, inputs); };
+    streaming.clear = [&] { setup.decoder->Clear(); };
 
     const SampleFormat format = ChooseFormat(options.format, options.output);
     AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);
     PeakMeter meter(setup.NumOutputs());
-    Stream(input, streaming, output, meter);
+    const StreamEnd end = Stream(input, streaming, output, meter);
     output.Commit();
     ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
     for (std::string const& remark : input.Remarks()) Say(remark);
+    RequireSound(options.output, end.numBad);
 }
 
 }  // namespace program

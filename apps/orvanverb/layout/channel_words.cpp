@@ -18,6 +18,10 @@ char const* Axis(int order, bool ambixAxes) {
 
 }  // namespace
 
+std::vector<std::string> EarWords() {
+    return {"left ear", "right ear"};
+}
+
 std::vector<std::string> LoudspeakerWords(SpeakerLayout const& layout) {
     std::vector<std::string> words;
     for (std::size_t c = 0; c < layout.positions.size(); ++c) {

@@ -9,6 +9,9 @@
 /// What the channels of a file are, in words.
 namespace program {
 
+/// "left ear", "right ear".
+std::vector<std::string> EarWords();
+
 /// "azimuth -30", "azimuth 45 elevation 30", in the order of the file.
 std::vector<std::string> LoudspeakerWords(SpeakerLayout const& layout);
 

@@ -84,7 +84,10 @@ void TakeCommonMeaning(CommonWords const& words, Options& options) {
         options.tail = Tail::Parse(words.tail);
         options.tailGiven = true;
     }
-    if (!words.vector.empty()) options.vectorSize = ParseVectorSize(words.vector);
+    if (!words.vector.empty()) {
+        options.vectorSize = ParseVectorSize(words.vector);
+        options.vectorGiven = true;
+    }
     if (!words.inTurn.empty()) options.inTurnSeconds = ParseGap(words.inTurn);
 }
 

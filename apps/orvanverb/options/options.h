@@ -62,6 +62,7 @@ struct Options {
     bool tailGiven = false;  // otherwise the command's own default
     std::optional<double> inTurnSeconds;
     unsigned int vectorSize = defaultVectorSize;
+    bool vectorGiven = false;  // otherwise that of a state
 };
 
 }  // namespace program

@@ -54,10 +54,12 @@ void Render(Options const& options) {
         setup.panner->Process(outputs, sources, options.vectorSize, orvandsp::allActiveInputs);
     };
 
+    streaming.clear = [&] { setup.panner->Clear(); };
+
     const SampleFormat format = ChooseFormat(options.format, options.output);
     AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);
     PeakMeter meter(setup.NumOutputs());
-    Stream(inputs, streaming, output, meter);
+    const StreamEnd end = Stream(inputs, streaming, output, meter);
     output.Commit();
     ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
@@ -65,6 +67,7 @@ void Render(Options const& options) {
         Say(options.pan.ambix ? "AmbiX: ACN order, SN3D weights, x ahead, y to the left"
                               : "axes: x to the right, y ahead, z up; --ambix turns them for other tools");
     for (std::string const& remark : inputs.Remarks()) Say(remark);
+    RequireSound(options.output, end.numBad);
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ SpeakerLayout Channels(unsigned int count, std::uint32_t mask) {
 
 std::vector<std::string> TwoWords(Pan::Type type) {
     if (type == Pan::ms) return {"mid", "side, positive to the right"};
-    if (type == Pan::binaural) return {"left ear", "right ear"};
+    if (type == Pan::binaural) return EarWords();
     return {"left", "right"};
 }
 

@@ -5,69 +5,75 @@
 #include <optional>
 #include <stdexcept>
 
-#include "object/attribute_reflection.h"
-#include "object/orvanverb.h"
-#include "object/orvanverb_class.h"
+#include "engine/room_controls.h"
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/text.h"
-#include "parameters/lume_default_parameters.h"
 
 namespace program {
 
 namespace {
 
-using Limits = Lume::LumeDefaultParameters;
+/// A number that a value may be.
+struct Range {
+    std::string name;
+    float least, greatest;
+    bool whole;
+    char const* unit;
+};
 
-/// All that shapes a room: not how many sources and loudspeakers there are, and not where they stand.
-std::vector<t_attr*> Controls() {
-    orvanverb_main();
-    std::vector<t_attr*> controls;
-    for (auto const& attribute : orvanverb_class->c_attributes) {
-        const std::string name = attribute->name->s_name;
-        const bool shape = name == "numsources" || name == "numspeakers" || attribute->offsetCount != 0;
-        if (!shape && !orvanmax::IsAttributeInvisible(attribute.get())) controls.push_back(attribute.get());
-    }
-    return controls;
+/// What stands beside the controls: how many channels the room has, and whether it is heard.
+const Range others[] = {
+    {"numinternals", 2.0f, 16.0f, true, ""}, {"mute", 0.0f, 1.0f, true, ""}, {"bypass", 0.0f, 1.0f, true, ""}};
+
+Range RangeOf(Lume::RoomControl const& row) {
+    return {row.name, row.least, row.greatest, row.scale == Lume::Scale::onOff, row.unit};
+}
+
+/// What the values of a name are: one range for a control, six for the attribute of a shelf.
+std::vector<Range> RangesOf(std::string const& name) {
+    for (Range const& other : others)
+        if (name == other.name) return {other};
+    std::vector<Range> ranges;
+    for (Lume::RoomControl const& row : Lume::roomControls)
+        if (row.attribute != nullptr && name == row.attribute) ranges.push_back(RangeOf(row));
+    if (const std::optional<std::size_t> control = Lume::FindControl(name); control && ranges.empty())
+        ranges.push_back(RangeOf(Lume::roomControls[*control]));
+    return ranges;
 }
 
 std::string AllNames() {
-    std::string names;
-    for (t_attr const* control : Controls()) names.append(names.empty() ? "" : " ").append(control->name->s_name);
-    return names;
+    std::vector<std::string> names;
+    for (Range const& other : others) names.push_back(other.name);
+    for (Lume::RoomControl const& row : Lume::roomControls) {
+        const std::string name = row.attribute != nullptr ? row.attribute : row.name;
+        if (names.back() != name) names.push_back(name);
+    }
+    return JoinWords(names);
 }
 
-void RequireInRange(std::string const& name, std::string const& word, float lowest, float highest, bool whole) {
+void RequireInRange(std::string const& name, std::string const& word, Range const& range) {
     const std::optional<float> value = ParseNumber(word);
     // Written as "not inside", so that a word that is no number is refused too.
-    if (!(value && *value >= lowest && *value <= highest) || (whole && *value != std::floor(*value)))
-        throw std::invalid_argument(name + ": '" + word + "' is no " + (whole ? "whole " : "") + "number from " +
-                                    NumberText(lowest) + " to " + NumberText(highest));
-}
-
-void RequireShelf(std::string const& name, std::span<std::string const> values) {
-    RequireInRange(name, values[0], Limits::MinHLShelfGlobalGaindB, Limits::MaxHLShelfGlobalGaindB, false);
-    for (std::size_t i = 1; i < 4; ++i)
-        RequireInRange(name, values[i], Limits::MinHLShelfGaindB, Limits::MaxHLShelfGaindB, false);
-    for (std::size_t i = 4; i < 6; ++i)
-        RequireInRange(name, values[i], Limits::MinHLShelfFrequency, Limits::MaxHLShelfFrequency, false);
+    if (!(value && *value >= range.least && *value <= range.greatest) || (range.whole && *value != std::floor(*value)))
+        throw std::invalid_argument(name + ": '" + word + "' is no " + (range.whole ? "whole " : "") + "number from " +
+                                    NumberText(range.least) + " to " + NumberText(range.greatest) +
+                                    (*range.unit != '\0' ? " " : "") + range.unit);
 }
 
 }  // namespace
 
+bool IsControl(std::string const& name) {
+    return !RangesOf(name).empty();
+}
+
 void CheckControl(std::string const& name, std::span<std::string const> values) {
-    const std::vector<t_attr*> controls = Controls();
-    const auto found = std::find_if(controls.begin(), controls.end(),
-                                    [&](t_attr const* control) { return name == control->name->s_name; });
-    if (found == controls.end()) throw std::invalid_argument("'" + name + "' is no control; there are: " + AllNames());
-    t_attr const& control = **found;
-    const auto wanted = static_cast<std::size_t>(control.size);
-    if (values.size() != wanted)
-        throw std::invalid_argument(name + ": takes " + std::to_string(wanted) +
-                                    (wanted == 1 ? " value, " : " values, ") + std::to_string(values.size()) +
+    const std::vector<Range> ranges = RangesOf(name);
+    if (ranges.empty()) throw std::invalid_argument("'" + name + "' is no control; there are: " + AllNames());
+    if (values.size() != ranges.size())
+        throw std::invalid_argument(name + ": takes " + std::to_string(ranges.size()) +
+                                    (ranges.size() == 1 ? " value, " : " values, ") + std::to_string(values.size()) +
                                     " given");
-    if (wanted == orvanverb_t::NumShelfValues) return RequireShelf(name, values);
-    RequireInRange(name, values[0], static_cast<float>(control.minimum), static_cast<float>(control.maximum),
-                   control.type == gensym("long"));
+    for (std::size_t i = 0; i < ranges.size(); ++i) RequireInRange(name, values[i], ranges[i]);
 }
 
 std::vector<Options::Setting> LoadPreset(std::string const& path) {

@@ -8,8 +8,11 @@
 
 namespace program {
 
-/// Checks a control of the room before the object gets it, by what the object's attributes say about themselves. The
-/// object would bring a value that is out of range into it without a word; who writes a preset should know.
+/// Whether there is a control of that name, or a group of them, as an attribute of the object has it.
+bool IsControl(std::string const& name);
+
+/// Checks a control of the room, or a group of them, before the object gets it. The object would bring a value that is
+/// out of range into it without a word; who writes a preset should know.
 /// @throws std::invalid_argument that says what is wrong: an unknown name, a wrong count of values, a value that is
 ///         no number or outside its range
 void CheckControl(std::string const& name, std::span<std::string const> values);

@@ -18,6 +18,10 @@ namespace {
 
 constexpr int defaultImpulseRate = 48000;  // [Hz]
 
+std::vector<std::string> OutputWords(Lume::Room const& room, SpeakerLayout const& layout) {
+    return room.HasEars() ? EarWords() : LoudspeakerWords(layout);
+}
+
 }  // namespace
 
 void Run(Options const& options) {
@@ -37,19 +41,18 @@ void Run(Options const& options) {
     RoomSetup setup(options, source->NumChannels());
     SpeakerLayout const& layout = setup.layout;
     const std::unique_ptr<RoomObject> room = setup.MakeRoom();
-    room->Start(samplerate, options.vectorSize);
-    if (options.hrtfSet)
-        if (const std::string remark = room->HrtfRateRemark(*options.hrtfSet); !remark.empty()) Say(remark);
+    room->Start(samplerate, setup.VectorSize());
+    if (const std::string remark = room->HrtfRateRemark(); !remark.empty()) Say(remark);
 
     Streaming streaming;
     streaming.samplerate = samplerate;
-    streaming.vectorSize = room->VectorSize();
-    streaming.numInputs = room->NumSources();
-    streaming.numOutputs = room->NumSpeakers();
+    streaming.vectorSize = setup.VectorSize();
+    streaming.numInputs = room->Room().NumSources();
+    streaming.numOutputs = room->Room().NumSpeakers();
     streaming.fileOrder = layout.fileOrder;
     streaming.tail = options.tail;
     streaming.prepare = [&](std::uint64_t beforeFrame) {
-        for (std::string const& line : setup.scene.Play(*room, beforeFrame)) Say(line);
+        for (std::string const& line : setup.Play(*room, beforeFrame)) Say(line);
     };
     streaming.process = [&](float** outputs, float** inputs) { room->Process(outputs, inputs); };
 
@@ -57,16 +60,18 @@ void Run(Options const& options) {
     const auto numChannels = static_cast<unsigned int>(layout.positions.size());
     AudioOutput output(options.output, format, samplerate, numChannels, layout.channelMask);
     PeakMeter meter(numChannels);
-    const bool diedAway = Stream(*source, streaming, output, meter);
+    const StreamEnd end = Stream(*source, streaming, output, meter);
     output.Commit();
+    setup.SaveState();
 
-    ReportOutput(options.output, format, output, meter, LoudspeakerWords(layout), samplerate,
+    ReportOutput(options.output, format, output, meter, OutputWords(room->Room(), layout), samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
-    if (!diedAway)
+    if (!end.diedAway)
         Say("--tail auto: ended at its bound of " + FixedText(Tail::maxAutoSeconds, 0) +
             " s, the room still sounds at " + DecibelText(meter.LastBlock()) + " dBFS");
     if (bank != nullptr)
         for (std::string const& remark : bank->Remarks()) Say(remark);
+    RequireSound(options.output, room->Room().NumBadOutputs());
 }
 
 }  // namespace program

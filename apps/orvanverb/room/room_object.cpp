@@ -1,21 +1,20 @@
 #include "orvanverb/room/room_object.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
+#include "engine/room_controls.h"
+#include "geometry/vector_algebra.h"
 #include "object/attribute_reflection.h"
-#include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
-#include "orvanverb/audio/vector_channels.h"
-#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/engine_loading.h"
+#include "patcher/atom.h"
 
 namespace program {
 
 namespace {
-
-// Glides after a change of sample rate last 50 ms, layer gains 100 ms; the panners begin a cycle of 30 ms only when the
-// one before it has ended.
-constexpr double settleSeconds = 0.25;
 
 std::string BoxText(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals) {
     orvanverb_main();
@@ -23,13 +22,49 @@ std::string BoxText(unsigned int numSources, unsigned int numSpeakers, std::stri
            " @numinternals " + numInternals;
 }
 
-Lume::OrvanVerb& Engine(max::Box const& box) {
-    return *reinterpret_cast<orvanverb_t*>(box.Object())->engine;
+bool IsAttribute(std::string const& name) {
+    return max::class_attr_get(orvanverb_class, max::gensym(name.c_str())) != nullptr;
 }
 
 void Append(std::vector<max::t_atom>& atoms, Lume::CartesianVector const& position) {
     for (const float value : {position.x, position.y, position.z})
         max::atom_setfloat(&atoms.emplace_back(), static_cast<double>(value));
+}
+
+std::vector<max::t_atom> PositionAtoms(std::span<Lume::CartesianVector const> positions) {
+    std::vector<max::t_atom> atoms;
+    for (Lume::CartesianVector const& position : positions) Append(atoms, position);
+    return atoms;
+}
+
+/// Whether a position is where no position may be.
+bool IsTooFar(Lume::CartesianVector const& p) {
+    return !(p == Lume::Room::Limited(p));
+}
+
+/// A value in an atom of the type that another one has.
+void SetNumber(max::t_atom& atom, float value) {
+    if (atom.a_type == max::A_LONG)
+        max::atom_setlong(&atom, std::lround(value));
+    else
+        max::atom_setfloat(&atom, static_cast<double>(value));
+}
+
+/// The value of an attribute in a state, in place of the present one.
+void TakeFromState(Lume::RoomState const& state, std::string const& attribute, std::vector<max::t_atom>& atoms) {
+    if (attribute == "mute" || attribute == "bypass") {
+        max::atom_setlong(&atoms[0], (attribute == "mute" ? state.mute : state.bypass) ? 1 : 0);
+    } else if (attribute == "sourcespositions" && !state.sources.empty()) {
+        atoms = PositionAtoms(state.sources);
+    } else if (attribute == "speakerspositions" && !state.speakers.empty()) {
+        atoms = PositionAtoms(state.speakers);
+    } else {
+        for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
+            Lume::RoomControl const& row = Lume::roomControls[i];
+            if (row.attribute != nullptr && attribute == row.attribute)
+                SetNumber(atoms[row.element], state.controls[i]);
+        }
+    }
 }
 
 }  // namespace
@@ -52,22 +87,84 @@ void RoomObject::ThrowComplaint() {
     if (!complaint.empty()) throw std::invalid_argument(std::exchange(complaint, {}));
 }
 
-void RoomObject::Tell(std::string_view message) {
-    box.Send(message);
-    ThrowComplaint();
-}
-
-void RoomObject::Tell(char const* selector, std::vector<max::t_atom> atoms) {
-    box.Send(max::gensym(selector), std::move(atoms));
-    ThrowComplaint();
-}
-
 std::vector<std::string> RoomObject::TakeRemarks() {
     return std::exchange(remarks, {});
 }
 
-void RoomObject::PlaceSources() {
-    orvanverb_place_defaults(reinterpret_cast<orvanverb_t*>(box.Object()), true, false);
+void RoomObject::Send(char const* selector, std::vector<max::t_atom> atoms) {
+    box.Send(max::gensym(selector), std::move(atoms));
+    ThrowComplaint();
+}
+
+void RoomObject::Tell(std::string_view message, std::filesystem::path const& folder) {
+    const std::vector<std::string> words = SplitWords(message);
+    if (words.empty()) return;
+    std::string const& selector = words.front();
+    if (selector == "hrtf") {
+        // All the rest is the file's name, which may hold blanks.
+        message.remove_prefix(message.find(selector) + selector.size());
+        message.remove_prefix(std::min(message.find_first_not_of(" \t"), message.size()));
+        if (message.empty()) throw std::invalid_argument("hrtf: a file is expected behind it");
+        LoadHrtf(folder / message);
+    } else if (selector == "clear") {
+        Room().Clear();
+    } else if (!IsAttribute(selector) && Lume::FindControl(selector)) {
+        Set(selector, {words.begin() + 1, words.end()});
+    } else {
+        const std::vector<max::t_atom> atoms = max::ParseAtoms(message);
+        RemarkRange(selector, std::span(atoms).subspan(1));
+        box.Send(message);
+        ThrowComplaint();
+        LimitPositions();
+    }
+}
+
+/// The object brings a value into its range without a word. Once for each control there is one.
+void RoomObject::RemarkRange(std::string const& selector, std::span<max::t_atom const> values) {
+    for (Lume::RoomControl const& row : Lume::roomControls) {
+        if (row.attribute == nullptr || selector != row.attribute || row.element >= values.size()) continue;
+        max::t_atom const& atom = values[row.element];
+        if (atom.a_type == max::A_SYM) return;
+        const float value = max::atom_getfloat(&atom);
+        if ((value >= row.least && value <= row.greatest) || !remarked.insert(row.name).second) continue;
+        remarks.push_back("warn: " + std::string(row.name) + ": " + NumberText(value) + " is not from " +
+                          NumberText(row.least) + " to " + NumberText(row.greatest) + ", the nearest is taken");
+    }
+}
+
+void RoomObject::LimitPositions() {
+    bool limited = false;
+    for (unsigned int i = 0; i < Room().NumSources(); ++i) {
+        const Lume::CartesianVector position = Room().SourcePosition(i);
+        if (!IsTooFar(position)) continue;
+        PlaceSource(i, Lume::Room::Limited(position));
+        limited = true;
+    }
+    std::vector<Lume::CartesianVector> speakers = Room().SpeakerPositions();
+    if (std::any_of(speakers.begin(), speakers.end(), IsTooFar)) {
+        std::transform(speakers.begin(), speakers.end(), speakers.begin(), Lume::Room::Limited);
+        PlaceSpeakers(speakers);
+        limited = true;
+    }
+    if (limited && remarked.insert("positions").second)
+        remarks.push_back("warn: positions are limited to " + NumberText(Lume::Room::maxCoordinate) + " m");
+}
+
+void RoomObject::Set(std::string const& name, std::vector<std::string> const& values) {
+    const std::optional<std::size_t> control = Lume::FindControl(name);
+    if (IsAttribute(name) || !control) return Tell(name + " " + JoinWords(values));
+    const std::optional<float> value = values.size() == 1 ? ParseNumber(values[0]) : std::nullopt;
+    if (!value) throw std::invalid_argument(name + ": a number is expected");
+    Lume::RoomControl const& row = Lume::roomControls[*control];
+    if (row.attribute == nullptr) {
+        Room().Set(*control, *value);
+        return;
+    }
+    // A part of an attribute: the object takes it as a whole.
+    std::vector<max::t_atom> atoms = *box.GetAttribute(row.attribute);
+    SetNumber(atoms[row.element], *value);
+    RemarkRange(row.attribute, atoms);
+    Send(row.attribute, std::move(atoms));
 }
 
 void RoomObject::PlaceSource(unsigned int index, Lume::CartesianVector const& position) {
@@ -75,60 +172,70 @@ void RoomObject::PlaceSource(unsigned int index, Lume::CartesianVector const& po
     max::atom_setlong(&atoms[0], static_cast<long>(index) + 1);
     max::atom_setsym(&atoms[1], max::gensym("xyz"));
     Append(atoms, position);
-    Tell("source", std::move(atoms));
+    Send("source", std::move(atoms));
 }
 
 void RoomObject::PlaceSpeakers(std::span<Lume::CartesianVector const> positions) {
-    std::vector<max::t_atom> atoms;
-    for (Lume::CartesianVector const& position : positions) Append(atoms, position);
-    Tell("speakerspositions", std::move(atoms));
+    Send("speakerspositions", PositionAtoms(positions));
 }
 
-std::vector<Lume::CartesianVector> RoomObject::Positions(char const* attribute) {
-    const std::vector<max::t_atom> atoms = *box.GetAttribute(attribute);
-    std::vector<Lume::CartesianVector> positions;
-    for (std::size_t i = 0; i + 2 < atoms.size(); i += 3)
-        positions.push_back(
-            {max::atom_getfloat(&atoms[i]), max::atom_getfloat(&atoms[i + 1]), max::atom_getfloat(&atoms[i + 2])});
-    return positions;
+void RoomObject::LoadHrtf(std::filesystem::path const& path) {
+    try {
+        Room().LoadEars(path);
+    } catch (std::runtime_error const& error) {
+        throw std::invalid_argument(error.what());
+    }
 }
 
-std::vector<RoomObject::Value> RoomObject::Values() {
-    std::vector<Value> values;
-    for (std::string const& name : orvanmax::GetListOfUserAttributes(box.Object()))
-        values.push_back({name, *box.GetAttribute(name.c_str())});
-    return values;
+std::string RoomObject::HrtfRateRemark() const {
+    Lume::HrtfHeaderInfos const* const infos = Room().EarsInfos();
+    if (infos == nullptr || Room().CurrentEars().path.empty()) return {};
+    return RateRemark(Room().CurrentEars().path.string(), *infos, static_cast<int>(Room().Samplerate()));
 }
 
-std::vector<max::t_atom> RoomObject::State() {
-    return box.GetState();
+Lume::RoomState RoomObject::State() {
+    Lume::RoomState state = Room().SaveState();
+    state.unknown = unknown;
+    return state;
 }
 
-void RoomObject::Restore(std::vector<max::t_atom> const& state) {
-    box.SetState(state);
+void RoomObject::Restore(Lume::RoomState const& state) {
+    try {
+        Room().RestoreEars(state.ears);
+    } catch (std::runtime_error const& error) {
+        throw std::invalid_argument(error.what());
+    }
+    // As one list, in the object's own order.
+    std::vector<max::t_atom> list;
+    for (std::string const& name : orvanmax::GetListOfUserAttributes(box.Object())) {
+        std::vector<max::t_atom> atoms = *box.GetAttribute(name.c_str());
+        TakeFromState(state, name, atoms);
+        list.insert(list.end(), atoms.begin(), atoms.end());
+    }
+    box.SetState(list);
     remarks.clear();  // that all attributes were restored is no news here
     ThrowComplaint();
+    for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
+        Lume::RoomControl const& row = Lume::roomControls[i];
+        if (row.attribute == nullptr) {
+            Room().Set(i, state.controls[i]);
+        } else if (Room().Get(i) != state.controls[i]) {
+            // A time beyond its attribute's range: the words "early start 500" let it pass, as they did before.
+            const std::string name = row.name;
+            std::vector<max::t_atom> atoms(2);
+            max::atom_setsym(&atoms[0], max::gensym(name.substr(name.find('_') + 1).c_str()));
+            max::atom_setfloat(&atoms[1], static_cast<double>(state.controls[i]));
+            Send(name.substr(0, name.find('_')).c_str(), std::move(atoms));
+        }
+    }
+    unknown = state.unknown;
+    for (std::string const& line : unknown)
+        remarks.push_back("warn: the state has a line that this version doesn't know and keeps: " + line);
 }
 
-void RoomObject::Start(int newSamplerate, unsigned int vectorSize) {
-    samplerate = newSamplerate;
-    box.StartAudio(static_cast<float>(samplerate), static_cast<long>(vectorSize));
-    VectorChannels silence(NumSources(), vectorSize);
-    VectorChannels discarded(NumSpeakers(), vectorSize);
-    for (double seconds = 0.0; seconds < settleSeconds; seconds += static_cast<double>(vectorSize) / samplerate)
-        Process(discarded.Pointers(), silence.Pointers());
-}
-
-void RoomObject::LoadHrtf(std::string const& path) {
-    RequireSetFile(path, ".hrtf or .coll");
-    bool taken = false;
-    LoadQuietly(path, [&](std::string const& name) { taken = Engine(box).LoadHrtf(name.c_str()); });
-    if (!taken) throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
-}
-
-std::string RoomObject::HrtfRateRemark(std::string const& path) const {
-    Lume::HrtfHeaderInfos const* const header = Engine(box).GetHrtfHeaderInfos();
-    return header != nullptr ? RateRemark(path, *header, samplerate) : std::string();
+void RoomObject::Start(int samplerate, unsigned int vectorSize) {
+    Room().Configure(static_cast<float>(samplerate), vectorSize, vectorSize);
+    Room().Settle();
 }
 
 }  // namespace program

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <set>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -7,11 +9,14 @@
 #include <vector>
 
 #include "geometry/cartesian_vector.h"
+#include "object/orvanverb.h"
 #include "patcher/box.h"
+#include "room/room.h"
 
 namespace program {
 
-/// The room that a rendering runs through: an object orvanverb~ in its box, driven by messages, as in a patch.
+/// The room that a rendering runs through: an object orvanverb~ in its box, driven by messages, as in a patch, and the
+/// room on which the object stands, which plays.
 ///
 /// It always runs at one vector size: the engine's late field takes its loop lengths from the size of the calls.
 class RoomObject {
@@ -21,63 +26,61 @@ public:
     /// @throws std::invalid_argument with the object's own words if it refuses
     RoomObject(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals);
 
-    /// Sends a message, as a user types it.
-    /// @throws std::invalid_argument with the object's first line of complaint. What it only warns of or posts is in
-    ///         TakeRemarks
-    void Tell(std::string_view message);
-    void Tell(char const* selector, std::vector<max::t_atom> atoms);
+    /// Sends a message, as a user types it: one of the object's, the name of a control that the object has no attribute
+    /// for, or one of those that are ours: "hrtf FILE" loads ears, "clear" empties the room.
+    /// @param folder  that FILE is relative to
+    /// @throws std::invalid_argument with the object's first line of complaint. What it only warns of or posts, and
+    /// that
+    ///         a value was brought into its range, is in TakeRemarks
+    void Tell(std::string_view message, std::filesystem::path const& folder = {});
     /// The lines that were no complaints, since the last call: "warn: text".
     std::vector<std::string> TakeRemarks();
 
+    /// Sets a control that was checked, or an attribute. @throws std::invalid_argument as Tell
+    void Set(std::string const& name, std::vector<std::string> const& values);
+
     /// Puts every source at its place in the built-in layout for their number.
-    void PlaceSources();
+    void PlaceSources() { orvanverb_place_defaults(&Record(), true, false); }
     void PlaceSource(unsigned int index, Lume::CartesianVector const& position);
     void PlaceSpeakers(std::span<Lume::CartesianVector const> positions);
-    std::vector<Lume::CartesianVector> SourcePositions() { return Positions("sourcespositions"); }
-    std::vector<Lume::CartesianVector> SpeakerPositions() { return Positions("speakerspositions"); }
 
     /// Loads the filters of the headphones.
-    /// @throws WorkError that names the file
-    void LoadHrtf(std::string const& path);
+    /// @throws std::invalid_argument that names the file, the field and the reason; the present ones stay
+    void LoadHrtf(std::filesystem::path const& path);
     /// What to tell of them at the rate of Start; empty if there is nothing.
-    std::string HrtfRateRemark(std::string const& path) const;
+    std::string HrtfRateRemark() const;
 
-    /// The values of all attributes that a state holds, each with its name, in the order of the state.
-    struct Value {
-        std::string name;
-        std::vector<max::t_atom> atoms;
-    };
-    std::vector<Value> Values();
-    /// The same as the flat list that the object saves and restores.
-    std::vector<max::t_atom> State();
+    Lume::RoomState State();
+    /// Brings a new object, and the room on which it stands, to a state.
     /// @throws std::invalid_argument as Tell
-    void Restore(std::vector<max::t_atom> const& state);
+    void Restore(Lume::RoomState const& state);
 
-    /// Starts audio, and runs over silence until every fade and glide of the settings has ended, so that the first
-    /// sample of a recording meets the room as it was asked for.
-    /// @param newSamplerate  [Hz]
-    /// @param vectorSize     samples of each call of Process, a power of two from 16 on
-    void Start(int newSamplerate, unsigned int vectorSize);
+    /// Starts audio, and lets the settings come to rest, so that the first sample of a recording meets the room as it
+    /// was asked for.
+    /// @param samplerate  [Hz]
+    /// @param vectorSize  samples of each call of Process, a power of two from 16 on
+    void Start(int samplerate, unsigned int vectorSize);
 
-    /// Tells the rate of a room that only keeps positions, so that a scene knows its time. Start does it too.
-    void SetSamplerate(int newSamplerate) { samplerate = newSamplerate; }
+    /// Processes one vector. Real-time safe.
+    void Process(float* const* outputs, float const* const* inputs) {
+        Room().Process(outputs, inputs, Room().VectorSize());
+    }
 
-    /// Processes one vector of finite samples. Real-time safe.
-    void Process(float** outputs, float** inputs) { box.Process(inputs, outputs); }
-
-    unsigned int NumSources() const { return static_cast<unsigned int>(box.NumSignalInlets()); }
-    unsigned int NumSpeakers() const { return static_cast<unsigned int>(box.NumSignalOutlets()); }
-    unsigned int VectorSize() const { return static_cast<unsigned int>(box.VectorSize()); }
-    int Samplerate() const { return samplerate; }
+    /// The room on which the object stands.
+    Lume::Room& Room() const { return orvanverb_room(&Record()); }
 
 private:
+    orvanverb_t& Record() const { return *orvanverb_record(box.Object()); }
     void Hear(max::ConsoleLevel level, std::string const& text);
     void ThrowComplaint();
-    std::vector<Lume::CartesianVector> Positions(char const* attribute);
+    void Send(char const* selector, std::vector<max::t_atom> atoms);
+    void RemarkRange(std::string const& selector, std::span<max::t_atom const> values);
+    void LimitPositions();
 
-    int samplerate = 0;     // [Hz]
     std::string complaint;  // the first line that is an error, not thrown yet
     std::vector<std::string> remarks;
+    std::set<std::string> remarked;    // controls whose range was told
+    std::vector<std::string> unknown;  // lines of the state that nobody knows
     max::Box box;
 };
 

@@ -1,17 +1,19 @@
 #include "orvanverb/room/room_setup.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <stdexcept>
 
+#include "geometry/vector_algebra.h"
 #include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
+#include "orvanverb/audio/streaming.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/presets/preset.h"
 #include "orvanverb/room/control.h"
 #include "orvanverb/room/source_motion.h"
+#include "orvanverb/room/state_file.h"
 
 namespace program {
 
@@ -53,17 +55,36 @@ void CheckSettings(std::vector<Options::Setting> const& settings) {
     }
 }
 
-void Tell(RoomObject& room, Options::Setting const& setting, std::string const& option) {
+/// Refuses numbers out of range in options that begin with @. All else is for the object to judge, in its own words:
+/// it takes "early width 60" for a control, too.
+void CheckAttributes(std::vector<Options::Setting> const& attributes) {
+    for (Options::Setting const& attribute : attributes) {
+        const bool numbers = std::all_of(attribute.values.begin(), attribute.values.end(),
+                                         [](std::string const& word) { return ParseNumber(word).has_value(); });
+        if (!numbers || attribute.values.empty() || !IsControl(attribute.name)) continue;
+        try {
+            CheckControl(attribute.name, attribute.values);
+        } catch (std::invalid_argument const& error) {
+            throw UsageError(std::string("@") + error.what());
+        }
+    }
+}
+
+/// Sets what an option says.
+void Set(RoomObject& room, Options::Setting const& setting, std::string const& option) {
     if (setting.name == "numinternals") return;  // it was part of the shape
     try {
-        room.Tell(setting.name + " " + JoinWords(setting.values));
+        room.Set(setting.name, setting.values);
     } catch (std::invalid_argument const& error) {
         throw UsageError(option + ": " + error.what());
     }
 }
 
-bool AreEqual(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
-    return a.x == b.x && a.y == b.y && a.z == b.z;
+Scene::Listener ListenerFor(RoomObject& room) {
+    return [&room](std::string_view message, std::filesystem::path const& folder) {
+        room.Tell(message, folder);
+        return room.TakeRemarks();
+    };
 }
 
 std::unique_ptr<RoomObject> NewRoom(unsigned int sources, unsigned int speakers, std::string const& internals) {
@@ -78,22 +99,27 @@ std::unique_ptr<RoomObject> NewRoom(unsigned int sources, unsigned int speakers,
 
 RoomSetup::RoomSetup(Options const& options, unsigned int numSources)
     : sources(numSources), attributes(SplitAttributes(options.attributes)) {
+    CheckAttributes(attributes);
     CheckSettings(options.settings);
     if (options.preset) preset = LoadPreset(FindPreset(*options.preset));
-    if (options.state) stateFile.emplace(*options.state);
+    if (options.state) saved = ReadState(*options.state);
     if (options.scene) scene = Scene(*options.scene);
     ChooseShape(options, numSources);
+    if (options.saveState) {
+        statePath = *options.saveState;
+        stateFile.emplace(statePath);
+    }
 
     const std::unique_ptr<RoomObject> room =
         NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals);
     Arrange(options, *room);
     state = room->State();
-    if (options.saveState) StateFile::Save(*options.saveState, *room);
-    const std::vector<Lume::CartesianVector> positions = room->SpeakerPositions();
-    if (!std::equal(positions.begin(), positions.end(), layout.positions.begin(), AreEqual))
+    state.vectorSize = options.vectorGiven || !saved || saved->vectorSize == 0 ? options.vectorSize : saved->vectorSize;
+    const std::vector<Lume::CartesianVector> positions = room->Room().SpeakerPositions();
+    if (!std::equal(positions.begin(), positions.end(), layout.positions.begin(),
+                    [](auto const& a, auto const& b) { return a == b; }))
         layout = SpeakerLayout::InEngineOrder(positions);  // moved from where their names say they are
-    for (std::string const& remark : room->TakeRemarks()) std::fprintf(stderr, "%s\n", remark.c_str());
-    scene.Rehearse(*room);
+    scene.Rehearse(ListenerFor(*room));
 }
 
 /// The sizes: those typed win over those of a state.
@@ -103,8 +129,8 @@ void RoomSetup::ChooseShape(Options const& options, unsigned int numSources) {
         throw UsageError("@numsources " + *wantedSources + ": every channel of every input is a source, here " +
                          std::to_string(numSources));
 
-    std::string speakers = options.speakers.value_or(stateFile ? std::to_string(stateFile->Size("numspeakers"))
-                                                               : std::string(defaultSpeakers));
+    std::string speakers =
+        options.speakers.value_or(saved ? std::to_string(saved->numSpeakers) : std::string(defaultSpeakers));
     const std::optional<std::string> wantedSpeakers = LastValue(attributes, "numspeakers");
     if (wantedSpeakers && !options.speakers) {
         if (!ParseNumber(*wantedSpeakers)) throw UsageError("@numspeakers: '" + *wantedSpeakers + "' is no number");
@@ -113,27 +139,56 @@ void RoomSetup::ChooseShape(Options const& options, unsigned int numSources) {
     layout = SpeakerLayout::Parse(speakers);
     if (options.hrtfSet && layout.positions.size() != 2)
         throw UsageError("--hrtf: is for headphones, two loudspeakers, not " + std::to_string(layout.positions.size()));
-    hrtfSet = options.hrtfSet;
     if (wantedSpeakers && ParseCount(*wantedSpeakers) != layout.positions.size())
         throw UsageError("@numspeakers " + *wantedSpeakers + ": --speakers gives " +
                          std::to_string(layout.positions.size()));
 
-    if (stateFile) internals = std::to_string(stateFile->Size("numinternals"));
+    if (saved) internals = std::to_string(saved->numInternals);
     std::vector<Options::Setting> const* const inOrder[] = {&preset, &options.settings, &attributes};
     for (auto const* const settings : inOrder)
         if (const auto value = LastValue(*settings, "numinternals")) internals = *value;
+    if (saved) RequireShape(*options.state);
+}
+
+/// A state is for a room of its own sizes.
+void RoomSetup::RequireShape(std::string const& path) const {
+    const auto require = [&path](std::string const& name, unsigned int told, std::string const& here) {
+        if (std::to_string(told) != here)
+            throw WorkError(path + ": " + name + " " + std::to_string(told) + ": this rendering has " + here);
+    };
+    require("numsources", saved->numSources, std::to_string(sources));
+    require("numspeakers", saved->numSpeakers, std::to_string(layout.positions.size()));
+    require("numinternals", saved->numInternals, internals);
 }
 
 /// Brings a new object to where the rendering begins. What comes later wins.
 void RoomSetup::Arrange(Options const& options, RoomObject& room) {
     room.PlaceSources();
     room.PlaceSpeakers(layout.positions);
-    if (stateFile) stateFile->Restore(room);
-    for (Options::Setting const& setting : preset) Tell(room, setting, "--preset");
-    for (Options::Setting const& setting : options.settings) Tell(room, setting, "--set");
-    PlaceSources(room, options.sources);
-    for (Options::Setting const& setting : attributes) Tell(room, setting, "@" + setting.name);
-    scene.Begin(room);
+    if (saved) {
+        if (options.hrtfSet) saved->ears = {};  // others are wanted
+        try {
+            room.Restore(*saved);
+        } catch (std::invalid_argument const& error) {
+            throw WorkError(*options.state + ": " + error.what());
+        }
+    }
+    if (options.hrtfSet) {
+        try {
+            room.LoadHrtf(*options.hrtfSet);
+        } catch (std::invalid_argument const& error) {
+            throw WorkError(error.what());
+        }
+    }
+    for (Options::Setting const& setting : preset) Set(room, setting, "--preset");
+    for (Options::Setting const& setting : options.settings) Set(room, setting, "--set");
+    for (Options::SourcePlace const& place : options.sources) {
+        RequireSource(place, sources);
+        room.PlaceSource(place.number - 1, ToCartesian(place.position));
+    }
+    for (Options::Setting const& setting : attributes) Set(room, setting, "@" + setting.name);
+    for (std::string const& remark : room.TakeRemarks()) Say(remark);
+    for (std::string const& line : scene.Begin(ListenerFor(room))) Say(line);
 }
 
 std::unique_ptr<RoomObject> RoomSetup::MakeRoom() const {
@@ -141,9 +196,17 @@ std::unique_ptr<RoomObject> RoomSetup::MakeRoom() const {
     // depend on how many messages came before.
     orvanverb_seed(1);
     std::unique_ptr<RoomObject> room = NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals);
-    if (hrtfSet) room->LoadHrtf(*hrtfSet);
     room->Restore(state);
+    room->TakeRemarks();  // they were shown
     return room;
+}
+
+std::vector<std::string> RoomSetup::Play(RoomObject& room, std::uint64_t beforeFrame) {
+    return scene.Play(ListenerFor(room), static_cast<int>(room.Room().Samplerate()), beforeFrame);
+}
+
+void RoomSetup::SaveState() {
+    if (stateFile) stateFile->Write(StateText(state, statePath));
 }
 
 }  // namespace program

@@ -1,15 +1,17 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "orvanverb/common/whole_file.h"
 #include "orvanverb/layout/speaker_layout.h"
 #include "orvanverb/options/options.h"
 #include "orvanverb/room/room_object.h"
 #include "orvanverb/room/scene.h"
-#include "orvanverb/room/state_file.h"
+#include "room/room_state.h"
 
 namespace program {
 
@@ -25,19 +27,32 @@ public:
     /// gives the same sound to the last bit, whatever way led to it.
     std::unique_ptr<RoomObject> MakeRoom() const;
 
+    /// Tells a room what the scene has before a sample, counted from the recording's first.
+    /// @return lines to be shown
+    std::vector<std::string> Play(RoomObject& room, std::uint64_t beforeFrame);
+
+    /// Samples of one run of the engine.
+    unsigned int VectorSize() const noexcept { return static_cast<unsigned int>(state.vectorSize); }
+
+    /// Writes the state of the beginning where the options want it.
+    /// @throws WorkError
+    void SaveState();
+
     SpeakerLayout layout;
-    Scene scene;
 
 private:
     void ChooseShape(Options const& options, unsigned int numSources);
+    void RequireShape(std::string const& path) const;
     void Arrange(Options const& options, RoomObject& room);
 
     unsigned int sources;
-    std::optional<std::string> hrtfSet;
     std::string internals = "8";
-    std::optional<StateFile> stateFile;
     std::vector<Options::Setting> preset, attributes;
-    std::vector<max::t_atom> state;
+    std::optional<Lume::RoomState> saved;  // to begin with
+    Lume::RoomState state;                 // of the beginning
+    Scene scene;
+    std::string statePath;
+    std::optional<WholeFile> stateFile;  // to be written
 };
 
 }  // namespace program

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <stdexcept>
+#include <utility>
 
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/program_error.h"
@@ -10,7 +12,7 @@
 
 namespace program {
 
-Scene::Scene(std::string const& newPath) : path(newPath) {
+Scene::Scene(std::string const& newPath) : path(newPath), folder(std::filesystem::path(newPath).parent_path()) {
     for (Line& line : ReadLines(path)) {
         const std::optional<float> seconds = ParseNumber(line.words.front());
         if (!seconds) {
@@ -26,35 +28,39 @@ Scene::Scene(std::string const& newPath) : path(newPath) {
     std::stable_sort(timed.begin(), timed.end(), [](Event const& a, Event const& b) { return a.seconds < b.seconds; });
 }
 
-void Scene::Tell(RoomObject& room, Event const& event) const {
+std::vector<std::string> Scene::Tell(Listener const& listener, Event const& event) const {
+    std::vector<std::string> lines;
     try {
-        room.Tell(event.message);
+        for (std::string const& line : listener(event.message, folder)) lines.push_back(At(path, event.line) + line);
     } catch (std::invalid_argument const& error) {
         throw WorkError(At(path, event.line) + error.what());
     }
+    return lines;
 }
 
-void Scene::Begin(RoomObject& room) const {
-    for (Event const& event : start) Tell(room, event);
+std::vector<std::string> Scene::Begin(Listener const& listener) const {
+    std::vector<std::string> lines;
+    for (Event const& event : start)
+        for (std::string& line : Tell(listener, event)) lines.push_back(std::move(line));
+    return lines;
 }
 
-void Scene::Rehearse(RoomObject& room) const {
-    for (Event const& event : timed) Tell(room, event);
+void Scene::Rehearse(Listener const& listener) const {
+    for (Event const& event : timed) Tell(listener, event);
 }
 
-std::vector<std::string> Scene::Play(RoomObject& room, std::uint64_t beforeFrame) {
-    std::vector<std::string> said;
+std::vector<std::string> Scene::Play(Listener const& listener, int samplerate, std::uint64_t beforeFrame) {
+    std::vector<std::string> lines;
     for (; next < timed.size(); ++next) {
         Event const& event = timed[next];
-        if (std::llround(event.seconds * room.Samplerate()) >= static_cast<long long>(beforeFrame)) break;
+        if (std::llround(event.seconds * samplerate) >= static_cast<long long>(beforeFrame)) break;
         try {
-            room.Tell(event.message);
-        } catch (std::invalid_argument const& error) {
-            said.push_back(At(path, event.line) + error.what());
+            for (std::string& line : Tell(listener, event)) lines.push_back(std::move(line));
+        } catch (WorkError const& error) {
+            lines.emplace_back(error.what());
         }
-        for (std::string const& remark : room.TakeRemarks()) said.push_back(At(path, event.line) + remark);
     }
-    return said;
+    return lines;
 }
 
 }  // namespace program

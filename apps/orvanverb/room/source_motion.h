@@ -3,36 +3,45 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "geometry/cartesian_vector.h"
 #include "orvanverb/options/options.h"
-#include "orvanverb/room/room_object.h"
 #include "orvanverb/room/scene.h"
+#include "patcher/box.h"
 
 namespace program {
 
 /// Where the sources of a recording stand, and when they move: the built-in places for their number, what the options
-/// say, and a scene of messages as an object orvanverb~ takes them. An object keeps the positions, so that all its
-/// formats work.
+/// say, and a scene, of which only the messages that move sources act.
 class SourceMotion {
 public:
     /// @throws ProgramError that names the option, or file and line
     SourceMotion(unsigned int numSources, std::vector<Options::SourcePlace> const& places,
-                 std::optional<std::string> const& scenePath, int samplerate);
+                 std::optional<std::string> const& scenePath, int newSamplerate);
 
     /// What happens before a frame, counted from the recording's first.
     /// @return lines to be shown
     std::vector<std::string> Advance(std::uint64_t beforeFrame);
 
-    std::vector<Lume::CartesianVector> Positions() { return room.SourcePositions(); }
+    std::vector<Lume::CartesianVector> const& Positions() const { return positions; }
 
 private:
-    RoomObject room;
+    std::vector<std::string> Take(std::string_view message);
+    void Move(std::vector<max::t_atom> const& atoms);
+    Scene::Listener Listener();
+
+    int samplerate;  // [Hz]
+    std::vector<Lume::CartesianVector> positions;
     Scene scene;
+    std::vector<std::string> remarks;
+    std::string complaint;
+    max::Box box;  // an empty one: its console hears the readers of positions
 };
 
-/// Places sources as options say.
-/// @throws UsageError for a source that isn't there
-void PlaceSources(RoomObject& room, std::vector<Options::SourcePlace> const& places);
+/// Checks that an option places a source that is there.
+/// @throws UsageError otherwise
+void RequireSource(Options::SourcePlace const& place, unsigned int numSources);
 
 }  // namespace program
