@@ -10,6 +10,7 @@
 #include "orvanverb/decode/decode_command_line.h"
 #include "orvanverb/hrtf/hrtf_command_line.h"
 #include "orvanverb/measure/measure_command_line.h"
+#include "orvanverb/object/object_command_line.h"
 #include "orvanverb/pan/pan_command_line.h"
 #include "orvanverb/presets/presets_command.h"
 #include "orvanverb/room/render_command_line.h"
@@ -17,6 +18,12 @@
 namespace program {
 
 namespace {
+
+/// Every command, in the order in which --help shows them.
+constexpr void (*commands[])(CLI::App& app, Call& call) = {
+    AddRenderCommand, AddImpulseResponseCommand, AddPanCommand,     AddDecodeCommand,
+    AddHrtfCommand,   AddMeasureCommand,         AddPresetsCommand, AddObjectCommands,
+};
 
 /// True for a word that begins another option, and is no negative number.
 bool IsOption(std::string const& word) {
@@ -43,50 +50,25 @@ std::string OneLine(CLI::ParseError const& error) {
     return message + " (orvanverb --help tells more)";
 }
 
-void AddObjectCommands(CLI::App& app, Options& options) {
-    CLI::App* shell = app.add_subcommand("shell", "Make an object orvanverb~ and send it messages from standard input");
-    shell->footer(
-        "The object is made with the attributes that follow the command: shell @numsources 2 @tr0 3\n"
-        "Each line is a message to the object. Lines that begin with a colon are for the shell: :get NAME, :state,\n"
-        ":restore VALUES, :preset, :recall, :assist in|out INDEX, :dsp RATE BLOCK, :notifications, :quit.");
-    shell->callback([&options] { options.command = Options::Command::Shell; });
-    CLI::App* listing = app.add_subcommand("attributes", "List the attributes of orvanverb~");
-    listing->add_flag("--json", options.json, "As JSON, for programs");
-    listing->callback([&options] { options.command = Options::Command::Attributes; });
-    CLI::App* controls = app.add_subcommand("controls", "List the controls of the room, as --set and files name them");
-    controls->add_flag("--json", options.json, "As JSON, for programs");
-    controls->callback([&options] { options.command = Options::Command::Controls; });
-    CLI::App* reference =
-        app.add_subcommand("reference", "Write the reference page of orvanverb~, and its style sheet, where you are");
-    reference->callback([&options] { options.command = Options::Command::Reference; });
-}
-
 }  // namespace
 
-std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
+Call ParseCommandLine(int argc, char const* const* argv) {
     CLI::App app("Puts recordings into a room and writes what loudspeakers or headphones play.", "orvanverb");
     app.set_version_flag("--version", "orvanverb " ORVANVERB_VERSION);
     app.require_subcommand(1);
     app.get_formatter()->column_width(36);
 
-    Options options;
+    Call call;
     std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-    options.attributes = TakeAttributes(arguments);
+    call.attributes = TakeAttributes(arguments);
     std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
 
-    AddRenderCommand(app, options);
-    AddImpulseResponseCommand(app, options);
-    AddPanCommand(app, options);
-    AddDecodeCommand(app, options);
-    AddHrtfCommand(app, options);
-    AddMeasureCommand(app, options);
-    AddPresetsCommand(app, options);
-    AddObjectCommands(app, options);
+    for (auto* const add : commands) add(app, call);
     try {
         app.parse(arguments);
     } catch (CLI::Success const& success) {  // --help or --version
         app.exit(success);
-        return std::nullopt;
+        return {};
     } catch (CLI::RequiredError const& error) {
         if (app.get_subcommands().empty() && argc > 1) {
             std::string names;
@@ -97,7 +79,7 @@ std::optional<Options> ParseCommandLine(int argc, char const* const* argv) {
     } catch (CLI::ParseError const& error) {
         throw UsageError(OneLine(error));
     }
-    return options;
+    return call;
 }
 
 }  // namespace program

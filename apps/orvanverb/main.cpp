@@ -1,11 +1,9 @@
 #include <cstdio>
 #include <exception>
-#include <optional>
 #include <string>
 
 #include "dsp/console.h"
 #include "orvanverb/command_line.h"
-#include "orvanverb/commands.h"
 #include "orvanverb/common/interrupt.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/standard_streams.h"
@@ -16,8 +14,8 @@ int main(int argc, char** argv) {
         orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const&) {});
         program::PrepareStandardStreams();
         program::CatchSignals();
-        const std::optional<program::Options> options = program::ParseCommandLine(argc, argv);
-        const int status = options ? program::Obey(*options) : 0;
+        const program::Call call = program::ParseCommandLine(argc, argv);
+        const int status = call.run ? call.run() : 0;
         return program::FinishStandardOutput() ? status : 1;
     } catch (program::ProgramError const& error) {
         std::fprintf(stderr, "orvanverb: %s\n", error.what());

@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "orvanverb/command_line.h"
-#include "orvanverb/commands.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/object/shell.h"
 #include "program/sound_files.h"
@@ -99,8 +98,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         }
         std::vector<char const*> arguments;
         for (std::string const& word : words) arguments.push_back(word.c_str());
-        const auto options = program::ParseCommandLine(static_cast<int>(arguments.size()), arguments.data());
-        program::Obey(options.value());
+        const program::Call parsed = program::ParseCommandLine(static_cast<int>(arguments.size()), arguments.data());
+        if (parsed.run) parsed.run();
     } catch (program::ProgramError const&) {
     }
     return 0;

@@ -10,8 +10,8 @@
 
 namespace program {
 
-void RunDecode(Options const& options) {
-    if (options.decode.list) {
+void RunDecode(DecodeOptions const& options) {
+    if (options.list) {
         std::fputs(DecoderList().c_str(), stdout);
         return;
     }
@@ -19,7 +19,7 @@ void RunDecode(Options const& options) {
     InputBank input(options.inputs, options.rate, std::nullopt);
     DecodeSetup setup(options, input.NumChannels());
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
-    if (options.decode.matrix) std::fputs(setup.MatrixText().c_str(), stdout);
+    if (options.matrix) std::fputs(setup.MatrixText().c_str(), stdout);
     if (options.output.empty()) return;
     if (const std::string remark = setup.RateRemark(input.Samplerate()); !remark.empty()) Say(remark);
     const unsigned int vectorSize = std::max(options.vectorSize, setup.blockLength.value_or(0));

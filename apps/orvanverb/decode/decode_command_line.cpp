@@ -7,7 +7,9 @@
 
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/decode/decode_command.h"
 #include "orvanverb/options/common_options.h"
+#include "orvanverb/options/file_roles.h"
 #include "orvanverb/options/option_values.h"
 
 namespace program {
@@ -19,13 +21,13 @@ struct Words {
     std::string input, outputs, convention, sorting, crossover;
 };
 
-void TakeMeaning(Words const& words, Options& options) {
+void TakeMeaning(Words const& words, DecodeOptions& decode) {
     constexpr float lowest = 20.0f, highest = 20000.0f;
-    DecodeOptions& decode = options.decode;
-    TakeCommonMeaning(words.common, options);
+    TakeCommonMeaning(words.common, decode);
     if (decode.list) return;
+    decode.AlsoReads("the --filters", decode.filters);
     if (words.input.empty()) throw UsageError("input: a recording is required");
-    options.inputs = {words.input};
+    decode.inputs = {words.input};
     if (decode.type.empty()) throw UsageError("--type: is required; orvanverb decode --list shows them");
     if (!words.outputs.empty()) {
         decode.outputs = ParseCount(words.outputs);
@@ -42,14 +44,15 @@ void TakeMeaning(Words const& words, Options& options) {
         if (!decode.crossoverHz || *decode.crossoverHz < lowest || *decode.crossoverHz > highest)
             throw UsageError("--crossover: '" + words.crossover + "' is no frequency from 20 to 20000 Hz");
     }
-    if (options.output.empty() && !decode.matrix) throw UsageError("--output: is required");
+    if (decode.output.empty() && !decode.matrix) throw UsageError("--output: is required");
 }
 
 }  // namespace
 
-CLI::App* AddDecodeCommand(CLI::App& app, Options& options) {
+void AddDecodeCommand(CLI::App& app, Call& call) {
+    const auto options = std::make_shared<DecodeOptions>();
+    DecodeOptions& decode = *options;
     const auto words = std::make_shared<Words>();
-    DecodeOptions& decode = options.decode;
     CLI::App* command = app.add_subcommand("decode", "Turn ambisonic, matrixed or binaural recordings into feeds");
     command->add_option("input", words->input, "A recording; its channels are those of the format")->type_name("FILE");
     command->add_option("--type", decode.type, "What it is; --list shows what there is")
@@ -59,7 +62,7 @@ CLI::App* AddDecodeCommand(CLI::App& app, Options& options) {
         ->type_name("NAME")
         ->take_last();
     command
-        ->add_option("--speakers", options.speakers,
+        ->add_option("--speakers", decode.speakers,
                      "Loudspeakers: a count, or a file with one AZIMUTH [ELEVATION [DISTANCE]] a line\n"
                      "[2 for transaural, cube for hoa3d, else 8]")
         ->type_name("LAYOUT")
@@ -84,14 +87,17 @@ CLI::App* AddDecodeCommand(CLI::App& app, Options& options) {
     command->add_option("--filters", decode.filters, "A set for the transaural network, .bin2trans or .coll")
         ->type_name("FILE")
         ->take_last();
-    AddFileOptions(*command, options, words->common, "Time behind the end of the input [0.1]");
+    AddFileOptions(*command, decode, words->common, "Time behind the end of the input [0.1]");
     command->add_flag("--list", decode.list, "Show the types and what each takes");
     command->add_flag("--matrix", decode.matrix, "Print the ambisonic decoder's gains, condition and regularity");
-    command->callback([&options, words] {
-        options.command = Options::Command::Decode;
-        TakeMeaning(*words, options);
+    command->callback([&call, options, words] {
+        TakeMeaning(*words, *options);
+        RequireSeparateFiles(*options);
+        call.run = [options] {
+            RunDecode(*options);
+            return 0;
+        };
     });
-    return command;
 }
 
 }  // namespace program

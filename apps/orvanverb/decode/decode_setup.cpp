@@ -67,24 +67,24 @@ Value FindByName(char const* option, std::string const& word, int count, NameOf 
 
 }  // namespace
 
-DecodeSetup::DecodeSetup(Options const& options, unsigned int newNumInputs)
-    : kind(FindDecoder(options.decode.type)), numInputs(newNumInputs) {
+DecodeSetup::DecodeSetup(DecodeOptions const& options, unsigned int newNumInputs)
+    : kind(FindDecoder(options.type)), numInputs(newNumInputs) {
     ChooseOutputs(options);
-    const Decoder::SubType subType = Decoder::GetSubType(options.decode.subType.c_str());
-    if (subType == Decoder::nullSubType && options.decode.subType != "null")
-        throw UsageError("--sub-type: '" + options.decode.subType + "' is none; orvanverb decode --list shows them");
+    const Decoder::SubType subType = Decoder::GetSubType(options.subType.c_str());
+    if (subType == Decoder::nullSubType && options.subType != "null")
+        throw UsageError("--sub-type: '" + options.subType + "' is none; orvanverb decode --list shows them");
     if (subType != Decoder::nullSubType && kind.type != Decoder::transaural)
         throw UsageError("--sub-type: is for the type transaural");
     decoder = Lume::MakeDecoder(kind.type, subType, numInputs, NumOutputs());
     if (!decoder)
-        throw UsageError("--type " + options.decode.type + ": doesn't take " + std::to_string(numInputs) +
-                         " channels to " + std::to_string(NumOutputs()) + "; it takes " + kind.takes);
+        throw UsageError("--type " + options.type + ": doesn't take " + std::to_string(numInputs) + " channels to " +
+                         std::to_string(NumOutputs()) + "; it takes " + kind.takes);
     hoa = dynamic_cast<Lume::HOADecoder*>(decoder.get());
     transaural = dynamic_cast<Lume::TransauralDecoder*>(decoder.get());
-    SetUpHarmonics(options.decode);
+    SetUpHarmonics(options);
     if (kind.outputs == Lume::DecoderKind::Outputs::loudspeakers) {
         std::vector<Lume::CartesianVector> positions = layout.positions;
-        if (options.decode.ambix)
+        if (options.ambix)
             for (Lume::CartesianVector& p : positions) p = ToAmbixAxes(p);
         decoder->SetLoudspeakerPositions(positions.data());
         channels = LoudspeakerWords(layout);
@@ -95,9 +95,9 @@ DecodeSetup::DecodeSetup(Options const& options, unsigned int newNumInputs)
     SetUpTransaural(options);
 }
 
-void DecodeSetup::ChooseOutputs(Options const& options) {
+void DecodeSetup::ChooseOutputs(DecodeOptions const& options) {
     if (kind.outputs == Lume::DecoderKind::Outputs::loudspeakers) {
-        if (options.decode.outputs) throw UsageError("--outputs: this type has one for each of the --speakers");
+        if (options.outputs) throw UsageError("--outputs: this type has one for each of the --speakers");
         if (kind.type == Decoder::hoa3d && options.speakers.value_or("cube") == "cube")
             layout = SpeakerLayout::InEngineOrder({std::begin(Lume::Speakers::cube), std::end(Lume::Speakers::cube)});
         else
@@ -105,7 +105,7 @@ void DecodeSetup::ChooseOutputs(Options const& options) {
         return;
     }
     if (options.speakers) throw UsageError("--speakers: this type's outputs are channels of a format; see --outputs");
-    layout.fileOrder.resize(options.decode.outputs.value_or(UsualOutputs(kind.type, numInputs)));
+    layout.fileOrder.resize(options.outputs.value_or(UsualOutputs(kind.type, numInputs)));
     std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
     if (NumOutputs() == 2) layout.channelMask = frontLeft | frontRight;
 }
@@ -142,13 +142,13 @@ void DecodeSetup::CheckCondition() {
                            " dB; a lower order, more or more even loudspeakers are better");
 }
 
-void DecodeSetup::SetUpTransaural(Options const& options) {
+void DecodeSetup::SetUpTransaural(DecodeOptions const& options) {
     if (transaural == nullptr) {
-        if (options.decode.filters) throw UsageError("--filters: is for the type transaural");
+        if (options.filters) throw UsageError("--filters: is for the type transaural");
         return;
     }
-    if (options.decode.filters) {
-        filters = *options.decode.filters;
+    if (options.filters) {
+        filters = *options.filters;
         LoadFilters(filters, *transaural);
         if (filters.ends_with(".bin2trans")) {
             blockLength = BlockLengthOf(filters);

@@ -8,8 +8,8 @@
 #include "decoders/ambisonic/hoa_decoder.h"
 #include "decoders/decoder_factory.h"
 #include "decoders/transaural/transaural_decoder.h"
+#include "orvanverb/decode/decode_options.h"
 #include "orvanverb/layout/speaker_layout.h"
-#include "orvanverb/options/options.h"
 
 namespace program {
 
@@ -17,7 +17,7 @@ namespace program {
 class DecodeSetup {
 public:
     /// @throws ProgramError that names option or file, and says what is wrong
-    DecodeSetup(Options const& options, unsigned int numInputs);
+    DecodeSetup(DecodeOptions const& options, unsigned int numInputs);
 
     /// Announces the rate and runs over silence until the gains have come to where they belong.
     /// @param newVectorSize  samples of each call of Process, at least those of a block that the filters prescribe
@@ -43,10 +43,10 @@ public:
     std::optional<unsigned int> blockLength;  // samples, of a network whose filters were made for blocks of a length
 
 private:
-    void ChooseOutputs(Options const& options);
+    void ChooseOutputs(DecodeOptions const& options);
     void SetUpHarmonics(DecodeOptions const& options);
     void CheckCondition();
-    void SetUpTransaural(Options const& options);
+    void SetUpTransaural(DecodeOptions const& options);
 
     Lume::DecoderKind const& kind;
     Lume::HOADecoder* hoa = nullptr;                // the decoder, if it is one of harmonics

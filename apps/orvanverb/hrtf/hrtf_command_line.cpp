@@ -9,8 +9,10 @@
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/design/transaural_design.h"
+#include "orvanverb/hrtf/hrtf_commands.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/transaural_conversion.h"
+#include "orvanverb/options/file_roles.h"
 #include "orvanverb/options/option_values.h"
 
 namespace program {
@@ -92,7 +94,14 @@ void TakeTransauralMeaning(TransauralWords const& words, HrtfOptions& options) {
     if (transaural.stepDeg && !transaural.pairs.empty()) throw UsageError("--step: is of the grid, in place of --pair");
 }
 
-void AddTransauralCommand(CLI::App& hrtf, HrtfOptions& options) {
+void WillRun(Call& call, std::shared_ptr<HrtfOptions> const& options, int (*command)(HrtfOptions const&)) {
+    options->AlsoReads("the input", options->input);
+    RequireSeparateFiles(*options);
+    call.run = [options, command] { return command(*options); };
+}
+
+void AddTransauralCommand(CLI::App& hrtf, Call& call, std::shared_ptr<HrtfOptions> const& shared) {
+    HrtfOptions& options = *shared;
     TransauralOptions& transaural = options.transaural;
     CLI::App* command =
         hrtf.add_subcommand("transaural", "Make a .bin2trans file: filters for two loudspeakers, from a measured head");
@@ -137,16 +146,17 @@ void AddTransauralCommand(CLI::App& hrtf, HrtfOptions& options) {
                      "[diffuse for .sofa, none for the others]")
         ->type_name("HOW")
         ->take_last();
-    command->callback([&options, words] {
-        options.action = HrtfOptions::Action::Transaural;
-        TakeTransauralMeaning(*words, options);
+    command->callback([&call, shared, words] {
+        TakeTransauralMeaning(*words, *shared);
+        WillRun(call, shared, MakeTransaural);
     });
 }
 
 }  // namespace
 
-CLI::App* AddHrtfCommand(CLI::App& app, Options& all) {
-    HrtfOptions& options = all.hrtf;
+void AddHrtfCommand(CLI::App& app, Call& call) {
+    const auto shared = std::make_shared<HrtfOptions>();
+    HrtfOptions& options = *shared;
     CLI::App* hrtf =
         app.add_subcommand("hrtf", "Look at sets of filters for headphones and loudspeaker pairs, and make them");
     hrtf->require_subcommand(1);
@@ -155,8 +165,7 @@ CLI::App* AddHrtfCommand(CLI::App& app, Options& all) {
     info->add_option("file", options.input, "A .hrtf, .near, .bin2trans or .coll file, or kemar: the built-in set")
         ->required()
         ->type_name("FILE");
-    info->callback([&options] { options.action = HrtfOptions::Action::Info; });
-    hrtf->callback([&all] { all.command = Options::Command::Hrtf; });
+    info->callback([&call, shared] { WillRun(call, shared, ShowHrtf); });
 
     CLI::App* convert = hrtf->add_subcommand("convert", "Make a .hrtf file, for your own ears or another sample rate");
     const auto words = std::make_shared<Words>();
@@ -177,12 +186,11 @@ CLI::App* AddHrtfCommand(CLI::App& app, Options& all) {
                      "[diffuse for .sofa, none for the others]")
         ->type_name("HOW")
         ->take_last();
-    convert->callback([&options, words] {
-        options.action = HrtfOptions::Action::Convert;
-        TakeMeaning(*words, options);
+    convert->callback([&call, shared, words] {
+        TakeMeaning(*words, *shared);
+        WillRun(call, shared, ConvertHrtf);
     });
-    AddTransauralCommand(*hrtf, options);
-    return hrtf;
+    AddTransauralCommand(*hrtf, call, shared);
 }
 
 }  // namespace program

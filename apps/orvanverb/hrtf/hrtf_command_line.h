@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orvanverb/options/options.h"
+#include "orvanverb/options/call.h"
 
 namespace CLI {
 class App;
@@ -8,7 +8,7 @@ class App;
 
 namespace program {
 
-/// Adds the command "hrtf" to the parser, which then fills the options or throws UsageError.
-CLI::App* AddHrtfCommand(CLI::App& app, Options& options);
+/// The parser throws UsageError from the callback.
+void AddHrtfCommand(CLI::App& app, Call& call);
 
 }  // namespace program

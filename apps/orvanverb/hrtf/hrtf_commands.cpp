@@ -52,7 +52,7 @@ int ShowHrtf(HrtfOptions const& options) {
     return check.faults.empty() ? 0 : 1;
 }
 
-void ConvertHrtf(HrtfOptions const& options) {
+int ConvertHrtf(HrtfOptions const& options) {
     if (!IsNameOfSet(options.output, ".hrtf"))
         throw UsageError(options.output + ": the name of a set for the panners ends in .hrtf");
     WholeFile file(options.output);
@@ -97,9 +97,10 @@ void ConvertHrtf(HrtfOptions const& options) {
     std::fprintf(stderr, "%s: %u directions, %s, %u coefficients an ear, %u Hz, %s s\n", options.output.c_str(),
                  set.header.numPoints, Lume::GetHrtfFilterTypeName(set.header.filterType).c_str(),
                  set.header.numCoefficients, set.header.samplingRate, FixedText(seconds, 1).c_str());
+    return 0;
 }
 
-void MakeTransaural(HrtfOptions const& options) {
+int MakeTransaural(HrtfOptions const& options) {
     TransauralOptions const& transaural = options.transaural;
     if (!IsNameOfSet(options.output, ".bin2trans"))
         throw UsageError(options.output + ": the name of a set for loudspeakers ends in .bin2trans");
@@ -120,6 +121,7 @@ void MakeTransaural(HrtfOptions const& options) {
     std::fprintf(stderr, "%s: %u pairs of loudspeakers, %u filters of %u samples each, %u Hz%s, %s s\n",
                  options.output.c_str(), set.header.numPoints, set.header.numChannels, set.header.numCoefficients,
                  set.header.samplingRate, blocks.c_str(), FixedText(SecondsSince(begin), 1).c_str());
+    return 0;
 }
 
 }  // namespace program

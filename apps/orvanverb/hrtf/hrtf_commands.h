@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orvanverb/options/hrtf_options.h"
+#include "orvanverb/hrtf/hrtf_options.h"
 
 namespace program {
 
@@ -11,10 +11,10 @@ int ShowHrtf(HrtfOptions const& options);
 
 /// Makes a file for the engine's panners, and tells about it on standard error.
 /// @throws WorkError that names the file, UsageError for a name or option that can't be meant
-void ConvertHrtf(HrtfOptions const& options);
+int ConvertHrtf(HrtfOptions const& options);
 
 /// Makes a file of filters for a transaural network, and tells about it on standard error.
 /// @throws as ConvertHrtf
-void MakeTransaural(HrtfOptions const& options);
+int MakeTransaural(HrtfOptions const& options);
 
 }  // namespace program

@@ -2,7 +2,7 @@
 
 #include "hrtf/sdif_set.h"
 #include "orvanverb/design/measured_set.h"
-#include "orvanverb/options/transaural_options.h"
+#include "orvanverb/hrtf/transaural_options.h"
 
 namespace program {
 

@@ -10,21 +10,20 @@
 
 namespace program {
 
-void RunMeasure(Options const& options) {
+void RunMeasure(MeasureOptions const& options) {
     using orvanmeasure::BandWidth;
-    MeasureOptions const& wanted = options.measure;
-    const BandWidth width = wanted.thirds ? BandWidth::third : BandWidth::octave;
+    const BandWidth width = options.thirds ? BandWidth::third : BandWidth::octave;
     const auto measure = [&](ResponseFile const& response) {
         return orvanmeasure::Measure(response.Spans(), response.samplerate, width);
     };
     std::optional<orvanmeasure::RoomMeasurement> other;
-    if (wanted.against) other = measure(ReadResponse(*wanted.against, wanted.channel));
+    if (options.against) other = measure(ReadResponse(*options.against, options.channel));
 
     std::string json;
     for (std::string const& path : options.inputs) {
-        const ResponseFile response = ReadResponse(path, wanted.channel);
+        const ResponseFile response = ReadResponse(path, options.channel);
         const orvanmeasure::RoomMeasurement measured = measure(response);
-        if (wanted.plot) DrawResponse(*wanted.plot, response, measured);
+        if (options.plot) DrawResponse(*options.plot, response, measured);
         if (options.json) {
             json.append(json.empty() ? "[" : ",\n").append(FigureJson(path, measured));
             continue;
@@ -32,10 +31,10 @@ void RunMeasure(Options const& options) {
         if (&path != &options.inputs.front()) std::fputs("\n", stdout);
         std::fputs(FigureTable(path, measured).c_str(), stdout);
         if (other && measured.direct && other->direct)
-            std::fputs(DifferenceTable(path, measured, *wanted.against, *other).c_str(), stdout);
+            std::fputs(DifferenceTable(path, measured, *options.against, *other).c_str(), stdout);
     }
     if (!options.json) return;
-    if (other) json += ",\n" + FigureJson(*wanted.against, *other);
+    if (other) json += ",\n" + FigureJson(*options.against, *other);
     std::fputs((json + "]\n").c_str(), stdout);
 }
 

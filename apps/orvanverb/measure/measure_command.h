@@ -1,11 +1,11 @@
 #pragma once
 
-#include "orvanverb/options/options.h"
+#include "orvanverb/measure/measure_options.h"
 
 namespace program {
 
 /// Measures impulse responses and prints what came out.
 /// @throws ProgramError
-void RunMeasure(Options const& options);
+void RunMeasure(MeasureOptions const& options);
 
 }  // namespace program

@@ -8,6 +8,8 @@
 #include "orvanverb/common/gnuplot.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/measure/measure_command.h"
+#include "orvanverb/options/file_roles.h"
 #include "orvanverb/options/options.h"
 
 namespace program {
@@ -25,8 +27,7 @@ constexpr char const* footer =
     "  orvanverb measure hall.wav --plot hall.svg\n"
     "  orvanverb measure yours.wav --bands third --against hall.wav";
 
-void TakeMeaning(Words const& words, Options& options) {
-    MeasureOptions& measure = options.measure;
+void TakeMeaning(Words const& words, MeasureOptions& measure) {
     if (words.bands != "octave" && words.bands != "third")
         throw UsageError("--bands: '" + words.bands + "' is neither octave nor third");
     measure.thirds = words.bands == "third";
@@ -37,18 +38,19 @@ void TakeMeaning(Words const& words, Options& options) {
     }
     if (measure.plot) {
         RequirePictureName(*measure.plot);
-        if (options.inputs.size() > 1) throw UsageError("--plot: draws one response, not several");
+        if (measure.inputs.size() > 1) throw UsageError("--plot: draws one response, not several");
     }
 }
 
 }  // namespace
 
-CLI::App* AddMeasureCommand(CLI::App& app, Options& options) {
+void AddMeasureCommand(CLI::App& app, Call& call) {
+    const auto options = std::make_shared<MeasureOptions>();
+    MeasureOptions& measure = *options;
     const auto words = std::make_shared<Words>();
-    MeasureOptions& measure = options.measure;
     CLI::App* command =
         app.add_subcommand("measure", "Measure impulse responses: decay, clarity, the ears' correlation and more");
-    command->add_option("inputs", options.inputs, "Impulse responses")->type_name("FILE")->required();
+    command->add_option("inputs", measure.inputs, "Impulse responses")->type_name("FILE")->required();
     command->add_option("--bands", words->bands, "octave or third [octave]")->type_name("NAME")->take_last();
     command->add_option("--channel", words->channel, "Measure only this channel, counted from 1")
         ->type_name("COUNT")
@@ -59,13 +61,16 @@ CLI::App* AddMeasureCommand(CLI::App& app, Options& options) {
     command->add_option("--plot", measure.plot, "Draw a picture, .svg or .png (needs gnuplot)")
         ->type_name("FILE")
         ->take_last();
-    command->add_flag("--json", options.json, "Print all figures and curves as JSON, for programs");
+    command->add_flag("--json", measure.json, "Print all figures and curves as JSON, for programs");
     command->footer(footer);
-    command->callback([&options, words] {
-        options.command = Options::Command::Measure;
-        TakeMeaning(*words, options);
+    command->callback([&call, options, words] {
+        TakeMeaning(*words, *options);
+        RequireSeparateFiles(*options);
+        call.run = [options] {
+            RunMeasure(*options);
+            return 0;
+        };
     });
-    return command;
 }
 
 }  // namespace program

@@ -1,15 +1,14 @@
 #pragma once
 
+#include "orvanverb/options/call.h"
+
 namespace CLI {
 class App;
 }
 
 namespace program {
 
-struct Options;
-
-/// Adds the command measure to the parser, to be read into options.
-/// @throws UsageError from its callback
-CLI::App* AddMeasureCommand(CLI::App& app, Options& options);
+/// The parser throws UsageError from the callback.
+void AddMeasureCommand(CLI::App& app, Call& call);
 
 }  // namespace program

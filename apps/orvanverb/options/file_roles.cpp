@@ -15,35 +15,26 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct File {
-    std::string role;  // in the call, in words
-    std::string path;
-};
-using Files = std::vector<File>;
+using Files = std::vector<Options::NamedFile>;
 
 void Add(Files& files, char const* role, std::optional<std::string> const& path) {
     if (path && !path->empty()) files.push_back({role, *path});
 }
 
 Files ReadFiles(Options const& options) {
-    Files files;
+    Files files = options.otherReads;
     for (std::string const& input : options.inputs) Add(files, "an input", input);
-    Add(files, "the input", options.hrtf.input);
     if (options.speakers && !ParseCount(*options.speakers)) Add(files, "the layout of --speakers", options.speakers);
     Add(files, "the --preset", options.preset);
     Add(files, "the --scene", options.scene);
     Add(files, "the --state", options.state);
     Add(files, "the --hrtf", options.hrtfSet);
-    Add(files, "the --hrtf", options.pan.hrtf);
-    Add(files, "the --nearfield", options.pan.nearfield);
-    Add(files, "the --filters", options.decode.filters);
     return files;
 }
 
 Files WrittenFiles(Options const& options) {
     Files files;
     Add(files, "the output", options.output);
-    Add(files, "the output", options.hrtf.output);
     Add(files, "the --save-state", options.saveState);
     return files;
 }
@@ -59,8 +50,8 @@ bool AreSame(std::string const& a, std::string const& b) {
 
 void RequireSeparateFiles(Options const& options) {
     Files others = ReadFiles(options);
-    for (File const& written : WrittenFiles(options)) {
-        for (File const& other : others)
+    for (Options::NamedFile const& written : WrittenFiles(options)) {
+        for (Options::NamedFile const& other : others)
             if (AreSame(written.path, other.path))
                 throw UsageError(written.path + ": can't be " + written.role + " and " + other.role + " at once");
         others.push_back(written);

@@ -8,27 +8,16 @@
 #include "orvanverb/audio/tail.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/layout/listener_position.h"
-#include "orvanverb/options/decode_options.h"
-#include "orvanverb/options/hrtf_options.h"
-#include "orvanverb/options/measure_options.h"
-#include "orvanverb/options/pan_options.h"
 
 namespace program {
 
-/// What the user asked for: every word checked on its own, nothing opened yet.
+/// What the user asked for, as far as several commands know of it: every word checked on its own, nothing opened yet.
+/// What only one command knows stands in its folder.
 struct Options {
-    enum class Command {
-        Render,
-        ImpulseResponse,
-        Pan,
-        Decode,
-        Hrtf,
-        Measure,
-        Presets,
-        Shell,
-        Attributes,
-        Controls,
-        Reference
+    enum class Command { Render, ImpulseResponse };
+    struct NamedFile {
+        std::string role;  // in the call, in words
+        std::string path;
     };
     struct SourcePlace {
         unsigned int number = 1;  // counted from 1
@@ -39,15 +28,14 @@ struct Options {
         std::vector<std::string> values;
     };
 
-    Command command = Command::Render;
-    HrtfOptions hrtf;
-    PanOptions pan;
-    DecodeOptions decode;
-    MeasureOptions measure;
+    Command command = Command::Render;    // of those with a room
     std::vector<std::string> attributes;  // of the object box: @name value ...
-    bool json = false;
     std::vector<std::string> inputs;
     std::string output;
+    std::vector<NamedFile> otherReads;  // files of one command
+    void AlsoReads(char const* role, std::optional<std::string> const& path) {
+        if (path) otherReads.push_back({role, *path});
+    }
     std::optional<std::string> speakers;  // a count or a file; none: those of the state, or defaultSpeakers
     std::optional<std::string> hrtfSet;   // of the headphones; none: the built-in one
     std::vector<SourcePlace> sources;

@@ -21,15 +21,15 @@ namespace {
 // What filters and delays still give when the input has ended.
 constexpr double usualTailSeconds = 0.1;
 
-void RemarkRate(PanSetup const& setup, Options const& options, int samplerate) {
-    if (!options.pan.hrtf) return;
+void RemarkRate(PanSetup const& setup, PanOptions const& options, int samplerate) {
+    if (!options.hrtf) return;
     Lume::HrtfHeaderInfos const* const header =
         static_cast<Lume::BinauralPanning const&>(*setup.panner).GetHrtfHeaderInfos();
     if (header == nullptr) return;
-    if (const std::string remark = RateRemark(*options.pan.hrtf, *header, samplerate); !remark.empty()) Say(remark);
+    if (const std::string remark = RateRemark(*options.hrtf, *header, samplerate); !remark.empty()) Say(remark);
 }
 
-void Render(Options const& options) {
+void Render(PanOptions const& options) {
     const auto begin = std::chrono::steady_clock::now();
     InputBank inputs(options.inputs, options.rate, options.inTurnSeconds);
     SourceMotion motion(inputs.NumChannels(), options.sources, options.scene, inputs.Samplerate());
@@ -64,24 +64,24 @@ void Render(Options const& options) {
     ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
     if (setup.method.outputs == Lume::PanKind::Outputs::harmonics)
-        Say(options.pan.ambix ? "AmbiX: ACN order, SN3D weights, x ahead, y to the left"
-                              : "axes: x to the right, y ahead, z up; --ambix turns them for other tools");
+        Say(options.ambix ? "AmbiX: ACN order, SN3D weights, x ahead, y to the left"
+                          : "axes: x to the right, y ahead, z up; --ambix turns them for other tools");
     for (std::string const& remark : inputs.Remarks()) Say(remark);
     RequireSound(options.output, end.numBad);
 }
 
 }  // namespace
 
-void RunPan(Options const& options) {
-    if (options.pan.list) {
+void RunPan(PanOptions const& options) {
+    if (options.list) {
         std::fputs(PanMethodList().c_str(), stdout);
         return;
     }
-    if (!options.pan.gains && !options.pan.triplets) return Render(options);
+    if (!options.gains && !options.triplets) return Render(options);
     const ListenerPosition place = options.sources.empty() ? ListenerPosition{} : options.sources.back().position;
     PanSetup setup(options, {ToCartesian(place)});
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
-    std::fputs((options.pan.gains ? GainTable(setup, place) : TripletTable(setup)).c_str(), stdout);
+    std::fputs((options.gains ? GainTable(setup, place) : TripletTable(setup)).c_str(), stdout);
 }
 
 }  // namespace program

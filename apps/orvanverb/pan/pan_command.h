@@ -1,11 +1,11 @@
 #pragma once
 
-#include "orvanverb/options/options.h"
+#include "orvanverb/pan/pan_options.h"
 
 namespace program {
 
 /// Pans recordings with one method, or prints what a method would do. Tells about it on standard error.
 /// @throws ProgramError
-void RunPan(Options const& options);
+void RunPan(PanOptions const& options);
 
 }  // namespace program

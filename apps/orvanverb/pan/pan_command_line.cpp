@@ -8,7 +8,9 @@
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/options/common_options.h"
+#include "orvanverb/options/file_roles.h"
 #include "orvanverb/options/option_values.h"
+#include "orvanverb/pan/pan_command.h"
 
 namespace program {
 
@@ -23,10 +25,11 @@ constexpr char const* footer =
     "Angles are the listener's: azimuth 0 is ahead, +90 right, -90 left; elevation 90 is above. Distances are in\n"
     "metres. Without --source and --scene, sources stand at the built-in places for their number.";
 
-void TakeMeaning(Words const& words, Options& options) {
-    PanOptions& pan = options.pan;
-    TakeCommonMeaning(words.common, options);
+void TakeMeaning(Words const& words, PanOptions& pan) {
+    TakeCommonMeaning(words.common, pan);
     if (pan.list) return;
+    pan.AlsoReads("the --hrtf", pan.hrtf);
+    pan.AlsoReads("the --nearfield", pan.nearfield);
     if (pan.method.empty()) throw UsageError("--method: is required; orvanverb pan --list shows them");
     if (!words.outputs.empty()) {
         pan.outputs = ParseCount(words.outputs);
@@ -38,17 +41,18 @@ void TakeMeaning(Words const& words, Options& options) {
         (pan.convention.value_or("SN3D") != "SN3D" || pan.sorting.value_or("IncreasingDegrees") != "IncreasingDegrees"))
         throw UsageError("--ambix: means SN3D and IncreasingDegrees");
     if (pan.gains || pan.triplets) return;
-    if (options.inputs.empty()) throw UsageError("inputs: a recording is required");
-    if (options.output.empty()) throw UsageError("--output: is required");
+    if (pan.inputs.empty()) throw UsageError("inputs: a recording is required");
+    if (pan.output.empty()) throw UsageError("--output: is required");
 }
 
 }  // namespace
 
-CLI::App* AddPanCommand(CLI::App& app, Options& options) {
+void AddPanCommand(CLI::App& app, Call& call) {
+    const auto options = std::make_shared<PanOptions>();
+    PanOptions& pan = *options;
     const auto words = std::make_shared<Words>();
-    PanOptions& pan = options.pan;
     CLI::App* command = app.add_subcommand("pan", "Pan recordings with one method, without a room");
-    AddInputs(*command, options, words->common);
+    AddInputs(*command, pan, words->common);
     command->add_option("--method", pan.method, "How; --list shows what there is")->type_name("NAME")->take_last();
     command
         ->add_option("--model,--sub-type", pan.model,
@@ -56,7 +60,7 @@ CLI::App* AddPanCommand(CLI::App& app, Options& options) {
         ->type_name("NAME")
         ->take_last();
     command
-        ->add_option("--speakers", options.speakers,
+        ->add_option("--speakers", pan.speakers,
                      "Loudspeakers: a count, a file with one AZIMUTH [ELEVATION [DISTANCE]] a line,\n"
                      "cube or lcrs")
         ->type_name("LAYOUT")
@@ -71,24 +75,26 @@ CLI::App* AddPanCommand(CLI::App& app, Options& options) {
         ->type_name("NAME")
         ->take_last();
     command->add_flag("--ambix", pan.ambix, "For hoa3d: the form that other tools read, ACN, SN3D, x ahead");
-    AddPlaces(*command, options, words->common);
+    AddPlaces(*command, pan, words->common);
     command->add_option("--hrtf", pan.hrtf, "A set of filters for headphones, .hrtf or .coll")
         ->type_name("FILE")
         ->take_last();
     command->add_option("--near", pan.nearfield, "A set of near-field compensation filters, for --model nearfield")
         ->type_name("FILE")
         ->take_last();
-    AddFileOptions(*command, options, words->common,
-                   "Time behind the end of the input [0, or 0.1 for filters and delays]");
+    AddFileOptions(*command, pan, words->common, "Time behind the end of the input [0, or 0.1 for filters and delays]");
     command->add_flag("--list", pan.list, "Show the methods and how many outputs each has");
     command->add_flag("--gains", pan.gains, "Print the gains of a source at every azimuth");
     command->add_flag("--triplets", pan.triplets, "Print the triplets of loudspeakers that vbap chooses");
     command->footer(footer);
-    command->callback([&options, words] {
-        options.command = Options::Command::Pan;
-        TakeMeaning(*words, options);
+    command->callback([&call, options, words] {
+        TakeMeaning(*words, *options);
+        RequireSeparateFiles(*options);
+        call.run = [options] {
+            RunPan(*options);
+            return 0;
+        };
     });
-    return command;
 }
 
 }  // namespace program

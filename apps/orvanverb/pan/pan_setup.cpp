@@ -55,15 +55,13 @@ std::vector<std::string> TwoWords(Pan::Type type) {
 
 }  // namespace
 
-PanSetup::PanSetup(Options const& options, std::vector<Lume::CartesianVector> const& positions)
-    : method(FindPanMethod(options.pan.method)),
-      subType(FindPanSubType(method, options.pan.model)),
-      ambixAxes(options.pan.ambix) {
+PanSetup::PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions)
+    : method(FindPanMethod(options.method)), subType(FindPanSubType(method, options.model)), ambixAxes(options.ambix) {
     ChooseOutputs(options);
     const auto numSources = static_cast<unsigned int>(positions.size());
     panner = Lume::MakePanner(method.type, subType, numSources, NumOutputs());
     if (!panner)
-        throw UsageError("--model " + options.pan.model + ": can't be made for " + std::to_string(numSources) +
+        throw UsageError("--model " + options.model + ": can't be made for " + std::to_string(numSources) +
                          (numSources == 1 ? " source" : " sources") + ", it takes two or more");
     if (method.outputs == Outputs::loudspeakers) {
         panner->SetLoudspeakerPositions(layout.positions.data());
@@ -72,7 +70,7 @@ PanSetup::PanSetup(Options const& options, std::vector<Lume::CartesianVector> co
     } else if (method.outputs == Outputs::two) {
         channels = TwoWords(method.type);
     } else {
-        SetUpHarmonics(options.pan);
+        SetUpHarmonics(options);
     }
     // Filters are loaded for sources that have their places: those for near sources stay with a source that leaves
     // their range, and must not come from where it never was.
@@ -82,10 +80,10 @@ PanSetup::PanSetup(Options const& options, std::vector<Lume::CartesianVector> co
         warnings.push_back("there are no data in harmonics yet: the output is silent");
 }
 
-void PanSetup::ChooseOutputs(Options const& options) {
+void PanSetup::ChooseOutputs(PanOptions const& options) {
     const std::string name = method.names[0];
     const std::vector<unsigned int> counts = OutputCounts(method.type);
-    if (options.pan.outputs && method.outputs != Outputs::harmonics)
+    if (options.outputs && method.outputs != Outputs::harmonics)
         throw UsageError("--outputs: is for ambisonic methods; " + name + " has " +
                          (method.outputs == Outputs::two ? "2" : "one for each of the --speakers"));
     if (options.speakers && method.outputs != Outputs::loudspeakers)
@@ -96,7 +94,7 @@ void PanSetup::ChooseOutputs(Options const& options) {
     else if (method.outputs == Outputs::two)
         layout = Channels(2, method.type == Pan::ms ? 0 : frontLeft | frontRight);
     else
-        layout = Channels(options.pan.outputs.value_or(method.usualOutputs), 0);
+        layout = Channels(options.outputs.value_or(method.usualOutputs), 0);
     if (std::find(counts.begin(), counts.end(), NumOutputs()) == counts.end())
         throw UsageError((method.outputs == Outputs::loudspeakers ? "--speakers: " : "--outputs: ") + name +
                          " has no panner for " + std::to_string(NumOutputs()) + " outputs; it takes " +
@@ -129,13 +127,13 @@ void PanSetup::SetUpHarmonics(PanOptions const& options) {
     channels.front().append(", ").append(Lume::HOAPanning::GetHOAPannerConventionName(infos.encodingConvention));
 }
 
-void PanSetup::LoadFiles(Options const& options) {
+void PanSetup::LoadFiles(PanOptions const& options) {
     auto* const nearfield = dynamic_cast<Lume::BinauralPanningNearfield*>(panner.get());
     auto* const direct = dynamic_cast<Lume::BinauralPanningDirect*>(panner.get());
-    if (options.pan.hrtf) {
+    if (options.hrtf) {
         if (nearfield == nullptr && direct == nullptr)
             throw UsageError("--hrtf: is for --method binaural with --model direct or nearfield");
-        std::string const& path = *options.pan.hrtf;
+        std::string const& path = *options.hrtf;
         RequireSetFile(path, ".hrtf or .coll");
         bool taken = false;
         auto& binaural = static_cast<Lume::BinauralPanning&>(*panner);
@@ -144,9 +142,9 @@ void PanSetup::LoadFiles(Options const& options) {
         // Impulse responses come out as the set has them, many times faster. The vectors are powers of two.
         binaural.SetFIRFiltersImplementationMethod("fftconvolution");
     }
-    if (options.pan.nearfield) {
+    if (options.nearfield) {
         if (nearfield == nullptr) throw UsageError("--near: is for --method binaural --model nearfield");
-        std::string const& path = *options.pan.nearfield;
+        std::string const& path = *options.nearfield;
         RequireSetFile(path, ".near");
         bool taken = false;
         LoadQuietly(path, [&](std::string const& name) { taken = nearfield->LoadCompensationFilters(name.c_str()); });

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "orvanverb/layout/speaker_layout.h"
-#include "orvanverb/options/options.h"
 #include "orvanverb/pan/pan_methods.h"
+#include "orvanverb/pan/pan_options.h"
 
 namespace program {
 
@@ -15,7 +15,7 @@ class PanSetup {
 public:
     /// @param positions  where the sources are at first, one each
     /// @throws ProgramError that names option or file, and says what is wrong
-    PanSetup(Options const& options, std::vector<Lume::CartesianVector> const& positions);
+    PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions);
 
     /// Brings a position into the panner's axes: AmbiX files have x ahead and y to the left.
     Lume::CartesianVector ToPanner(Lume::CartesianVector const& position) const;
@@ -38,9 +38,9 @@ public:
     std::vector<std::string> warnings;
 
 private:
-    void ChooseOutputs(Options const& options);
+    void ChooseOutputs(PanOptions const& options);
     void SetUpHarmonics(PanOptions const& options);
-    void LoadFiles(Options const& options);
+    void LoadFiles(PanOptions const& options);
 
     Lume::Pan::SubType subType;
     bool ambixAxes;

@@ -4,10 +4,10 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <cstdio>
+#include <memory>
 
 #include "orvanverb/common/text.h"
 #include "orvanverb/measure/asked_decay.h"
-#include "orvanverb/options/options.h"
 #include "orvanverb/presets/preset.h"
 
 namespace program {
@@ -38,19 +38,6 @@ std::string Json(Preset const& preset, Lume::OrvanVerb const& engine) {
     return text + "}}";
 }
 
-}  // namespace
-
-void AddPresetsCommand(CLI::App& app, Options& options) {
-    CLI::App* command = app.add_subcommand("presets", "List the rooms that --preset knows by name");
-    command->add_flag("--json", options.json, "As JSON, with the decay times that each asks for");
-    command->footer(
-        "T30 (500 and 1000 Hz) and C80 were measured with the source 1 m ahead, on a ring of eight loudspeakers.\n"
-        "Rooms of your own, NAME.room, are looked for in ~/.local/share/orvanverb/rooms.\n"
-        "  orvanverb presets\n"
-        "  orvanverb render voice.wav -o wet.wav --preset church");
-    command->callback([&options] { options.command = Options::Command::Presets; });
-}
-
 void ListPresets(bool json) {
     std::string text = json ? "[" : "name              T30 s  C80 dB  pre-delay ms\n";
     for (std::filesystem::path const& path : AllPresets()) {
@@ -67,6 +54,25 @@ void ListPresets(bool json) {
         text.append(line).append(preset.title).append("\n");
     }
     std::fputs((json ? text + "]\n" : text).c_str(), stdout);
+}
+
+}  // namespace
+
+void AddPresetsCommand(CLI::App& app, Call& call) {
+    CLI::App* command = app.add_subcommand("presets", "List the rooms that --preset knows by name");
+    const auto json = std::make_shared<bool>(false);
+    command->add_flag("--json", *json, "As JSON, with the decay times that each asks for");
+    command->footer(
+        "T30 (500 and 1000 Hz) and C80 were measured with the source 1 m ahead, on a ring of eight loudspeakers.\n"
+        "Rooms of your own, NAME.room, are looked for in ~/.local/share/orvanverb/rooms.\n"
+        "  orvanverb presets\n"
+        "  orvanverb render voice.wav -o wet.wav --preset church");
+    command->callback([&call, json] {
+        call.run = [json] {
+            ListPresets(*json);
+            return 0;
+        };
+    });
 }
 
 }  // namespace program

@@ -8,6 +8,8 @@
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/options/common_options.h"
+#include "orvanverb/options/file_roles.h"
+#include "orvanverb/room/render.h"
 
 namespace program {
 
@@ -75,30 +77,35 @@ void TakeMeaning(Words const& words, Options& options) {
     if (!words.preset.empty()) options.preset = words.preset;
 }
 
-}  // namespace
-
-CLI::App* AddRenderCommand(CLI::App& app, Options& options) {
-    const auto words = std::make_shared<Words>();
-    CLI::App* render = app.add_subcommand("render", "Render recordings (WAV, AIFF, FLAC, Ogg) in a room");
-    AddInputs(*render, options, words->common);
-    render->get_option("inputs")->required();
-    AddRoomOptions(*render, options, *words);
-    render->callback([&options, words] {
-        options.command = Options::Command::Render;
-        TakeMeaning(*words, options);
-    });
-    return render;
+void WillRun(Call& call, std::shared_ptr<Options> const& options, Words const& words, Options::Command command) {
+    TakeMeaning(words, *options);
+    options->command = command;
+    options->attributes = call.attributes;
+    RequireSeparateFiles(*options);
+    call.run = [options] {
+        Run(*options);
+        return 0;
+    };
 }
 
-CLI::App* AddImpulseResponseCommand(CLI::App& app, Options& options) {
+}  // namespace
+
+void AddRenderCommand(CLI::App& app, Call& call) {
+    const auto options = std::make_shared<Options>();
+    const auto words = std::make_shared<Words>();
+    CLI::App* render = app.add_subcommand("render", "Render recordings (WAV, AIFF, FLAC, Ogg) in a room");
+    AddInputs(*render, *options, words->common);
+    render->get_option("inputs")->required();
+    AddRoomOptions(*render, *options, *words);
+    render->callback([&call, options, words] { WillRun(call, options, *words, Options::Command::Render); });
+}
+
+void AddImpulseResponseCommand(CLI::App& app, Call& call) {
+    const auto options = std::make_shared<Options>();
     const auto words = std::make_shared<Words>();
     CLI::App* ir = app.add_subcommand("ir", "Write the impulse response from one source to all loudspeakers");
-    AddRoomOptions(*ir, options, *words);
-    ir->callback([&options, words] {
-        options.command = Options::Command::ImpulseResponse;
-        TakeMeaning(*words, options);
-    });
-    return ir;
+    AddRoomOptions(*ir, *options, *words);
+    ir->callback([&call, options, words] { WillRun(call, options, *words, Options::Command::ImpulseResponse); });
 }
 
 }  // namespace program

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orvanverb/options/options.h"
+#include "orvanverb/options/call.h"
 
 namespace CLI {
 class App;
@@ -8,8 +8,8 @@ class App;
 
 namespace program {
 
-/// Add the commands "render" and "ir" to the parser, which then fill the options or throw UsageError.
-CLI::App* AddRenderCommand(CLI::App& app, Options& options);
-CLI::App* AddImpulseResponseCommand(CLI::App& app, Options& options);
+/// The parser throws UsageError from the callback.
+void AddRenderCommand(CLI::App& app, Call& call);
+void AddImpulseResponseCommand(CLI::App& app, Call& call);
 
 }  // namespace program

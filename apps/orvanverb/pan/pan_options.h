@@ -3,10 +3,12 @@
 #include <optional>
 #include <string>
 
+#include "orvanverb/options/options.h"
+
 namespace program {
 
 /// What the command pan knows beyond inputs, outputs and places.
-struct PanOptions {
+struct PanOptions : Options {
     std::string method;
     std::string model = "direct";
     std::optional<unsigned int> outputs;    // of an ambisonic method

@@ -3,10 +3,12 @@
 #include <optional>
 #include <string>
 
+#include "orvanverb/options/options.h"
+
 namespace program {
 
 /// What the command decode knows beyond its input, output and loudspeakers.
-struct DecodeOptions {
+struct DecodeOptions : Options {
     std::string type;
     std::string subType = "null";           // of the transaural type: its default network
     std::optional<unsigned int> outputs;    // of a type without loudspeakers
