@@ -30,10 +30,11 @@ namespace Lume {
 /// would never leave a room are kept out, and a room that gives such is emptied; ears that change while it runs; its
 /// whole state as a value and as text (RoomState).
 ///
-/// Threads: one at a time. Set, PlaceSource, SetMuted, SetBypassed, Clear, TakeEars and Process are real-time safe (no
-/// heap, no lock, bounded); call them on the audio thread between two blocks, or send them from other threads by a
-/// RoomQueue. Everything else allocates or reads files and must not run beside Process; of the calls that other
-/// threads may make meanwhile there is one, PrepareEars. The thread's floating-point mode is afterwards as it was.
+/// Threads: one at a time. Set, PlaceSource, PlaceSpeaker, SetMuted, SetBypassed, Clear, TakeEars and Process are
+/// real-time safe (no heap, no lock, bounded); call them on the audio thread between two blocks, or send them from
+/// other threads by a RoomQueue. Everything else allocates or reads files and must not run beside Process; of the calls
+/// that other threads may make meanwhile there is one, PrepareEars. The thread's floating-point mode is afterwards as
+/// it was.
 class Room {
 public:
     static constexpr float maxCoordinate = 1e6f;        ///< [m]
