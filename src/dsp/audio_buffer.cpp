@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "dsp/console.h"
+#include "kernels/kernels.h"
 
 namespace orvandsp {
 
@@ -131,7 +132,7 @@ void AudioBuffer::ApplyGain(unsigned int channel, float gain) {
         return;
     }
     float* const samples = channels[channel];
-    for (std::size_t i = 0; i < numSamples; ++i) samples[i] *= gain;
+    kernels::Get().scale(samples, samples, gain, numSamples);
 }
 
 void AudioBuffer::ApplyRamp(float g0, float g1) {
@@ -159,7 +160,7 @@ void AudioBuffer::CopyFrom(unsigned int dstChannel, unsigned int dstOffset, Audi
         std::memmove(out, in, length * sizeof(float));  // the two may be one array
         return;
     }
-    for (std::size_t i = 0; i < length; ++i) out[i] = gain * in[i];
+    kernels::Get().scale(out, in, gain, length);
 }
 
 void AudioBuffer::CopyFrom(AudioBuffer const& src, float gain) {
@@ -172,7 +173,7 @@ void AudioBuffer::AddFrom(unsigned int dstChannel, unsigned int dstOffset, Audio
     if (length == 0) return;
     float* const out = channels[dstChannel] + dstOffset;
     float const* const in = src.channels[srcChannel] + srcOffset;
-    for (std::size_t i = 0; i < length; ++i) out[i] += gain * in[i];
+    kernels::Get().addScaled(out, in, gain, length);
 }
 
 void AudioBuffer::AddFrom(AudioBuffer const& src, float gain) {

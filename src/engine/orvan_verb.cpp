@@ -40,6 +40,11 @@ bool SupportsNumbers(unsigned int numSources, unsigned int numSpeakers, unsigned
            numInternals <= MaxNumInternals;
 }
 
+/// The samples of a bus that a block of that length has.
+AudioBuffer BlockOf(AudioBuffer& bus, unsigned long numSamples) {
+    return {bus.GetChannels(), bus.GetNumChannels(), static_cast<unsigned int>(numSamples), 0};
+}
+
 /// Turns a position about the vertical axis, counter-clockwise seen from above.
 CartesianVector Turned(CartesianVector const& p, float radians) {
     const float c = std::cos(radians);
@@ -210,9 +215,10 @@ float** OrvanVerb::AtTheDoor(float** inputs, unsigned long numSamples) {
 /// Fills the buses of the three room blocks from the filtered sources. The blocks stand in series, each on the raw
 /// output of the one before: gains and shelves of the layers come behind all of them.
 void OrvanVerb::ProcessRoom(unsigned long numSamples) {
-    roomBus->Clear();
+    AudioBuffer room = BlockOf(*roomBus, numSamples);
+    room.Clear();
     for (unsigned int i = 0; i < numInputs; ++i)
-        roomBus->AddFrom(0, 0, *sourceBus, i, 0, roomSendRamps[i].Advance(numSamples));
+        room.AddFrom(0, 0, *sourceBus, i, 0, roomSendRamps[i].Advance(numSamples));
     roomShelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
     early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
     cluster->Process(clusterBus->GetChannels(), earlyBus->GetChannels(), numSamples, allActiveInputs);
@@ -220,8 +226,9 @@ void OrvanVerb::ProcessRoom(unsigned long numSamples) {
 }
 
 void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float gain) {
+    AudioBuffer sources = BlockOf(*sourceBus, numSamples);
     for (unsigned int i = 0; i < numInputs; ++i)
-        sourceBus->ApplyGain(i, directDistanceRamps[i].Advance(numSamples) * gain);
+        sources.ApplyGain(i, directDistanceRamps[i].Advance(numSamples) * gain);
     if (earsFaded < earsFadeTime)
         CrossfadeEars(outputs, numSamples);
     else
@@ -229,18 +236,20 @@ void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float 
 }
 
 void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float gain) {
-    for (unsigned int c = 0; c < numInternals; ++c) earlyBus->ApplyGain(c, earlyGains[c]);
+    AudioBuffer reflections = BlockOf(*earlyBus, numSamples), mixed = BlockOf(*earlyMixBus, numSamples);
+    for (unsigned int c = 0; c < numInternals; ++c) reflections.ApplyGain(c, earlyGains[c]);
     // Even taps to the first virtual source, odd ones to the second.
-    orvandsp::Merge(*earlyMixBus, *earlyBus, gain);
+    orvandsp::Merge(mixed, reflections, gain);
     earlyShelf.Process(earlyMixBus->GetChannels(), earlyMixBus->GetChannels(), numSamples, allActiveInputs);
     earlyPan->ProcessAdding(outputs, earlyMixBus->GetChannels(), numSamples, allActiveInputs);
 }
 
 /// The late field is added behind the cluster's shelf: its only shelf is that of the room.
 void OrvanVerb::AddLateLayer(float** outputs, unsigned long numSamples, float clusterScale, float reverbScale) {
-    lateMixBus->CopyFrom(*clusterBus, clusterScale);
+    AudioBuffer mixed = BlockOf(*lateMixBus, numSamples);
+    mixed.CopyFrom(*clusterBus, clusterScale);
     clusterShelf.Process(lateMixBus->GetChannels(), lateMixBus->GetChannels(), numSamples, allActiveInputs);
-    lateMixBus->AddFrom(*reverbBus, reverbScale);
+    mixed.AddFrom(*reverbBus, reverbScale);
     diffusePan->ProcessAdding(outputs, lateMixBus->GetChannels(), numSamples, allActiveInputs);
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 
 #include "dsp/denormals.h"
@@ -72,6 +73,22 @@ void BiquadCascade::Process(float* output, float* input, unsigned long numSample
         passGain = 1.0f;
         first += count;
     } while (first < numStages);
+}
+
+bool BiquadCascade::IsInSeries() const noexcept {
+    for (std::size_t i = numStatesPerStage; i < state.size(); i += numStatesPerStage)
+        if (std::memcmp(&state[i + One::stateX1], &state[i - numStatesPerStage + One::stateY1], 2 * sizeof(float)) != 0)
+            return false;
+    return true;
+}
+
+orvandsp::kernels::CascadeJob BiquadCascade::GetKernelJob(std::size_t first, float* output,
+                                                          float const* input) noexcept {
+    return {.gain = first == 0 ? gain : 1.0f,
+            .taps = &coefficients[first * numTapsPerStage],
+            .memory = &state[first * numStatesPerStage],
+            .input = input,
+            .output = output};
 }
 
 void BiquadCascade::SetCoefficients(float* set) {

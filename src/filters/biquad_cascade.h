@@ -1,11 +1,9 @@
 #pragma once
 
 #include "dsp/filter.h"
-#include "dsp/four_channels.h"
+#include "kernels/kernels.h"
 
 namespace Lume {
-
-struct CascadeJob;
 
 /// Chain of second-order sections with one common gain in front:
 /// H(z) = gain * product of (1 + b1 z^-1 + b2 z^-2) / (1 + a1 z^-1 + a2 z^-2).
@@ -47,11 +45,13 @@ public:
     void GetCoefficients(std::vector<float>& result) const override;
     unsigned int GetNumCoefficients() const override { return 4 * numStages + 1; }
 
-private:
-    /// Runs four of them at once.
-    friend void FilterFourCascades(orvandsp::PerLane<CascadeJob> const& jobs, std::size_t numJobs,
-                                   unsigned long numSamples);
+    /// Whether the inputs that each stage remembers are the outputs that the one before it remembers: always, but for
+    /// the first two samples of a chain that has grown while it held sound.
+    bool IsInSeries() const noexcept;
+    /// What a kernel needs to run the stages from `first` on, as many as one call takes.
+    orvandsp::kernels::CascadeJob GetKernelJob(std::size_t first, float* output, float const* input) noexcept;
 
+private:
     unsigned int numStages = 0;
     float gain = 1.0f;
 };

@@ -8,11 +8,10 @@ namespace Lume {
 /// Stages that one pass over a block takes, so that each number of them has code of its own.
 constexpr std::size_t maxStagesPerPass = 8;
 
-/// The difference equations of N stages of BiquadCascade in a row, of one channel or of several at once.
+/// The difference equations of N stages of BiquadCascade in a row.
 ///
 /// The stages of successive samples overlap in the processor's pipeline, which hides the latency of each stage's
 /// recursion.
-/// @tparam Value  float, or orvandsp::Float4 for four channels
 template <typename Value, std::size_t N>
 struct BiquadRecursion {
     enum TapIndex : std::size_t { tapB1, tapB2, tapMinusA1, tapMinusA2, numTapsPerStage };

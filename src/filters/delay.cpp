@@ -146,15 +146,28 @@ void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode 
     if (!interpolates) forEachRun([](float* to, float const* from, int length) { std::copy_n(from, length, to); });
 }
 
-std::optional<Delay::AllpassHead> Delay::FindAllpassHead(Ramp const& ramp) noexcept {
+std::optional<orvandsp::kernels::AllpassHead> Delay::FindAllpassHead(Ramp const& ramp) noexcept {
     if (ramp.remaining > 0 || interpolationMode != allpass) return std::nullopt;
     RefreshGuards(interpolation::Allpass::numNeighbours);
     const interpolation::Position split = interpolation::Split(PositionOf(ramp.current));
-    return AllpassHead{.ring = Ring(),
-                       .size = size,
-                       .index = split.index & mask,
-                       .coefficient = interpolation::Allpass(split.fraction).a,
-                       .state = &allpassState};
+    return orvandsp::kernels::AllpassHead{.ring = Ring(),
+                                          .size = size,
+                                          .index = split.index & mask,
+                                          .coefficient = interpolation::Allpass(split.fraction).a,
+                                          .state = &allpassState};
+}
+
+std::optional<orvandsp::kernels::GlideJob> Delay::FindBuiltInGlide(float* output) noexcept {
+    if (delayRamp.remaining <= 0 || interpolationMode != allpass) return std::nullopt;
+    RefreshGuards(interpolation::Allpass::numNeighbours);
+    return orvandsp::kernels::GlideJob{.ring = Ring(),
+                                       .mask = mask,
+                                       .base = static_cast<float>(writePosition),
+                                       .delay = &delayRamp.current,
+                                       .remaining = &delayRamp.remaining,
+                                       .increment = delayRamp.increment,
+                                       .state = &allpassState,
+                                       .output = output};
 }
 
 void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode readMode, float& state) {

@@ -3,13 +3,11 @@
 #include <optional>
 #include <vector>
 
-#include "dsp/four_channels.h"
 #include "dsp/ramp.h"
 #include "dsp/signal_processing.h"
+#include "kernels/kernels.h"
 
 namespace Lume {
-
-struct DelayJob;
 
 /// Delay line for one channel: a ring whose length is a power of two, with one read head built in. Further heads are
 /// TapOut objects.
@@ -79,17 +77,16 @@ public:
     /// @param delaySamples  [samples], `count` values
     void tapOut(float* out, float* delaySamples, int count, InterpolationMode mode, float& state);
 
-    /// A read head that stands still on a line with the mode allpass.
-    struct AllpassHead {
-        float const* ring;  // with one guard cell behind its end
-        int size;           // of the ring [samples]
-        int index;          // in the ring, of the older neighbour of the next sample
-        float coefficient;
-        float* state;  // previous output
-    };
-    /// The head that tapOut along this ramp would read with, if that is such a one: for FourAllpassHeads. It holds
-    /// until the line changes or moves on. Real-time safe.
-    std::optional<AllpassHead> FindAllpassHead(orvandsp::Ramp const& ramp) noexcept;
+    /// The head that tapOut along this ramp would read with, for kernels, if it stands still in the mode allpass. It
+    /// holds until the line changes or moves on. Real-time safe.
+    std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead(orvandsp::Ramp const& ramp) noexcept;
+    /// The built-in head, if it stands still in the mode allpass, or if it glides in that mode.
+    std::optional<orvandsp::kernels::AllpassHead> FindBuiltInHead() noexcept { return FindAllpassHead(delayRamp); }
+    std::optional<orvandsp::kernels::GlideJob> FindBuiltInGlide(float* output) noexcept;
+    /// Reads a block with the built-in head, without writing or moving on. Real-time safe.
+    void ReadBuiltIn(float* out, int count) {
+        tapOut(out, static_cast<unsigned int>(count), delayRamp, interpolationMode, allpassState);
+    }
 
     /// Moves the write position past a block written by tapIn, once every head has read it. Real-time safe.
     void AdvanceWritePosition(int count) noexcept { writePosition = (writePosition + count) & mask; }
@@ -123,13 +120,6 @@ public:
     static char const* GetInterpolationModeName(InterpolationMode mode);
 
 private:
-    /// Reads the built-in heads of four lines at once.
-    friend void ProcessFourDelays(orvandsp::PerLane<DelayJob> const& jobs, std::size_t numJobs, int count);
-
-    /// Reads a block with the built-in head.
-    void ReadBuiltIn(float* out, int count) {
-        tapOut(out, static_cast<unsigned int>(count), delayRamp, interpolationMode, allpassState);
-    }
     /// Where a fixed delay is read.
     float PositionOf(float delaySamples) const noexcept {
         return static_cast<float>(writePosition) + static_cast<float>(size) - delaySamples;

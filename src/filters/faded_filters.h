@@ -4,8 +4,36 @@
 #include <vector>
 
 #include "dsp/signal_processing.h"
+#include "kernels/kernels.h"
 
 namespace orvandsp {
+
+/// The gains of a stretch of a fade, which move by one addition a sample.
+struct FadeGains {
+    static constexpr unsigned long maxLength = 64;
+    struct Fade {
+        float gainA, gainB, incrementA, incrementB;
+        bool operator==(Fade const&) const = default;
+    };
+
+    /// Computes the gains, unless they are there from the last call.
+    void Compute(Fade const& fade, unsigned long count) {
+        if (begin == fade && length == count) return;
+        begin = end = fade;
+        length = count;
+        for (unsigned long k = 0; k < count; ++k) {
+            a[k] = end.gainA;
+            b[k] = end.gainB;
+            end.gainA += fade.incrementA;
+            end.gainB += fade.incrementB;
+        }
+    }
+
+    unsigned long length = 0;
+    Fade begin = {}, end = {};
+    float a[maxLength];  // undefined behind length
+    float b[maxLength];
+};
 
 /// Two filters of one kind with a crossfade on each change of coefficients, since a filter whose taps jump while sound
 /// runs clicks. One channel.
@@ -53,23 +81,24 @@ public:
     /// @param add  adds the result to the output instead of replacing it
     void ProcessBlock(float* output, float* input, unsigned long numSamples, bool add) {
         PrepareBlock(numSamples);
+        FadeGains gains;
         if (!IsFading()) {
             RunAlone(output, input, numSamples, add);
         } else if (EndsWithin(numSamples) && !NeedsWholeBlocks()) {
             const auto numFaded = static_cast<unsigned long>(remaining);
             RunBoth(input, numFaded);
-            MixFade(output, numFaded, add);
+            MixFade(output, numFaded, add, gains);
             RunAlone(output + numFaded, input + numFaded, numSamples - numFaded, add);
         } else {
             RunBoth(input, numSamples);
-            MixFade(output, numSamples, add);
+            MixFade(output, numSamples, add, gains);
         }
     }
 
-    /// ProcessBlock in two parts, between which a bank runs the filters of all its channels, four at a time.
+    /// ProcessBlock in two parts, between which a bank runs the filters of many channels at once.
     ///
     /// The first part starts a waiting fade and names what is to be filtered: one job outside a fade, two in it.
-    /// @param jobs  orvandsp::InFours of jobs that are made of a filter, an output and an input
+    /// @param jobs  orvandsp::Batch of jobs that are made of a filter, an output and an input
     template <typename Jobs>
     void BeginBlock(float* output, float* input, unsigned long numSamples, Jobs& jobs) {
         PrepareBlock(numSamples);
@@ -83,8 +112,9 @@ public:
 
     /// The second part mixes the two if a fade runs. In the block in which it ends the old filter has run too far;
     /// nothing comes of that, as its next fade begins with SetState.
-    void FinishBlock(float* output, unsigned long numSamples) {
-        if (IsFading()) MixFade(output, numSamples, false);
+    /// @param gains  kept by the bank: channels that fade alike compute them once
+    void FinishBlock(float* output, unsigned long numSamples, FadeGains& gains) {
+        if (IsFading()) MixFade(output, numSamples, false, gains);
     }
 
     /// Starts the fade to a waiting set, if there is one that isn't held and no fade runs. ProcessBlock does so itself;
@@ -153,9 +183,12 @@ private:
 
     /// Mixes a block, of which bufferA and bufferB hold what the two filters made, and moves the fade on. What lies
     /// behind the end of the fade is the new filter's alone.
-    void MixFade(float* output, unsigned long numSamples, bool add) {
+    void MixFade(float* output, unsigned long numSamples, bool add, FadeGains& gains) {
         const unsigned long numFaded = std::min(static_cast<unsigned long>(remaining), numSamples);
-        Mix(output, numFaded, add);
+        if (add)
+            AddMix(output, numFaded);
+        else
+            Mix(output, numFaded, gains);
         remaining -= static_cast<int>(numFaded);
         if (remaining > 0) return;
         fadeState = fadeState == fromAToB ? bRuns : aRuns;
@@ -195,8 +228,19 @@ private:
         filterB.Process(bufferB.data(), input, numSamples);
     }
 
-    /// Gains by accumulation, one step a sample.
-    void Mix(float* output, unsigned long numSamples, bool add) {
+    void Mix(float* output, unsigned long numSamples, FadeGains& gains) {
+        for (unsigned long done = 0; done < numSamples;) {
+            const unsigned long count = std::min(numSamples - done, FadeGains::maxLength);
+            gains.Compute({gainA, gainB, incrementA, incrementB}, count);
+            kernels::Get().fade(output + done, bufferA.data() + done, bufferB.data() + done, gains.a, gains.b, count);
+            gainA = gains.end.gainA;
+            gainB = gains.end.gainB;
+            done += count;
+        }
+    }
+
+    /// Adds a block's mix, in the order in which the sums have always been formed.
+    void AddMix(float* output, unsigned long numSamples) {
         // Local copies: the output might alias the members, for all that the compiler knows.
         float const* const a = bufferA.data();
         float const* const b = bufferB.data();
@@ -205,9 +249,7 @@ private:
         const float stepA = incrementA;
         const float stepB = incrementB;
         for (unsigned long k = 0; k < numSamples; ++k) {
-            float value = runningA * a[k];
-            if (add) value = output[k] + value;
-            output[k] = runningB * b[k] + value;
+            output[k] = runningB * b[k] + (output[k] + runningA * a[k]);
             runningA += stepA;
             runningB += stepB;
         }

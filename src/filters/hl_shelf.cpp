@@ -84,29 +84,21 @@ void HLShelf::Clear() {
 void HLShelf::Process(float* output, float* input, unsigned long numSamples) {
     orvandsp::FlushDenormals();
     // Local copies: the output might alias the members, for all that the compiler knows.
-    ShelfRecursion<float> recursion = GetRecursion();
+    ShelfRecursion<float> recursion = {.b0 = taps[b0],
+                                       .b1 = taps[b1],
+                                       .b2 = taps[b2],
+                                       .a1 = taps[a1],
+                                       .a2 = taps[a2],
+                                       .x1 = state[x1],
+                                       .x2 = state[x2],
+                                       .y1 = state[y1],
+                                       .y2 = state[y2]};
     const float outputGain = OutputGain();
     for (unsigned long i = 0; i < numSamples; ++i) output[i] = recursion(input[i]) * outputGain;
-    KeepState(recursion.x1, recursion.x2, recursion.y1, recursion.y2);
-}
-
-ShelfRecursion<float> HLShelf::GetRecursion() const noexcept {
-    return {.b0 = b0,
-            .b1 = b1,
-            .b2 = b2,
-            .a1 = a1,
-            .a2 = a2,
-            .x1 = state[x1],
-            .x2 = state[x2],
-            .y1 = state[y1],
-            .y2 = state[y2]};
-}
-
-void HLShelf::KeepState(float inBefore, float inBeforeThat, float outBefore, float outBeforeThat) noexcept {
-    state[x1] = inBefore;
-    state[x2] = inBeforeThat;
-    state[y1] = outBefore;
-    state[y2] = outBeforeThat;
+    state[x1] = recursion.x1;
+    state[x2] = recursion.x2;
+    state[y1] = recursion.y1;
+    state[y2] = recursion.y2;
 }
 
 void HLShelf::SetCoefficients(float* six) {
@@ -127,25 +119,26 @@ void HLShelf::SetState(Filter const& other) {
 void HLShelf::SetOrder(unsigned int) {}
 
 void HLShelf::ClearTaps() {
-    b0 = b1 = b2 = a1 = a2 = 0.0f;
+    std::fill_n(taps, static_cast<unsigned int>(numTaps), 0.0f);
 }
 
 bool HLShelf::IsStable() const {
-    return DurbinStepDownRecursion({1.0f, a1, a2});
+    return DurbinStepDownRecursion({1.0f, taps[a1], taps[a2]});
 }
 
 bool HLShelf::IsMinimumPhase() const {
-    return DurbinStepDownRecursion({b0, b1, b2});
+    return DurbinStepDownRecursion({taps[b0], taps[b1], taps[b2]});
 }
 
 double HLShelf::LargestMagnitude() const {
-    const double poles1 = static_cast<double>(a1), poles2 = static_cast<double>(a2);
+    const double poles1 = static_cast<double>(taps[a1]), poles2 = static_cast<double>(taps[a2]);
     // Written as "not inside", so that not a number counts as unstable too.
     if (!(std::abs(poles2) < 1.0 && std::abs(poles1) < 1.0 + poles2)) return std::numeric_limits<double>::infinity();
 
     // The squared magnitude is a quotient of two parabolas in u = 1 - cos(w), 0 at 0 Hz and 2 at half the sample rate.
     // Written in u and not in the cosine, its coefficients keep their digits when poles lie next to 1.
-    const SquaredMagnitude above(static_cast<double>(b0), static_cast<double>(b1), static_cast<double>(b2));
+    const SquaredMagnitude above(static_cast<double>(taps[b0]), static_cast<double>(taps[b1]),
+                                 static_cast<double>(taps[b2]));
     const SquaredMagnitude below(1.0, poles1, poles2);
     double largest = std::max(above(0.0) / below(0.0), above(2.0) / below(2.0));
     // The derivative of the quotient is 0 where (x u + y) u + z is.
@@ -160,7 +153,7 @@ double HLShelf::LargestMagnitude() const {
 }
 
 double HLShelf::LargestNoiseGain() const {
-    const SquaredMagnitude below(1.0, static_cast<double>(a1), static_cast<double>(a2));
+    const SquaredMagnitude below(1.0, static_cast<double>(taps[a1]), static_cast<double>(taps[a2]));
     double smallest = std::min(below(0.0), below(2.0));
     const double lowest = -0.5 * below.linear / below.square;
     if (below.square > 0.0 && lowest > 0.0 && lowest < 2.0) smallest = std::min(smallest, below(lowest));
@@ -209,11 +202,11 @@ void HLShelf::Design() {
 
     const Section low(LinearFromDb(gainLow - gainMed), freqLow, samplerate);
     const Section high(LinearFromDb(gainMed - gainHigh), freqHigh, samplerate);
-    b0 = low.k * high.k * LinearFromDb(gainHigh);
-    b1 = (high.zero + low.zero) * b0;
-    b2 = b0 * (high.zero * low.zero);
-    a1 = high.pole + low.pole;
-    a2 = high.pole * low.pole;
+    taps[b0] = low.k * high.k * LinearFromDb(gainHigh);
+    taps[b1] = (high.zero + low.zero) * taps[b0];
+    taps[b2] = taps[b0] * (high.zero * low.zero);
+    taps[a1] = high.pole + low.pole;
+    taps[a2] = high.pole * low.pole;
     linearGain = LinearFromDb(gain);
 }
 

@@ -2,6 +2,7 @@
 
 #include "dsp/filter.h"
 #include "filters/shelf_recursion.h"
+#include "kernels/kernels.h"
 #include "parameters/hl_shelf_parameters.h"
 
 namespace Lume {
@@ -69,6 +70,9 @@ public:
     /// Takes over the six parameters of another shelf that its GetCoefficients returns.
     virtual void SetCoefficients(HLShelf const& other);
 
+    /// Taps and audio memory, for kernels: valid until the shelf is designed anew.
+    orvandsp::kernels::Shelf GetKernelShelf() noexcept { return {taps, OutputGain(), state.data()}; }
+
 protected:
     /// The linear gain behind the recursion. It stays outside, so that a change of it leaves no transient.
     virtual float OutputGain() const noexcept { return linearGain; }
@@ -77,12 +81,8 @@ protected:
 
 private:
     friend class MultiHLShelf;  // sets the gains of its channels without a design
-    friend class FourShelves;   // filters four of them at once
 
     void Design();
-    /// Copies of taps and audio memory.
-    ShelfRecursion<float> GetRecursion() const noexcept;
-    void KeepState(float inBefore, float inBeforeThat, float outBefore, float outBeforeThat) noexcept;
 
     // The working parameters, clamped by the design.
     float gain = 0.0f;      // [dB]
@@ -93,7 +93,8 @@ private:
     float freqHigh = 0.0f;  // [Hz]
 
     float linearGain = 1.0f;
-    float b0 = 0.0f, b1 = 0.0f, b2 = 0.0f, a1 = 0.0f, a2 = 0.0f;
+    enum TapIndex : unsigned int { b0, b1, b2, a1, a2, numTaps };
+    float taps[numTaps] = {};
 };
 
 }  // namespace Lume

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "filters/four_allpass_heads.h"
+#include "dsp/batch.h"
+#include "filters/delay_batch.h"
 
 namespace Lume {
 
@@ -14,10 +15,8 @@ MultiDelay::MultiDelay(unsigned int numDelays, float maxDelay) {
 }
 
 void MultiDelay::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
-    const auto process = [numSamples](auto const& jobs, std::size_t numJobs) {
-        ProcessFourDelays(jobs, numJobs, static_cast<int>(numSamples));
-    };
-    orvandsp::InFours<DelayJob, decltype(process)> jobs(process);
+    const auto process = [numSamples](auto jobs) { ProcessDelays(jobs, static_cast<int>(numSamples)); };
+    orvandsp::Batch<DelayJob, decltype(process)> jobs(process);
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
         if (activeInputs[i] != 0)
             jobs.Add({delays[i].get(), outputs[i], inputs[i]});

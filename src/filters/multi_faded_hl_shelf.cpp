@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "filters/four_shelves.h"
+#include "dsp/batch.h"
+#include "filters/shelf_batch.h"
 
 namespace Lume {
 
@@ -38,8 +39,8 @@ void MultiFadedHLShelf::ResetToDefaults() {
 }
 
 void MultiFadedHLShelf::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
-    const auto filter = [numSamples](auto const& jobs, std::size_t) { FilterFourShelves(jobs, numSamples); };
-    orvandsp::InFours<ShelfJob, decltype(filter)> jobs(filter);
+    const auto filter = [numSamples](auto jobs) { FilterShelves(jobs, numSamples); };
+    orvandsp::Batch<ShelfJob, decltype(filter)> jobs(filter);
     for (std::size_t i = 0; i < shelves.size(); ++i) {
         if (activeInputs[i] != 0)
             shelves[i].BeginBlock(outputs[i], inputs[i], numSamples, jobs);
@@ -47,8 +48,9 @@ void MultiFadedHLShelf::Process(float** outputs, float** inputs, unsigned long n
             std::fill_n(outputs[i], numSamples, 0.0f);
     }
     jobs.Finish();
+    orvandsp::FadeGains gains;
     for (std::size_t i = 0; i < shelves.size(); ++i)
-        if (activeInputs[i] != 0) shelves[i].FinishBlock(outputs[i], numSamples);
+        if (activeInputs[i] != 0) shelves[i].FinishBlock(outputs[i], numSamples, gains);
 }
 
 void MultiFadedHLShelf::SetSamplerate(float newSamplerate) {

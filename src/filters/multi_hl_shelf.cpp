@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "filters/four_shelves.h"
+#include "dsp/batch.h"
+#include "filters/shelf_batch.h"
 
 namespace Lume {
 
@@ -17,8 +18,8 @@ void MultiHLShelf::SetNumChannels(unsigned int numChannels) {
 }
 
 void MultiHLShelf::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
-    const auto filter = [numSamples](auto const& jobs, std::size_t) { FilterFourShelves(jobs, numSamples); };
-    orvandsp::InFours<ShelfJob, decltype(filter)> jobs(filter);
+    const auto filter = [numSamples](auto jobs) { FilterShelves(jobs, numSamples); };
+    orvandsp::Batch<ShelfJob, decltype(filter)> jobs(filter);
     for (std::size_t i = 0; i < shelves.size(); ++i) {
         if (activeInputs[i] != 0)
             jobs.Add({&shelves[i], outputs[i], inputs[i]});

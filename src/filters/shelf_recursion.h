@@ -2,8 +2,7 @@
 
 namespace Lume {
 
-/// The difference equation of HLShelf, of one channel or of several at once.
-/// @tparam Value  float, or orvandsp::Float4 for four channels
+/// The difference equation of HLShelf; of several channels at once kernels::Shelf has it.
 template <typename Value>
 struct ShelfRecursion {
     /// Filters one sample; the overall gain comes behind it. The sum is formed from left to right.

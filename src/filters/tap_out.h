@@ -19,7 +19,9 @@ public:
     void Process(float* out, unsigned int count) { line->tapOut(out, count, delayRamp, interpolationMode, state); }
 
     /// The head that Process would read with, if it stands still in the mode allpass.
-    std::optional<Delay::AllpassHead> FindAllpassHead() noexcept { return line->FindAllpassHead(delayRamp); }
+    std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead() noexcept {
+        return line->FindAllpassHead(delayRamp);
+    }
 
     /// Sets the delay [ms]. One above the line's maximum grows the line, which silences it.
     void SetDelay(float ms, bool immediately);

@@ -65,7 +65,7 @@ void Hrtf::LoadFromFile(std::string const& fileName) {
 
 void Hrtf::LoadDefault() {
     const HrtfInfoBinauralBiquadFullSphere info;
-    points = PointsOnGrid(info, [](unsigned int index) { return hrtf_2b_KEMAR_44100[index]; });
+    SetPoints(PointsOnGrid(info, [](unsigned int index) { return hrtf_2b_KEMAR_44100[index]; }));
     header = HrtfHeaderInfos();
     header.owner = "MIT";
     header.copyright = "MIT";
@@ -106,7 +106,7 @@ void Hrtf::LoadFromColl(std::string const& fileName, HrtfInfo const& info) try {
     if (!std::all_of(newPoints.begin(), newPoints.end(),
                      [](auto const& point) { return IsInterauralDelay(point.itd); }))
         throw orvandsp::OrvanDspException("a delay is longer than any between two ears", __FILE__, __LINE__);
-    points = std::move(newPoints);
+    SetPoints(std::move(newPoints));
     header = std::move(newHeader);
 } catch (orvandsp::OrvanDspException const&) {
     throw;

@@ -4,6 +4,7 @@
 
 #include "geometry/vector_algebra.h"
 #include "hrtf/sdif_set.h"
+#include "kernels/kernels.h"
 
 namespace Lume {
 
@@ -19,23 +20,24 @@ void HrtfData::LoadFromHRTF(std::string const& fileName) {
         point.coefficients = std::move(set.points[i].coefficients);
         point.index = static_cast<unsigned int>(i);
     }
-    points = std::move(newPoints);
+    SetPoints(std::move(newPoints));
     header = std::move(set.header);
 }
 
 HrtfPoint const& HrtfData::GetNearestHrtfPoint(CartesianVector const& position) const {
     static const HrtfPoint defaultPoint;
     if (points.empty()) return defaultPoint;
-    HrtfPoint const* nearest = &points[0];
-    float least = 0.0f;
-    for (HrtfPoint const& point : points) {
-        const float squared = SquaredLength(point.position - position);
-        if (&point == &points[0] || squared < least) {
-            nearest = &point;
-            least = squared;
-        }
-    }
-    return *nearest;
+    float const* const x = coordinates.data();
+    float const* const y = x + points.size();
+    float const* const z = y + points.size();
+    return points[orvandsp::kernels::Get().nearest(x, y, z, points.size(), position.x, position.y, position.z)];
+}
+
+void HrtfData::SetPoints(std::vector<HrtfPoint> newPoints) {
+    points = std::move(newPoints);
+    coordinates.clear();
+    for (float CartesianVector::*const axis : {&CartesianVector::x, &CartesianVector::y, &CartesianVector::z})
+        for (HrtfPoint const& point : points) coordinates.push_back(point.position.*axis);
 }
 
 }  // namespace Lume

@@ -22,7 +22,12 @@ public:
     HrtfPoint const& GetNearestHrtfPoint(CartesianVector const& position) const;
 
 protected:
-    std::vector<HrtfPoint> points;
+    void SetPoints(std::vector<HrtfPoint> newPoints);
+
+    std::vector<HrtfPoint> points;  // set by SetPoints alone
+
+private:
+    std::vector<float> coordinates;  // of the points again: all x, all y, all z
 };
 
 }  // namespace Lume

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-#include "filters/four_allpass_heads.h"
-#include "filters/four_cascades.h"
+#include "dsp/batch.h"
+#include "filters/cascade_batch.h"
+#include "filters/delay_batch.h"
 
 namespace Lume {
 
@@ -123,14 +124,10 @@ void HrtfFiltering::Process(float* output, float* input, unsigned long numSample
 }
 
 void HrtfFiltering::ProcessSeveral(std::span<Job const> jobs, unsigned long numSamples) {
-    const auto delayFour = [numSamples](auto const& four, std::size_t numJobs) {
-        ProcessFourDelays(four, numJobs, static_cast<int>(numSamples));
-    };
-    const auto filterFour = [numSamples](auto const& four, std::size_t numJobs) {
-        FilterFourCascades(four, numJobs, numSamples);
-    };
-    orvandsp::InFours<DelayJob, decltype(delayFour)> delays(delayFour);
-    orvandsp::InFours<CascadeJob, decltype(filterFour)> cascades(filterFour);
+    const auto delaySome = [numSamples](auto some) { ProcessDelays(some, static_cast<int>(numSamples)); };
+    const auto filterSome = [numSamples](auto some) { FilterCascades(some, numSamples); };
+    orvandsp::Batch<DelayJob, decltype(delaySome)> delays(delaySome);
+    orvandsp::Batch<CascadeJob, decltype(filterSome)> cascades(filterSome);
     for (auto const& [way, output, input] : jobs) {
         if (way->filterType != biquadFilters)
             way->Process(output, input, numSamples);
@@ -143,8 +140,9 @@ void HrtfFiltering::ProcessSeveral(std::span<Job const> jobs, unsigned long numS
             way->biquads.BeginBlock(output, way->needToProcessITD ? way->delayedInput.data() : input, numSamples,
                                     cascades);
     cascades.Finish();
+    orvandsp::FadeGains gains;
     for (auto const& [way, output, input] : jobs)
-        if (way->filterType == biquadFilters) way->biquads.FinishBlock(output, numSamples);
+        if (way->filterType == biquadFilters) way->biquads.FinishBlock(output, numSamples, gains);
 }
 
 void HrtfFiltering::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {

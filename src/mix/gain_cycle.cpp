@@ -4,12 +4,15 @@
 
 namespace Lume {
 
+namespace kernels = orvandsp::kernels;
+
 namespace {
 
 /// Longest stretch that is mixed at once [samples]: all its inputs are read before an output is written.
 constexpr std::int32_t partLength = 64;
 
-constexpr unsigned int noInput = ~0u;
+/// So many terms are gathered before they are mixed, if there are.
+constexpr unsigned int minTerms = 64;
 
 std::int32_t CutToSamples(float samples, std::int32_t lowest) {
     constexpr float highest = 2147483520.0f;  // the largest float that a 32-bit count holds
@@ -17,64 +20,23 @@ std::int32_t CutToSamples(float samples, std::int32_t lowest) {
     return static_cast<std::int32_t>(std::min(samples, highest));
 }
 
-/// What becomes of a product: the first input writes over an output, the others add to it.
-template <bool writes>
-void Put(float& output, float product) {
-    if constexpr (writes)
-        output = product;
-    else
-        output += product;
-}
-
-template <bool writes>
-void MixSteady(float* __restrict output, float const* __restrict input, std::int32_t count, float gain) {
-    for (std::int32_t k = 0; k < count; ++k) Put<writes>(output[k], input[k] * gain);
-}
-
-/// A gain that is carried by repeated addition of its step.
-struct MovingGain {
-    float* output;
-    float gain;
-    float step;
-    float* running;  // where the gain is kept for the next sample
-};
-
-template <bool writes>
-void MixMoving(MovingGain const& moving, float const* __restrict input, std::int32_t count) {
-    float* __restrict const output = moving.output;
-    float gain = moving.gain;
-    for (std::int32_t k = 0; k < count; ++k) {
-        Put<writes>(output[k], input[k] * gain);
-        gain += moving.step;
+/// Whether no output is one of the inputs, or another output. Told by the addresses alone: some arrays that lie in
+/// another order than their channels count as overlapping, too.
+bool LieApart(float* const* outputs, unsigned int numOutputs, float* const* inputs, unsigned int numInputs,
+              short const* activeInputs, unsigned long numSamples) {
+    std::uintptr_t end = 0, begin = ~std::uintptr_t{0};
+    const auto bytes = static_cast<std::uintptr_t>(numSamples * sizeof(float));
+    for (unsigned int j = 0; j < numOutputs; ++j) {
+        const auto address = reinterpret_cast<std::uintptr_t>(outputs[j]);
+        if (address < end) return false;
+        begin = std::min(begin, address);
+        end = address + bytes;
     }
-    *moving.running = gain;
-}
-
-/// The same for four outputs at once: each gain waits for its last addition, so that four chains take the time of one.
-/// Nothing is promised about the outputs here: a caller may fold several into one array.
-template <bool writes>
-void MixFourMoving(MovingGain const* moving, float const* __restrict input, std::int32_t count) {
-    float* const output0 = moving[0].output;
-    float* const output1 = moving[1].output;
-    float* const output2 = moving[2].output;
-    float* const output3 = moving[3].output;
-    float gain0 = moving[0].gain, gain1 = moving[1].gain, gain2 = moving[2].gain, gain3 = moving[3].gain;
-    const float step0 = moving[0].step, step1 = moving[1].step, step2 = moving[2].step, step3 = moving[3].step;
-    for (std::int32_t k = 0; k < count; ++k) {
-        const float x = input[k];
-        Put<writes>(output0[k], x * gain0);
-        Put<writes>(output1[k], x * gain1);
-        Put<writes>(output2[k], x * gain2);
-        Put<writes>(output3[k], x * gain3);
-        gain0 += step0;
-        gain1 += step1;
-        gain2 += step2;
-        gain3 += step3;
+    for (unsigned int i = 0; i < numInputs; ++i) {
+        const auto address = reinterpret_cast<std::uintptr_t>(inputs[i]);
+        if (activeInputs[i] != 0 && address < end && address + bytes > begin) return false;
     }
-    *moving[0].running = gain0;
-    *moving[1].running = gain1;
-    *moving[2].running = gain2;
-    *moving[3].running = gain3;
+    return true;
 }
 
 }  // namespace
@@ -86,7 +48,8 @@ struct GainCycle::Mix {
     short const* activeInputs;
     unsigned int numInputs;
     unsigned int numOutputs;
-    unsigned int writer;  // the input that writes over the outputs instead of adding to them
+    bool replace;  // the first active input writes over the outputs instead of adding to them
+    bool apart;    // no array overlaps another one
 };
 
 /// A stretch of at most partLength samples.
@@ -102,7 +65,15 @@ GainCycle::GainCycle(unsigned int numInputs, unsigned int numOutputs)
       startGains(requestedGains.size()),
       targetGains(requestedGains.size()),
       runningGains(requestedGains.size()),
-      inputCopies(static_cast<std::size_t>(numInputs) * partLength) {}
+      inputCopies(static_cast<std::size_t>(numInputs) * partLength),
+      sharesEnd(numOutputs + 1),
+      termsEnd(numOutputs),
+      terms(std::max(numInputs, minTerms)),
+      ramps(terms.size()),
+      movingElements(terms.size()),
+      movingGains(terms.size() * partLength) {
+    shares.reserve(requestedGains.size());
+}
 
 void GainCycle::SetLength(float samples) {
     length = CutToSamples(samples, 1);
@@ -115,18 +86,20 @@ void GainCycle::SetPosition(float samples) {
 
 void GainCycle::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs,
                         unsigned int numInputs, unsigned int numOutputs) {
-    const auto active = static_cast<unsigned int>(
-        std::find_if(activeInputs, activeInputs + numInputs, [](short flag) { return flag != 0; }) - activeInputs);
-    if (active == numInputs) {
+    if (std::all_of(activeInputs, activeInputs + numInputs, [](short flag) { return flag == 0; })) {
         for (unsigned int j = 0; j < numOutputs; ++j) std::fill_n(outputs[j], numSamples, 0.0f);
         return;
     }
-    Run({outputs, inputs, activeInputs, numInputs, numOutputs, active}, numSamples);
+    Run({outputs, inputs, activeInputs, numInputs, numOutputs, true,
+         LieApart(outputs, numOutputs, inputs, numInputs, activeInputs, numSamples)},
+        numSamples);
 }
 
 void GainCycle::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs,
                               unsigned int numInputs, unsigned int numOutputs) {
-    Run({outputs, inputs, activeInputs, numInputs, numOutputs, noInput}, numSamples);
+    Run({outputs, inputs, activeInputs, numInputs, numOutputs, false,
+         LieApart(outputs, numOutputs, inputs, numInputs, activeInputs, numSamples)},
+        numSamples);
 }
 
 void GainCycle::Run(Mix const& mix, unsigned long numSamples) {
@@ -134,6 +107,7 @@ void GainCycle::Run(Mix const& mix, unsigned long numSamples) {
         if (position >= length) Roll();
         const auto count =
             static_cast<std::int32_t>(std::min(numSamples - done, static_cast<unsigned long>(length - position)));
+        ListShares(mix);
         MixChunk(mix, done, count);
         done += static_cast<unsigned long>(count);
         position += count;
@@ -146,52 +120,80 @@ void GainCycle::MixChunk(Mix const& mix, unsigned long offset, std::int32_t numS
     for (std::int32_t done = 0; done < numSamples; done += partLength) {
         const Part part = {offset + static_cast<unsigned long>(done), done, std::min(numSamples - done, partLength),
                            numSamples};
-        for (unsigned int i = 0; i < mix.numInputs; ++i) {
-            if (mix.activeInputs[i] != 0)
-                std::copy_n(mix.inputs[i] + part.first, part.count, &inputCopies[i * std::size_t{partLength}]);
-        }
-        for (unsigned int i = 0; i < mix.numInputs; ++i) {
-            if (mix.activeInputs[i] == 0) continue;
-            if (i == mix.writer)
-                MixInput<true>(mix, i, part);
-            else
-                MixInput<false>(mix, i, part);
-        }
+        MixPart(mix, part);
     }
 }
 
-/// Mixes one input into all outputs. The gain of a slide at the chunk's first sample is that of the chunk's start, at
-/// its last sample that of the chunk's end: neighbouring chunks share a gain, and a chunk of one sample has no slope.
-template <bool writes>
-void GainCycle::MixInput(Mix const& mix, unsigned int i, Part const& part) {
-    float const* const input = &inputCopies[i * std::size_t{partLength}];
-    const bool skipsSilence = mix.writer == noInput;
-    MovingGain moving[4];
-    int numMoving = 0;
-    for (unsigned int j = 0; j < mix.numOutputs; ++j) {
-        const std::size_t element = static_cast<std::size_t>(i) * mix.numOutputs + j;
-        const float start = startGains[element];
-        const float target = targetGains[element];
-        float* const output = mix.outputs[j] + part.first;
-        if (target == start) {
-            if (target != 0.0f || !skipsSilence) MixSteady<writes>(output, input, part.count, target);
-            continue;
-        }
-        const float g0 = static_cast<float>(position) * inverseLength * (target - start) + start;
-        const float g1 = static_cast<float>(position + part.chunk) * inverseLength * (target - start) + start;
-        const float step = part.chunk > 1 ? (g1 - g0) / static_cast<float>(part.chunk - 1) : 0.0f;
-        moving[numMoving++] = {output, part.done == 0 ? g0 : runningGains[element], step, &runningGains[element]};
-        if (numMoving == 4) {
-            MixFourMoving<writes>(moving, input, part.count);
-            numMoving = 0;
-        }
+/// The gain of a slide at the chunk's first sample is that of the chunk's start, at its last sample that of the chunk's
+/// end: neighbouring chunks share a gain, and a chunk of one sample has no slope.
+void GainCycle::MixPart(Mix const& mix, Part const& part) {
+    const auto count = static_cast<std::size_t>(part.count);
+    if (!mix.apart) {
+        for (unsigned int i = 0; i < mix.numInputs; ++i)
+            if (mix.activeInputs[i] != 0)
+                std::copy_n(mix.inputs[i] + part.first, count, &inputCopies[i * std::size_t{partLength}]);
     }
-    for (int m = 0; m < numMoving; ++m) MixMoving<writes>(moving[m], input, part.count);
+    // Outputs are mixed when there is no room for the terms of a further one: gains that slide come in long rows then.
+    std::size_t numTerms = 0, numMoving = 0;
+    unsigned int firstOutput = 0;
+    const auto flush = [&](unsigned int endOutput) {
+        if (numMoving > 0) kernels::Get().gainRamps(ramps.data(), numMoving, count);
+        for (std::size_t m = 0; m < numMoving; ++m) runningGains[movingElements[m]] = ramps[m].gain;
+        std::size_t first = 0;
+        for (unsigned int j = firstOutput; j < endOutput; ++j) {
+            kernels::Get().mix(mix.outputs[j] + part.first, &terms[first], termsEnd[j] - first, count, mix.replace);
+            first = termsEnd[j];
+        }
+        firstOutput = endOutput;
+        numTerms = numMoving = 0;
+    };
+    for (unsigned int j = 0; j < mix.numOutputs; ++j) {
+        if (numTerms + sharesEnd[j + 1] - sharesEnd[j] > terms.size()) flush(j);
+        for (std::size_t s = sharesEnd[j]; s < sharesEnd[j + 1]; ++s) {
+            const auto [i, start, target] = shares[s];
+            if (mix.activeInputs[i] == 0) continue;
+            float const* const input =
+                mix.apart ? mix.inputs[i] + part.first : &inputCopies[i * std::size_t{partLength}];
+            if (target == start) {
+                terms[numTerms++] = {input, target, nullptr};
+                continue;
+            }
+            const float slope = target - start;
+            const float g0 = static_cast<float>(position) * inverseLength * slope + start;
+            const float g1 = static_cast<float>(position + part.chunk) * inverseLength * slope + start;
+            const float step = part.chunk > 1 ? (g1 - g0) / static_cast<float>(part.chunk - 1) : 0.0f;
+            const std::size_t element = static_cast<std::size_t>(i) * mix.numOutputs + j;
+            float* const values = &movingGains[numMoving * std::size_t{partLength}];
+            ramps[numMoving] = {part.done == 0 ? g0 : runningGains[element], step, values};
+            movingElements[numMoving++] = element;
+            terms[numTerms++] = {input, 0.0f, values};
+        }
+        termsEnd[j] = numTerms;
+    }
+    flush(mix.numOutputs);
+}
+
+/// Lists what is to be mixed in this cycle, by output. Adding leaves out gains that are and stay 0.
+void GainCycle::ListShares(Mix const& mix) {
+    const SharesKey key = {mix.numInputs, mix.numOutputs, mix.replace};
+    if (sharesKey == key) return;
+    sharesKey = key;
+    shares.clear();
+    sharesEnd[0] = 0;
+    for (unsigned int j = 0; j < mix.numOutputs; ++j) {
+        for (unsigned int i = 0; i < mix.numInputs; ++i) {
+            const std::size_t element = static_cast<std::size_t>(i) * mix.numOutputs + j;
+            const float start = startGains[element], target = targetGains[element];
+            if (target != start || target != 0.0f || mix.replace) shares.push_back({i, start, target});
+        }
+        sharesEnd[j + 1] = shares.size();
+    }
 }
 
 void GainCycle::Roll() {
     startGains = targetGains;
     targetGains = requestedGains;
+    sharesKey.reset();
     position = 0;
 }
 

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
+
+#include "kernels/kernels.h"
 
 namespace Lume {
 
@@ -50,16 +53,37 @@ private:
     struct Part;
     void Run(Mix const& mix, unsigned long numSamples);
     void MixChunk(Mix const& mix, unsigned long offset, std::int32_t numSamples);
-    template <bool writes>
-    void MixInput(Mix const& mix, unsigned int i, Part const& part);
+    void ListShares(Mix const& mix);
+    void MixPart(Mix const& mix, Part const& part);
     void Roll();
 
     std::vector<float> startGains;  // the gains at which the running cycle began
     std::vector<float> targetGains;
     std::vector<float> runningGains;  // of the ramps that are in the middle of a chunk
     std::vector<float> inputCopies;   // of a part of a chunk, so that outputs may be the inputs
-    std::int32_t position = 0;        // samples of the running cycle that are done
-    std::int32_t length = 1;          // [samples]
+
+    /// What an input gives to an output in the running cycle.
+    struct Share {
+        unsigned int input;
+        float start, target;
+    };
+    /// What the shares were listed for.
+    struct SharesKey {
+        unsigned int numInputs, numOutputs;
+        bool replace;
+        bool operator==(SharesKey const&) const = default;
+    };
+    std::vector<Share> shares;           // by output, then by input
+    std::vector<std::size_t> sharesEnd;  // behind those of each output; the first entry is 0
+    std::optional<SharesKey> sharesKey;
+    // Shares on their way to the kernels.
+    std::vector<std::size_t> termsEnd;  // behind those of each output
+    std::vector<orvandsp::kernels::MixTerm> terms;
+    std::vector<orvandsp::kernels::GainRamp> ramps;
+    std::vector<std::size_t> movingElements;
+    std::vector<float> movingGains;
+    std::int32_t position = 0;  // samples of the running cycle that are done
+    std::int32_t length = 1;    // [samples]
     float inverseLength = 1.0f;
 };
 

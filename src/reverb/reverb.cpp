@@ -2,15 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
+#include "dsp/batch.h"
 #include "dsp/denormals.h"
-#include "filters/four_allpass_heads.h"
-#include "filters/four_shelves.h"
+#include "kernels/kernels.h"
 #include "reverb/line_losses.h"
 
 namespace Lume {
 
-using orvandsp::PerLane;
+namespace kernels = orvandsp::kernels;
 
 namespace {
 
@@ -29,17 +30,6 @@ constexpr float maxGainStepDb = 10.0f;         // of the input gain without a re
 constexpr float gainRampMs = 30.0f;
 constexpr unsigned int manyChannels = 8;  // above it the delays crowd towards the minimum
 constexpr float distributionOfManyChannels = 0.3f;
-
-/// What four channels lose behind their lines.
-struct Losses {
-    orvandsp::Float4 operator()(orvandsp::Float4 x) noexcept {
-        x = absorbent(x);
-        return useAir ? air(x) : x;
-    }
-    FourShelves absorbent;
-    FourShelves air;
-    bool useAir;
-};
 
 float Decibels(float gain) {
     return 20.0f * std::log10(gain);
@@ -311,46 +301,38 @@ void Reverb::ProcessChunk(float** outputs, float** inputs, unsigned long first, 
         // Before the line is written: what goes in now is read a chunk and a delay later, and the loop of each line is
         // a chunk longer than its delay. The filters are made for the delay alone (kept: quirks.md 1).
         lines[i]->AdvanceWritePosition(static_cast<int>(chunk));
-        float const* const tapped = tapBuffer.GetChannel(i);
-        float* const feedback = feedbackBuffer.GetChannel(i);
-        float const* const in = inputs[i] + first;
-        float* const out = outputs[i] + first;
-        for (unsigned int k = 0; k < chunk; ++k) {
-            feedback[k] = tapped[k] + gain * in[k];
-            out[k] = compensation * tapped[k];
-        }
+        kernels::Get().feedback(tapBuffer.GetChannel(i), outputs[i] + first, inputs[i] + first, gain, compensation,
+                                chunk);
     }
-    shuffle.Process(feedbackBuffer.GetChannels(), feedbackBuffer.GetChannels(), chunk, orvandsp::allActiveInputs);
+    shuffle.Process(feedbackBuffer.GetChannels(), tapBuffer.GetChannels(), chunk, orvandsp::allActiveInputs);
     for (unsigned int i = 0; i < GetNumDelays(); ++i)
         lines[i]->tapIn(feedbackBuffer.GetChannel(i), static_cast<int>(chunk), 0);
 }
 
 void Reverb::ReadTaps(unsigned int chunk) {
     orvandsp::FlushDenormals();
-    const auto readFour = [&](PerLane<unsigned int> const& channels, std::size_t numChannels) {
-        PerLane<float*> tapped;
-        PerLane<HLShelf*> absorbing, air;
-        PerLane<std::optional<Delay::AllpassHead>> heads;
-        for (std::size_t lane = 0; lane < orvandsp::numLanes; ++lane) {
-            const unsigned int i = channels[lane];
-            tapped[lane] = tapBuffer.GetChannel(i);
-            absorbing[lane] = &absorbentFilters[i];
-            air[lane] = &airFilters[i].GetShelf();
-            heads[lane] = taps[i]->FindAllpassHead();
+    const auto read = [&](std::span<unsigned int const> channels) {
+        kernels::LossyHeadJob lanes[kernels::maxLanes];
+        std::size_t numLanes = 0;
+        for (const unsigned int i : channels) {
+            float* const tapped = tapBuffer.GetChannel(i);
+            if (const auto head = taps[i]->FindAllpassHead())
+                lanes[numLanes++] = {*head, absorbentFilters[i].GetKernelShelf(),
+                                     airFilters[i].GetShelf().GetKernelShelf(), tapped};
+            else
+                ReadTapAlone(i, tapped, chunk);
         }
-        Losses losses = {FourShelves(absorbing), FourShelves(air), airAbsorptionOn};
-        if (auto four = FourAllpassHeads::From(heads)) {
-            losses = four->Read(tapped, static_cast<int>(chunk), losses);
-        } else {
-            for (std::size_t i = 0; i < numChannels; ++i) taps[channels[i]]->Process(tapped[i], chunk);
-            losses = orvandsp::FilterFourChannels(tapped, {tapped[0], tapped[1], tapped[2], tapped[3]}, chunk, losses);
-        }
-        losses.absorbent.GiveStateTo(absorbing);
-        losses.air.GiveStateTo(air);
+        if (numLanes > 0) kernels::Get().lossyHeads(lanes, numLanes, chunk, airAbsorptionOn);
     };
-    orvandsp::InFours<unsigned int, decltype(readFour)> channels(readFour);
+    orvandsp::Batch<unsigned int, decltype(read)> channels(read);
     for (unsigned int i = 0; i < GetNumDelays(); ++i) channels.Add(i);
     channels.Finish();
+}
+
+void Reverb::ReadTapAlone(unsigned int channel, float* tapped, unsigned int chunk) {
+    taps[channel]->Process(tapped, chunk);
+    absorbentFilters[channel].Process(tapped, tapped, chunk);
+    if (airAbsorptionOn) airFilters[channel].Process(tapped, tapped, chunk);
 }
 
 }  // namespace Lume

@@ -107,6 +107,8 @@ private:
     float PresentInputGain() const noexcept;
     /// Fills the tap buffer: what comes out of the lines, behind the filters.
     void ReadTaps(unsigned int chunk);
+    /// The same for a channel whose head is on the move.
+    void ReadTapAlone(unsigned int channel, float* tapped, unsigned int chunk);
     /// @param first  where the chunk begins in the block
     void ProcessChunk(float** outputs, float** inputs, unsigned long first, unsigned int chunk, float gain,
                       float compensation);

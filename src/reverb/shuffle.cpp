@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <numeric>
+
+#include "kernels/kernels.h"
 
 namespace Lume {
 
@@ -16,11 +19,11 @@ Shuffle::Shuffle(unsigned int n)
     : work(n, 0),
       numChannels(n),
       permutation(GetPermutationForChannels(n)),
-      mixingType(MixingTypeForChannels(n)),
-      transform(n, orvandsp::FastHadamardTransform::naturalHadamard, false) {
+      identity(n),
+      mixingType(MixingTypeForChannels(n)) {
     numInputs = n;
     numOutputs = n;
-    if (mixingType == twelveChannels) transform.SetSize(groupSize);
+    std::iota(identity.begin(), identity.end(), 0u);
     Shuffle::SetMaxBlockSize(buffersize);
 }
 
@@ -83,28 +86,18 @@ void Shuffle::MixGeneral(unsigned int numSamples) {
 
 void Shuffle::Process(float** outputs, float** inputs, unsigned long numSamples, short const*) {
     const auto count = static_cast<unsigned int>(numSamples);
+    unsigned int const* const order = usePermutation ? permutation.data() : identity.data();
+    if (mixingType != general) {
+        const std::size_t numInGroup = mixingType == hadamard ? numChannels : groupSize;
+        const float scale = mixingType == hadamard ? 1.0f / std::sqrt(static_cast<float>(numChannels)) : 0.5f;
+        orvandsp::kernels::Get().hadamard(outputs, inputs, numInGroup, numChannels / numInGroup, order, scale,
+                                          numSamples);
+        return;
+    }
     if (work.GetNumSamples() != count) SetMaxBlockSize(count);
     for (unsigned int c = 0; c < numChannels; ++c) std::copy_n(inputs[c], count, work.GetChannel(c));
-    float scale = 1.0f;
-    switch (mixingType) {
-        case general:
-            MixGeneral(count);
-            break;
-        case hadamard:
-            transform.Process(work.GetChannels(), numChannels, count);
-            scale = 1.0f / std::sqrt(static_cast<float>(numChannels));
-            break;
-        case twelveChannels:
-            for (unsigned int first = 0; first < numChannels; first += groupSize)
-                transform.Process(work.GetChannels() + first, groupSize, count);
-            scale = 0.5f;
-            break;
-    }
-    for (unsigned int c = 0; c < numChannels; ++c) {
-        float const* const mixed = work.GetChannel(usePermutation ? permutation[c] : c);
-        float* const output = outputs[c];
-        for (unsigned int k = 0; k < count; ++k) output[k] = mixed[k] * scale;
-    }
+    MixGeneral(count);
+    for (unsigned int c = 0; c < numChannels; ++c) std::copy_n(work.GetChannel(order[c]), count, outputs[c]);
 }
 
 }  // namespace Lume

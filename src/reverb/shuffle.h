@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "dsp/audio_buffer.h"
-#include "dsp/fast_hadamard_transform.h"
 #include "dsp/signal_processing.h"
 
 namespace Lume {
@@ -53,9 +52,9 @@ private:
     unsigned int numChannels;
     std::vector<float> sum;  // of all channels, in the general case
     std::vector<unsigned int> permutation;
+    std::vector<unsigned int> identity;
     MixingType mixingType;
     bool usePermutation = true;
-    orvandsp::FastHadamardTransform transform;
 };
 
 }  // namespace Lume

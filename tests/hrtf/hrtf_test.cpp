@@ -150,10 +150,12 @@ TEST(NearfieldCompensationFilters, EmptyNameIsAnEmptySet) {
 /// A set of given positions.
 struct PositionSet : Lume::HrtfData {
     explicit PositionSet(std::vector<Lume::CartesianVector> const& positions) {
+        std::vector<Lume::HrtfPoint> newPoints;
         for (auto const& position : positions) {
-            points.emplace_back().position = position;
-            points.back().index = static_cast<unsigned int>(points.size()) - 1;
+            newPoints.emplace_back().position = position;
+            newPoints.back().index = static_cast<unsigned int>(newPoints.size()) - 1;
         }
+        SetPoints(std::move(newPoints));
     }
     void LoadFromFile(std::string const&) override {}
 };

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "dsp/batch.h"
 #include "dsp/constants.h"
-#include "dsp/four_channels.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -14,16 +14,12 @@ void Scale(float* out, float const* in, unsigned long numSamples) {
     for (unsigned long i = 0; i < numSamples; ++i) out[i] = in[i] * orvandsp::sqrt2div2;
 }
 
-void ScaleAdding(float* out, float const* in, unsigned long numSamples) {
-    for (unsigned long i = 0; i < numSamples; ++i) out[i] += orvandsp::sqrt2div2 * in[i];
-}
-
 }  // namespace
 
 BinauralPanningDirect::BinauralPanningDirect(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs),
       hrtf(std::make_unique<Hrtf>("")),
-      earBuffers(orvandsp::numLanes, 512) {
+      earBuffers(orvandsp::kernels::maxLanes, 512) {
     BinauralPanningDirect::SetNumInputs(numberOfInputs);
 }
 
@@ -120,16 +116,17 @@ void BinauralPanningDirect::Process(float** outputs, float** inputs, unsigned lo
 
 void BinauralPanningDirect::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
                                           short const* activeInputs) {
-    const auto addFour = [=](auto const& ears, std::size_t numEars) {
-        HrtfFiltering::ProcessSeveral({ears.data(), numEars}, numSamples);
-        for (std::size_t e = 0; e < numEars; ++e) ScaleAdding(outputs[e % 2], ears[e].output, numSamples);
+    const auto addSome = [=](std::span<HrtfFiltering::Job const> ears) {
+        HrtfFiltering::ProcessSeveral(ears, numSamples);
+        for (std::size_t e = 0; e < ears.size(); ++e)
+            orvandsp::kernels::Get().addScaled(outputs[e % 2], ears[e].output, orvandsp::sqrt2div2, numSamples);
     };
-    orvandsp::InFours<HrtfFiltering::Job, decltype(addFour)> ears(addFour);
+    orvandsp::Batch<HrtfFiltering::Job, decltype(addSome)> ears(addSome);
     unsigned int buffer = 0;
     for (unsigned int i = 0; i < numInputs; ++i) {
         if (activeInputs[i] == 0) continue;
         for (HrtfFiltering* const ear : {&voices[i].left, &voices[i].right})
-            ears.Add({ear, earBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]});
+            ears.Add({ear, earBuffers.GetChannel(buffer++ % orvandsp::kernels::maxLanes), inputs[i]});
     }
     ears.Finish();
 }
@@ -141,7 +138,7 @@ void BinauralPanningDirect::SetSamplerate(float newSamplerate) {
 
 void BinauralPanningDirect::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
-    earBuffers.Resize(orvandsp::numLanes, blockSize);
+    earBuffers.Resize(orvandsp::kernels::maxLanes, blockSize);
     voices.ForEach([=](HrtfFiltering& ear) { ear.SetMaxBlockSize(blockSize); });
 }
 

@@ -56,7 +56,7 @@ private:
     unsigned int numCoefficients = 25;  // per ear
     HRTFFilterType filterType = biquadFilters;
     EarPairs<HrtfFiltering> voices;
-    orvandsp::AudioBuffer earBuffers;  // left and right of two sources, which are filtered at once
+    orvandsp::AudioBuffer earBuffers;  // left and right of the sources that are filtered at once
 };
 
 }  // namespace Lume

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
-#include "filters/four_allpass_heads.h"
+#include "dsp/batch.h"
+#include "filters/delay_batch.h"
 #include "geometry/vector_algebra.h"
 #include "pan/null_panning.h"
 
@@ -66,44 +68,43 @@ void BinauralPanningITD::Process(float** outputs, float** inputs, unsigned long 
     }
     if (activeInputs[0] == 0) return;
     if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
-    signalBuffers.Resize(orvandsp::numLanes, static_cast<unsigned int>(numSamples));
+    signalBuffers.Resize(orvandsp::kernels::maxLanes, static_cast<unsigned int>(numSamples));
     DelayGainPair& voice = voices[0];
     const int count = static_cast<int>(numSamples);
     // Both ears read before either is written: an output may be the input.
-    const DelayJob left = {&voice.leftDelay, signalBuffers.GetChannel(0), inputs[0]};
-    const DelayJob right = {&voice.rightDelay, signalBuffers.GetChannel(1), inputs[0]};
-    ProcessFourDelays({left, right, right, right}, 2, count);
+    const DelayJob ears[] = {{&voice.leftDelay, signalBuffers.GetChannel(0), inputs[0]},
+                             {&voice.rightDelay, signalBuffers.GetChannel(1), inputs[0]}};
+    ProcessDelays(ears, count);
     ProcessGain(voice.leftGain, gainBuffer.data(), count);
-    Multiply(outputs[0], left.output, gainBuffer.data(), numSamples);
+    Multiply(outputs[0], ears[0].output, gainBuffer.data(), numSamples);
     ProcessGain(voice.rightGain, gainBuffer.data(), count);
-    Multiply(outputs[1], right.output, gainBuffer.data(), numSamples);
+    Multiply(outputs[1], ears[1].output, gainBuffer.data(), numSamples);
 }
 
 void BinauralPanningITD::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
                                        short const* activeInputs) {
     if (gainBuffer.size() != numSamples) gainBuffer.resize(numSamples);
-    signalBuffers.Resize(orvandsp::numLanes, static_cast<unsigned int>(numSamples));
+    signalBuffers.Resize(orvandsp::kernels::maxLanes, static_cast<unsigned int>(numSamples));
     const int count = static_cast<int>(numSamples);
-    struct Ear {
-        DelayJob delay;
-        orvandsp::Ramp* gain;
-    };
-    const auto addFour = [&](orvandsp::PerLane<Ear> const& ears, std::size_t numEars) {
-        ProcessFourDelays({ears[0].delay, ears[1].delay, ears[2].delay, ears[3].delay}, numEars, count);
-        for (std::size_t e = 0; e < numEars; ++e) {
-            ProcessGain(*ears[e].gain, gainBuffer.data(), count);
-            MultiplyAdding(outputs[e % 2], ears[e].delay.output, gainBuffer.data(), numSamples);
+    orvandsp::Ramp* gains[orvandsp::kernels::maxLanes];
+    const auto addSome = [&](std::span<DelayJob const> ears) {
+        ProcessDelays(ears, count);
+        for (std::size_t e = 0; e < ears.size(); ++e) {
+            ProcessGain(*gains[e], gainBuffer.data(), count);
+            MultiplyAdding(outputs[e % 2], ears[e].output, gainBuffer.data(), numSamples);
         }
     };
-    orvandsp::InFours<Ear, decltype(addFour)> ears(addFour);
+    orvandsp::Batch<DelayJob, decltype(addSome)> ears(addSome);
     unsigned int buffer = 0;
     for (unsigned int i = 0; i < numInputs; ++i) {
         if (activeInputs[i] == 0) continue;
         DelayGainPair& voice = voices[i];
-        ears.Add(
-            {{&voice.leftDelay, signalBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]}, &voice.leftGain});
-        ears.Add({{&voice.rightDelay, signalBuffers.GetChannel(buffer++ % orvandsp::numLanes), inputs[i]},
-                  &voice.rightGain});
+        for (auto const& [delay, gain] :
+             {std::pair(&voice.leftDelay, &voice.leftGain), std::pair(&voice.rightDelay, &voice.rightGain)}) {
+            const unsigned int place = buffer++ % orvandsp::kernels::maxLanes;
+            gains[place] = gain;
+            ears.Add({delay, signalBuffers.GetChannel(place), inputs[i]});
+        }
     }
     ears.Finish();
 }
@@ -116,7 +117,7 @@ void BinauralPanningITD::SetSamplerate(float newSamplerate) {
 void BinauralPanningITD::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
     gainBuffer.resize(blockSize);
-    signalBuffers.Resize(orvandsp::numLanes, blockSize);
+    signalBuffers.Resize(orvandsp::kernels::maxLanes, blockSize);
     for (DelayGainPair& voice : voices) voice.SetMaxBlockSize(blockSize);
 }
 

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "dsp/audio_buffer.h"
-#include "dsp/four_channels.h"
 #include "filters/delay.h"
+#include "kernels/kernels.h"
 #include "mix/delay_gain_pair.h"
 #include "pan/binaural/binaural_panning.h"
 
@@ -48,8 +48,8 @@ public:
 private:
     std::vector<DelayGainPair> voices;  // one per input
     std::vector<float> gainBuffer;
-    orvandsp::AudioBuffer signalBuffers{orvandsp::numLanes, 512};  // the ears of two sources, delayed at once
-    float interpolationTime = DefaultInterpolationTime;            // [ms]
+    orvandsp::AudioBuffer signalBuffers{orvandsp::kernels::maxLanes, 512};  // ears that are delayed at once
+    float interpolationTime = DefaultInterpolationTime;                     // [ms]
 };
 
 }  // namespace Lume

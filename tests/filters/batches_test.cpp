@@ -1,5 +1,3 @@
-#include "dsp/four_channels.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,24 +6,22 @@
 #include <random>
 #include <vector>
 
-#include "filters/four_allpass_heads.h"
-#include "filters/four_cascades.h"
-#include "filters/four_shelves.h"
+#include "filters/cascade_batch.h"
 #include "filters/multi_delay.h"
 #include "filters/multi_faded_hl_shelf.h"
 #include "filters/multi_hl_shelf.h"
-#include "filters/tap_out.h"
+#include "filters/shelf_batch.h"
 #include "filters/unitary_hl_shelf.h"
 #include "support/allocation_count.h"
 #include "support/signals.h"
 
-// What works on four channels at once must give each of them the bits that it would have alone.
+// What works on several channels at once must give each of them the bits that it would have alone. Runs with each width
+// of the kernels (see CMakeLists.txt).
 
 namespace {
 
 using Lume::Delay;
 using Lume::HLShelf;
-using orvandsp::PerLane;
 
 using Channels = std::vector<std::vector<float>>;
 
@@ -67,109 +63,67 @@ void Design(HLShelf& shelf, std::size_t i) {
     shelf.SetAll(1.0f - f, 6.0f - 2.0f * f, -f, f - 12.0f, 200.0f + 50.0f * f, 3000.0f + 500.0f * f);
 }
 
-TEST(FourChannels, ShelvesGiveTheBitsOfOne) {
-    PerLane<HLShelf> alone, together;
-    Lume::UnitaryHLShelf unitaryAlone, unitaryTogether;
-    const PerLane<HLShelf*> one = {&alone[0], &alone[1], &alone[2], &unitaryAlone};
-    const PerLane<HLShelf*> four = {&together[0], &together[1], &together[2], &unitaryTogether};
-    for (std::size_t i = 0; i < 4; ++i) {
-        Design(*one[i], i);
-        Design(*four[i], i);
-    }
-    Channels expected = Noise(1, 4, totalLength), actual = expected;
-    InBlocks([&](std::size_t first, std::size_t length) {
-        PerLane<Lume::ShelfJob> jobs;
-        for (std::size_t i = 0; i < 4; ++i) {
-            one[i]->Process(&expected[i][first], &expected[i][first], length);
-            jobs[i] = {four[i], &actual[i][first], &actual[i][first]};
+TEST(Batches, ShelvesGiveTheBitsOfOne) {
+    for (const std::size_t n : {1u, 3u, 5u, 8u, 9u, 16u}) {
+        std::vector<HLShelf> alone(n), together(n);
+        Lume::UnitaryHLShelf unitaryAlone, unitaryTogether;  // in the place of the last
+        Channels expected = Noise(1, n, totalLength), actual = expected;
+        const auto shelfOf = [n](std::vector<HLShelf>& shelves, HLShelf& last, std::size_t i) {
+            return i + 1 == n ? &last : &shelves[i];
+        };
+        for (std::size_t i = 0; i < n; ++i) {
+            Design(*shelfOf(alone, unitaryAlone, i), i);
+            Design(*shelfOf(together, unitaryTogether, i), i);
         }
-        FilterFourShelves(jobs, length);
-    });
-    ExpectSameBits(expected, actual);
-}
-
-// Numbers of stages with one pass, with a full one and with several; and cascades that differ, with a job that is
-// repeated.
-TEST(FourChannels, CascadesGiveTheBitsOfOne) {
-    for (const PerLane<unsigned int> numStages :
-         {PerLane<unsigned int>{0, 0, 0, 0}, {6, 6, 6, 6}, {8, 8, 8, 8}, {19, 19, 19, 19}, {2, 6, 2, 2}}) {
-        const std::size_t numJobs = numStages[0] == numStages[1] ? 4 : 2;
-        PerLane<Lume::BiquadCascade> alone, together;
-        for (std::size_t i = 0; i < 4; ++i) {
-            std::vector<float> set = MakeNoise(static_cast<std::uint32_t>(i), 4 * numStages[i] + 1, 0.4f);
-            for (Lume::BiquadCascade* const cascade : {&alone[i], &together[i]}) {
-                cascade->SetNumStages(numStages[i]);
-                cascade->SetCoefficients(set.data());
-            }
-        }
-        Channels expected = Noise(4, numJobs, totalLength), actual = expected;
         InBlocks([&](std::size_t first, std::size_t length) {
-            PerLane<Lume::CascadeJob> jobs;
-            for (std::size_t i = 0; i < 4; ++i) {
-                const std::size_t c = std::min(i, numJobs - 1);
-                if (c == i) alone[c].Process(&expected[c][first], &expected[c][first], length);
-                jobs[i] = {&together[c], &actual[c][first], &actual[c][first]};
+            std::vector<Lume::ShelfJob> jobs;
+            for (std::size_t i = 0; i < n; ++i) {
+                shelfOf(alone, unitaryAlone, i)->Process(&expected[i][first], &expected[i][first], length);
+                jobs.push_back({shelfOf(together, unitaryTogether, i), &actual[i][first], &actual[i][first]});
             }
-            FilterFourCascades(jobs, numJobs, length);
+            FilterShelves(jobs, length);
         });
         ExpectSameBits(expected, actual);
     }
 }
 
-// Red if the lanes mix up heads, if a run ends at the wrong ring, or if a head forgets its previous output: each line
-// wraps at another sample, and some within a block.
-TEST(FourChannels, AllpassHeadsAndShelvesInSeriesGiveTheBitsOfOne) {
-    std::vector<Delay> linesAlone, linesTogether;
-    PerLane<HLShelf> alone, together;
-    for (std::size_t i = 0; i < 4; ++i) {
-        const auto ms = static_cast<float>(i);
-        for (std::vector<Delay>* const lines : {&linesAlone, &linesTogether}) {
-            lines->emplace_back(ms, Delay::allpass);
-            lines->back().Configure(44100.0f, 128, true);
-        }
-        Design(alone[i], i);
-        Design(together[i], i);
-    }
-    std::vector<Lume::TapOut> tapsAlone, tapsTogether;
-    for (std::size_t i = 0; i < 4; ++i) {
-        tapsAlone.emplace_back(&linesAlone[i]);
-        tapsTogether.emplace_back(&linesTogether[i]);
-        tapsAlone[i].SetDelay(2.9f + 0.31f * static_cast<float>(i), true);
-        tapsTogether[i].SetDelay(2.9f + 0.31f * static_cast<float>(i), true);
-    }
-    Channels signal = Noise(2, 4, totalLength), expected = signal, actual = signal;
-    for (int round = 0; round < 8; ++round)
-        InBlocks([&](std::size_t first, std::size_t length) {
-            const auto count = static_cast<int>(length);
-            PerLane<float*> outputs;
-            PerLane<std::optional<Delay::AllpassHead>> found;
-            for (std::size_t i = 0; i < 4; ++i) {
-                linesAlone[i].tapIn(&signal[i][first], count, 0);
-                linesTogether[i].tapIn(&signal[i][first], count, 0);
-                tapsAlone[i].Process(&expected[i][first], static_cast<unsigned int>(count));
-                alone[i].Process(&expected[i][first], &expected[i][first], length);
-                outputs[i] = &actual[i][first];
-                found[i] = tapsTogether[i].FindAllpassHead();
-            }
-            const PerLane<HLShelf*> shelves = {&together[0], &together[1], &together[2], &together[3]};
-            auto heads = Lume::FourAllpassHeads::From(found);
-            ASSERT_TRUE(heads);
-            heads->Read(outputs, count, Lume::FourShelves(shelves)).GiveStateTo(shelves);
-            for (std::size_t i = 0; i < 4; ++i) {
-                linesAlone[i].AdvanceWritePosition(count);
-                linesTogether[i].AdvanceWritePosition(count);
-            }
+// Numbers of stages with one pass, with a full one and with several; cascades that differ; and one that has grown while
+// it held sound, whose new stages know nothing of what the last one before them gave.
+TEST(Batches, CascadesGiveTheBitsOfOne) {
+    for (const std::size_t n : {1u, 3u, 4u, 7u, 8u, 13u, 16u})
+        for (const unsigned int numStages : {0u, 1u, 6u, 8u, 19u}) {
+            SCOPED_TRACE(testing::Message() << n << " cascades of " << numStages);
+            std::vector<Lume::BiquadCascade> alone(n), together(n);
+            const auto design = [&](std::size_t i, unsigned int number) {
+                std::vector<float> set = MakeNoise(static_cast<std::uint32_t>(i), 4 * number + 1, 0.4f);
+                for (Lume::BiquadCascade* const cascade : {&alone[i], &together[i]}) {
+                    cascade->SetNumStages(number);
+                    cascade->SetCoefficients(set.data());
+                }
+            };
+            for (std::size_t i = 0; i < n; ++i) design(i, n == 7 && i == 2 ? numStages + 1 : numStages);
+            Channels expected = Noise(4, n, totalLength), actual = expected;
+            InBlocks([&](std::size_t first, std::size_t length) {
+                if (n == 13 && length == 66)
+                    for (std::size_t i = 0; i < n; ++i) design(i, numStages + 2);
+                std::vector<Lume::CascadeJob> jobs;
+                for (std::size_t i = 0; i < n; ++i) {
+                    alone[i].Process(&expected[i][first], &expected[i][first], length);
+                    jobs.push_back({&together[i], &actual[i][first], &actual[i][first]});
+                }
+                FilterCascades(jobs, length);
+            });
             ExpectSameBits(expected, actual);
-        });
+        }
 }
 
 // The banks, from less than four channels to more: every remainder, channels that are inactive now and then, fades that
 // end within a block while others wait, lines that glide among lines that stand still.
-TEST(FourChannels, BanksGiveTheBitsOfTheirChannels) {
+TEST(Batches, BanksGiveTheBitsOfTheirChannels) {
     constexpr float rate = 44100.0f;
     constexpr unsigned int blockSize = 128;
     std::mt19937 random(3);
-    for (unsigned int n = 1; n <= 9; ++n) {
+    for (const unsigned int n : {1u, 2u, 3u, 5u, 8u, 9u, 15u, 16u, 19u}) {
         SCOPED_TRACE(n);
         Lume::MultiHLShelf shelves(n);
         std::vector<HLShelf> oneShelf(n);

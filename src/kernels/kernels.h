@@ -1,0 +1,130 @@
+#pragma once
+
+#include <cstddef>
+
+/// The loops that cost the most, each written once and compiled for several widths of the processor's registers.
+///
+/// Kernels work on several channels side by side, one per lane, or on several samples between which there is no
+/// recurrence. Every lane does what the code for one channel does, operation by operation, so that neither the width
+/// nor its company changes the bits of a channel. What the processor has is found out when the first kernel is asked
+/// for; the environment variable ORVAN_LANES (4, 8 or 16) forces a width, for tests and measurements.
+///
+/// Kernels see plain records and arrays. All of them are real-time safe; an output may be the input of the same job.
+namespace orvandsp::kernels {
+
+/// The widest there is: banks collect as many jobs before they call a kernel.
+constexpr std::size_t maxLanes = 16;
+
+/// A second-order shelf: y = b1 x1 + b2 x2 + b0 x - a2 y2 - a1 y1, from left to right, and behind it a gain.
+struct Shelf {
+    float const* taps;  // b0, b1, b2, a1, a2
+    float gain;
+    float* memory;  // x1, x2, y1, y2
+};
+
+struct ShelfJob {
+    Shelf shelf;
+    float const* input;
+    float* output;
+};
+
+/// A read head that stands still on a delay line and reads through a first-order allpass.
+struct AllpassHead {
+    float const* ring;  // with one guard cell behind its end
+    int size;           // of the ring [samples]
+    int index;          // in the ring, of the older neighbour of the next sample
+    float coefficient;
+    float* state;  // previous output
+};
+
+struct HeadJob {
+    AllpassHead head;
+    float* output;
+};
+
+/// A head of the late field and what a pass through its line loses.
+struct LossyHeadJob {
+    AllpassHead head;
+    Shelf absorbent;
+    Shelf air;
+    float* output;
+};
+
+/// An allpass head whose delay runs along a ramp.
+struct GlideJob {
+    float const* ring;  // with one guard cell behind its end
+    int mask;
+    float base;      // position of the writer [samples]
+    float* delay;    // behind the writer [samples], moved on
+    int* remaining;  // samples until it stands still, counted down
+    float increment;
+    float* state;  // previous output
+    float* output;
+};
+
+/// A chain of second-order sections, each taking what the one before it gives: gain, then for each stage
+/// y = b2 x2 + b1 x1 + (-a1) y1 + (-a2) y2 + x.
+struct CascadeJob {
+    float gain;
+    float const* taps;  // b1, b2, -a1, -a2 of each stage
+    float* memory;      // x1, x2, y1, y2 of each stage, where the x of a stage are the y of the one before it
+    float const* input;
+    float* output;
+};
+constexpr std::size_t maxCascadeStages = 8;
+
+/// A gain that goes on by adding its step for each sample.
+struct GainRamp {
+    float gain;  // becomes that of the sample behind the last
+    float step;
+    float* values;  // of each sample
+};
+
+/// An input that is mixed into an output: with the gain, or with one gain a sample.
+struct MixTerm {
+    float const* input;
+    float gain;
+    float const* gains;  // null: steady
+};
+
+struct Kernels {
+    std::size_t numLanes;
+    void (*shelves)(ShelfJob const* jobs, std::size_t numJobs, std::size_t numSamples);
+    void (*allpassHeads)(HeadJob const* jobs, std::size_t numJobs, std::size_t numSamples);
+    void (*lossyHeads)(LossyHeadJob const* jobs, std::size_t numJobs, std::size_t numSamples, bool throughAir);
+    void (*glides)(GlideJob const* jobs, std::size_t numJobs, std::size_t numSamples);
+    /// Of cascades with one number of stages, 1 to maxCascadeStages.
+    void (*cascades)(CascadeJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples);
+
+    void (*gainRamps)(GainRamp* ramps, std::size_t numRamps, std::size_t numSamples);
+    /// Adds terms to an output, in their order. @param replace  the first product replaces what the output holds
+    void (*mix)(float* output, MixTerm const* terms, std::size_t numTerms, std::size_t numSamples, bool replace);
+
+    /// Groups of channels through the Hadamard matrix of their number, in natural order and without scale, then
+    /// scaled; output c is mixed channel order[c].
+    /// @param groupSize   a power of two, at most 64
+    /// @param numGroups   groups of so many channels
+    void (*hadamard)(float* const* outputs, float const* const* inputs, std::size_t groupSize, std::size_t numGroups,
+                     unsigned int const* order, float scale, std::size_t numSamples);
+    /// output = tapped * outGain, tapped = tapped + inGain * input
+    void (*feedback)(float* tapped, float* output, float const* input, float inGain, float outGain,
+                     std::size_t numSamples);
+
+    /// Fades from a to b: out = gainsB b + gainsA a, with gains for each sample.
+    void (*fade)(float* out, float const* a, float const* b, float const* gainsA, float const* gainsB,
+                 std::size_t numSamples);
+    void (*scale)(float* out, float const* in, float gain, std::size_t numSamples);
+    void (*addScaled)(float* out, float const* in, float gain, std::size_t numSamples);
+
+    /// Index of the point that is nearest to a place, of equally near ones the first. Distances that aren't numbers
+    /// lose to all others, but for that of the first point, which then is the answer.
+    std::size_t (*nearest)(float const* x, float const* y, float const* z, std::size_t numPoints, float toX, float toY,
+                           float toZ);
+};
+
+/// The kernels for this processor.
+Kernels const& Get();
+/// Those of 4, 8 or 16 lanes; null where the processor or the build doesn't have them.
+Kernels const* OfWidth(std::size_t numLanes);
+
+}  // namespace orvandsp::kernels

@@ -1,0 +1,196 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#if !defined(ORVAN_KERNEL_LANES)
+#error "For the sources of kernels alone: they say first how many lanes there are."
+#endif
+
+/// A register of ORVAN_KERNEL_LANES samples, one per lane, and how samples come in and out of it.
+///
+/// Kernels are compiled several times, some of them for processors that not everybody has. Nothing of that may get into
+/// code that others share: everything here and in the kernels lies in an unnamed namespace, and no function or template
+/// of the standard library is called.
+namespace orvandsp::kernels {
+namespace {
+
+constexpr std::size_t numLanes = ORVAN_KERNEL_LANES;
+
+using Lanes [[gnu::vector_size(numLanes * sizeof(float))]] = float;
+using LaneInts [[gnu::vector_size(numLanes * sizeof(float))]] = std::int32_t;
+using Four [[gnu::vector_size(4 * sizeof(float))]] = float;
+
+/// numLanes samples in a row.
+inline Lanes Load(float const* samples) noexcept {
+    Lanes result;
+    __builtin_memcpy(&result, samples, sizeof result);
+    return result;
+}
+inline void Store(float* samples, Lanes value) noexcept {
+    __builtin_memcpy(samples, &value, sizeof value);
+}
+
+inline Four LoadFour(float const* samples) noexcept {
+    Four result;
+    __builtin_memcpy(&result, samples, sizeof result);
+    return result;
+}
+inline void StoreFour(float* samples, Four value) noexcept {
+    __builtin_memcpy(samples, &value, sizeof value);
+}
+
+// A pattern over four lanes of two registers, repeated in each four lanes: a and b index the first register, c and d
+// the second one.
+#if ORVAN_KERNEL_LANES == 4
+#define ORVAN_SHUFFLE(x, y, a, b, c, d) __builtin_shufflevector(x, y, a, b, 4 + c, 4 + d)
+#define ORVAN_UNPACK(x, y, a, b) __builtin_shufflevector(x, y, a, 4 + a, b, 4 + b)
+#elif ORVAN_KERNEL_LANES == 8
+#define ORVAN_SHUFFLE(x, y, a, b, c, d) __builtin_shufflevector(x, y, a, b, 8 + c, 8 + d, 4 + a, 4 + b, 12 + c, 12 + d)
+#define ORVAN_UNPACK(x, y, a, b) __builtin_shufflevector(x, y, a, 8 + a, b, 8 + b, 4 + a, 12 + a, 4 + b, 12 + b)
+#else
+#define ORVAN_SHUFFLE(x, y, a, b, c, d)                                                                             \
+    __builtin_shufflevector(x, y, a, b, 16 + c, 16 + d, 4 + a, 4 + b, 20 + c, 20 + d, 8 + a, 8 + b, 24 + c, 24 + d, \
+                            12 + a, 12 + b, 28 + c, 28 + d)
+#define ORVAN_UNPACK(x, y, a, b)                                                                                    \
+    __builtin_shufflevector(x, y, a, 16 + a, b, 16 + b, 4 + a, 20 + a, 4 + b, 20 + b, 8 + a, 24 + a, 8 + b, 24 + b, \
+                            12 + a, 28 + a, 12 + b, 28 + b)
+#endif
+
+/// Rows to columns within each four lanes: lane i of row j changes places with lane j of row i.
+inline void Transpose(Lanes (&rows)[4]) noexcept {
+    const Lanes low01 = ORVAN_UNPACK(rows[0], rows[1], 0, 1);
+    const Lanes high01 = ORVAN_UNPACK(rows[0], rows[1], 2, 3);
+    const Lanes low23 = ORVAN_UNPACK(rows[2], rows[3], 0, 1);
+    const Lanes high23 = ORVAN_UNPACK(rows[2], rows[3], 2, 3);
+    rows[0] = ORVAN_SHUFFLE(low01, low23, 0, 1, 0, 1);
+    rows[1] = ORVAN_SHUFFLE(low01, low23, 2, 3, 2, 3);
+    rows[2] = ORVAN_SHUFFLE(high01, high23, 0, 1, 0, 1);
+    rows[3] = ORVAN_SHUFFLE(high01, high23, 2, 3, 2, 3);
+}
+
+#undef ORVAN_SHUFFLE
+#undef ORVAN_UNPACK
+
+/// Four samples of each of four arrays' groups: lanes 4 g to 4 g + 3 hold a row of arrays[4 g + row].
+inline Lanes LoadRow(float const* const* arrays, std::size_t row, std::size_t first) noexcept {
+    const Four a = LoadFour(arrays[row] + first);
+#if ORVAN_KERNEL_LANES == 4
+    return a;
+#else
+    const Four b = LoadFour(arrays[4 + row] + first);
+    const auto ab = __builtin_shufflevector(a, b, 0, 1, 2, 3, 4, 5, 6, 7);
+#if ORVAN_KERNEL_LANES == 8
+    return ab;
+#else
+    const Four c = LoadFour(arrays[8 + row] + first);
+    const Four d = LoadFour(arrays[12 + row] + first);
+    const auto cd = __builtin_shufflevector(c, d, 0, 1, 2, 3, 4, 5, 6, 7);
+    return __builtin_shufflevector(ab, cd, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+#endif
+#endif
+}
+
+inline void StoreRow(float* const* arrays, std::size_t row, std::size_t first, Lanes value) noexcept {
+#if ORVAN_KERNEL_LANES == 4
+    StoreFour(arrays[row] + first, value);
+#elif ORVAN_KERNEL_LANES == 8
+    StoreFour(arrays[row] + first, __builtin_shufflevector(value, value, 0, 1, 2, 3));
+    StoreFour(arrays[4 + row] + first, __builtin_shufflevector(value, value, 4, 5, 6, 7));
+#else
+    StoreFour(arrays[row] + first, __builtin_shufflevector(value, value, 0, 1, 2, 3));
+    StoreFour(arrays[4 + row] + first, __builtin_shufflevector(value, value, 4, 5, 6, 7));
+    StoreFour(arrays[8 + row] + first, __builtin_shufflevector(value, value, 8, 9, 10, 11));
+    StoreFour(arrays[12 + row] + first, __builtin_shufflevector(value, value, 12, 13, 14, 15));
+#endif
+}
+
+/// Four samples of numLanes arrays, as four frames with an array in each lane.
+inline void LoadFrames(Lanes (&frames)[4], float const* const* arrays, std::size_t first) noexcept {
+    for (std::size_t row = 0; row < 4; ++row) frames[row] = LoadRow(arrays, row, first);
+    Transpose(frames);
+}
+/// Writes what LoadFrames reads.
+inline void StoreFrames(float* const* arrays, std::size_t first, Lanes (&frames)[4]) noexcept {
+    Transpose(frames);
+    for (std::size_t row = 0; row < 4; ++row) StoreRow(arrays, row, first, frames[row]);
+}
+
+inline Lanes LoadFrame(float const* const* arrays, std::size_t index) noexcept {
+    Lanes frame{};
+    for (std::size_t lane = 0; lane < numLanes; ++lane) frame[lane] = arrays[lane][index];
+    return frame;
+}
+inline void StoreFrame(float* const* arrays, std::size_t index, Lanes frame) noexcept {
+    for (std::size_t lane = 0; lane < numLanes; ++lane) arrays[lane][index] = frame[lane];
+}
+
+inline std::size_t Least(std::size_t a, std::size_t b) noexcept {
+    return b < a ? b : a;
+}
+
+/// Runs numLanes channels, sample by sample, through a filter that takes a frame and returns one.
+/// @param filter  by value, so that its state stays in registers
+/// @return the filter with its state behind the last sample
+template <typename Filter>
+inline Filter RunLanes(float* const* outputs, float const* const* inputs, std::size_t numSamples,
+                       Filter filter) noexcept {
+    std::size_t k = 0;
+    for (; k + 4 <= numSamples; k += 4) {
+        Lanes frames[4];
+        LoadFrames(frames, inputs, k);
+        for (Lanes& frame : frames) frame = filter(frame);
+        StoreFrames(outputs, k, frames);
+    }
+    for (; k < numSamples; ++k) StoreFrame(outputs, k, filter(LoadFrame(inputs, k)));
+    return filter;
+}
+
+template <typename Filter>
+struct TwoOf {
+    Filter first, second;
+};
+
+/// Two groups of channels in one loop: while the recursion of one waits for its last output, the other has work.
+/// @param outputs, inputs  2 numLanes arrays
+template <typename Filter>
+inline TwoOf<Filter> RunTwice(float* const* outputs, float const* const* inputs, std::size_t numSamples,
+                              TwoOf<Filter> filters) noexcept {
+    auto& [a, b] = filters;
+    std::size_t k = 0;
+    for (; k + 4 <= numSamples; k += 4) {
+        Lanes framesA[4], framesB[4];
+        LoadFrames(framesA, inputs, k);
+        LoadFrames(framesB, inputs + numLanes, k);
+        for (std::size_t i = 0; i < 4; ++i) {
+            framesA[i] = a(framesA[i]);
+            framesB[i] = b(framesB[i]);
+        }
+        StoreFrames(outputs, k, framesA);
+        StoreFrames(outputs + numLanes, k, framesB);
+    }
+    for (; k < numSamples; ++k) {
+        StoreFrame(outputs, k, a(LoadFrame(inputs, k)));
+        StoreFrame(outputs + numLanes, k, b(LoadFrame(inputs + numLanes, k)));
+    }
+    return filters;
+}
+
+/// Jobs for all lanes; those behind the end repeat the last one, which computes the same bits in each of its lanes.
+template <typename Job>
+struct Group {
+    Group(Job const* jobs, std::size_t numJobs) noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) job[lane] = &jobs[Least(lane, numJobs - 1)];
+    }
+    Job const& operator[](std::size_t lane) const noexcept { return *job[lane]; }
+    Job const* job[numLanes];
+};
+
+/// Calls run(jobs, number) with numLanes jobs and once with what is left.
+template <typename Job, typename Run>
+inline void ForEachGroup(Job* jobs, std::size_t numJobs, Run run) noexcept {
+    for (std::size_t first = 0; first < numJobs; first += numLanes) run(jobs + first, Least(numLanes, numJobs - first));
+}
+
+}  // namespace
+}  // namespace orvandsp::kernels

@@ -1,0 +1,215 @@
+#pragma once
+
+#include "kernels/kernels.h"
+#include "kernels/lanes.h"
+
+/// Work without a recurrence between samples: numLanes samples of a channel at once.
+namespace orvandsp::kernels {
+namespace {
+
+void Scale(float* out, float const* in, float gain, std::size_t numSamples) {
+    std::size_t k = 0;
+    for (; k + numLanes <= numSamples; k += numLanes) Store(out + k, Load(in + k) * gain);
+    for (; k < numSamples; ++k) out[k] = in[k] * gain;
+}
+
+void AddScaled(float* out, float const* in, float gain, std::size_t numSamples) {
+    std::size_t k = 0;
+    for (; k + numLanes <= numSamples; k += numLanes) Store(out + k, Load(out + k) + Load(in + k) * gain);
+    for (; k < numSamples; ++k) out[k] += in[k] * gain;
+}
+
+void Fade(float* out, float const* a, float const* b, float const* gainsA, float const* gainsB,
+          std::size_t numSamples) {
+    std::size_t k = 0;
+    for (; k + numLanes <= numSamples; k += numLanes)
+        Store(out + k, Load(gainsB + k) * Load(b + k) + Load(gainsA + k) * Load(a + k));
+    for (; k < numSamples; ++k) out[k] = gainsB[k] * b[k] + gainsA[k] * a[k];
+}
+
+/// Each lane keeps the nearest of its own points; of equally near ones in several lanes the first one counts.
+std::size_t Nearest(float const* x, float const* y, float const* z, std::size_t numPoints, float toX, float toY,
+                    float toZ) {
+    const auto squaredDistance = [=](auto dx, auto dy, auto dz) { return dx * dx + dy * dy + dz * dz; };
+    float least = squaredDistance(x[0] - toX, y[0] - toY, z[0] - toZ);
+    if (least != least) return 0;
+    std::size_t nearest = 0;
+    Lanes leastOfLane = Lanes{} + least;
+    LaneInts rowOfLane = LaneInts{} - 1;
+    std::size_t i = 0;
+    std::int32_t row = 0;
+    for (; i + numLanes <= numPoints; i += numLanes, ++row) {
+        const Lanes squared = squaredDistance(Load(x + i) - toX, Load(y + i) - toY, Load(z + i) - toZ);
+        rowOfLane = squared < leastOfLane ? LaneInts{} + row : rowOfLane;
+        leastOfLane = squared < leastOfLane ? squared : leastOfLane;
+    }
+    for (std::size_t lane = 0; lane < numLanes; ++lane) {
+        if (rowOfLane[lane] < 0) continue;
+        const std::size_t index = static_cast<std::size_t>(rowOfLane[lane]) * numLanes + lane;
+        if (leastOfLane[lane] < least || (leastOfLane[lane] == least && index < nearest)) {
+            least = leastOfLane[lane];
+            nearest = index;
+        }
+    }
+    for (; i < numPoints; ++i) {
+        const float squared = squaredDistance(x[i] - toX, y[i] - toY, z[i] - toZ);
+        if (squared < least) {
+            least = squared;
+            nearest = i;
+        }
+    }
+    return nearest;
+}
+
+void Feedback(float* tapped, float* output, float const* input, float inGain, float outGain, std::size_t numSamples) {
+    std::size_t k = 0;
+    for (; k + numLanes <= numSamples; k += numLanes) {
+        const Lanes x = Load(tapped + k);
+        const Lanes fed = x + inGain * Load(input + k);
+        Store(output + k, x * outGain);
+        Store(tapped + k, fed);
+    }
+    for (; k < numSamples; ++k) {
+        const float x = tapped[k];
+        const float fed = x + inGain * input[k];
+        output[k] = x * outGain;
+        tapped[k] = fed;
+    }
+}
+
+/// A gain is a chain of additions: numLanes of them side by side, turned so that each has its samples in a row.
+void GainRamps(GainRamp* ramps, std::size_t numRamps, std::size_t numSamples) {
+    if (FitsNarrower(numRamps)) return narrower->gainRamps(ramps, numRamps, numSamples);
+    ForEachGroup(ramps, numRamps, [=](GainRamp* some, std::size_t number) {
+        const Group<GainRamp> group(some, number);
+        Lanes gain{}, step{};
+        float* values[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            gain[lane] = group[lane].gain;
+            step[lane] = group[lane].step;
+            values[lane] = group[lane].values;
+        }
+        std::size_t k = 0;
+        for (; k + 4 <= numSamples; k += 4) {
+            Lanes frames[4];
+            for (Lanes& frame : frames) {
+                frame = gain;
+                gain += step;
+            }
+            StoreFrames(values, k, frames);
+        }
+        for (; k < numSamples; ++k) {
+            StoreFrame(values, k, gain);
+            gain += step;
+        }
+        for (std::size_t lane = 0; lane < number; ++lane) some[lane].gain = gain[lane];
+    });
+}
+
+/// Mixes numRows registers of an output that begin at a sample; the output is touched once, however many terms there
+/// are.
+template <std::size_t numRows>
+inline void MixRows(float* output, MixTerm const* terms, std::size_t numTerms, std::size_t first,
+                    bool replace) noexcept {
+    Lanes sums[numRows];
+    for (std::size_t row = 0; row < numRows; ++row) sums[row] = Load(output + first + row * numLanes);
+    for (std::size_t t = 0; t < numTerms; ++t) {
+        float const* const input = terms[t].input + first;
+        Lanes products[numRows];
+        if (terms[t].gains == nullptr)
+            for (std::size_t row = 0; row < numRows; ++row)
+                products[row] = Load(input + row * numLanes) * terms[t].gain;
+        else
+            for (std::size_t row = 0; row < numRows; ++row)
+                products[row] = Load(input + row * numLanes) * Load(terms[t].gains + first + row * numLanes);
+        for (std::size_t row = 0; row < numRows; ++row)
+            sums[row] = replace && t == 0 ? products[row] : sums[row] + products[row];
+    }
+    for (std::size_t row = 0; row < numRows; ++row) Store(output + first + row * numLanes, sums[row]);
+}
+
+void Mix(float* output, MixTerm const* terms, std::size_t numTerms, std::size_t numSamples, bool replace) {
+    if (numTerms == 0) return;
+    constexpr std::size_t numRows = 4;
+    std::size_t k = 0;
+    for (; k + numRows * numLanes <= numSamples; k += numRows * numLanes)
+        MixRows<numRows>(output, terms, numTerms, k, replace);
+    for (; k + numLanes <= numSamples; k += numLanes) MixRows<1>(output, terms, numTerms, k, replace);
+    for (; k < numSamples; ++k) {
+        float sum = output[k];
+        for (std::size_t t = 0; t < numTerms; ++t) {
+            const float product = terms[t].input[k] * (terms[t].gains == nullptr ? terms[t].gain : terms[t].gains[k]);
+            sum = replace && t == 0 ? product : sum + product;
+        }
+        output[k] = sum;
+    }
+}
+
+/// Butterflies over N channels, of one sample of each: recursive, so that the compiler sees each index.
+template <std::size_t N, typename Value>
+inline void Butterflies(Value* v) noexcept {
+    if constexpr (N > 1) {
+        constexpr std::size_t half = N / 2;
+#pragma GCC unroll 32
+        for (std::size_t j = 0; j < half; ++j) {
+            const Value a = v[j];
+            const Value b = v[j + half];
+            v[j] = a + b;
+            v[j + half] = a - b;
+        }
+        Butterflies<half>(v);
+        Butterflies<half>(v + half);
+    }
+}
+
+template <std::size_t N>
+void RunHadamard(float* const* outputs, float const* const* inputs, unsigned int const* order, std::size_t numChannels,
+                 float scale, std::size_t numSamples) {
+    // Every channel of a sample is read before one is written: outputs may be inputs in any order.
+    constexpr std::size_t maxChannels = N == 4 ? 12 : N;
+    const auto run = [=]<typename Value>(auto load, auto store, Value*, std::size_t k) {
+        Value mixed[maxChannels];
+        for (std::size_t first = 0; first < numChannels; first += N) {
+            Value v[N];
+#pragma GCC unroll 64
+            for (std::size_t c = 0; c < N; ++c) v[c] = load(inputs[first + c] + k);
+            Butterflies<N>(v);
+#pragma GCC unroll 64
+            for (std::size_t c = 0; c < N; ++c) mixed[first + c] = v[c] * scale;
+        }
+        for (std::size_t c = 0; c < numChannels; ++c) store(outputs[c] + k, mixed[order[c]]);
+    };
+    std::size_t k = 0;
+    for (; k + numLanes <= numSamples; k += numLanes)
+        run([](float const* at) { return Load(at); }, [](float* at, Lanes value) { Store(at, value); },
+            static_cast<Lanes*>(nullptr), k);
+    for (; k < numSamples; ++k)
+        run([](float const* at) { return *at; }, [](float* at, float value) { *at = value; },
+            static_cast<float*>(nullptr), k);
+}
+
+void Hadamard(float* const* outputs, float const* const* inputs, std::size_t groupSize, std::size_t numGroups,
+              unsigned int const* order, float scale, std::size_t numSamples) {
+    const std::size_t numChannels = groupSize * numGroups;
+    switch (groupSize) {
+        case 1:
+            return RunHadamard<1>(outputs, inputs, order, numChannels, scale, numSamples);
+        case 2:
+            return RunHadamard<2>(outputs, inputs, order, numChannels, scale, numSamples);
+        case 4:
+            return RunHadamard<4>(outputs, inputs, order, numChannels, scale, numSamples);
+        case 8:
+            return RunHadamard<8>(outputs, inputs, order, numChannels, scale, numSamples);
+        case 16:
+            return RunHadamard<16>(outputs, inputs, order, numChannels, scale, numSamples);
+        case 32:
+            return RunHadamard<32>(outputs, inputs, order, numChannels, scale, numSamples);
+        case 64:
+            return RunHadamard<64>(outputs, inputs, order, numChannels, scale, numSamples);
+        default:
+            return;
+    }
+}
+
+}  // namespace
+}  // namespace orvandsp::kernels

@@ -1,0 +1,305 @@
+#pragma once
+
+#include "kernels/kernels.h"
+#include "kernels/lanes.h"
+
+/// Recursive filters: a channel waits for its own last output, so that many channels side by side take the time of one.
+namespace orvandsp::kernels {
+namespace {
+
+/// Shelves of numLanes channels.
+struct ShelfLanes {
+    template <typename Jobs, typename GetShelf>
+    ShelfLanes(Jobs const& jobs, GetShelf getShelf) noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            Shelf const& shelf = getShelf(jobs[lane]);
+            b0[lane] = shelf.taps[0];
+            b1[lane] = shelf.taps[1];
+            b2[lane] = shelf.taps[2];
+            a1[lane] = shelf.taps[3];
+            a2[lane] = shelf.taps[4];
+            gain[lane] = shelf.gain;
+            x1[lane] = shelf.memory[0];
+            x2[lane] = shelf.memory[1];
+            y1[lane] = shelf.memory[2];
+            y2[lane] = shelf.memory[3];
+        }
+    }
+    template <typename Jobs, typename GetShelf>
+    void Keep(Jobs const& jobs, GetShelf getShelf) const noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            float* const memory = getShelf(jobs[lane]).memory;
+            memory[0] = x1[lane];
+            memory[1] = x2[lane];
+            memory[2] = y1[lane];
+            memory[3] = y2[lane];
+        }
+    }
+    Lanes operator()(Lanes x) noexcept {
+        const Lanes y = b1 * x1 + b2 * x2 + b0 * x - a2 * y2 - a1 * y1;
+        x2 = x1;
+        x1 = x;
+        y2 = y1;
+        y1 = y;
+        return y * gain;
+    }
+    Lanes b0{}, b1{}, b2{}, a1{}, a2{}, gain{}, x1{}, x2{}, y1{}, y2{};
+};
+
+void Shelves(ShelfJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
+    if (FitsNarrower(numJobs)) return narrower->shelves(jobs, numJobs, numSamples);
+    const auto shelfOf = [](ShelfJob const& job) -> Shelf const& { return job.shelf; };
+    const auto addresses = [](Group<ShelfJob> const& group, float** outputs, float const** inputs) {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            outputs[lane] = group[lane].output;
+            inputs[lane] = group[lane].input;
+        }
+    };
+    float* outputs[2 * numLanes];
+    float const* inputs[2 * numLanes];
+    while (numJobs > 0) {
+        const Group<ShelfJob> group(jobs, numJobs);
+        ShelfLanes filter(group, shelfOf);
+        addresses(group, outputs, inputs);
+        std::size_t numDone = Least(numJobs, numLanes);
+        if (numJobs > numLanes) {
+            const Group<ShelfJob> second(jobs + numLanes, numJobs - numLanes);
+            addresses(second, outputs + numLanes, inputs + numLanes);
+            const auto both = RunTwice<ShelfLanes>(outputs, inputs, numSamples, {filter, {second, shelfOf}});
+            filter = both.first;
+            both.second.Keep(second, shelfOf);
+            numDone = Least(numJobs, 2 * numLanes);
+        } else {
+            filter = RunLanes(outputs, inputs, numSamples, filter);
+        }
+        filter.Keep(group, shelfOf);
+        jobs += numDone;
+        numJobs -= numDone;
+    }
+}
+
+/// The first-order allpass, fed with the newer neighbours; the older one of a sample is the newer one of the sample
+/// before.
+struct HeadLanes {
+    Lanes operator()(Lanes newer) noexcept {
+        state = coefficient * (newer - state) + older;
+        older = newer;
+        return state;
+    }
+    Lanes coefficient{}, older{}, state{};
+};
+
+/// One behind the other.
+template <typename First, typename Second>
+struct InSeries {
+    Lanes operator()(Lanes x) noexcept { return second(first(x)); }
+    First first;
+    Second second;
+};
+
+struct PassThrough {
+    Lanes operator()(Lanes x) const noexcept { return x; }
+};
+
+/// Reads numLanes heads and passes what they read through a filter.
+template <typename Jobs, typename Filter>
+inline Filter ReadHeads(Jobs const& jobs, std::size_t numSamples, Filter filter) noexcept {
+    float* outputs[numLanes];
+    int indices[numLanes];
+    InSeries<HeadLanes, Filter> series = {HeadLanes(), filter};
+    for (std::size_t lane = 0; lane < numLanes; ++lane) {
+        AllpassHead const& head = jobs[lane].head;
+        outputs[lane] = jobs[lane].output;
+        indices[lane] = head.index;
+        series.first.coefficient[lane] = head.coefficient;
+        series.first.older[lane] = head.ring[head.index];
+        series.first.state[lane] = *head.state;
+    }
+    // Straight runs, from the end of one of the rings to the next.
+    for (std::size_t done = 0; done < numSamples;) {
+        std::size_t length = numSamples - done;
+        float const* newer[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            AllpassHead const& head = jobs[lane].head;
+            length = Least(length, static_cast<std::size_t>(head.size - indices[lane]));
+            newer[lane] = head.ring + indices[lane] + 1;
+        }
+        series = RunLanes(outputs, newer, length, series);
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            indices[lane] = (indices[lane] + static_cast<int>(length)) & (jobs[lane].head.size - 1);
+            outputs[lane] += length;
+        }
+        done += length;
+    }
+    for (std::size_t lane = 0; lane < numLanes; ++lane) *jobs[lane].head.state = series.first.state[lane];
+    return series.second;
+}
+
+void AllpassHeads(HeadJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
+    if (FitsNarrower(numJobs)) return narrower->allpassHeads(jobs, numJobs, numSamples);
+    ForEachGroup(jobs, numJobs, [=](HeadJob const* some, std::size_t number) {
+        ReadHeads(Group<HeadJob>(some, number), numSamples, PassThrough());
+    });
+}
+
+void LossyHeads(LossyHeadJob const* jobs, std::size_t numJobs, std::size_t numSamples, bool throughAir) {
+    if (FitsNarrower(numJobs)) return narrower->lossyHeads(jobs, numJobs, numSamples, throughAir);
+    const auto absorbentOf = [](LossyHeadJob const& job) -> Shelf const& { return job.absorbent; };
+    const auto airOf = [](LossyHeadJob const& job) -> Shelf const& { return job.air; };
+    ForEachGroup(jobs, numJobs, [&](LossyHeadJob const* some, std::size_t number) {
+        const Group<LossyHeadJob> group(some, number);
+        ShelfLanes absorbent(group, absorbentOf);
+        if (throughAir) {
+            const auto losses =
+                ReadHeads(group, numSamples, InSeries<ShelfLanes, ShelfLanes>{absorbent, ShelfLanes(group, airOf)});
+            absorbent = losses.first;
+            losses.second.Keep(group, airOf);
+        } else {
+            absorbent = ReadHeads(group, numSamples, absorbent);
+        }
+        absorbent.Keep(group, absorbentOf);
+    });
+}
+
+/// Allpass heads on the move: for each sample the place between two neighbours, and from that the coefficient.
+struct GlideLanes {
+    explicit GlideLanes(Group<GlideJob> const& newJobs) noexcept : jobs(newJobs) {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            GlideJob const& job = jobs[lane];
+            base[lane] = job.base;
+            delay[lane] = *job.delay;
+            increment[lane] = job.increment;
+            remaining[lane] = *job.remaining;
+            mask[lane] = job.mask;
+            state[lane] = *job.state;
+        }
+    }
+    Lanes Read(std::int32_t sample) noexcept {
+        // Far beyond any ring; keeps the conversion defined for every float, and not a number becomes the lower limit.
+        const Lanes limit = Lanes{} + 1073741824.0f;
+        const Lanes position = base - delay + static_cast<float>(sample);
+        const Lanes below = limit < position ? limit : position;
+        const Lanes bounded = -limit < below ? below : -limit;
+        LaneInts index = __builtin_convertvector(bounded, LaneInts);
+        // Cut towards zero; a comparison gives -1 where it holds.
+        index += __builtin_convertvector(index, Lanes) > bounded;
+        const Lanes fraction = bounded - __builtin_convertvector(index, Lanes);
+        delay = remaining > sample ? delay + increment : delay;
+
+        index &= mask;
+        Lanes older{}, newer{};
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            float const* const at = jobs[lane].ring + index[lane];
+            older[lane] = at[0];
+            newer[lane] = at[1];
+        }
+        const Lanes p = 1.0f - fraction;
+        state = (1.0f - p) / (p + 1.0f) * (newer - state) + older;
+        return state;
+    }
+    void Keep(std::int32_t numSamples) const noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            GlideJob const& job = jobs[lane];
+            *job.delay = delay[lane];
+            // Only once: a job may be there in several lanes.
+            *job.remaining = remaining[lane] > numSamples ? remaining[lane] - numSamples
+                                                          : (remaining[lane] < 0 ? remaining[lane] : 0);
+            *job.state = state[lane];
+        }
+    }
+    Group<GlideJob> jobs;
+    Lanes base{}, delay{}, increment{}, state{};
+    LaneInts remaining{}, mask{};
+};
+
+void Glides(GlideJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
+    if (FitsNarrower(numJobs)) return narrower->glides(jobs, numJobs, numSamples);
+    ForEachGroup(jobs, numJobs, [=](GlideJob const* some, std::size_t number) {
+        const Group<GlideJob> group(some, number);
+        GlideLanes glide(group);
+        float* outputs[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) outputs[lane] = group[lane].output;
+        const auto count = static_cast<std::int32_t>(numSamples);
+        std::int32_t k = 0;
+        for (; k + 4 <= count; k += 4) {
+            Lanes frames[4];
+            for (std::int32_t i = 0; i < 4; ++i) frames[i] = glide.Read(k + i);
+            StoreFrames(outputs, static_cast<std::size_t>(k), frames);
+        }
+        for (; k < count; ++k) StoreFrame(outputs, static_cast<std::size_t>(k), glide.Read(k));
+        glide.Keep(count);
+    });
+}
+
+/// N stages in a row. The inputs that a stage remembers are the outputs that the one before it remembers.
+template <std::size_t N>
+struct CascadeLanes {
+    explicit CascadeLanes(Group<CascadeJob> const& jobs) noexcept {
+        float const* tapsOf[numLanes];
+        float const* memoryOf[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            gain[lane] = jobs[lane].gain;
+            tapsOf[lane] = jobs[lane].taps;
+            memoryOf[lane] = jobs[lane].memory;
+        }
+        for (std::size_t i = 0; i < N; ++i) {
+            LoadFrames(taps[i], tapsOf, 4 * i);
+            Lanes memory[4];  // x1, x2, y1, y2
+            LoadFrames(memory, memoryOf, 4 * i);
+            before[i] = memory[0];
+            beforeThat[i] = memory[1];
+            before[i + 1] = memory[2];
+            beforeThat[i + 1] = memory[3];
+        }
+    }
+    Lanes operator()(Lanes x) noexcept {
+        Lanes v = x * gain;
+        for (std::size_t i = 0; i < N; ++i) {
+            const Lanes y = taps[i][1] * beforeThat[i] + taps[i][0] * before[i] + taps[i][2] * before[i + 1] +
+                            taps[i][3] * beforeThat[i + 1] + v;
+            beforeThat[i] = before[i];
+            before[i] = v;
+            v = y;
+        }
+        beforeThat[N] = before[N];
+        before[N] = v;
+        return v;
+    }
+    void Keep(Group<CascadeJob> const& jobs) const noexcept {
+        float* memoryOf[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) memoryOf[lane] = jobs[lane].memory;
+        for (std::size_t i = 0; i < N; ++i) {
+            Lanes memory[4] = {before[i], beforeThat[i], before[i + 1], beforeThat[i + 1]};
+            StoreFrames(memoryOf, 4 * i, memory);
+        }
+    }
+    Lanes gain{};
+    Lanes taps[N][4];         // b1, b2, -a1, -a2
+    Lanes before[N + 1];      // input of the first stage, then the output of each
+    Lanes beforeThat[N + 1];  // one sample older
+};
+
+template <std::size_t N>
+void RunCascades(CascadeJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
+    ForEachGroup(jobs, numJobs, [=](CascadeJob const* some, std::size_t number) {
+        const Group<CascadeJob> group(some, number);
+        float* outputs[numLanes];
+        float const* inputs[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            outputs[lane] = group[lane].output;
+            inputs[lane] = group[lane].input;
+        }
+        RunLanes(outputs, inputs, numSamples, CascadeLanes<N>(group)).Keep(group);
+    });
+}
+
+void Cascades(CascadeJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples) {
+    if (FitsNarrower(numJobs)) return narrower->cascades(jobs, numJobs, numStages, numSamples);
+    constexpr void (*run[maxCascadeStages])(CascadeJob const*, std::size_t, std::size_t) = {
+        RunCascades<1>, RunCascades<2>, RunCascades<3>, RunCascades<4>,
+        RunCascades<5>, RunCascades<6>, RunCascades<7>, RunCascades<8>};
+    run[numStages - 1](jobs, numJobs, numSamples);
+}
+
+}  // namespace
+}  // namespace orvandsp::kernels
