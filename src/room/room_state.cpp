@@ -145,11 +145,6 @@ bool TakeLine(RoomState& state, std::string_view name, std::string_view values, 
     return true;
 }
 
-bool HasVersion(std::string_view text) noexcept {
-    text = text.substr(0, text.find('\n'));
-    return TakeWord(text) == firstWord;
-}
-
 /// Takes a line of a file without a version: an attribute of the object.
 /// @return false if there is none of that name
 bool TakeAttribute(RoomState& state, std::string_view name, std::string_view values,
@@ -182,10 +177,15 @@ RoomState::RoomState() {
     for (RoomControl const& control : roomControls) controls.push_back(control.standard);
 }
 
+bool RoomState::IsState(std::string_view text) noexcept {
+    text = text.substr(0, text.find('\n'));
+    return TakeWord(text) == firstWord;
+}
+
 RoomState RoomState::Parse(std::string_view text, std::filesystem::path const& folder) {
     if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);  // the mark that some editors put first
     RoomState state;
-    const bool hasVersion = HasVersion(text);
+    const bool hasVersion = IsState(text);
     for (int number = 1; !text.empty(); ++number) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));

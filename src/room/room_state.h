@@ -45,6 +45,9 @@ struct RoomState {
     /// @throws std::invalid_argument "LINE: what is wrong, and what would be right"
     static RoomState Parse(std::string_view text, std::filesystem::path const& folder = {});
 
+    /// Whether a text begins as a state with a version, whichever that is.
+    static bool IsState(std::string_view text) noexcept;
+
     /// @param folder  of the file that the text is for: the path of the ears becomes relative to it where it can
     std::string Text(std::filesystem::path const& folder = {}) const;
 
