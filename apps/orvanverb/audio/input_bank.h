@@ -26,7 +26,7 @@ public:
     int Samplerate() const noexcept { return samplerate; }
 
     /// One line for each recording that held samples which weren't finite.
-    std::vector<std::string> Remarks() const;
+    std::vector<std::string> Remarks() const override;
 
 private:
     struct Entry {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 namespace program {
 
@@ -17,6 +19,9 @@ public:
 
     /// Expected length [frames], 0 where it isn't known. For the progress line alone.
     virtual double ExpectedFrames() const = 0;
+
+    /// What to tell of it when it has ended.
+    virtual std::vector<std::string> Remarks() const { return {}; }
 };
 
 }  // namespace program

@@ -14,7 +14,6 @@ namespace program {
 /// What the user asked for, as far as several commands know of it: every word checked on its own, nothing opened yet.
 /// What only one command knows stands in its folder.
 struct Options {
-    enum class Command { Render, ImpulseResponse };
     struct NamedFile {
         std::string role;  // in the call, in words
         std::string path;
@@ -28,7 +27,6 @@ struct Options {
         std::vector<std::string> values;
     };
 
-    Command command = Command::Render;    // of those with a room
     std::vector<std::string> attributes;  // of the object box: @name value ...
     std::vector<std::string> inputs;
     std::string output;

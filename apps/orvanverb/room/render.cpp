@@ -22,23 +22,8 @@ std::vector<std::string> OutputWords(Lume::Room const& room, SpeakerLayout const
     return room.HasEars() ? EarWords() : LoudspeakerWords(layout);
 }
 
-}  // namespace
-
-void Run(Options const& options) {
-    const auto begin = std::chrono::steady_clock::now();
-    std::unique_ptr<SignalSource> source;
-    InputBank const* bank = nullptr;
-    int samplerate = options.rate.value_or(defaultImpulseRate);
-    if (options.command == Options::Command::Render) {
-        auto inputs = std::make_unique<InputBank>(options.inputs, options.rate, options.inTurnSeconds);
-        samplerate = inputs->Samplerate();
-        bank = inputs.get();
-        source = std::move(inputs);
-    } else {
-        source = std::make_unique<Impulse>();
-    }
-
-    RoomSetup setup(options, source->NumChannels());
+void Render(Options const& options, SignalSource& source, int samplerate, std::chrono::steady_clock::time_point begin) {
+    RoomSetup setup(options, source.NumChannels());
     SpeakerLayout const& layout = setup.layout;
     const std::unique_ptr<RoomObject> room = setup.MakeRoom();
     room->Start(samplerate, setup.VectorSize());
@@ -60,7 +45,7 @@ void Run(Options const& options) {
     const auto numChannels = static_cast<unsigned int>(layout.positions.size());
     AudioOutput output(options.output, format, samplerate, numChannels, layout.channelMask);
     PeakMeter meter(numChannels);
-    const StreamEnd end = Stream(*source, streaming, output, meter);
+    const StreamEnd end = Stream(source, streaming, output, meter);
     output.Commit();
     setup.SaveState();
 
@@ -69,9 +54,21 @@ void Run(Options const& options) {
     if (!end.diedAway)
         Say("--tail auto: ended at its bound of " + FixedText(Tail::maxAutoSeconds, 0) +
             " s, the room still sounds at " + DecibelText(meter.LastBlock()) + " dBFS");
-    if (bank != nullptr)
-        for (std::string const& remark : bank->Remarks()) Say(remark);
+    for (std::string const& remark : source.Remarks()) Say(remark);
     RequireSound(options.output, room->Room().NumBadOutputs());
+}
+
+}  // namespace
+
+void RunRender(Options const& options) {
+    const auto begin = std::chrono::steady_clock::now();
+    InputBank inputs(options.inputs, options.rate, options.inTurnSeconds);
+    Render(options, inputs, inputs.Samplerate(), begin);
+}
+
+void RunImpulseResponse(Options const& options) {
+    Impulse impulse;
+    Render(options, impulse, options.rate.value_or(defaultImpulseRate), std::chrono::steady_clock::now());
 }
 
 }  // namespace program

@@ -4,8 +4,11 @@
 
 namespace program {
 
-/// Does what the user asked for and tells about it on standard error.
+/// Renders recordings in a room, and tells about it on standard error.
 /// @throws ProgramError
-void Run(Options const& options);
+void RunRender(Options const& options);
+
+/// Writes the impulse response of a room in the same way.
+void RunImpulseResponse(Options const& options);
 
 }  // namespace program

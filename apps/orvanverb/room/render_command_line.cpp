@@ -77,13 +77,12 @@ void TakeMeaning(Words const& words, Options& options) {
     if (!words.preset.empty()) options.preset = words.preset;
 }
 
-void WillRun(Call& call, std::shared_ptr<Options> const& options, Words const& words, Options::Command command) {
+void WillRun(Call& call, std::shared_ptr<Options> const& options, Words const& words, void (*run)(Options const&)) {
     TakeMeaning(words, *options);
-    options->command = command;
     options->attributes = call.attributes;
     RequireSeparateFiles(*options);
-    call.run = [options] {
-        Run(*options);
+    call.run = [options, run] {
+        run(*options);
         return 0;
     };
 }
@@ -97,7 +96,7 @@ void AddRenderCommand(CLI::App& app, Call& call) {
     AddInputs(*render, *options, words->common);
     render->get_option("inputs")->required();
     AddRoomOptions(*render, *options, *words);
-    render->callback([&call, options, words] { WillRun(call, options, *words, Options::Command::Render); });
+    render->callback([&call, options, words] { WillRun(call, options, *words, RunRender); });
 }
 
 void AddImpulseResponseCommand(CLI::App& app, Call& call) {
@@ -105,7 +104,7 @@ void AddImpulseResponseCommand(CLI::App& app, Call& call) {
     const auto words = std::make_shared<Words>();
     CLI::App* ir = app.add_subcommand("ir", "Write the impulse response from one source to all loudspeakers");
     AddRoomOptions(*ir, *options, *words);
-    ir->callback([&call, options, words] { WillRun(call, options, *words, Options::Command::ImpulseResponse); });
+    ir->callback([&call, options, words] { WillRun(call, options, *words, RunImpulseResponse); });
 }
 
 }  // namespace program
