@@ -69,6 +69,23 @@ inline void Transpose(Lanes (&rows)[4]) noexcept {
     rows[3] = ORVAN_SHUFFLE(high01, high23, 2, 3, 2, 3);
 }
 
+/// Two neighbours of each lane: at[lane][0] and at[lane][1]. A load takes both.
+inline void LoadNeighbours(float const* const (&at)[numLanes], Lanes& first, Lanes& second) noexcept {
+    using Pairs [[gnu::vector_size(numLanes * sizeof(float))]] = double;
+    // Of each four lanes the first two here, the others there: so they lie as a shuffle within four lanes needs them.
+    Pairs here{}, there{};
+    for (std::size_t lane = 0; lane < numLanes; ++lane) {
+        double pair;
+        __builtin_memcpy(&pair, at[lane], sizeof pair);
+        (lane % 4 < 2 ? here : there)[lane / 4 * 2 + lane % 2] = pair;
+    }
+    Lanes a, b;
+    __builtin_memcpy(&a, &here, sizeof a);
+    __builtin_memcpy(&b, &there, sizeof b);
+    first = ORVAN_SHUFFLE(a, b, 0, 2, 0, 2);
+    second = ORVAN_SHUFFLE(a, b, 1, 3, 1, 3);
+}
+
 #undef ORVAN_SHUFFLE
 #undef ORVAN_UNPACK
 

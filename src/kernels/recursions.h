@@ -187,12 +187,10 @@ struct GlideLanes {
         delay = remaining > sample ? delay + increment : delay;
 
         index &= mask;
-        Lanes older{}, newer{};
-        for (std::size_t lane = 0; lane < numLanes; ++lane) {
-            float const* const at = jobs[lane].ring + index[lane];
-            older[lane] = at[0];
-            newer[lane] = at[1];
-        }
+        float const* at[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) at[lane] = jobs[lane].ring + index[lane];
+        Lanes older, newer;
+        LoadNeighbours(at, older, newer);
         const Lanes p = 1.0f - fraction;
         state = (1.0f - p) / (p + 1.0f) * (newer - state) + older;
         return state;
