@@ -76,16 +76,21 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     if (size == 0) return 0;
     const std::string content(reinterpret_cast<char const*>(data) + 1, size - 1);
     std::vector<std::string> words{"orvanverb"};
+    bool writes = false;
     std::istringstream call(calls[(data[0] - std::size_t{'A'}) % std::size(calls)]);
     for (std::string word; call >> word;) {
         if (word == "IN") word = folder.path / "in.wav";
-        if (word.starts_with("OUT")) word = folder.path / ("out" + word.substr(3));
+        if (word.starts_with("OUT")) {
+            word = folder.path / ("out" + word.substr(3));
+            writes = true;
+        }
         if (word.starts_with("FILE")) {
             word = folder.path / ("file" + word.substr(4));
             std::ofstream(word, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
         }
         words.push_back(word);
     }
+    if (writes) words.push_back("--force");
     try {
         if (words.back() == "shell") {
             std::ostringstream out;

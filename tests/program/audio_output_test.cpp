@@ -10,7 +10,9 @@
 
 namespace {
 
+using program::AudioFormat;
 using program::AudioOutput;
+using program::Container;
 using program::SampleFormat;
 
 void WriteAll(AudioOutput& output, Sound const& sound) {
@@ -24,14 +26,19 @@ TEST(AudioOutput, KeepsSamplesToThePrecisionOfItsFormat) {
     const TemporaryDirectory directory;
     const Sound sound{{{0.0f, 0.25f, -0.333f, 1e-4f, 1.5f}, {0.5f, -1.0f, 0.1f, 0.9f, -2.0f}}, 44100};
     const struct {
-        SampleFormat format;
+        AudioFormat format;
         float precision;
         std::uint64_t clipped;
         int type;
-    } cases[] = {{SampleFormat::Float, 0.0f, 0, SF_FORMAT_WAVEX | SF_FORMAT_FLOAT},
-                 {SampleFormat::Pcm24, 2e-7f, 2, SF_FORMAT_WAVEX | SF_FORMAT_PCM_24},
-                 {SampleFormat::Flac, 2e-7f, 2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24},
-                 {SampleFormat::Pcm16, 5e-5f, 2, SF_FORMAT_WAVEX | SF_FORMAT_PCM_16}};
+    } cases[] = {{{Container::Wav, SampleFormat::Float}, 0.0f, 0, SF_FORMAT_WAVEX | SF_FORMAT_FLOAT},
+                 {{Container::Wav, SampleFormat::Pcm24}, 2e-7f, 2, SF_FORMAT_WAVEX | SF_FORMAT_PCM_24},
+                 {{Container::Wav, SampleFormat::Pcm16}, 5e-5f, 2, SF_FORMAT_WAVEX | SF_FORMAT_PCM_16},
+                 {{Container::Flac, SampleFormat::Pcm24}, 2e-7f, 2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24},
+                 {{Container::Flac, SampleFormat::Pcm16}, 5e-5f, 2, SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
+                 {{Container::Aiff, SampleFormat::Float}, 0.0f, 0, SF_FORMAT_AIFF | SF_FORMAT_FLOAT},
+                 {{Container::W64, SampleFormat::Float}, 0.0f, 0, SF_FORMAT_W64 | SF_FORMAT_FLOAT},
+                 {{Container::Caf, SampleFormat::Pcm24}, 2e-7f, 2, SF_FORMAT_CAF | SF_FORMAT_PCM_24},
+                 {{Container::Au, SampleFormat::Float}, 0.0f, 0, SF_FORMAT_AU | SF_FORMAT_FLOAT}};
     for (const auto& expected : cases) {
         AudioOutput output(directory / "out", expected.format, 44100, 2, 0);
         WriteAll(output, sound);
@@ -49,7 +56,8 @@ TEST(AudioOutput, KeepsSamplesToThePrecisionOfItsFormat) {
                 EXPECT_NEAR(back.samples[c][i], wanted, expected.precision) << c << " " << i;
             }
     }
-    EXPECT_THROW(AudioOutput(directory / "many", SampleFormat::Flac, 44100, 9, 0), program::UsageError);
+    EXPECT_THROW(AudioOutput(directory / "many", {Container::Flac, SampleFormat::Pcm24}, 44100, 9, 0),
+                 program::UsageError);
 }
 
 // Red if a failed rendering destroys the file of the last one, leaves its pieces about, or replaces a link.
@@ -59,13 +67,13 @@ TEST(AudioOutput, GivesTheNameOnlyToAWholeFile) {
     WriteText(directory / "old", "what was there");
     std::filesystem::create_symlink(directory / "old", directory / "link");
     {
-        AudioOutput output(directory / "link", SampleFormat::Float, 48000, 1, 0);
+        AudioOutput output(directory / "link", AudioFormat(), 48000, 1, 0);
         WriteAll(output, sound);
     }
     EXPECT_EQ(ReadText(directory / "old"), "what was there");
     EXPECT_EQ(directory.NumFiles(), 2u);
 
-    AudioOutput output(directory / "link", SampleFormat::Float, 48000, 1, 0);
+    AudioOutput output(directory / "link", AudioFormat(), 48000, 1, 0);
     WriteAll(output, sound);
     output.Commit();
     EXPECT_TRUE(std::filesystem::is_symlink(directory / "link"));
@@ -76,7 +84,7 @@ TEST(AudioOutput, GivesTheNameOnlyToAWholeFile) {
 // Players route by the mask; 4 GiB is where 32-bit lengths end.
 TEST(AudioOutput, WritesPlainRiffWithItsMask) {
     const TemporaryDirectory directory;
-    AudioOutput output(directory / "out.wav", SampleFormat::Float, 48000, 2, 3);
+    AudioOutput output(directory / "out.wav", AudioFormat(), 48000, 2, 3);
     WriteAll(output, {{{0.1f}, {0.2f}}, 48000});
     output.Commit();
     EXPECT_EQ(ReadText(directory / "out.wav").substr(0, 4), "RIFF");
@@ -89,7 +97,7 @@ TEST(AudioOutput, SLOW_BecomesRf64PastFourGibibytes) {
     if (std::filesystem::space(directory / "").available < (6ull << 30)) GTEST_SKIP() << "needs 6 GiB of disk";
     const std::vector<float> silence(frames, 0.0f);
     std::vector<float const*> pointers(channels, silence.data());
-    AudioOutput output(directory / "long.wav", SampleFormat::Float, 48000, channels, 0);
+    AudioOutput output(directory / "long.wav", AudioFormat(), 48000, channels, 0);
     for (int i = 0; i < 17; ++i) output.Write(pointers.data(), frames);
     output.Commit();
 

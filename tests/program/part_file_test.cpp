@@ -116,6 +116,59 @@ TEST_F(Files, AClosedPipeForMessagesDoesNotEndARendering) {
     EXPECT_EQ(directory.NumFiles(), 2u);
 }
 
+// Red if a rendering takes the place of another one unasked.
+TEST_F(Files, AreReplacedOnlyByForce) {
+    WriteText(directory / "out.wav", "what was there");
+    const std::vector<std::string> call{ORVANVERB_PROGRAM, "render", directory / "in.wav", "-o", directory / "out.wav"};
+    ExpectComplaint(RunCommand(call), 1, "--force");
+    EXPECT_EQ(ReadText(directory / "out.wav"), "what was there");
+    EXPECT_EQ(RunCommand(Joined(call, {"-f"})).status, 0);
+    EXPECT_EQ(ReadSound(directory / "out.wav").samples.size(), 2u);
+}
+
+// Red if the end of a name doesn't tell the format, in small letters or large ones.
+TEST_F(Files, NamesChooseTheirFormats) {
+    const std::pair<char const*, int> formats[] = {
+        {"a.WAV", SF_FORMAT_WAVEX | SF_FORMAT_FLOAT}, {"a.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_24},
+        {"a.aif", SF_FORMAT_AIFF | SF_FORMAT_FLOAT},  {"a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS},
+        {"a.w64", SF_FORMAT_W64 | SF_FORMAT_FLOAT},   {"a.caf", SF_FORMAT_CAF | SF_FORMAT_FLOAT},
+        {"plain", SF_FORMAT_WAVEX | SF_FORMAT_FLOAT}};
+    for (auto const& [name, format] : formats) {
+        EXPECT_EQ(Render({"-o", directory / name}).status, 0) << name;
+        EXPECT_EQ(ReadSound(directory / name).format, format) << name;
+    }
+    EXPECT_EQ(Render({"-o", directory / "x.y", "--format", "aiff"}).status, 0);
+    EXPECT_EQ(ReadSound(directory / "x.y").format, SF_FORMAT_AIFF | SF_FORMAT_FLOAT);
+}
+
+// Red if a pipe on either side changes a sample, or needs a length that nobody knows yet.
+TEST_F(Files, GoThroughPipes) {
+    ASSERT_EQ(Render({"--tail", "0"}).status, 0);
+    const Sound direct = ReadSound(directory / "out.wav");
+    std::string streamed = ReadText(directory / "in.wav");
+    streamed.replace(streamed.find("data") + 4, 4, "\xFF\xFF\xFF\xFF");
+    WriteText(directory / "streamed.wav", streamed);
+    const std::string program = ORVANVERB_PROGRAM " render ", out = " --tail 0 -o " + (directory / "piped.au");
+    const std::string in = directory / "in.wav", fifo = directory / "fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    for (std::string const& call :
+         {"cat " + in + " | " + program + "-" + out,
+          "cat " + (directory / "streamed.wav") + " | " + program + "/dev/stdin" + out, program + "- <" + in + out,
+          "cat " + in + " >" + fifo + " & " + program + fifo + out,
+          program + in + " --tail 0 -o - | cat >" + (directory / "piped.au"),
+          "cat " + fifo + " >" + (directory / "piped.au") + " & " + program + in + " --tail 0 -o " + fifo +
+              " && wait"}) {
+        std::filesystem::remove(directory / "piped.au");
+        const RunResult run = RunCommand({"timeout", "20", "sh", "-c", call});
+        EXPECT_EQ(run.status, 0) << call << "\n" << run.err;
+        EXPECT_TRUE(ReadSound(directory / "piped.au").samples == direct.samples) << call;
+    }
+    const RunResult raw = RunProgram({"render", in, "-o", "-", "--format", "raw", "--tail", "0"});
+    EXPECT_EQ(raw.out.size(), 2 * direct.NumFrames() * sizeof(float));
+    ExpectComplaint(RunCommand({"sh", "-c", program + in + " --format wav -o - | cat"}), 0, "can't go through a pipe");
+    ExpectComplaint(RunCommand({"sh", "-c", program + in + " -o /dev/full"}), 1, "/dev/full");
+}
+
 // Red if a command says that all went well when nothing of what it printed arrived.
 TEST_F(Files, StandardOutputThatCannotBeWrittenIsAFailure) {
     for (char const* words : {"attributes", "attributes --json", "pan --list", "decode --list", "hrtf info kemar",

@@ -55,6 +55,10 @@ RunResult RunCommand(std::vector<std::string> const& words, std::string const& b
 RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before, std::string const& input) {
     std::vector<std::string> words{ORVANVERB_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
+    // Tests render to the same name again and again.
+    if (std::find(words.begin(), words.end(), "-o") != words.end() ||
+        (words.size() > 2 && words[1] == "hrtf" && words[2] != "info"))
+        words.emplace_back("--force");
     return RunCommand(words, before, input);
 }
 

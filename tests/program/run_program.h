@@ -14,7 +14,7 @@ struct RunResult {
 RunResult RunCommand(std::vector<std::string> const& words, std::string const& before = {},
                      std::string const& input = {});
 
-/// Runs the real program.
+/// Runs the real program, with the leave to replace what it wrote before.
 /// @param before  shell words in front of it: "ulimit -f 8;", "timeout -s INT 1"
 /// @param input   what it reads from standard input
 RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before = {},

@@ -1,10 +1,12 @@
 #include "orvanverb/audio/audio_input.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -18,24 +20,33 @@ namespace {
 
 constexpr std::size_t pieceFrames = 4096;
 
-/// Says what libsndfile can't: which of the usual mistakes this is.
-void RequireReadableFile(std::string const& path) {
-    if (std::filesystem::is_directory(path)) throw WorkError(path + ": is a directory");
-    const std::ifstream probe(path, std::ios::binary);
-    if (!probe) throw WorkError(path + ": " + std::generic_category().message(errno));
-    if (std::filesystem::is_regular_file(path) && std::filesystem::file_size(path) == 0)
-        throw WorkError(path + ": is empty");
+[[noreturn]] void FailAsErrno(std::string const& path) {
+    throw WorkError(path + ": " + std::generic_category().message(errno));
 }
 
 }  // namespace
 
 AudioInput::AudioInput(std::string newPath) : path(std::move(newPath)) {
-    RequireReadableFile(path);
-    RequireCompleteFile(path);
-    file.reset(sf_open(path.c_str(), SFM_READ, &info));
+    const bool isStandard = path == standardInputName;
+    // Says what libsndfile can't: which of the usual mistakes this is.
+    struct stat status {};
+    if ((isStandard ? fstat(STDIN_FILENO, &status) : stat(path.c_str(), &status)) != 0) FailAsErrno(path);
+    if (S_ISDIR(status.st_mode)) throw WorkError(path + ": is a directory");
+    if (S_ISREG(status.st_mode) && status.st_size == 0) throw WorkError(path + ": is empty");
+    if (S_ISREG(status.st_mode)) RequireCompleteFile(isStandard ? "/dev/stdin" : path);
+
+    // Once: a pipe gives its content only to the first who asks.
+    const int descriptor = isStandard ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) FailAsErrno(path);
+    file.reset(sf_open_fd(descriptor, SFM_READ, &info, SF_TRUE));
+    if (!file && !S_ISREG(status.st_mode))
+        throw WorkError(path + ": is no WAV or AU, which are what can be read through a pipe");
     if (!file)
         throw WorkError(path + ": is no WAV, AIFF, FLAC or Ogg file that can be read (" + sf_strerror(nullptr) + ")");
     if (info.frames == 0) throw WorkError(path + ": holds no samples");
+    // Who writes into a pipe often doesn't know the length, and says 2 or 4 GiB of bytes, or all that there can be.
+    constexpr sf_count_t incredibleSamples = 1 << 27;
+    if (!S_ISREG(status.st_mode) && info.frames > incredibleSamples / info.channels) info.frames = SF_COUNT_MAX;
     piece.resize(pieceFrames * NumChannels());
 }
 

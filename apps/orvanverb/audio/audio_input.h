@@ -11,13 +11,17 @@
 
 namespace program {
 
+/// What an input's name that stands for standard input is.
+constexpr char const* standardInputName = "-";
+
 /// One recording as a stream of planar samples at a chosen rate. Memory does not grow with its length.
 ///
 /// Samples that aren't finite, or so large that they overflow in a room, are replaced by 0 before anything else sees
 /// them (one of them would spread through the rate conversion and stay in the room's feedback for ever), and counted.
 class AudioInput {
 public:
-    /// Opens a WAV, AIFF, FLAC or Ogg file of any rate and channel count.
+    /// Opens a WAV, AIFF, FLAC or Ogg file of any rate and channel count, or a pipe with WAV or AU: "-" is standard
+    /// input.
     /// @throws WorkError for a file that is missing, empty, cut off or no audio
     explicit AudioInput(std::string path);
 

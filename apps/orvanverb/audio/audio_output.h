@@ -2,24 +2,14 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "orvanverb/audio/audio_format.h"
 #include "orvanverb/audio/sound_file.h"
 #include "orvanverb/common/part_file.h"
 
 namespace program {
-
-/// How samples are stored. Float WAV never clips; the others clip at full scale.
-enum class SampleFormat : int { Pcm16, Pcm24, Float, Flac };
-
-/// The format of a name: pcm16, pcm24, float, flac. Nothing for another name.
-std::optional<SampleFormat> ParseSampleFormat(std::string_view name);
-
-/// For people: "32-bit float WAV".
-char const* Describe(SampleFormat format);
 
 /// Writes a rendering as it comes, as a PartFile: what stands under the final name is whole.
 ///
@@ -30,7 +20,7 @@ public:
     /// take
     ///                     its channels for a standard layout
     /// @throws UsageError for more channels than the format holds, WorkError for an output that can't be written
-    AudioOutput(std::string const& path, SampleFormat format, int samplerate, unsigned int channels,
+    AudioOutput(std::string const& path, AudioFormat const& format, int samplerate, unsigned int channels,
                 std::uint32_t channelMask);
 
     /// Appends planar samples. They reach the file in larger pieces.
@@ -49,7 +39,7 @@ private:
     void Flush();
 
     PartFile part;
-    SampleFormat format;
+    AudioFormat format;
     unsigned int numChannels;
     std::uint32_t channelMask;
     SoundFile file;

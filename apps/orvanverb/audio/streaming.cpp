@@ -46,7 +46,7 @@ StreamEnd Stream(SignalSource& source, Streaming const& streaming, AudioOutput& 
     }
 }
 
-void ReportOutput(std::string const& path, SampleFormat format, AudioOutput const& output, PeakMeter const& meter,
+void ReportOutput(std::string const& path, AudioFormat const& format, AudioOutput const& output, PeakMeter const& meter,
                   std::vector<std::string> const& channels, int samplerate, double elapsedSeconds) {
     const double seconds = static_cast<double>(output.NumFrames()) / samplerate;
     Say(path + ": " + std::to_string(channels.size()) + " channels, " + Describe(format) + ", " +
@@ -57,17 +57,13 @@ void ReportOutput(std::string const& path, SampleFormat format, AudioOutput cons
             " dBFS");
     if (output.NumClipped() > 0)
         Say(path + ": " + std::to_string(output.NumClipped()) +
-            " samples went beyond full scale and were clipped; --format float keeps them");
+            " samples went beyond full scale and were clipped; 32-bit float keeps them");
 }
 
 void RequireSound(std::string const& path, std::uint64_t numBad) {
     if (numBad > 0)
         throw WorkError(path + ": " + std::to_string(numBad) +
                         " samples were infinite, not a number or beyond 120 dBFS and became silence");
-}
-
-SampleFormat ChooseFormat(std::optional<SampleFormat> const& wanted, std::string const& path) {
-    return wanted.value_or(path.ends_with(".flac") ? SampleFormat::Flac : SampleFormat::Float);
 }
 
 void Say(std::string const& line) {

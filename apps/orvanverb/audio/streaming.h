@@ -40,15 +40,12 @@ StreamEnd Stream(SignalSource& source, Streaming const& streaming, AudioOutput& 
 
 /// Tells what was written: length and speed, and the peak of each channel.
 /// @param channels  what each channel of the file is, in words
-void ReportOutput(std::string const& path, SampleFormat format, AudioOutput const& output, PeakMeter const& meter,
+void ReportOutput(std::string const& path, AudioFormat const& format, AudioOutput const& output, PeakMeter const& meter,
                   std::vector<std::string> const& channels, int samplerate, double elapsedSeconds);
 
 /// Ends a rendering that has written, and told about, an output in which samples had to be replaced.
 /// @throws WorkError with their number, if there were any
 void RequireSound(std::string const& path, std::uint64_t numBad);
-
-/// The format that was asked for, or the one that a file's name suggests.
-SampleFormat ChooseFormat(std::optional<SampleFormat> const& wanted, std::string const& path);
 
 /// One line on standard error.
 void Say(std::string const& line);

@@ -44,10 +44,23 @@ bool IsPartName(std::string_view name, std::string_view prefix) {
 
 }  // namespace
 
+bool IsReplaceable(std::string const& path) {
+    std::error_code ignored;
+    return path != standardOutputName && (!fs::exists(path, ignored) || fs::is_regular_file(path, ignored));
+}
+
+bool IsPipe(std::string const& path) {
+    struct stat status {};
+    const int failed = path == standardOutputName ? fstat(STDOUT_FILENO, &status) : stat(path.c_str(), &status);
+    return failed == 0 && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
+}
+
 PartFile::PartFile(std::string newPath) : path(std::move(newPath)) {
     std::error_code ignored;
-    if (fs::exists(path, ignored) && !fs::is_regular_file(path, ignored))
-        Fail("is there and is no file that could be replaced");
+    if (!IsReplaceable(path)) {
+        OpenInPlace();
+        return;
+    }
     const fs::path target = BehindLinks(path);
     finalPath = fs::absolute(target, ignored).string();  // the working folder may be another at times
     if (finalPath.empty()) finalPath = target.string();
@@ -86,6 +99,16 @@ void PartFile::RemoveStaleParts() const {
     }
 }
 
+void PartFile::OpenInPlace() {
+    const bool isStandard = path == standardOutputName;
+    if (isStandard) path = "standard output";
+    if (isStandard && isatty(STDOUT_FILENO) != 0) Fail("is a terminal; send it to a file or into a pipe");
+    // libsndfile also reads where it can go back.
+    const int mode = IsPipe(path) ? O_WRONLY : O_RDWR;
+    descriptor = isStandard ? dup(STDOUT_FILENO) : open(path.c_str(), mode | O_CLOEXEC);
+    if (descriptor < 0) FailAsErrno();
+}
+
 void PartFile::Open() {
     std::random_device random;
     std::uniform_int_distribution<std::size_t> letter(0, letters.size() - 1);
@@ -120,6 +143,10 @@ void PartFile::KeepRights() const {
 
 void PartFile::Commit() {
     errno = 0;
+    if (partPath.empty()) {
+        if (close(std::exchange(descriptor, -1)) != 0) FailAsErrno();
+        return;
+    }
     // Some file systems tell only at a close what could not be written. It mustn't be the last one, which unlocks.
     if (close(dup(descriptor)) != 0 || std::rename(partPath.c_str(), finalPath.c_str()) != 0) FailAsErrno();
     partPath.clear();

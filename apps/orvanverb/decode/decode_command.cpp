@@ -37,7 +37,7 @@ void RunDecode(DecodeOptions const& options) {
     streaming.process = [&](float** outputs, float** inputs) { setup.Process(outputs, inputs); };
     streaming.clear = [&] { setup.decoder->Clear(); };
 
-    const SampleFormat format = ChooseFormat(options.format, options.output);
+    const AudioFormat format = ChooseFormat(options.format, options.output);
     AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);
     PeakMeter meter(setup.NumOutputs());
     const StreamEnd end = Stream(input, streaming, output, meter);

@@ -5,6 +5,7 @@
 #include <CLI/Formatter.hpp>
 #include <memory>
 
+#include "orvanverb/common/part_file.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/decode/decode_command.h"
@@ -44,6 +45,8 @@ void TakeMeaning(Words const& words, DecodeOptions& decode) {
         if (!decode.crossoverHz || *decode.crossoverHz < lowest || *decode.crossoverHz > highest)
             throw UsageError("--crossover: '" + words.crossover + "' is no frequency from 20 to 20000 Hz");
     }
+    if (decode.output == standardOutputName && decode.matrix)
+        throw UsageError("--matrix: is printed on standard output, where the feeds go");
     if (decode.output.empty() && !decode.matrix) throw UsageError("--output: is required");
 }
 
@@ -92,7 +95,7 @@ void AddDecodeCommand(CLI::App& app, Call& call) {
     command->add_flag("--matrix", decode.matrix, "Print the ambisonic decoder's gains, condition and regularity");
     command->callback([&call, options, words] {
         TakeMeaning(*words, *options);
-        RequireSeparateFiles(*options);
+        RequireSafeOutputs(*options);
         call.run = [options] {
             RunDecode(*options);
             return 0;

@@ -12,6 +12,7 @@
 #include "orvanverb/hrtf/hrtf_commands.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/transaural_conversion.h"
+#include "orvanverb/options/common_options.h"
 #include "orvanverb/options/file_roles.h"
 #include "orvanverb/options/option_values.h"
 
@@ -96,7 +97,7 @@ void TakeTransauralMeaning(TransauralWords const& words, HrtfOptions& options) {
 
 void WillRun(Call& call, std::shared_ptr<HrtfOptions> const& options, int (*command)(HrtfOptions const&)) {
     options->AlsoReads("the input", options->input);
-    RequireSeparateFiles(*options);
+    RequireSafeOutputs(*options);
     call.run = [options, command] { return command(*options); };
 }
 
@@ -108,6 +109,7 @@ void AddTransauralCommand(CLI::App& hrtf, Call& call, std::shared_ptr<HrtfOption
     const auto words = std::make_shared<TransauralWords>();
     command->add_option("input", options.input, "A .sofa, .coll or .hrtf file, or kemar")->required()->type_name("IN");
     command->add_option("output", options.output, "The .bin2trans file to write")->required()->type_name("OUT");
+    AddForce(*command, options);
     command
         ->add_option("--network", transaural.network, "What it is for: a sub-type that orvanverb decode --list shows")
         ->required()
@@ -171,6 +173,7 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
     const auto words = std::make_shared<Words>();
     convert->add_option("input", options.input, "A .sofa, .coll or .hrtf file, or kemar")->required()->type_name("IN");
     convert->add_option("output", options.output, "The .hrtf file to write")->required()->type_name("OUT");
+    AddForce(*convert, options);
     convert->add_option("--rate", words->rate, "Sample rate of the filters [that of the input]")
         ->type_name("HZ")
         ->take_last();

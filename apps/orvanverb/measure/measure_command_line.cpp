@@ -9,6 +9,7 @@
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/measure/measure_command.h"
+#include "orvanverb/options/common_options.h"
 #include "orvanverb/options/file_roles.h"
 #include "orvanverb/options/options.h"
 
@@ -61,11 +62,14 @@ void AddMeasureCommand(CLI::App& app, Call& call) {
     command->add_option("--plot", measure.plot, "Draw a picture, .svg or .png (needs gnuplot)")
         ->type_name("FILE")
         ->take_last();
+    AddForce(*command, *options);
     command->add_flag("--json", measure.json, "Print all figures and curves as JSON, for programs");
     command->footer(footer);
     command->callback([&call, options, words] {
         TakeMeaning(*words, *options);
-        RequireSeparateFiles(*options);
+        options->AlsoReads("the --against", options->against);
+        options->AlsoWrites("the --plot", options->plot);
+        RequireSafeOutputs(*options);
         call.run = [options] {
             RunMeasure(*options);
             return 0;

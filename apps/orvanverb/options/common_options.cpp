@@ -45,9 +45,17 @@ double ParseGap(std::string const& word) {
 }  // namespace
 
 void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, char const* tail) {
-    command.add_option("-o,--output", options.output, "File to write")->type_name("FILE")->take_last();
+    command
+        .add_option("-o,--output", options.output,
+                    "File to write; its name's end chooses the format: .wav .flac .aiff .ogg .w64 .caf\n.au .raw. "
+                    "- is standard output: AU, or raw samples with --format raw, as WAV\ncan't be streamed")
+        ->type_name("FILE")
+        ->take_last();
+    AddForce(command, options);
     command.add_option("--rate", words.rate, "Sample rate of the output")->type_name("HZ")->take_last();
-    command.add_option("--format", words.format, "pcm16, pcm24, float or flac [float, or flac for a name in .flac]")
+    command
+        .add_option("--format", words.format,
+                    "Samples: pcm16, pcm24 or float [float, pcm24 for .flac]; or the format of a name\nthat tells none")
         ->type_name("NAME")
         ->take_last();
     command.add_option("--tail", words.tail, tail)->type_name("SECONDS|auto")->take_last();
@@ -56,8 +64,14 @@ void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, cha
         ->take_last();
 }
 
+void AddForce(CLI::App& command, Options& options) {
+    command.add_flag("-f,--force", options.force, "Replace files that are there");
+}
+
 void AddInputs(CLI::App& command, Options& options, CommonWords& words) {
-    command.add_option("inputs", options.inputs, "Recordings; every channel is a source")->type_name("FILE");
+    command
+        .add_option("inputs", options.inputs, "Recordings; every channel is a source. - is standard input: WAV or AU")
+        ->type_name("FILE");
     command.add_option("--in-turn", words.inTurn, "Let the recordings sound one after the other, with this pause")
         ->type_name("SECONDS")
         ->take_last();

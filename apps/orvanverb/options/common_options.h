@@ -22,6 +22,9 @@ struct CommonWords {
 /// @param tail  what it says about itself
 void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, char const* tail);
 
+/// Adds the leave to replace files that are there.
+void AddForce(CLI::App& command, Options& options);
+
 /// Adds recordings, and how they follow one another.
 void AddInputs(CLI::App& command, Options& options, CommonWords& words);
 

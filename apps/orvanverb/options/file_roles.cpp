@@ -6,6 +6,7 @@
 #include <system_error>
 #include <vector>
 
+#include "orvanverb/common/part_file.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 
@@ -33,7 +34,7 @@ Files ReadFiles(Options const& options) {
 }
 
 Files WrittenFiles(Options const& options) {
-    Files files;
+    Files files = options.otherWrites;
     Add(files, "the output", options.output);
     Add(files, "the --save-state", options.saveState);
     return files;
@@ -41,21 +42,37 @@ Files WrittenFiles(Options const& options) {
 
 bool AreSame(std::string const& a, std::string const& b) {
     std::error_code error;
+    // Of pipes and devices both ends may be the same: standard input and output on one terminal.
+    if (!IsReplaceable(a)) return a == b && a != standardOutputName;
     if (fs::equivalent(a, b, error)) return true;
     const fs::path first = fs::weakly_canonical(fs::absolute(a, error), error);
     return !error && first == fs::weakly_canonical(fs::absolute(b, error), error) && !error;
 }
 
-}  // namespace
-
 void RequireSeparateFiles(Options const& options) {
     Files others = ReadFiles(options);
+    // Some may be words, as the names of built-in sets.
+    std::erase_if(others, [](Options::NamedFile const& file) {
+        std::error_code ignored;
+        return !fs::exists(file.path, ignored);
+    });
     for (Options::NamedFile const& written : WrittenFiles(options)) {
         for (Options::NamedFile const& other : others)
             if (AreSame(written.path, other.path))
                 throw UsageError(written.path + ": can't be " + written.role + " and " + other.role + " at once");
         others.push_back(written);
     }
+}
+
+}  // namespace
+
+void RequireSafeOutputs(Options const& options) {
+    RequireSeparateFiles(options);
+    std::error_code ignored;
+    if (options.force) return;
+    for (Options::NamedFile const& written : WrittenFiles(options))
+        if (written.path != standardOutputName && fs::is_regular_file(written.path, ignored))
+            throw WorkError(written.path + ": is there already; --force replaces it");
 }
 
 }  // namespace program

@@ -4,9 +4,9 @@
 
 namespace program {
 
-/// Refuses a call that would write over what it reads, or write one file twice: a recording is easily lost by one
-/// wrong word. Links and other spellings of a path don't hide it.
-/// @throws UsageError that names the file and what else it is in the call
-void RequireSeparateFiles(Options const& options);
+/// Refuses a call that would write over what it reads, write one file twice, or replace a file without the leave to do
+/// so: a recording is easily lost by one wrong word. Links and other spellings of a path don't hide it.
+/// @throws UsageError, or WorkError for a file that is there, which names the file and says what is wrong
+void RequireSafeOutputs(Options const& options);
 
 }  // namespace program

@@ -36,9 +36,9 @@ unsigned int ParseVectorSize(std::string const& word) {
     return *size;
 }
 
-SampleFormat ParseFormat(std::string const& word) {
-    const std::optional<SampleFormat> format = ParseSampleFormat(word);
-    if (!format) throw UsageError("--format: '" + word + "' is none of pcm16, pcm24, float and flac");
+FormatWish ParseFormat(std::string const& word) {
+    const std::optional<FormatWish> format = ParseFormatWish(word);
+    if (!format) throw UsageError("--format: '" + word + "' is none of " + FormatNames());
     return *format;
 }
 

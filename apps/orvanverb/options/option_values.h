@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "orvanverb/audio/audio_output.h"
+#include "orvanverb/audio/audio_format.h"
 
 /// Values of options that several commands have.
 namespace program {
@@ -13,7 +13,7 @@ int ParseRate(std::string const& word);
 /// A power of two.
 unsigned int ParseVectorSize(std::string const& word);
 
-SampleFormat ParseFormat(std::string const& word);
+FormatWish ParseFormat(std::string const& word);
 
 /// SN3D, N3D, SN2D or N2D, in whatever letters. @return in capitals
 std::string ParseConvention(std::string const& word);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "orvanverb/audio/audio_output.h"
+#include "orvanverb/audio/audio_format.h"
 #include "orvanverb/audio/tail.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/layout/listener_position.h"
@@ -30,15 +30,19 @@ struct Options {
     std::vector<std::string> attributes;  // of the object box: @name value ...
     std::vector<std::string> inputs;
     std::string output;
-    std::vector<NamedFile> otherReads;  // files of one command
+    std::vector<NamedFile> otherReads, otherWrites;  // files of one command
     void AlsoReads(char const* role, std::optional<std::string> const& path) {
         if (path) otherReads.push_back({role, *path});
+    }
+    void AlsoWrites(char const* role, std::optional<std::string> const& path) {
+        if (path) otherWrites.push_back({role, *path});
     }
     std::optional<std::string> speakers;  // a count or a file; none: those of the state, or defaultSpeakers
     std::optional<std::string> hrtfSet;   // of the headphones; none: the built-in one
     std::vector<SourcePlace> sources;
-    std::optional<int> rate;             // [Hz]
-    std::optional<SampleFormat> format;  // none: what the output's name suggests
+    std::optional<int> rate;  // [Hz]
+    FormatWish format;        // beyond what the output's name tells
+    bool force = false;       // an output may take the place of a file
     std::optional<std::string> preset;
     std::optional<std::string> scene;
     std::optional<std::string> state;

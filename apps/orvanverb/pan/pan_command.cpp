@@ -56,7 +56,7 @@ void Render(PanOptions const& options) {
 
     streaming.clear = [&] { setup.panner->Clear(); };
 
-    const SampleFormat format = ChooseFormat(options.format, options.output);
+    const AudioFormat format = ChooseFormat(options.format, options.output);
     AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);
     PeakMeter meter(setup.NumOutputs());
     const StreamEnd end = Stream(inputs, streaming, output, meter);

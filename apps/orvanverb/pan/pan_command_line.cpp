@@ -89,7 +89,7 @@ void AddPanCommand(CLI::App& app, Call& call) {
     command->footer(footer);
     command->callback([&call, options, words] {
         TakeMeaning(*words, *options);
-        RequireSeparateFiles(*options);
+        RequireSafeOutputs(*options);
         call.run = [options] {
             RunPan(*options);
             return 0;

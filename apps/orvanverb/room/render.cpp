@@ -41,7 +41,7 @@ void Render(Options const& options, SignalSource& source, int samplerate, std::c
     };
     streaming.process = [&](float** outputs, float** inputs) { room->Process(outputs, inputs); };
 
-    const SampleFormat format = ChooseFormat(options.format, options.output);
+    const AudioFormat format = ChooseFormat(options.format, options.output);
     const auto numChannels = static_cast<unsigned int>(layout.positions.size());
     AudioOutput output(options.output, format, samplerate, numChannels, layout.channelMask);
     PeakMeter meter(numChannels);

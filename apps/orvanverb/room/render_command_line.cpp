@@ -80,7 +80,7 @@ void TakeMeaning(Words const& words, Options& options) {
 void WillRun(Call& call, std::shared_ptr<Options> const& options, Words const& words, void (*run)(Options const&)) {
     TakeMeaning(words, *options);
     options->attributes = call.attributes;
-    RequireSeparateFiles(*options);
+    RequireSafeOutputs(*options);
     call.run = [options, run] {
         run(*options);
         return 0;
