@@ -83,7 +83,7 @@ void SymmetricTransauralDataLoader::LoadDefault() {
     newHeader.subject = "KEMAR";
     newHeader.originalMeasurementSet = "MIT";
     newHeader.samplingRate = 44100;
-    points = ReadPoints(stream, newHeader);
+    SetPoints(ReadPoints(stream, newHeader));
     header = std::move(newHeader);
 }
 
@@ -98,12 +98,12 @@ void SymmetricTransauralDataLoader::LoadFromColl(std::string const& fileName) {
     newHeader.flagItdExtracted = itdExtracted;
     newHeader.flagInterpolated = dataInterpolated;
     newHeader.samplingRate = GetSamplingRateFromCollFileName(fileName, 0);
-    points = ReadPoints(stream, newHeader);
+    SetPoints(ReadPoints(stream, newHeader));
     header = std::move(newHeader);
 }
 
 void SymmetricTransauralDataLoader::LoadFromColl(std::istream& stream) {
-    points = ReadPoints(stream, header);
+    SetPoints(ReadPoints(stream, header));
 }
 
 void SymmetricTransauralDataLoader::LoadFromB2T(std::string const& fileName) {
