@@ -132,15 +132,21 @@ void RoomObject::RemarkRange(std::string const& selector, std::span<max::t_atom 
     }
 }
 
+/// The engine limits what it gets; the record, which a state of the object is made from, is to agree.
 void RoomObject::LimitPositions() {
+    const auto positions = [](float const* xyz, unsigned int number) {
+        std::vector<Lume::CartesianVector> list;
+        for (unsigned int i = 0; i < number; ++i) list.push_back({xyz[3 * i], xyz[3 * i + 1], xyz[3 * i + 2]});
+        return list;
+    };
     bool limited = false;
-    for (unsigned int i = 0; i < Room().NumSources(); ++i) {
-        const Lume::CartesianVector position = Room().SourcePosition(i);
-        if (!IsTooFar(position)) continue;
-        PlaceSource(i, Lume::Room::Limited(position));
+    const std::vector<Lume::CartesianVector> sources = positions(Record().sourcespositions, Record().numsources);
+    for (unsigned int i = 0; i < sources.size(); ++i) {
+        if (!IsTooFar(sources[i])) continue;
+        PlaceSource(i, Lume::Room::Limited(sources[i]));
         limited = true;
     }
-    std::vector<Lume::CartesianVector> speakers = Room().SpeakerPositions();
+    std::vector<Lume::CartesianVector> speakers = positions(Record().speakerspositions, Record().numspeakers);
     if (std::any_of(speakers.begin(), speakers.end(), IsTooFar)) {
         std::transform(speakers.begin(), speakers.end(), speakers.begin(), Lume::Room::Limited);
         PlaceSpeakers(speakers);
