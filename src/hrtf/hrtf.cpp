@@ -1,7 +1,9 @@
 #include "hrtf/hrtf.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
+#include <iterator>
 #include <utility>
 
 #include "dsp/orvan_dsp_exception.h"
@@ -63,9 +65,34 @@ void Hrtf::LoadFromFile(std::string const& fileName) {
         LoadDefault();
 }
 
+struct Hrtf::BuiltinSet {
+    unsigned int samplerate;  // [Hz]
+    hrtf_2b_KEMAR_table const& rows;
+};
+
 void Hrtf::LoadDefault() {
+    Load({44100, hrtf_2b_KEMAR_44100});
+}
+
+Hrtf Hrtf::Builtin(float samplerate) {
+    static constexpr BuiltinSet sets[] = {{44100, hrtf_2b_KEMAR_44100},   {48000, hrtf_2b_KEMAR_48000},
+                                          {88200, hrtf_2b_KEMAR_88200},   {96000, hrtf_2b_KEMAR_96000},
+                                          {176400, hrtf_2b_KEMAR_176400}, {192000, hrtf_2b_KEMAR_192000}};
+    if (!(samplerate > 0.0f)) return Hrtf(sets[0]);
+    const auto distance = [=](BuiltinSet const& set) {
+        return std::abs(std::log2(samplerate / static_cast<float>(set.samplerate)));
+    };
+    return Hrtf(*std::min_element(std::begin(sets), std::end(sets),
+                                  [&](BuiltinSet const& a, BuiltinSet const& b) { return distance(a) < distance(b); }));
+}
+
+Hrtf::Hrtf(BuiltinSet const& builtin) {
+    Load(builtin);
+}
+
+void Hrtf::Load(BuiltinSet const& builtin) {
     const HrtfInfoBinauralBiquadFullSphere info;
-    SetPoints(PointsOnGrid(info, [](unsigned int index) { return hrtf_2b_KEMAR_44100[index]; }));
+    SetPoints(PointsOnGrid(info, [&](unsigned int index) { return builtin.rows[index]; }));
     header = HrtfHeaderInfos();
     header.owner = "MIT";
     header.copyright = "MIT";
@@ -74,7 +101,7 @@ void Hrtf::LoadDefault() {
     header.interpolationSet = "none";
     header.numCoefficients = info.coefficientsPerRow - 1;
     header.numChannels = numEars;
-    header.samplingRate = 44100;
+    header.samplingRate = builtin.samplerate;
     header.numPoints = info.GetNumRows();
 }
 

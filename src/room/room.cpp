@@ -71,6 +71,7 @@ void Room::Configure(float samplerate, std::size_t blockSize, std::size_t vector
     bypassCopies.resize(NumSources() * VectorSize());
     outputGuard.Configure(samplerate);
     engine->Configure(samplerate, static_cast<unsigned int>(VectorSize()), NumSources(), NumSpeakers());
+    MatchBuiltinEars();
     if (earsWait) nextEars->Configure(samplerate, static_cast<unsigned int>(VectorSize()), true);
 }
 

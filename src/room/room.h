@@ -140,6 +140,12 @@ public:
     /// @throws std::runtime_error as LoadEars, and if the file has changed since the state was saved
     void RestoreEars(EarsFile const& wanted);
     EarsFile const& CurrentEars() const noexcept { return earsFile; }
+    /// Takes the built-in ears that were made for the room's rate, or the nearest, unless others were loaded. Configure
+    /// has done so; for whoever configures the engine past the room.
+    void MatchBuiltinEars();
+    /// What to tell about ears that were made for another rate than the room's, at which they sound shifted in
+    /// frequency; empty if there is nothing to tell.
+    std::string EarsRemark() const;
     /// The description of the filters, null without headphones.
     HrtfHeaderInfos const* EarsInfos() const { return engine->GetHrtfHeaderInfos(); }
     /// @}

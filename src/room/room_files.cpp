@@ -139,11 +139,27 @@ void Room::UseSet(std::unique_ptr<Hrtf> set, EarsFile file) {
 void Room::RestoreEars(EarsFile const& wanted) {
     const FloatingPointMode unchanged;
     if (wanted.path == earsFile.path && wanted.checksum == earsFile.checksum) return;
-    if (wanted.path.empty()) return UseSet(std::make_unique<Hrtf>(""), {});
+    if (wanted.path.empty()) return UseSet(std::make_unique<Hrtf>(Hrtf::Builtin(Samplerate())), {});
     RequireHeadphones(*this, wanted.path);
     std::unique_ptr<Hrtf> set = ReadSet(wanted.path);
     if (Checksum(wanted.path) != wanted.checksum) Refuse(wanted.path, "has changed since the state was saved");
     UseSet(std::move(set), wanted);
+}
+
+void Room::MatchBuiltinEars() {
+    if (!HasEars() || earsWait || !earsFile.path.empty()) return;
+    auto builtin = std::make_unique<Hrtf>(Hrtf::Builtin(Samplerate()));
+    if (builtin->GetSamplingRate() != EarsInfos()->samplingRate) engine->SetHrtf(std::move(builtin));
+}
+
+std::string Room::EarsRemark() const {
+    if (!HasEars()) return {};
+    const auto rate = static_cast<unsigned int>(std::lround(Samplerate()));
+    const unsigned int madeFor = EarsInfos()->samplingRate;
+    if (madeFor == rate) return {};
+    return (earsFile.path.empty() ? "the nearest of the built-in ears" : earsFile.path.string()) + ": made for " +
+           std::to_string(madeFor) + " Hz, the room runs at " + std::to_string(rate) +
+           "; orvanverb hrtf convert makes a set for it";
 }
 
 RoomState Room::SaveState() const {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <string>
 
 namespace program {
 
@@ -18,9 +19,16 @@ public:
     /// @param expected  in all, 0 if not known; behind it the tail runs
     void Show(double seconds, double expected);
 
+    /// @param what  is being done
+    /// @param part  of it that is done, 0 to 1
+    void ShowPart(char const* what, double part);
+
     void Wipe();
 
 private:
+    bool IsDue();
+    void Rewrite(std::string const& line);
+
     using Clock = std::chrono::steady_clock;
 
     std::FILE* stream;  // null: not a terminal

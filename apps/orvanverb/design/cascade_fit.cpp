@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <numeric>
 
 #include "math/lu.h"
@@ -16,9 +17,20 @@ constexpr std::size_t numParameters = SectionCascade::numParameters;
 using Complex = std::complex<double>;
 using Quadratic = SectionCascade::Quadratic;
 
-constexpr double warping = 0.5;
-constexpr double fineWeight = 0.12;  // of the unsmoothed decibels against the smoothed ones
-constexpr double fineLowestHz = 40.0;
+/// Brings the audible range to the places that it has at 44100 Hz with 0.5.
+double WarpingFor(double samplerate) {
+    const double stretch = 3.0 * samplerate / 44100.0;  // of the lowest frequencies
+    return (stretch - 1.0) / (stretch + 1.0);
+}
+
+/// Weight of the unsmoothed decibels at a frequency against the smoothed ones. Beyond 16 kHz nothing else is asked, and
+/// beyond 20 kHz the level is our own, and not to cost more where there is more of it.
+double FineWeight(double hertz) {
+    constexpr double lowestHz = 40.0;
+    if (hertz < lowestHz) return 0.0;
+    if (hertz < 16000.0) return 0.05;
+    return hertz < 20000.0 ? 0.06 : 0.04 * 20000.0 / hertz;
+}
 
 /// The zeros of a polynomial, highest power first, all at once (Aberth, "Iteration methods for finding all zeros of a
 /// polynomial simultaneously", Math. Comp. 27, 1973).
@@ -50,7 +62,7 @@ std::vector<Complex> Roots(std::vector<double> const& coefficients) {
 }
 
 /// A root of the warped polynomial on the plain axis, brought inside the unit circle.
-Complex Unwarp(Complex root) {
+Complex Unwarp(Complex root, double warping) {
     constexpr double largest = 0.98;
     root = (root + warping) / (1.0 + warping * root);
     if (std::abs(root) > 1.0) root = 1.0 / std::conj(root);
@@ -73,9 +85,25 @@ std::vector<Quadratic> Pair(std::vector<Complex> const& roots) {
     return quadratics;
 }
 
-std::vector<Quadratic> QuadraticsOf(std::vector<double> const& polynomial) {
+/// A quadratic whose roots are those of another one, raised to a power: what they do at a frequency they then do at
+/// that of another rate.
+/// @param ratio  of the rates, old over new
+Quadratic MatchedQuadratic(Quadratic const& q, double ratio) {
+    const double half = -0.5 * q.c1, square = half * half - q.c2;
+    if (square < 0.0) {
+        const double angle = std::min(ratio * std::acos(half / std::sqrt(q.c2)), std::numbers::pi);
+        const double radius = std::pow(q.c2, 0.5 * ratio);
+        return {-2.0 * radius * std::cos(angle), radius * radius};
+    }
+    // A real root below 0 belongs to half of the old rate, where another rate may have no half of it: it goes to 0.
+    const auto matched = [=](double root) { return root > 0.0 ? std::pow(root, ratio) : 0.0; };
+    const double a = matched(half + std::sqrt(square)), b = matched(half - std::sqrt(square));
+    return {-(a + b), a * b};
+}
+
+std::vector<Quadratic> QuadraticsOf(std::vector<double> const& polynomial, double warping) {
     std::vector<Complex> roots = Roots(polynomial);
-    std::transform(roots.begin(), roots.end(), roots.begin(), Unwarp);
+    for (Complex& root : roots) root = Unwarp(root, warping);
     return Pair(roots);
 }
 
@@ -146,12 +174,12 @@ CascadeFit::CascadeFit(ErbAxis const& newAxis, double newSamplerate)
     : axis(newAxis), samplerate(newSamplerate), levels(axis.Frequencies(), newSamplerate) {
     constexpr double centresPerErb = 2.0;
     for (std::size_t i = 0; i < axis.NumPoints(); ++i)
-        fineWeights.push_back(
-            axis.Frequencies()[i] < fineLowestHz ? 0.0 : fineWeight * std::sqrt(centresPerErb * axis.Widths()[i]));
+        fineWeights.push_back(FineWeight(axis.Frequencies()[i]) * std::sqrt(centresPerErb * axis.Widths()[i]));
 }
 
 SectionCascade CascadeFit::Start(std::vector<double> const& level) const {
     constexpr std::size_t length = 400;
+    const double warping = WarpingFor(samplerate);
     const std::vector<double> smoothed = Smoothed(level);
     const std::vector<double> response =
         MinimumPhaseResponse(smoothed, axis.Frequencies(), samplerate, warping, length);
@@ -160,16 +188,30 @@ SectionCascade CascadeFit::Start(std::vector<double> const& level) const {
     for (std::size_t n = 0; n < numerator.size(); ++n)
         for (std::size_t k = 0; k <= n; ++k) numerator[n] += denominator[k] * response[n - k];
 
-    SectionCascade start(QuadraticsOf(numerator), QuadraticsOf(denominator));
-    std::vector<double> fitted;
-    levels.Compute(start, fitted, nullptr);
-    for (std::size_t i = 0; i < fitted.size(); ++i)
-        start.parameters[0] += (smoothed[i] - fitted[i]) / static_cast<double>(fitted.size());
-    return start;
+    return Levelled({QuadraticsOf(numerator, warping), QuadraticsOf(denominator, warping)}, smoothed);
+}
+
+SectionCascade CascadeFit::StartFrom(std::span<float const> sections, double sectionsRate,
+                                     std::vector<double> const& level) const {
+    std::vector<Quadratic> numerators, denominators;
+    for (std::size_t place = 1; place + 4 <= sections.size(); place += 4) {
+        const auto at = [&](std::size_t i) { return static_cast<double>(sections[place + i]); };
+        numerators.push_back(MatchedQuadratic({at(0), at(1)}, sectionsRate / samplerate));
+        denominators.push_back(MatchedQuadratic({at(2), at(3)}, sectionsRate / samplerate));
+    }
+    return Levelled({numerators, denominators}, level);
+}
+
+SectionCascade CascadeFit::Levelled(SectionCascade cascade, std::vector<double> const& level) const {
+    std::vector<double> made;
+    levels.Compute(cascade, made, nullptr);
+    for (std::size_t i = 0; i < made.size(); ++i)
+        cascade.parameters[0] += (level[i] - made[i]) / static_cast<double>(made.size());
+    return cascade;
 }
 
 CascadeFit::Result CascadeFit::Refine(SectionCascade const& start, std::vector<double> const& level, int steps) const {
-    constexpr double longestStep = 1.0, largestParameter = 4.0, enough = 1e-5;
+    constexpr double longestStep = 1.0, largestParameter = 6.0, enough = 1e-5;
     const std::vector<double> wanted = axis.BandLevels(level);
     const auto costOf = [&](std::vector<double> const& made) {
         const std::vector<double> bands = axis.BandLevels(made);
@@ -183,21 +225,23 @@ CascadeFit::Result CascadeFit::Refine(SectionCascade const& start, std::vector<d
     };
     const auto gather = [&](std::vector<double> const& made, std::vector<double> const& derivatives) {
         NormalEquations equations;
+        std::vector<double> power(made.size());
+        std::transform(made.begin(), made.end(), power.begin(), [](double db) { return std::pow(10.0, 0.1 * db); });
         for (std::size_t i = 0; i < made.size(); ++i)
             equations.Add(&derivatives[i * numParameters], made[i] - level[i], fineWeights[i] * fineWeights[i]);
         for (std::size_t b = 0; b < wanted.size(); ++b) {
             ErbAxis::Band const& band = axis.Bands()[b];
             std::array<double, numParameters> slope{};
-            double power = 0.0;
+            double sum = 0.0;
             for (std::size_t i = 0; i < band.weights.size(); ++i) {
                 const std::size_t point = band.first + i;
-                const double share = band.weights[i] * std::pow(10.0, 0.1 * made[point]);
-                power += share;
+                const double share = band.weights[i] * power[point];
+                sum += share;
                 for (std::size_t p = 0; p < numParameters; ++p)
                     slope[p] += share * derivatives[point * numParameters + p];
             }
-            for (double& each : slope) each /= power;
-            equations.Add(slope.data(), Decibels(power) - wanted[b], 1.0);
+            for (double& each : slope) each /= sum;
+            equations.Add(slope.data(), Decibels(sum) - wanted[b], 1.0);
         }
         return equations;
     };

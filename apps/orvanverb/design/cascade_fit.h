@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "orvanverb/design/erb_axis.h"
@@ -20,6 +21,12 @@ public:
     /// @param level  wanted [dB], one per point of the axis
     SectionCascade Start(std::vector<double> const& level) const;
 
+    /// A first cascade from one for another rate: its poles and zeros keep their frequencies and bandwidths (matched
+    /// z).
+    /// @param sections  a gain and four coefficients for each of six stages
+    SectionCascade StartFrom(std::span<float const> sections, double sectionsRate,
+                             std::vector<double> const& level) const;
+
     struct Result {
         SectionCascade cascade;
         double errorDb = 0.0;  // RMS over the bands, the light term included
@@ -28,6 +35,9 @@ public:
     Result Refine(SectionCascade const& start, std::vector<double> const& level, int steps) const;
 
 private:
+    /// The same with the gain that levels it best.
+    SectionCascade Levelled(SectionCascade cascade, std::vector<double> const& level) const;
+
     ErbAxis const& axis;
     double samplerate;
     CascadeLevels levels;

@@ -8,6 +8,7 @@ namespace program {
 namespace {
 
 constexpr double lowestHz = 30.0, largestStepHz = 60.0, largestStepErb = 0.1;
+constexpr double highestHeardHz = 20000.0, largestStepShare = 60.0 / 44100.0;
 constexpr double firstCentreHz = 100.0, lastCentreHz = 16000.0, centreStepErb = 0.5;
 // Edges of a band are half an ERB wide in all, so that no point enters at once.
 constexpr double bandReachErb = 0.75, edgeErb = 0.5;
@@ -34,8 +35,11 @@ std::vector<double> Spacing(std::vector<double> const& values) {
 
 ErbAxis::ErbAxis(double samplerate) {
     const double nyquist = 0.5 * samplerate;
+    const auto largestStep = [=](double hertz) {
+        return hertz < highestHeardHz ? largestStepHz : std::max(largestStepHz, largestStepShare * samplerate);
+    };
     for (double hertz = lowestHz; hertz < nyquist;
-         hertz = std::min(hertz + largestStepHz, ErbFrequency(ErbNumber(hertz) + largestStepErb)))
+         hertz = std::min(hertz + largestStep(hertz), ErbFrequency(ErbNumber(hertz) + largestStepErb)))
         frequencies.push_back(hertz);
     frequencies.push_back(nyquist);
 

@@ -24,7 +24,7 @@ double Power(SectionCascade::Quadratic const& q, double cos1, double cos2) {
 }
 
 double Unbounded(double value) {
-    constexpr double margin = 1e-3;
+    constexpr double margin = 1e-5;
     return std::atanh(std::clamp(value, -1.0 + margin, 1.0 - margin));
 }
 

@@ -18,7 +18,7 @@ public:
     static constexpr std::size_t numStages = 6;
     /// The gain in decibels, (u, v) of each numerator, (u, v) of each denominator.
     static constexpr std::size_t numParameters = 1 + 4 * numStages;
-    static constexpr double largestRadius = 0.993;
+    static constexpr double largestRadius = 0.9945;
 
     struct Quadratic {
         double c1 = 0.0, c2 = 0.0;

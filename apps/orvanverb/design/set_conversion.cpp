@@ -5,10 +5,14 @@
 #include <cmath>
 #include <complex>
 #include <limits>
+#include <mutex>
 #include <numbers>
+#include <numeric>
 #include <span>
 #include <stdexcept>
 
+#include "hrtf/hrtf.h"
+#include "hrtf/hrtf_filtering.h"
 #include "orvanverb/design/cascade_fit.h"
 #include "orvanverb/design/parallel.h"
 #include "orvanverb/design/responses.h"
@@ -83,6 +87,13 @@ void BoundPeaksOutside(Levels& level, std::vector<double> const& frequencies) {
         if (!IsAudible(frequencies[i])) level[i] = std::min(level[i], ceiling);
 }
 
+/// What was not measured falls by 3 dB an octave, for which the sections pay next to nothing where it is heard.
+void FallBeyond(double hertz, Levels& level, std::vector<double> const& frequencies) {
+    constexpr double octaveDb = -3.0;
+    for (std::size_t i = 0; i < level.size(); ++i)
+        if (frequencies[i] > hertz) level[i] += octaveDb * std::log2(frequencies[i] / hertz);
+}
+
 /// The directions next to each, nearest first.
 std::vector<std::vector<std::size_t>> Neighbours(std::vector<Lume::CartesianVector> const& directions,
                                                  std::size_t count) {
@@ -102,28 +113,71 @@ std::vector<std::vector<std::size_t>> Neighbours(std::vector<Lume::CartesianVect
     return neighbours;
 }
 
-/// Cascades for all ears: each from its own start first, then from its neighbours' results, the best of each kept.
+/// For each ear one that heard the same: itself, or, where a head is symmetric, the left one in the mirrored direction.
+std::vector<std::size_t> Originals(MeasuredSet const& set, std::vector<Lume::CartesianVector> const& places) {
+    constexpr float same = 1e-3f;  // of the distance
+    std::vector<std::size_t> originals(2 * places.size());
+    std::iota(originals.begin(), originals.end(), std::size_t{0});
+    ForEachNumber(places.size(), [&](std::size_t d) {
+        const Lume::CartesianVector mirrored{-places[d].x, places[d].y, places[d].z};
+        for (std::size_t other = 0; other < places.size(); ++other) {
+            const Lume::CartesianVector apart{places[other].x - mirrored.x, places[other].y - mirrored.y,
+                                              places[other].z - mirrored.z};
+            if (Length(apart) > same * Length(mirrored)) continue;
+            MeasuredSet::Ear const& right = EarOf(set, 2 * d + 1);
+            MeasuredSet::Ear const& left = EarOf(set, 2 * other);
+            if (right.response == left.response && right.delaySamples == left.delaySamples)
+                originals[2 * d + 1] = 2 * other;
+        }
+    });
+    return originals;
+}
+
+/// Cascades for all ears: each from starts of its own first, then from its neighbours' results, the best of each kept.
+/// One start is the built-in head's ear in that direction: heads differ less than starts do.
 std::vector<CascadeFit::Result> FitAll(std::vector<Levels> const& levels, ErbAxis const& axis, int samplerate,
-                                       std::vector<Lume::CartesianVector> const& directions) {
-    constexpr int ownSteps = 60, trialSteps = 10, moreSteps = 25, lastSteps = 40;
-    constexpr double promising = 1.2;
+                                       std::vector<Lume::CartesianVector> const& directions,
+                                       std::vector<std::size_t> const& originals,
+                                       std::function<void(double)> const& tell) {
+    constexpr int trialSteps = 10, moreSteps = 25, ownSteps = 60, lastSteps = 40;
     constexpr std::size_t numNeighbours = 6;
     const CascadeFit fit(axis, samplerate);
+    std::mutex telling;
+    std::size_t numDone = 0;
+    const auto advance = [&] {
+        const std::lock_guard lock(telling);
+        ++numDone;
+        if (tell) tell(static_cast<double>(numDone) / static_cast<double>(2 * levels.size()));
+    };
+    // Refines a start as far as it promises something, and keeps it if it is better.
+    const auto improve = [&](CascadeFit::Result& result, SectionCascade const& start, std::size_t ear, int numSteps) {
+        constexpr double promising = 1.05;
+        CascadeFit::Result trial = fit.Refine(start, levels[ear], trialSteps);
+        if (trial.errorDb < promising * result.errorDb) trial = fit.Refine(trial.cascade, levels[ear], numSteps);
+        if (trial.errorDb < result.errorDb) result = trial;
+    };
+    const Lume::Hrtf head = Lume::Hrtf::Builtin(static_cast<float>(samplerate));
     std::vector<CascadeFit::Result> own(levels.size()), best(levels.size());
-    ForEachNumber(levels.size(), [&](std::size_t number) {
-        own[number] = fit.Refine(fit.Start(levels[number]), levels[number], ownSteps);
+    ForEachNumber(levels.size(), [&](std::size_t ear) {
+        if (originals[ear] == ear) {
+            Lume::HrtfPoint const& point = head.GetNearestHrtfPoint(Unit(directions[ear / 2]));
+            const std::span<float const> sections = Lume::EarCoefficients(point, static_cast<unsigned int>(ear % 2));
+            own[ear] = fit.Refine(fit.StartFrom(sections, head.GetSamplingRate(), levels[ear]), levels[ear], ownSteps);
+            improve(own[ear], fit.Start(levels[ear]), ear, ownSteps);
+        }
+        advance();
     });
     const std::vector<std::vector<std::size_t>> neighbours = Neighbours(directions, numNeighbours);
-    ForEachNumber(levels.size(), [&](std::size_t number) {
-        CascadeFit::Result result = own[number];
-        for (const std::size_t neighbour : neighbours[number / 2]) {
-            CascadeFit::Result trial = fit.Refine(own[2 * neighbour + number % 2].cascade, levels[number], trialSteps);
-            if (trial.errorDb < promising * result.errorDb)
-                trial = fit.Refine(trial.cascade, levels[number], moreSteps);
-            if (trial.errorDb < result.errorDb) result = trial;
+    ForEachNumber(levels.size(), [&](std::size_t ear) {
+        if (originals[ear] == ear) {
+            CascadeFit::Result result = own[ear];
+            for (const std::size_t neighbour : neighbours[ear / 2])
+                improve(result, own[originals[2 * neighbour + ear % 2]].cascade, ear, moreSteps);
+            best[ear] = fit.Refine(result.cascade, levels[ear], lastSteps);
         }
-        best[number] = fit.Refine(result.cascade, levels[number], lastSteps);
+        advance();
     });
+    for (std::size_t ear = 0; ear < best.size(); ++ear) best[ear] = best[originals[ear]];
     return best;
 }
 
@@ -253,9 +307,11 @@ Lume::SdifSet ConvertSet(MeasuredSet const& all, ConversionSettings const& setti
 
     for (Levels& level : levels) {
         for (std::size_t i = 0; i < diffuse.size(); ++i) level[i] -= diffuse[i];
+        FallBeyond(heldFrom * 0.5 * measured.samplerate, level, axis.Frequencies());
         BoundPeaksOutside(level, axis.Frequencies());
     }
-    const std::vector<CascadeFit::Result> fits = FitAll(levels, axis, settings.samplerate, places);
+    const std::vector<CascadeFit::Result> fits =
+        FitAll(levels, axis, settings.samplerate, places, Originals(measured, places), settings.tell);
     std::vector<std::array<float, SectionCascade::numParameters>> sections(fits.size());
     std::vector<double> lags(fits.size());
     ForEachNumber(fits.size(), [&](std::size_t number) {

@@ -22,6 +22,8 @@ struct ConversionSettings {
     /// The directions to convert, by their positions, one at least; none: all of them. All count for the mean over the
     /// sphere.
     std::function<bool(Lume::CartesianVector const&)> wanted;
+    /// Told how much of the fit is done, 0 to 1. From any thread, one call at a time.
+    std::function<void(double part)> tell;
 };
 
 /// How good the fit is, over all ears: RMS difference in bands of one ERB [dB].
@@ -32,9 +34,9 @@ struct ConversionErrors {
 /// Turns measurements into a set that the engine reads.
 ///
 /// Sections take the magnitude with the least phase that it can have, on a frequency axis, so that no resampling stands
-/// between; beyond 95 % of half the measurement's rate the level is held. The delay between the ears is what the
-/// filters lack against the measurements below 1.5 kHz, by cross-correlation. Impulse responses keep their phase and
-/// with it their delays, except for what all of them have in common.
+/// between; beyond 95 % of half the measurement's rate the level is held, and falls by 3 dB an octave. The delay
+/// between the ears is what the filters lack against the measurements below 1.5 kHz, by cross-correlation. Impulse
+/// responses keep their phase and with it their delays, except for what all of them have in common.
 /// @param errors  filled for sections
 /// @throws std::invalid_argument for a measurement without sound
 Lume::SdifSet ConvertSet(MeasuredSet const& measured, ConversionSettings const& settings, ConversionErrors& errors);

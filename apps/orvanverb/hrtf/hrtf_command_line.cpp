@@ -167,12 +167,24 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
     info->add_option("file", options.input, "A .hrtf, .near, .bin2trans or .coll file, or kemar: the built-in set")
         ->required()
         ->type_name("FILE");
-    info->callback([&call, shared] { WillRun(call, shared, ShowHrtf); });
+    const auto infoRate = std::make_shared<std::string>();
+    info->add_option("--rate", *infoRate, "Of kemar: the built-in set for this sample rate, or the nearest [44100]")
+        ->type_name("HZ")
+        ->take_last();
+    info->callback([&call, shared, infoRate] {
+        if (!infoRate->empty()) shared->rate = ParseRate(*infoRate);
+        WillRun(call, shared, ShowHrtf);
+    });
 
     CLI::App* convert = hrtf->add_subcommand("convert", "Make a .hrtf file, for your own ears or another sample rate");
     const auto words = std::make_shared<Words>();
     convert->add_option("input", options.input, "A .sofa, .coll or .hrtf file, or kemar")->required()->type_name("IN");
-    convert->add_option("output", options.output, "The .hrtf file to write")->required()->type_name("OUT");
+    convert
+        ->add_option("output", options.output,
+                     "The .hrtf file to write; or a .coll text, for a head whose ears are alike, on the\n"
+                     "grid of the built-in set")
+        ->required()
+        ->type_name("OUT");
     AddForce(*convert, options);
     convert->add_option("--rate", words->rate, "Sample rate of the filters [that of the input]")
         ->type_name("HZ")
@@ -185,7 +197,9 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
         ->take_last();
     convert
         ->add_option("--equalise", words->equalise,
-                     "diffuse: take out what all directions have in common; or none\n"
+                     "diffuse: take out the diffuse field, the power mean of both ears over the sphere,\n"
+                     "which is what the ear canal, the microphone and the loudspeaker did in every\n"
+                     "direction; none: leave it in, for headphones that are equalised to a free field\n"
                      "[diffuse for .sofa, none for the others]")
         ->type_name("HOW")
         ->take_last();

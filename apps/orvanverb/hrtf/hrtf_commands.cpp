@@ -6,11 +6,13 @@
 #include <stdexcept>
 
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/common/progress_line.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/common/whole_file.h"
 #include "orvanverb/design/set_conversion.h"
 #include "orvanverb/design/set_measurement.h"
 #include "orvanverb/design/transaural_design.h"
+#include "orvanverb/hrtf/coll_writer.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "orvanverb/hrtf/set_reading.h"
@@ -38,7 +40,7 @@ bool IsNameOfSet(std::string const& path, std::string const& extension) {
 }  // namespace
 
 int ShowHrtf(HrtfOptions const& options) {
-    const Lume::SdifSet set = ReadAnySet(options.input);
+    const Lume::SdifSet set = ReadAnySet(options.input, options.rate.value_or(0));
     std::string text = options.input + "\n";
     const auto add = [&](std::vector<std::string> const& lines) {
         for (std::string const& line : lines) text.append("  ").append(line).append("\n");
@@ -53,8 +55,9 @@ int ShowHrtf(HrtfOptions const& options) {
 }
 
 int ConvertHrtf(HrtfOptions const& options) {
-    if (!IsNameOfSet(options.output, ".hrtf"))
-        throw UsageError(options.output + ": the name of a set for the panners ends in .hrtf");
+    const bool text = options.output.ends_with(".coll");
+    if (!text && !IsNameOfSet(options.output, ".hrtf"))
+        throw UsageError(options.output + ": the name of a set for the panners ends in .hrtf or .coll");
     WholeFile file(options.output);
     const auto begin = Clock::now();
     const bool measurements = IsSofa(options.input);
@@ -64,7 +67,7 @@ int ConvertHrtf(HrtfOptions const& options) {
     if (measurements) {
         measured = ReadSofaFile(options.input);
     } else {
-        const Lume::Hrtf filters = ReadHrtf(options.input);
+        const Lume::Hrtf filters = ReadHrtf(options.input, options.rate.value_or(0));
         const bool isFir = filters.GetHrtfHeaderInfos().filterType == Lume::hrtfFIR;
         asItIs = isFir == options.fir &&
                  options.rate.value_or(static_cast<int>(filters.GetSamplingRate())) ==
@@ -82,17 +85,24 @@ int ConvertHrtf(HrtfOptions const& options) {
         settings.length = options.length.value_or(settings.length);
         settings.equalise = options.equalise.value_or(measurements);
         if (!settings.fir) std::fprintf(stderr, "fitting %zu filters ...\n", 2 * measured.directions.size());
+        ProgressLine progress(stderr);
+        settings.tell = [&](double part) { progress.ShowPart("fitting", part); };
         ConversionErrors errors;
         try {
             set = ConvertSet(measured, settings, errors);
         } catch (std::invalid_argument const& error) {
             throw WorkError(options.input + ": " + error.what());
         }
+        progress.Wipe();
         if (!settings.fir)
             std::fprintf(stderr, "  difference in bands of one ERB: mean %s dB, worst %s dB\n",
                          FixedText(errors.mean, 2).c_str(), FixedText(errors.worst, 2).c_str());
     }
-    file.Write(SdifSetBytes(set, author));
+    try {
+        file.Write(text ? CollText(set) : SdifSetBytes(set, author));
+    } catch (std::invalid_argument const& error) {
+        throw WorkError(options.output + ": " + error.what());
+    }
     const double seconds = SecondsSince(begin);
     std::fprintf(stderr, "%s: %u directions, %s, %u coefficients an ear, %u Hz, %s s\n", options.output.c_str(),
                  set.header.numPoints, Lume::GetHrtfFilterTypeName(set.header.filterType).c_str(),

@@ -40,8 +40,8 @@ Lume::SdifSet ReadColl(std::string const& path) {
 
 }  // namespace
 
-Lume::SdifSet ReadAnySet(std::string const& path) {
-    if (path == builtIn) return CopySet(Lume::Hrtf(""));
+Lume::SdifSet ReadAnySet(std::string const& path, int rate) {
+    if (path == builtIn) return CopySet(Lume::Hrtf::Builtin(static_cast<float>(rate)));
     RequireSetFile(path, ".hrtf, .near, .bin2trans or .coll");
     if (path.ends_with(".coll")) return ReadColl(path);
     Lume::SdifSet set;
@@ -83,8 +83,8 @@ std::optional<unsigned int> BlockLengthOf(std::string const& path) {
     return length;
 }
 
-Lume::Hrtf ReadHrtf(std::string const& path) {
-    if (path == builtIn) return Lume::Hrtf("");
+Lume::Hrtf ReadHrtf(std::string const& path, int rate) {
+    if (path == builtIn) return Lume::Hrtf::Builtin(static_cast<float>(rate));
     RequireSetFile(path, ".sofa, .coll or .hrtf");
     Lume::Hrtf set("");
     LoadQuietly(path, [&](std::string const& name) { set.LoadFromFile(name); });
@@ -100,7 +100,7 @@ Lume::Hrtf ReadHrtf(std::string const& path) {
 
 MeasuredSet ReadHead(std::string const& path) {
     if (path == builtIn) return MeasurePairs(Lume::SymmetricTransauralDataLoader(""));
-    return IsSofa(path) ? ReadSofaFile(path) : MeasureSet(ReadHrtf(path));
+    return IsSofa(path) ? ReadSofaFile(path) : MeasureSet(ReadHrtf(path, 0));
 }
 
 }  // namespace program

@@ -7,12 +7,13 @@
 #include "hrtf/sdif_set.h"
 #include "orvanverb/design/measured_set.h"
 
-/// How the commands read the sets that they are given. The word "kemar" means the built-in set. All throw WorkError
+/// How the commands read the sets that they are given. The word "kemar" means the built-in set,
+/// where no rate is given that for 44100 Hz. All throw WorkError
 /// that names the file.
 namespace program {
 
-/// A set of any kind, as it stands.
-Lume::SdifSet ReadAnySet(std::string const& path);
+/// A set of any kind, as it stands. @param rate  [Hz] the built-in one is that for this rate, or the nearest; 0: 44100
+Lume::SdifSet ReadAnySet(std::string const& path, int rate = 0);
 
 /// Whether a file holds measurements, by its name.
 bool IsSofa(std::string const& path);
@@ -31,7 +32,7 @@ std::optional<unsigned int> BlockLengthOf(std::string const& path);
 /// says. The built-in one is that for loudspeakers, which says more.
 MeasuredSet ReadHead(std::string const& path);
 
-/// A set of filters for headphones, to be converted.
-Lume::Hrtf ReadHrtf(std::string const& path);
+/// A set of filters for headphones, to be converted. @param rate  as for ReadAnySet
+Lume::Hrtf ReadHrtf(std::string const& path, int rate);
 
 }  // namespace program

@@ -22,11 +22,11 @@ namespace {
 constexpr double usualTailSeconds = 0.1;
 
 void RemarkRate(PanSetup const& setup, PanOptions const& options, int samplerate) {
-    if (!options.hrtf) return;
-    Lume::HrtfHeaderInfos const* const header =
-        static_cast<Lume::BinauralPanning const&>(*setup.panner).GetHrtfHeaderInfos();
+    auto const* const ears = dynamic_cast<Lume::BinauralPanning const*>(setup.panner.get());
+    Lume::HrtfHeaderInfos const* const header = ears != nullptr ? ears->GetHrtfHeaderInfos() : nullptr;
     if (header == nullptr) return;
-    if (const std::string remark = RateRemark(*options.hrtf, *header, samplerate); !remark.empty()) Say(remark);
+    const std::string name = options.hrtf.value_or("the nearest of the built-in ears");
+    if (const std::string remark = RateRemark(name, *header, samplerate); !remark.empty()) Say(remark);
 }
 
 void Render(PanOptions const& options) {
@@ -35,8 +35,8 @@ void Render(PanOptions const& options) {
     SourceMotion motion(inputs.NumChannels(), options.sources, options.scene, inputs.Samplerate());
     PanSetup setup(options, motion.Positions());
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
-    RemarkRate(setup, options, inputs.Samplerate());
     setup.Start(inputs.Samplerate(), options.vectorSize);
+    RemarkRate(setup, options, inputs.Samplerate());
 
     Streaming streaming;
     streaming.samplerate = inputs.Samplerate();

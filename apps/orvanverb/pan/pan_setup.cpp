@@ -141,6 +141,7 @@ void PanSetup::LoadFiles(PanOptions const& options) {
         if (!taken) throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
         // Impulse responses come out as the set has them, many times faster. The vectors are powers of two.
         binaural.SetFIRFiltersImplementationMethod("fftconvolution");
+        ownEars = true;
     }
     if (options.nearfield) {
         if (nearfield == nullptr) throw UsageError("--near: is for --method binaural --model nearfield");
@@ -165,6 +166,13 @@ void PanSetup::Place(std::vector<Lume::CartesianVector> const& positions) {
 }
 
 void PanSetup::Start(int samplerate, unsigned int vectorSize) {
+    if (!ownEars) {
+        auto builtin = std::make_unique<Lume::Hrtf>(Lume::Hrtf::Builtin(static_cast<float>(samplerate)));
+        if (auto* const direct = dynamic_cast<Lume::BinauralPanningDirect*>(panner.get()))
+            direct->SetHrtf(std::move(builtin));
+        else if (auto* const nearfield = dynamic_cast<Lume::BinauralPanningNearfield*>(panner.get()))
+            nearfield->SetHrtf(std::move(builtin));
+    }
     panner->Configure(static_cast<float>(samplerate), vectorSize, true);
     VectorChannels silence(std::max(placed.size(), std::size_t{1}), vectorSize);
     VectorChannels discarded(NumOutputs(), vectorSize);

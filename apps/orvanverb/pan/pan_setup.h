@@ -44,6 +44,7 @@ private:
 
     Lume::Pan::SubType subType;
     bool ambixAxes;
+    bool ownEars = false;  // of the user, from a file
     std::vector<Lume::CartesianVector> placed;
 };
 

@@ -9,7 +9,6 @@
 #include "object/attribute_reflection.h"
 #include "object/orvanverb_class.h"
 #include "orvanverb/common/text.h"
-#include "orvanverb/hrtf/engine_loading.h"
 #include "patcher/atom.h"
 
 namespace program {
@@ -194,9 +193,7 @@ void RoomObject::LoadHrtf(std::filesystem::path const& path) {
 }
 
 std::string RoomObject::HrtfRateRemark() const {
-    Lume::HrtfHeaderInfos const* const infos = Room().EarsInfos();
-    if (infos == nullptr || Room().CurrentEars().path.empty()) return {};
-    return RateRemark(Room().CurrentEars().path.string(), *infos, static_cast<int>(Room().Samplerate()));
+    return Room().EarsRemark();
 }
 
 Lume::RoomState RoomObject::State() {

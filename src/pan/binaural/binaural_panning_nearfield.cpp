@@ -77,10 +77,13 @@ void BinauralPanningNearfield::SetNumInputs(unsigned int newNumInputs) {
 }
 
 bool BinauralPanningNearfield::LoadFromFile(char const* path) {
-    auto loaded = std::make_unique<Hrtf>(path);
-    if (!Suits(loaded->GetHrtfHeaderInfos(), hrtfBinaural)) return false;
-    setHrtfFilterType(FilteringOf(loaded->GetHrtfHeaderInfos()), false);
-    hrtf = std::move(loaded);
+    return SetHrtf(std::make_unique<Hrtf>(path));
+}
+
+bool BinauralPanningNearfield::SetHrtf(std::unique_ptr<Hrtf> newHrtf) {
+    if (!Suits(newHrtf->GetHrtfHeaderInfos(), hrtfBinaural)) return false;
+    setHrtfFilterType(FilteringOf(newHrtf->GetHrtfHeaderInfos()), false);
+    hrtf = std::move(newHrtf);
     numHrtfCoefficients = hrtf->GetNumCoefficients();
     hrtfChains.ForEach([this](HrtfFiltering& chain) { chain.SetNumCoefficients(numHrtfCoefficients); });
     forceUpdate(false);

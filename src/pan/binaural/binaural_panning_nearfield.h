@@ -31,6 +31,8 @@ public:
     /// @return whether the set suits; if not, the old one stays
     /// @throws orvandsp::OrvanDspException for a file that can't be read; the old set stays then, too
     bool LoadFromFile(char const* path) override;
+    /// The same with a set that was loaded.
+    bool SetHrtf(std::unique_ptr<Hrtf> newHrtf);
     HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
     /// The same for a set of near-field compensation filters.
     bool LoadCompensationFilters(char const* path);
