@@ -102,6 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
             return 0;
         }
         std::vector<char const*> arguments;
+        arguments.reserve(words.size());
         for (std::string const& word : words) arguments.push_back(word.c_str());
         const program::Call parsed = program::ParseCommandLine(static_cast<int>(arguments.size()), arguments.data());
         if (parsed.run) parsed.run();
