@@ -17,6 +17,12 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 const float nan = std::nanf("");
 
+/// Sets every control to its default: until then the layers are silent.
+void Sound(EngineRig& rig) {
+    for (Control const& control : AllControls())
+        if (control.name != "loudspeaker ring") control.set(rig.engine, control.usual);
+}
+
 bool IsFinite(EngineRig::Recording const& recording) {
     return std::ranges::all_of(recording, [](auto const& channel) {
         return std::ranges::all_of(channel, [](float x) { return std::isfinite(x); });
@@ -29,6 +35,8 @@ TEST(EngineSurvival, BadSamplesCountAsZero) {
     for (const float bad : {nan, infinity, -infinity, 3.4e38f})
         for (const unsigned int numSpeakers : {2u, 5u}) {
             EngineRig fed(3, numSpeakers, 8), clean(3, numSpeakers, 8);
+            Sound(fed);
+            Sound(clean);
             const std::vector<float> noise = MakeNoise(3, 8192);
             const auto source = [&](float replacement) {
                 return [&, replacement](unsigned int c, std::size_t t) {
@@ -51,6 +59,8 @@ TEST(EngineSurvival, SettersIgnoreWhatIsNoNumber) {
             const auto noise = [&](unsigned int c, std::size_t t) {
                 return std::sin(0.1f * static_cast<float>((c + 1) * (t % 1000)));
             };
+            Sound(told);
+            Sound(plain);
             told.Run(2048, noise);
             plain.Run(2048, noise);
             const bool isSwitch = control.name == "air absorption" || control.name == "infinite";
@@ -98,6 +108,7 @@ TEST(EngineSurvival, EveryRateAndBlockIsFinite) {
             for (const unsigned int numSpeakers : {2u, 6u}) {
                 if (block < 16 && numSpeakers == 6) continue;  // no ramps of single samples there
                 EngineRig rig(1, numSpeakers, 2, rate, block);
+                Sound(rig);
                 for (const double azimuth : {40.0, -80.0}) {
                     rig.engine.SetSourcePosition(0, At(azimuth, 2.0));
                     ASSERT_TRUE(IsFinite(rig.Run(rig.Samples(0.05),
