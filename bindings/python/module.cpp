@@ -51,16 +51,10 @@ std::string Number(float value) {
 
 class PythonRoom {
 public:
-    PythonRoom(unsigned int sources, unsigned int speakers, unsigned int internals, float rate)
-        : room(sources, speakers, internals) {
-        Configure(rate);
-    }
-
-    void Configure(float rate) {
-        const Use use(busy);
+    PythonRoom(unsigned int sources, unsigned int speakers, unsigned int internals, float newRate)
+        : room(sources, speakers, internals), rate(newRate) {
         if (!(rate >= 1000.0f && rate <= 768000.0f))
             throw py::value_error("rate: " + Number(rate) + " is not from 1000 to 768000 Hz");
-        room.Configure(rate, vectorSize, vectorSize);
     }
 
     void Set(std::string const& name, float value) {
@@ -110,15 +104,11 @@ public:
         for (py::ssize_t i = 0; i < inputs.shape(0); ++i) in.push_back(inputs.data(i, 0));
         for (py::ssize_t i = 0; i < outputs.shape(0); ++i) out.push_back(outputs.mutable_data(i, 0));
         const py::gil_scoped_release released;
+        Begin();
         room.Process(out.data(), in.data(), numFrames);
         return outputs;
     }
 
-    void Settle() {
-        const Use use(busy);
-        const py::gil_scoped_release released;
-        room.Settle();
-    }
     void Clear() {
         const Use use(busy);
         room.Clear();
@@ -145,12 +135,23 @@ public:
     Lume::Room room;
 
 private:
+    /// With the first sound, and not before: a room that was told everything by then sounds from its first sample on as
+    /// any other room that was told the same.
+    void Begin() {
+        if (configured) return;
+        room.Configure(rate, vectorSize, vectorSize);
+        room.Settle();
+        configured = true;
+    }
+
     static std::size_t Find(std::string const& name) {
         const auto control = Lume::FindControl(name);
         if (!control) throw py::key_error(name + ": is no control of a room");
         return *control;
     }
 
+    float rate;
+    bool configured = false;
     std::atomic<bool> busy = false;
 };
 
@@ -229,13 +230,11 @@ PYBIND11_MODULE(_orvanverb, m) {
     m.doc() = "The engine of the package orvanverb.";
     py::class_<PythonRoom>(m, "Room")
         .def(py::init<unsigned int, unsigned int, unsigned int, float>())
-        .def("configure", &PythonRoom::Configure)
         .def("set", &PythonRoom::Set)
         .def("get", &PythonRoom::Get)
         .def("place", &PythonRoom::Place)
         .def("place_speakers", &PythonRoom::PlaceSpeakers)
         .def("process", &PythonRoom::Process)
-        .def("settle", &PythonRoom::Settle)
         .def("clear", &PythonRoom::Clear)
         .def("load_ears", &PythonRoom::LoadEars)
         .def("state", &PythonRoom::State)

@@ -7,7 +7,6 @@
 
 #include "dsp/audio_buffer.h"
 #include "dsp/ramp.h"
-#include "dsp/repeatable_random.h"
 #include "dsp/signal_processing.h"
 #include "engine/room_format.h"
 #include "filters/multi_faded_hl_shelf.h"
@@ -102,10 +101,9 @@ public:
     void Configure(float newSamplerate, unsigned int maxBlockSize, unsigned int numSources, unsigned int numSpeakers);
 
     /// From nine internal channels on each change of the early reflections draws their gains anew: from the C library's
-    /// rand(), which the whole process shares, or, from this call on, from a sequence of this engine's own. It is that
-    /// of a rand() seeded so, so that an engine that gets it before its first Configure sounds as it would alone in a
-    /// process that called srand(seed).
-    void SetRandomSeed(std::uint32_t seed) { random.emplace(seed); }
+    /// rand(), which the whole process shares, or, from this call on, as a rand() that was just seeded so would. Then
+    /// the same settings always give the same gains, whatever came before.
+    void SetRandomSeed(std::uint32_t seed) { randomSeed = seed; }
 
     /// Whether a first Configure has succeeded.
     bool IsInitialized() const noexcept { return initialized; }
@@ -410,9 +408,9 @@ protected:
     std::vector<orvandsp::Ramp> roomSendRamps;        // 1/d of each source
     std::vector<CartesianVector> sourcePositions;
     std::vector<CartesianVector> speakerPositions;
-    std::optional<orvandsp::RepeatableRandom> random;  // for the early gains, if it isn't the process's
-    std::vector<float> earlyGains;                     // one signed gain per early tap
-    std::vector<float*> doorInputs;                    // the inputs that Process works on
+    std::optional<std::uint32_t> randomSeed;  // for the early gains, if they aren't the process's to draw
+    std::vector<float> earlyGains;            // one signed gain per early tap
+    std::vector<float*> doorInputs;           // the inputs that Process works on
 };
 
 }  // namespace Lume

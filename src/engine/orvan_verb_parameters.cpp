@@ -5,6 +5,8 @@
 #include <limits>
 
 #include "engine/orvan_verb.h"
+
+#include "dsp/repeatable_random.h"
 #include "geometry/azimuth.h"
 #include "geometry/spherical_vector.h"
 #include "reverb/early_gains.h"
@@ -299,6 +301,8 @@ void OrvanVerb::UpdateEarlyDelays() {
 }
 
 void OrvanVerb::UpdateEarlyGains() {
+    std::optional<orvandsp::RepeatableRandom> random;
+    if (randomSeed) random.emplace(*randomSeed);
     GetRecommendedEarlyGains(earlyGains, numInternals, earlyShape, early->GetLength(), true,
                              random ? &*random : nullptr);
 }

@@ -202,7 +202,7 @@ TEST(Lv2, PlaysWhatTheProgramRenders) {
     for (auto const& [variant, speakers, preset, fileChannels] :
          {Case{"mono-headphones", "2", "", {0, 1}}, Case{"stereo-5.0", "5", "hall", {0, 2, 1, 3, 4}},
           Case{"stereo-ring8", "8", "", {0, 1, 2, 3, 4, 5, 6, 7}},
-          Case{"mono-ring6", "6", "chamber_hall", {0, 1, 2, 3, 4, 5}}}) {
+          Case{"mono-ring6", "6", "cathedral", {0, 1, 2, 3, 4, 5}}}) {
         Instance plugin(bundle, bundle.Plugin(variant), 48000.0, 256, true);
         const Sound sound = Noise(static_cast<unsigned int>(plugin.inputs.size()), 0.7);
         WriteSound(directory / "in.wav", sound);
@@ -219,8 +219,8 @@ TEST(Lv2, PlaysWhatTheProgramRenders) {
         const Sound played = plugin.Play(sound, [] { return 256u; });
         EXPECT_EQ(plugin.Value("latency"), 0.0f);
         ASSERT_EQ(rendered.samples.size(), played.samples.size());
-        // A preset reaches the two by calls in another order, and glides end a fraction of a sample beside their goal.
-        const float tolerance = *preset == '\0' ? 0.0f : 1e-4f;
+        // A preset reaches the two by calls in another order, which delay lines remember in the last bit.
+        const float tolerance = *preset == '\0' ? 0.0f : 1e-6f;
         for (std::size_t i = 0; i < played.samples.size(); ++i)
             for (std::size_t k = 0; k < played.NumFrames(); ++k)
                 ASSERT_NEAR(played.samples[i][k], rendered.samples[fileChannels[i]][k], tolerance)

@@ -49,6 +49,23 @@ def test_impulse_responses_are_what_process_answers(speakers):
     numpy.testing.assert_allclose(played[:, 128:], 0.5 * responses[1, :, :-128], atol=1e-6)
 
 
+@pytest.mark.parametrize("speakers", ["headphones", 6])
+def test_render_is_the_programs(speakers, tmp_path):
+    """The same samples from the same state, to the last bit, also with sixteen channels."""
+    room = furnished(speakers, internals=16)
+    x = noise(2, 9600)
+    header = b".snd" + b"".join(n.to_bytes(4, "big") for n in (24, x.nbytes, 6, 48000, 2))  # AU, float
+    (tmp_path / "in.au").write_bytes(header + x.T.astype(">f4").tobytes())
+    (tmp_path / "room.state").write_text(room._room.state())
+    subprocess.run([PROGRAM, "render", tmp_path / "in.au", "-o", tmp_path / "out.wav", "--state", tmp_path / "room.state",
+                    "--speakers", str(room.outputs), "--set", "numinternals=16", "--tail", "0.1", "--format", "float"],
+                   check=True, capture_output=True)
+    data = (tmp_path / "out.wav").read_bytes()
+    start = data.index(b"data") + 8
+    rendered = numpy.frombuffer(data[start:start + 4 * room.outputs * 14400], "<f4").reshape(-1, room.outputs).T
+    numpy.testing.assert_array_equal(room.render(x, tail=0.1), rendered)
+
+
 def test_streaming_remembers():
     whole, pieces = furnished(6), furnished(6)
     x = noise(2, 6400)

@@ -6,8 +6,8 @@
 
 #include "engine/room_controls.h"
 #include "geometry/vector_algebra.h"
-#include "object/attribute_reflection.h"
 #include "object/orvanverb_class.h"
+#include "object/room_exchange.h"
 #include "orvanverb/common/text.h"
 #include "patcher/atom.h"
 
@@ -47,23 +47,6 @@ void SetNumber(max::t_atom& atom, float value) {
         max::atom_setlong(&atom, std::lround(value));
     else
         max::atom_setfloat(&atom, static_cast<double>(value));
-}
-
-/// The value of an attribute in a state, in place of the present one.
-void TakeFromState(Lume::RoomState const& state, std::string const& attribute, std::vector<max::t_atom>& atoms) {
-    if (attribute == "mute" || attribute == "bypass") {
-        max::atom_setlong(&atoms[0], (attribute == "mute" ? state.mute : state.bypass) ? 1 : 0);
-    } else if (attribute == "sourcespositions" && !state.sources.empty()) {
-        atoms = PositionAtoms(state.sources);
-    } else if (attribute == "speakerspositions" && !state.speakers.empty()) {
-        atoms = PositionAtoms(state.speakers);
-    } else {
-        for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
-            Lume::RoomControl const& row = Lume::roomControls[i];
-            if (row.attribute != nullptr && attribute == row.attribute)
-                SetNumber(atoms[row.element], state.controls[i]);
-        }
-    }
 }
 
 }  // namespace
@@ -197,42 +180,16 @@ std::string RoomObject::HrtfRateRemark() const {
 }
 
 Lume::RoomState RoomObject::State() {
-    Lume::RoomState state = Room().SaveState();
-    state.unknown = unknown;
-    return state;
+    return orvanverb_save_state(&Record());
 }
 
 void RoomObject::Restore(Lume::RoomState const& state) {
     try {
-        Room().RestoreEars(state.ears);
+        orvanverb_restore_state(&Record(), state);
     } catch (std::runtime_error const& error) {
         throw std::invalid_argument(error.what());
     }
-    // As one list, in the object's own order.
-    std::vector<max::t_atom> list;
-    for (std::string const& name : orvanmax::GetListOfUserAttributes(box.Object())) {
-        std::vector<max::t_atom> atoms = *box.GetAttribute(name.c_str());
-        TakeFromState(state, name, atoms);
-        list.insert(list.end(), atoms.begin(), atoms.end());
-    }
-    box.SetState(list);
-    remarks.clear();  // that all attributes were restored is no news here
-    ThrowComplaint();
-    for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
-        Lume::RoomControl const& row = Lume::roomControls[i];
-        if (row.attribute == nullptr) {
-            Room().Set(i, state.controls[i]);
-        } else if (Room().Get(i) != state.controls[i]) {
-            // A time beyond its attribute's range: the words "early start 500" let it pass, as they did before.
-            const std::string name = row.name;
-            std::vector<max::t_atom> atoms(2);
-            max::atom_setsym(&atoms[0], max::gensym(name.substr(name.find('_') + 1).c_str()));
-            max::atom_setfloat(&atoms[1], static_cast<double>(state.controls[i]));
-            Send(name.substr(0, name.find('_')).c_str(), std::move(atoms));
-        }
-    }
-    unknown = state.unknown;
-    for (std::string const& line : unknown)
+    for (std::string const& line : state.unknown)
         remarks.push_back("warn: the state has a line that this version doesn't know and keeps: " + line);
 }
 

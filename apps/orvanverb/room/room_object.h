@@ -79,8 +79,7 @@ private:
 
     std::string complaint;  // the first line that is an error, not thrown yet
     std::vector<std::string> remarks;
-    std::set<std::string> remarked;    // controls whose range was told
-    std::vector<std::string> unknown;  // lines of the state that nobody knows
+    std::set<std::string> remarked;  // controls whose range was told
     max::Box box;
 };
 

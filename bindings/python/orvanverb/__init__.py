@@ -135,7 +135,6 @@ class Room:
         object.__setattr__(self, "_room", _orvanverb.Room(sources, number, internals, rate))
         if places is not None:
             self._room.place_speakers(places)
-        self._places = [(None, None, None)] * sources
         self.direct = _Direct(self._room)
         self.room = _Shelf(self._room)
         self.early = _Early(self._room)
@@ -254,8 +253,6 @@ class Room:
         """The same room at rest."""
         other = _orvanverb.Room(self.sources, self.outputs, self.internals, self._rate)
         other.restore(self._room.state())
-        other.configure(self._rate)
-        other.settle()
         return other
 
     # State
@@ -289,7 +286,6 @@ class Room:
         sources, outputs, internals = saved["shape"]
         self.__init__(sources, "headphones" if outputs == 2 else outputs, saved["rate"], internals)  # type: ignore
         self._room.restore(saved["text"])
-        self._room.configure(saved["rate"])
 
     def __repr__(self) -> str:
         where = "headphones" if self.outputs == 2 else f"{self.outputs} loudspeakers"
