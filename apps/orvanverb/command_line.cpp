@@ -13,6 +13,7 @@
 #include "orvanverb/object/object_command_line.h"
 #include "orvanverb/pan/pan_command_line.h"
 #include "orvanverb/presets/presets_command.h"
+#include "orvanverb/proposal/room_command.h"
 #include "orvanverb/room/render_command_line.h"
 
 namespace program {
@@ -21,8 +22,8 @@ namespace {
 
 /// Every command, in the order in which --help shows them.
 constexpr void (*commands[])(CLI::App& app, Call& call) = {
-    AddRenderCommand, AddImpulseResponseCommand, AddPanCommand,     AddDecodeCommand,
-    AddHrtfCommand,   AddMeasureCommand,         AddPresetsCommand, AddObjectCommands,
+    AddRenderCommand,  AddImpulseResponseCommand, AddPanCommand,  AddDecodeCommand,  AddHrtfCommand,
+    AddMeasureCommand, AddPresetsCommand,         AddRoomCommand, AddObjectCommands,
 };
 
 /// True for a word that begins another option, and is no negative number.

@@ -63,7 +63,7 @@ void AddPresetsCommand(CLI::App& app, Call& call) {
     const auto json = std::make_shared<bool>(false);
     command->add_flag("--json", *json, "As JSON, with the decay times that each asks for");
     command->footer(
-        "T30 (500 and 1000 Hz) and C80 were measured with the source 1 m ahead, on a ring of eight loudspeakers.\n"
+        "T30 (500 and 1000 Hz) and C80 were measured with the source 3 m ahead, on a ring of eight loudspeakers.\n"
         "Rooms of your own, NAME.room, are looked for in ~/.local/share/orvanverb/rooms.\n"
         "  orvanverb presets\n"
         "  orvanverb render voice.wav -o wet.wav --preset church");

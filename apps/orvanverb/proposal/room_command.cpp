@@ -1,0 +1,125 @@
+#include "orvanverb/proposal/room_command.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include "engine/room_controls.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/proposal/proposal.h"
+
+namespace program {
+
+namespace {
+
+struct Words {
+    std::string volume, decay, low, high, distance, form = "preset";
+};
+
+constexpr char const* footer =
+    "The proposal is rendered and measured before it is printed. Decay times are T30; low is 125 Hz, high 4 kHz.\n"
+    "  orvanverb room --volume 12000 --rt60 2 --rt60-low 2.3 --rt60-high 1.4 > hall.room\n"
+    "  orvanverb render voice.wav -o wet.wav --preset hall.room";
+
+float Parse(char const* option, std::string const& word, float least, float most, char const* unit) {
+    const std::optional<float> value = ParseNumber(word);
+    if (!value || !(*value >= least && *value <= most))
+        throw UsageError(std::string(option) + ": '" + word + "' is no number from " + NumberText(least) + " to " +
+                         NumberText(most) + unit);
+    return *value;
+}
+
+void TakeMeaning(Words const& words, RoomOptions& room) {
+    constexpr float shortest = 0.15f, longest = 9.0f;
+    room.volume = Parse("--volume", words.volume, 10.0f, 15000.0f, " m3");
+    room.decaySeconds = Parse("--rt60", words.decay, shortest, longest, " s");
+    if (!words.low.empty()) room.lowSeconds = Parse("--rt60-low", words.low, shortest, longest, " s");
+    if (!words.high.empty()) room.highSeconds = Parse("--rt60-high", words.high, shortest, longest, " s");
+    if (!words.distance.empty()) room.distance = Parse("--distance", words.distance, 0.3f, 100.0f, " m");
+    if (words.form == "preset")
+        room.form = RoomOptions::Form::Preset;
+    else if (words.form == "words")
+        room.form = RoomOptions::Form::Words;
+    else if (words.form == "state")
+        room.form = RoomOptions::Form::State;
+    else
+        throw UsageError("--as: '" + words.form + "' is none of preset, words and state");
+}
+
+/// The object's attributes with their values, each as one text, in the table's order.
+std::vector<std::pair<std::string, std::string>> Attributes(Lume::Room const& room) {
+    std::vector<std::pair<std::string, std::string>> attributes;
+    for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
+        Lume::RoomControl const& control = Lume::roomControls[i];
+        if (control.attribute == nullptr) continue;
+        const std::string value = NumberText(room.Get(i));
+        if (control.element == 0)
+            attributes.emplace_back(control.attribute, value);
+        else
+            attributes.back().second.append(" ").append(value);
+    }
+    attributes.emplace_back("numinternals", std::to_string(room.NumInternals()));
+    return attributes;
+}
+
+void RunRoom(RoomOptions const& wanted) {
+    const Proposal proposal = ProposeRoom(wanted);
+    const std::string report = proposal.report.Text();
+    if (wanted.form == RoomOptions::Form::State) {
+        std::fputs(proposal.room->SaveState().Text().c_str(), stdout);
+    } else {
+        std::string text;
+        const bool preset = wanted.form == RoomOptions::Form::Preset;
+        for (auto const& [name, value] : Attributes(*proposal.room))
+            text.append(preset         ? ""
+                        : text.empty() ? "@"
+                                       : " @")
+                .append(name)
+                .append(" ")
+                .append(value)
+                .append(preset ? "\n" : "");
+        if (preset) {
+            std::string head = "# A room of " + NumberText(wanted.volume) + " m3 that decays in " +
+                               NumberText(wanted.decaySeconds) + " s. Made by orvanverb room.\n";
+            if (const orvanmeasure::Figure mid = proposal.report.measured.Mid(&orvanmeasure::BandFigures::t30);
+                mid.IsThere())
+                head += "# measured: T30 " + FixedText(mid.value, 2) + " s\n";
+            text.insert(0, head);
+        } else {
+            text += "\n";
+        }
+        std::fputs(text.c_str(), stdout);
+    }
+    std::fputs(report.c_str(), stderr);
+}
+
+}  // namespace
+
+void AddRoomCommand(CLI::App& app, Call& call) {
+    const auto words = std::make_shared<Words>();
+    CLI::App* command = app.add_subcommand("room", "Propose a room from its volume and decay times");
+    const auto add = [&](char const* name, std::string& word, char const* unit, char const* help) {
+        return command->add_option(name, word, help)->type_name(unit)->take_last();
+    };
+    add("--volume", words->volume, "M3", "Its volume, 10 to 15000")->required();
+    add("--rt60", words->decay, "SECONDS", "How long it takes to fall by 60 dB at 500 and 1000 Hz")->required();
+    add("--rt60-low", words->low, "SECONDS", "The same at 125 Hz [as --rt60]");
+    add("--rt60-high", words->high, "SECONDS", "The same at 4 kHz [as --rt60]");
+    add("--distance", words->distance, "M", "How far the source is, for the room's level [3]");
+    add("--as", words->form, "FORM", "preset, words (@NAME VALUE...) or state [preset]");
+    command->footer(footer);
+    command->callback([&call, words] {
+        RoomOptions wanted;
+        TakeMeaning(*words, wanted);
+        call.run = [wanted] {
+            RunRoom(wanted);
+            return 0;
+        };
+    });
+}
+
+}  // namespace program

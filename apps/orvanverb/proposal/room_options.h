@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+
+namespace program {
+
+/// What the command room knows: a room to be proposed.
+struct RoomOptions {
+    enum class Form { Preset, Words, State };
+
+    float volume = 0.0f;               // [m^3]
+    float decaySeconds = 0.0f;         // T30 at 500 and 1000 Hz
+    std::optional<float> lowSeconds;   // at 125 Hz; none: as in the middle
+    std::optional<float> highSeconds;  // at 4 kHz
+    float distance = 3.0f;             // of the source [m]
+    Form form = Form::Preset;
+};
+
+}  // namespace program
