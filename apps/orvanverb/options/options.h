@@ -47,6 +47,7 @@ struct Options {
     std::optional<std::string> scene;
     std::optional<std::string> state;
     std::optional<std::string> saveState;
+    bool report = false, reportJson = false;  // of the room, measured
     std::vector<Setting> settings;
     Tail tail{std::nullopt};
     bool tailGiven = false;  // otherwise the command's own default

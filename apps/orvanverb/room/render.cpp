@@ -1,7 +1,9 @@
 #include "orvanverb/room/render.h"
 
 #include <chrono>
+#include <cstdio>
 #include <memory>
+#include <optional>
 
 #include "orvanverb/audio/impulse.h"
 #include "orvanverb/audio/input_bank.h"
@@ -9,6 +11,7 @@
 #include "orvanverb/common/text.h"
 #include "orvanverb/layout/channel_words.h"
 #include "orvanverb/layout/speaker_layout.h"
+#include "orvanverb/measure/room_report.h"
 #include "orvanverb/room/room_object.h"
 #include "orvanverb/room/room_setup.h"
 
@@ -28,6 +31,10 @@ void Render(Options const& options, SignalSource& source, int samplerate, std::c
     const std::unique_ptr<RoomObject> room = setup.MakeRoom();
     room->Start(samplerate, setup.VectorSize());
     if (const std::string remark = room->HrtfRateRemark(); !remark.empty()) Say(remark);
+
+    std::optional<RoomReport> report;  // of the room with which the rendering begins
+    if (options.report || options.reportJson)
+        report = ReportRoom(room->Room().Engine(), room->Room().SourcePosition(0), static_cast<float>(samplerate));
 
     Streaming streaming;
     streaming.samplerate = samplerate;
@@ -55,6 +62,8 @@ void Render(Options const& options, SignalSource& source, int samplerate, std::c
         Say("--tail auto: ended at its bound of " + FixedText(Tail::maxAutoSeconds, 0) +
             " s, the room still sounds at " + DecibelText(meter.LastBlock()) + " dBFS");
     for (std::string const& remark : source.Remarks()) Say(remark);
+    if (options.report) std::fputs(report->Text().c_str(), stderr);
+    if (options.reportJson) std::fputs(report->Json().c_str(), stdout);
     RequireSound(options.output, room->Room().NumBadOutputs());
 }
 

@@ -67,6 +67,9 @@ void AddRoomOptions(CLI::App& command, Options& options, Words& words) {
     command.add_option("--save-state", options.saveState, "Save the state with which the rendering begins")
         ->type_name("FILE")
         ->take_last();
+    command.add_flag("--report", options.report,
+                     "Say what the room was asked for and what is measured of it, per octave");
+    command.add_flag("--report-json", options.reportJson, "The same on standard output, as JSON with all curves");
     command.footer(footer);
 }
 
