@@ -16,6 +16,10 @@ constexpr double aboveNoiseDb = 8.0;  // what counts as decay begins here
 constexpr double lateRangeDb = 20.0;  // and is this long
 constexpr double noiseShare = 0.1;    // at least so much of the end is looked at for noise
 constexpr int maxRounds = 12;
+// Noise isn't less than this below the greatest sample: what numbers and filters leave over is.
+constexpr double leastNoiseDb = -140.0;
+// What rises so far above the end of the decay is more of it, behind a gap.
+constexpr double behindGapDb = 10.0;
 
 double Decibels(double power) {
     return 10.0 * std::log10(power);
@@ -34,15 +38,19 @@ std::vector<double> Levels(std::span<double const> energy, std::size_t interval)
     return levels;
 }
 
-/// A line through the levels from `upper` down to `lower` decibels, behind the greatest one; x in samples.
+/// A line through the levels from `upper` down to `lower` decibels, behind the greatest one; x in samples. Gaps are
+/// left out: between a direct sound and its first reflection there may be nothing.
 LineFit FitDecay(std::vector<double> const& levels, std::size_t interval, double upper, double lower) {
     const auto peak = std::max_element(levels.begin(), levels.end());
-    const auto end = std::find_if(peak, levels.end(), [=](double level) { return level < lower; });
+    auto end = levels.end();
+    for (auto at = levels.end(); at != peak && *(at - 1) <= lower + behindGapDb; --at)
+        if (*(at - 1) < lower) end = at - 1;
     auto begin = end;
     while (begin != peak && *(begin - 1) <= upper) --begin;
     LineFit line;
     for (auto at = begin; at != end; ++at)
-        line.Add((static_cast<double>(at - levels.begin()) + 0.5) * static_cast<double>(interval), *at);
+        if (*at >= lower)
+            line.Add((static_cast<double>(at - levels.begin()) + 0.5) * static_cast<double>(interval), *at);
     return line;
 }
 
@@ -64,7 +72,9 @@ NoiseFloor FindNoiseFloor(std::span<double const> energy, double sampleRate, dou
     const double periods = 2.0 / bandwidth * sampleRate;  // an average over less follows the signal, not its envelope
     std::size_t interval = AtLeastOne(std::max(0.01 * sampleRate, periods), length / 20);
     const auto tailStart = static_cast<std::size_t>((1.0 - noiseShare) * samples);
-    double noise = Mean(energy.subspan(tailStart));
+    const double greatest = *std::max_element(energy.begin(), energy.end());
+    const double least = greatest * std::pow(10.0, leastNoiseDb / 10.0);
+    double noise = std::max(Mean(energy.subspan(tailStart)), least);
 
     LineFit line = FitDecay(Levels(energy, interval), interval, HUGE_VAL, Decibels(noise) + aboveNoiseDb);
     if (!Falls(line)) return floor;
@@ -77,7 +87,7 @@ NoiseFloor FindNoiseFloor(std::span<double const> energy, double sampleRate, dou
         interval = AtLeastOne(std::max(10.0 / (intervalsPer10Db * -slope), periods), length / 20);
         // The noise counts from where the decay has fallen well below it.
         const auto noiseStart = static_cast<std::size_t>(std::min(crosspoint + 10.0 / -slope, samples));
-        noise = Mean(energy.subspan(std::min(noiseStart, tailStart)));
+        noise = std::max(Mean(energy.subspan(std::min(noiseStart, tailStart))), least);
         const double lower = Decibels(noise) + aboveNoiseDb;
         const LineFit late = FitDecay(Levels(energy, interval), interval, lower + lateRangeDb, lower);
         if (!Falls(late)) break;

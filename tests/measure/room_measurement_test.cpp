@@ -170,6 +170,19 @@ TEST(Measure, CompletesADecayThatWasCut) {
 }
 
 // Red if the curve loses its late part, which is 20 dB weaker.
+// Between the direct sound and the first reflection of a rendered room there is nothing at all, and no noise behind its
+// end: red if that gap is taken for where the decay meets the noise.
+TEST(Measure, LooksPastTheGapBehindTheDirectSound) {
+    std::vector<float> response = Decay(1.3, 0.8);
+    response.insert(response.begin(), static_cast<std::size_t>(0.03 * sampleRate), 0.0f);
+    response[0] = 0.05f;
+    const RoomMeasurement result = MeasureAll({response});
+    for (BandFigures const& band : result.bands) {
+        ASSERT_TRUE(band.t30.seconds.IsThere()) << band.band.name;
+        EXPECT_NEAR(band.t30.seconds.value, 0.8, 0.016) << band.band.name;
+    }
+}
+
 TEST(Measure, FollowsADoubleSlope) {
     const Law first = SoftDecay([](double) { return 0.8; }), second = SoftDecay([](double) { return 2.5; });
     const Law energy = [&](double hertz, double time) { return first(hertz, time) + 0.01 * second(hertz, time); };
