@@ -116,56 +116,6 @@ TEST(LtRt, SurroundStandsNinetyDegreesOffTheFront) {
     }
 }
 
-// Independent computation in the frequency domain, from the responses of one Hilbert pair. Red if somebody removes the
-// gains that act twice, gives W its sum back, or passes Y through a phase splitter.
-TEST(Uhj, TransferFunctionsHoldTheirOddities) {
-    orvandsp::HilbertTransform hilbert;
-    const auto pair = Responses(hilbert, 0);
-    const auto encoder = Make(4, 4, Lume::Decoder::bformat2uhj);
-    const auto three = Make(4, 4, Lume::Decoder::uhj2bformat), two = Make(2, 3, Lume::Decoder::uhj2bformat);
-    std::vector<std::vector<std::vector<float>>> encode, decode4, decode2;
-    for (unsigned int i = 0; i < 4; ++i) {
-        encode.push_back(Responses(*encoder, i));
-        decode4.push_back(Responses(*three, i));
-        if (i < 2) decode2.push_back(Responses(*two, i));
-    }
-    for (const double f : {50.0, 300.0, 1000.0, 3000.0, 9000.0}) {
-        SCOPED_TRACE(f);
-        const double at = f / 44100.0;
-        const Complex h0 = ResponseAt(pair[0], at), h1 = ResponseAt(pair[1], at);
-        const auto expect = [at](std::vector<float> const& response, Complex expected) {
-            EXPECT_LT(std::abs(ResponseAt(response, at) - expected), 2e-5);
-        };
-        // W, X, Y, Z to left, right, T, Q.
-        const Complex sumW = 0.9396926 * 0.939693 * h0, sumX = 0.185574 * 0.185574 * h0;
-        const Complex differenceW = -0.3420201 * h1, differenceX = 0.5098604 * h1;
-        expect(encode[0][0], 0.5 * (sumW + differenceW));
-        expect(encode[0][1], 0.5 * (sumW - differenceW));
-        expect(encode[1][0], 0.5 * (sumX + differenceX));
-        expect(encode[1][1], 0.5 * (sumX - differenceX));
-        expect(encode[2][0], 0.5 * 0.6554516);
-        expect(encode[2][1], -0.5 * 0.6554516);
-        expect(encode[0][2], -0.1432 * h1);
-        expect(encode[1][2], 0.6512 * h1);
-        expect(encode[2][2], -0.7071);
-        expect(encode[3][3], 0.9772);
-        expect(encode[3][0], 0.0);
-        // Left to W, X, Y from two channels.
-        expect(decode2[0][0], 0.5 * (0.982 * h0 + 0.164 * h1));
-        expect(decode2[0][1], 0.5 * (0.419 * h0 + 0.828 * h1));
-        expect(decode2[0][2], 0.5 * (0.385 * h1 + 0.763 * h0));
-        expect(decode2[1][1], 0.5 * (0.419 * h0 - 0.828 * h1));
-        // Right and T to W, X, Y from four.
-        expect(decode4[1][0], -0.5 * 0.197 * 0.828 * h1);
-        expect(decode4[1][1], 0.5 * (0.419 * h0 - 0.828 * h1));
-        expect(decode4[1][2], 0.5 * (0.187 * h1 - 0.796 * h0));
-        expect(decode4[2][0], 0.197 * 0.768 * h1);
-        expect(decode4[2][1], 0.768 * h1);
-        expect(decode4[2][2], -0.676 * h0);
-        expect(decode4[3][3], 1.023);
-    }
-}
-
 // With Y in the phase of the others, the equations of the format's author bring every horizontal direction back: what
 // is left is what the gains that act twice cost.
 TEST(Uhj, EncodesForOtherDecodersOnceYIsAligned) {

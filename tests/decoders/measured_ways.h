@@ -3,14 +3,13 @@
 #include <mysofa.h>
 
 #include <cmath>
-#include <complex>
 #include <memory>
 #include <vector>
 
 #include "math/real_transform.h"
 
 /// The ways from two loudspeakers to the ears of a KEMAR manikin, as Gardner and Martin, "HRTF measurements of a
-/// KEMAR", J. Acoust. Soc. Am. 97(6), 1995, measured them, and filters made from them. In double precision.
+/// KEMAR", J. Acoust. Soc. Am. 97(6), 1995, measured them. In double precision.
 
 using orvandsp::Spectrum;
 
@@ -24,32 +23,6 @@ inline orvandsp::RealTransform const& Transform() {
 
 inline Spectrum SpectrumOf(std::vector<float> const& response) {
     return Transform().Forward(std::vector<double>(response.begin(), response.end()));
-}
-
-/// The first samples of the response with a spectrum, `delay` samples later (or earlier, below 0).
-inline std::vector<float> ResponseOf(Spectrum const& spectrum, int delay, std::size_t length) {
-    const std::vector<double> whole = Transform().Inverse(spectrum);
-    std::vector<float> response(length);
-    for (std::size_t n = 0; n < length; ++n)
-        response[n] = static_cast<float>(
-            whole[(n + fftSize - static_cast<std::size_t>(delay + static_cast<int>(fftSize))) % fftSize]);
-    return response;
-}
-
-/// Element by element.
-template <typename Function, typename... Spectra>
-Spectrum Combine(Function function, Spectra const&... spectra) {
-    Spectrum result(fftSize / 2 + 1);
-    for (std::size_t k = 0; k < result.size(); ++k) result[k] = function(spectra[k]...);
-    return result;
-}
-
-/// 1 / x, but not where x is small against its greatest value.
-inline Spectrum Inverse(Spectrum const& spectrum, double floorDb) {
-    double most = 0.0;
-    for (auto const& x : spectrum) most = std::max(most, std::norm(x));
-    const double floor = most * std::pow(10.0, floorDb / 10.0);
-    return Combine([&](std::complex<double> x) { return std::conj(x) / (std::norm(x) + floor); }, spectrum);
 }
 
 /// Responses from a loudspeaker (first letter) to an ear (second letter).

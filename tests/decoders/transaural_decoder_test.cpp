@@ -4,7 +4,6 @@
 #include <cmath>
 #include <memory>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -142,70 +141,6 @@ TEST(TransauralDecoder, BuiltInSetsCancelCrosstalk) {
         std::printf("%s, %d degrees: ", c.subType, c.angle);
         EXPECT_GE(Measure(*decoder, ways, 64).reductionDb, c.reductionDb) << c.subType << ' ' << c.angle;
     }
-}
-
-/// The filters of a member for these ways, in its order, and for blocks of 8 where it has a loop.
-Filters FiltersOf(std::string const& subType, Ways const& ways) {
-    const auto [LL, LR, RL, RR] = std::tie(ways.LL, ways.LR, ways.RL, ways.RR);
-    const auto product = [](auto a, auto b) { return a * b; };
-    if (subType.starts_with("recursive")) {
-        const auto ratio = [&](Spectrum const& far, Spectrum const& near) {
-            // The loop has to stay below a gain of 1 at both ends of the band, where the measurements hold nothing.
-            const auto limited = [](auto a, auto b) { return a * b * std::min(1.0, 0.9 / (std::abs(a * b) + 1e-9)); };
-            return ResponseOf(Combine(limited, far, Inverse(near, -50.0)), -8, 512);
-        };
-        return {ratio(RL, RR), ratio(LR, LL), ResponseOf(Inverse(LL, -60.0), 128, 512),
-                ResponseOf(Inverse(RR, -60.0), 128, 512)};
-    }
-    const Spectrum inverse =
-        Inverse(Combine([](auto ll, auto lr, auto rl, auto rr) { return ll * rr - lr * rl; }, LL, LR, RL, RR), -50.0);
-    if (subType == "leastsquares") {
-        const auto entry = [&](Spectrum const& way) { return ResponseOf(Combine(product, way, inverse), 384, 1024); };
-        const auto minus = [](auto a) { return -a; };
-        return {entry(RR), entry(Combine(minus, LR)), entry(Combine(minus, RL)), entry(LL)};
-    }
-    const std::vector<float> last = ResponseOf(inverse, 512, 1024);
-    const auto half = [](Spectrum const& a, Spectrum const& b, double sign) {
-        return ResponseOf(Combine([&](auto x, auto y) { return 0.5 * (x + sign * y); }, a, b), 0, 1024);
-    };
-    if (subType.starts_with("shuffler"))
-        return {half(RR, RL, 1.0), half(LL, LR, 1.0), half(RR, RL, -1.0), half(LL, LR, -1.0), last, last};
-    const auto whole = [](Spectrum const& way) { return ResponseOf(way, 0, 1024); };
-    return {whole(RR), whole(RL), whole(LR), whole(LL), last, last};
-}
-
-// Filters made from the measured ways, also for loudspeakers that don't mirror each other. Red if any two filters
-// change places, if a sign changes, if the loop comes later than a block, or if an impulse response isn't applied as it
-// is.
-TEST(TransauralDecoder, EveryNetworkInvertsTheWays) {
-    struct Case {
-        char const* subType;
-        double reductionDb;
-    };
-    for (Case const& c :
-         {Case{"shufflerasymmetric", 100.0}, Case{"feedforwardsymmetric", 100.0}, Case{"feedforwardasymmetric", 100.0},
-          Case{"leastsquares", 43.0}, Case{"recursivesymmetric", 19.0}, Case{"recursiveasymmetric", 17.5}})
-        for (const int right : {30, 45}) {
-            Member const& member = *std::find_if(std::begin(members), std::end(members),
-                                                 [&](auto const& m) { return std::string(m.subType) == c.subType; });
-            if (member.symmetric && right != 30) continue;
-            const Ways ways(30, right);
-            const bool loop = std::string(c.subType).starts_with("recursive");
-            const unsigned int blockSize = loop ? 8 : 64;
-            const TemporaryFile file(".bin2trans", FirFile(member, {At(-30), At(right)}, FiltersOf(c.subType, ways)));
-            auto decoder = Make(c.subType);
-            decoder->Configure(44100.0f, blockSize, true);
-            ASSERT_TRUE(decoder->LoadFromFile(file.name.c_str())) << c.subType;
-            if (!loop)
-                dynamic_cast<FilteredTransauralDecoder&>(*decoder).SetFIRFiltersImplementationMethod("fftconvolution");
-            const Lume::CartesianVector speakers[] = {At(right), At(-30)};  // sorted by the decoder
-            decoder->SetLoudspeakerPositions(speakers);
-            std::printf("%s, 30 and %d degrees: ", c.subType, right);
-            const Figures figures = Measure(*decoder, ways, blockSize);
-            EXPECT_GE(figures.reductionDb, c.reductionDb) << c.subType;
-            EXPECT_NEAR(figures.levelDb, 0.0, 2.0) << c.subType;
-            EXPECT_LE(figures.colourDb, 2.5) << c.subType;
-        }
 }
 
 /// Some short filters that are all different.

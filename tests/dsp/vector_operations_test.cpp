@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <numbers>
 #include <vector>
-
-#include "dsp/vector_statistics.h"
 
 namespace {
 
@@ -75,45 +72,6 @@ TYPED_TEST(VectorOperations, LevelsFunctionsAndFrames) {
     orvandsp::DeinterleaveSamples(back, frames.data(), 2, 4);
     EXPECT_EQ(out, a);
     EXPECT_EQ(out2, b);
-}
-
-// Against figures worked out by hand.
-TYPED_TEST(VectorOperations, Statistics) {
-    using V = std::vector<TypeParam>;
-    V a = {1, -2, 3, 4}, b = {5, 6, -7, 8};
-    unsigned long index = 9;
-    EXPECT_EQ(orvandsp::GetMaximumValueWithIndex(a.data(), 4, index), TypeParam{4});
-    EXPECT_EQ(index, 3u);
-    EXPECT_EQ(orvandsp::GetMinimumValue(a.data(), 4), TypeParam{-2});
-    EXPECT_EQ(orvandsp::MeanValue(a.data(), 4), TypeParam{1.5});
-    EXPECT_EQ(orvandsp::MeanMagnitude(a.data(), 4), TypeParam{2.5});
-    EXPECT_EQ(orvandsp::SquareNorm(a.data(), 4), TypeParam{30});
-    EXPECT_NEAR(orvandsp::Norm(a.data(), 4), 5.477226, 1e-5);
-    EXPECT_NEAR(orvandsp::RootMeanSquare(a.data(), 4), 2.738613, 1e-5);
-    EXPECT_EQ(orvandsp::DotProd(a.data(), b.data(), 4), TypeParam{4});
-    EXPECT_EQ(orvandsp::Variance(a.data(), 4), TypeParam{5.25});
-    EXPECT_NEAR(orvandsp::StandardDeviation(a.data(), 4), 2.291288, 1e-5);
-    EXPECT_EQ(orvandsp::Covariance(a.data(), b.data(), 4), TypeParam{-3.5});
-
-    const V x = {1, 2, 4, 5}, y = {-1, 1, 5, 7};  // 2 x - 3
-    TypeParam slope, intercept;
-    orvandsp::LinearRegression(slope, intercept, x.data(), y.data(), 4);
-    EXPECT_NEAR(slope, 2.0, 1e-6);
-    EXPECT_NEAR(intercept, -3.0, 1e-5);
-
-    orvandsp::SortByDecreasingValues(a.data(), 4);
-    EXPECT_EQ(a, (V{4, 3, 1, -2}));
-    orvandsp::SortByIncreasingValues(a.data(), 4);
-    EXPECT_EQ(a, (V{-2, 1, 3, 4}));
-
-    std::srand(7);
-    V noise(20000);
-    orvandsp::NormalRandomDistribution(noise.data(), 3, 2, 20000);
-    EXPECT_NEAR(orvandsp::MeanValue(noise.data(), 20000), 3.0, 0.06);  // four standard errors
-    EXPECT_NEAR(orvandsp::StandardDeviation(noise.data(), 20000), 2.0, 0.04);
-    const auto within = std::count_if(noise.begin(), noise.end(),
-                                      [](TypeParam v) { return std::abs(v - TypeParam{3}) < TypeParam{2}; });
-    EXPECT_NEAR(static_cast<double>(within) / 20000.0, 0.6827, 0.014);
 }
 
 }  // namespace

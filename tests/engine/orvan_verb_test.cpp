@@ -8,7 +8,6 @@
 #include <functional>
 #include <tuple>
 
-#include "engine/controls.h"
 #include "engine/engine_rig.h"
 #include "support/allocation_count.h"
 #include "support/failure.h"
@@ -173,34 +172,6 @@ TEST(OrvanVerb, ControlsOfALayerReachWhatTheyShould) {
     ExpectSameBits(record(reverb, nothing), record(reverb, clusterLayer));
 }
 
-// Red if the setter of one value writes another one, or isn't taken up: with the other five it makes the whole.
-TEST(OrvanVerb, SettersOfOneValueArePartsOfTheWhole) {
-    using Whole = void (OrvanVerb::*)(Lume::HLShelfParameters const&);
-    constexpr std::array values{-3.0f, -6.0f, 2.0f, -9.0f, 300.0f, 3000.0f};
-    std::vector<Control> const& controls = AllControls();  // six of each layer come first
-    std::size_t layer = 0;
-    for (const Whole whole : {&OrvanVerb::SetDirectParameters, &OrvanVerb::SetRoomParameters,
-                              &OrvanVerb::SetEarlyParameters, &OrvanVerb::SetClusterParameters}) {
-        const auto respond = [&](std::array<float, 6> const& v, auto change) {
-            EngineRig rig(1, 4, 8);
-            SetAllLayers(rig.engine, 0.0f, 0.0f, 0.0f, -800.0f);
-            (rig.engine.*whole)({v[0], v[1], v[2], v[3], v[4], v[5]});
-            change(rig.engine);
-            rig.Settle();
-            return rig.ImpulseResponse(0.15);
-        };
-        const auto complete = respond(values, [](OrvanVerb&) {});
-        for (std::size_t k = 0; k < values.size(); ++k) {
-            Control const& control = controls[6 * layer + k];
-            SCOPED_TRACE(control.name);
-            auto others = values;
-            others[k] = control.usual;
-            ExpectSameBits(complete, respond(others, [&](OrvanVerb& e) { control.set(e, values[k]); }));
-        }
-        ++layer;
-    }
-}
-
 // Red if decibels are those of another quantity, or a gain is applied by the ramp and by the shelf.
 TEST(OrvanVerb, LayerGainsAreDecibelsAndActOnce) {
     using Set = std::function<void(OrvanVerb&, float)>;
@@ -303,26 +274,6 @@ TEST(OrvanVerb, EveryInputCountsAndOutputsMayBeInputs) {
     const short inactive[orvandsp::MaxNumChannels] = {};
     ExpectSameBits(reference, record([&](EngineRig& rig) { rig.activeInputs = inactive; }));
     ExpectSameBits(reference, record([](EngineRig& rig) { rig.outputs = rig.inputs; }));
-}
-
-// Red if a block shorter than the largest is processed to the largest's end in the caller's arrays, or if what stands
-// behind it in the buses is heard.
-TEST(OrvanVerb, ShortBlocksKeepToTheirLength) {
-    const auto play = [](unsigned int largest) {
-        EngineRig rig(2, 4, 8, 48000.0f, 16);
-        rig.engine.SetMaxBlockSize(largest);
-        SetAllLayers(rig.engine, 0.0f, 0.0f, 0.0f, 0.0f);
-        rig.Silence(0.3);
-        rig.engine.Clear();
-        return rig.Run(9600, Noise);
-    };
-    const auto exact = play(16);
-    const auto roomy = play(64);
-    float difference = 0.0f;
-    for (std::size_t c = 0; c < exact.size(); ++c)
-        for (std::size_t t = 0; t < exact[c].size(); ++t)
-            difference = std::max(difference, std::fabs(exact[c][t] - roomy[c][t]));
-    EXPECT_LT(difference, 1e-4f);
 }
 
 TEST(OrvanVerb, ProcessAllocatesNothing) {

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <numbers>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -166,16 +165,6 @@ TEST(HrtfData, NearestPointIsTheFirstOfEquals) {
     EXPECT_EQ(set.GetNearestHrtfPoint({1, 0, 0}).index, 1u);
     EXPECT_EQ(set.GetNearestHrtfPoint({0.1f, 0, 0}).index, 3u);
     EXPECT_EQ(set.GetNearestHrtfPoint({std::nanf(""), 0, 0}).index, 0u);
-}
-
-TEST(HrtfTypes, NamesAndNumbersBelongTogether) {
-    for (int type = 0; type <= 8; ++type)
-        EXPECT_EQ(Lume::GetHrtfType(Lume::GetHrtfTypeName(static_cast<Lume::HrtfType>(type))), type);
-    for (int type = 0; type <= 5; ++type)
-        EXPECT_EQ(Lume::GetHrtfFilterType(Lume::GetHrtfFilterTypeName(static_cast<Lume::HrtfFilterType>(type))), type);
-    EXPECT_EQ(Lume::GetHrtfFilterType("BIQUAD"), Lume::hrtfBiquadCells);
-    EXPECT_EQ(Lume::GetHrtfTypeName(static_cast<Lume::HrtfType>(9)), "");
-    EXPECT_EQ(Lume::GetFlagItdExtracted(static_cast<Lume::FlagItdExtracted>(2)), "unknown itd flag");
 }
 
 }  // namespace

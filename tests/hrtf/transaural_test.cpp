@@ -6,7 +6,6 @@
 #include <string>
 
 #include "hrtf/asymmetric_transaural_data_loader.h"
-#include "hrtf/spherical_harmonic_manager.h"
 #include "hrtf/symmetric_transaural_data_loader.h"
 #include "support/failure.h"
 #include "support/sdif_writer.h"
@@ -124,33 +123,6 @@ TEST(AsymmetricTransauralDataLoader, BadFilesAreNamed) {
     // And a symmetric set must have one.
     const TemporaryFile two(".bin2trans", TransauralFile("BinauralToTransauralShufflerSymmetric", 2));
     EXPECT_EQ(LoadingSays<SymmetricTransauralDataLoader>(two.name), "exception reading XPOS matrix " + two.name);
-}
-
-/// A set of four harmonics and three bins: each value tells its ear (tens), its row and its bin.
-struct SmallSet : Lume::SphericalHarmonicData {
-    SmallSet() {
-        left = right = orvandsp::MatrixComplex(4, 3, 0.0f);
-        for (unsigned int row = 0; row < 4; ++row)
-            for (unsigned int bin = 0; bin < 3; ++bin) {
-                left[row][bin] = {static_cast<float>(row), static_cast<float>(bin)};
-                right[row][bin] = {10.0f + static_cast<float>(row), static_cast<float>(bin)};
-            }
-    }
-};
-
-TEST(SphericalHarmonicData, RowsAreHarmonicsInTheOrderOfTheirDegrees) {
-    const SmallSet set;
-    EXPECT_EQ(set.GetData(0, 0, 2, 1), std::complex(0.0f, 2.0f));
-    EXPECT_EQ(set.GetData(1, -1, 0, 1), std::complex(1.0f, 0.0f));
-    EXPECT_EQ(set.GetData(1, 1, 1, 2), std::complex(13.0f, 1.0f));
-    EXPECT_EQ(set.GetData(1, 1, 1, 0), std::complex(0.0f, 0.0f));
-    EXPECT_EQ(set.GetData(1, 1, 1, 3), std::complex(0.0f, 0.0f));
-
-    const Lume::SphericalHarmonicManager empty("set.shb");
-    EXPECT_EQ(empty.GetNumFrequencyBins(), 0u);
-    EXPECT_EQ(empty.GetData(0, 0, 0, 1), std::complex(0.0f, 0.0f));
-    EXPECT_EQ(empty.GetSphericalHarmonicInfo().filterType, Lume::hrtfSHCoeff);
-    EXPECT_EQ(empty.GetNormalization(), Lume::SchmidtSeminormalized3D);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -66,24 +65,6 @@ TEST_F(Services, UsersSeeWhatIsTheirs) {
     EXPECT_FALSE(IsAttributeInvisible(probe.Object(), "nobody"));
 }
 
-// Shown texts; the reference file shows the others.
-TEST_F(Services, AttributesTellAboutThemselves) {
-    std::string value, type;
-    GetAttributeDefaultValue(GetAttributeByName(probe.Object(), "gains"), value, "-");
-    EXPECT_EQ(value, "0.25");
-    GetAttributeUnits(GetAttributeByName(probe.Object(), "mute"), value, "-");
-    EXPECT_EQ(value, "-");
-    GetAttributeDefaultValue(probe.Object(), "nobody", value, "none");
-    EXPECT_EQ(value, "none");
-    GetAttributeType(GetAttributeByName(probe.Object(), "level"), type);
-    EXPECT_EQ(type, "float32");
-    std::vector<std::string> choices;
-    GetAttributeEnumChoices(GetAttributeByName(probe.Object(), "mode"), choices, "-");
-    EXPECT_EQ(choices, (std::vector<std::string>{"soft", "hard", ""}));
-    GetAttributeEnumChoices(GetAttributeByName(probe.Object(), "level"), choices, "-");
-    EXPECT_EQ(choices, std::vector<std::string>{"-"});
-}
-
 TEST_F(Services, AttributesArePosted) {
     probe.Send("table 1 2");
     EXPECT_EQ(probe.Send("postattributes level"), "post: level : 1.500000 |");
@@ -94,18 +75,6 @@ TEST_F(Services, AttributesArePosted) {
                    "post: found 8 attributes|post: bypass : 0 |post: gains : 0.250000 -2.000000 "
                    "|post: hush : 3.000000 |post: level : 1.500000 |post: mode : soft |post: mute : 0 |"
                    "post: seed : 6 |post: table : 1.000000 2.000000 |");
-}
-
-TEST_F(Services, VersionAndStatusFollowTheOrderOfTheCallback) {
-    EXPECT_EQ(probe.Send("version"), "post: Version 1.2.3|");
-    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is enabled|");
-    probe.Send("bypass 1");
-    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is bypassed|");
-    probe.Record()->ob.z_disabled = 1;
-    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is muted|");
-    probe.Record()->ob.z_disabled = 0;
-    probe.Send("mute 1");
-    EXPECT_EQ(probe.Send("postdspstatus"), "post: dsp processing is muted|");
 }
 
 TEST_F(Services, DumpsLeaveInOneList) {
@@ -193,14 +162,6 @@ TEST_F(Services, PresetsComeBackAsMessages) {
     EXPECT_FALSE(ProbeBox().box.RecallPreset(preset));
     EXPECT_EQ(probe.Send("recallpreset"), "");
     probe.Send("preset");  // into no buffer
-}
-
-TEST_F(Services, ErrorsHaveNames) {
-    EXPECT_STREQ(HostErrorName(-3), "MAX_ERR_DUPLICATE");
-    EXPECT_STREQ(HostErrorName(-5), "unknown MAX_ERR");
-    const double values[] = {1.0, 2.5};
-    post_double_array(probe.Object(), values, 2, "pair");
-    EXPECT_EQ(probe.Lines(), "post: pair : 1.000000 2.500000 |");
 }
 
 // The whole file of a small class, as text: order, blank lines and all.

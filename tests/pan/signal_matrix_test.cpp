@@ -47,19 +47,6 @@ TEST(SignalMatrix, EachSetterReachesItsElements) {
     EXPECT_EQ(heard([&](SignalMatrix& m) { m.SetRowGains(2, nullptr); }), (Heard{77, 77, 77}));
 }
 
-// Red if GetGains tells requests instead of targets, which change at the end of a cycle.
-TEST(SignalMatrix, GetGainsTellsTargets) {
-    SignalMatrix mixer(1, 2);
-    Matrix<float> gains;
-    mixer.SetGains(2.0f);
-    Outputs(mixer, cycle - 1);
-    mixer.GetGains(gains);
-    EXPECT_EQ(gains.GetRow(0), (std::vector<float>{0.0f, 0.0f}));
-    EXPECT_EQ(Outputs(mixer, 1)[0], 0.0f);
-    mixer.GetGains(gains);
-    EXPECT_EQ(gains.GetRow(0), (std::vector<float>{2.0f, 2.0f}));
-}
-
 // Red if the ramp's time is kept in samples, if its elapsed part is lost, or if a ramp of no length stops the mixing.
 TEST(SignalMatrix, RampTimeFollowsTheSampleRate) {
     SignalMatrix mixer(1, 1);

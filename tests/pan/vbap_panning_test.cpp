@@ -157,48 +157,6 @@ TEST(VbapPanning, SlightlyNegativeGainsStay) {
     EXPECT_EQ(Power(GainsAt(panner, {0, 0, -1})), 0.0);
 }
 
-// Of two equal diagonals of a square the later pair survives: on the upper face of the cube 1-3, not 0-2.
-TEST(VbapPanning, TheLaterOfEqualDiagonalsSurvives) {
-    VbapPanning panner(1, 8);
-    panner.SetLoudspeakerPositions(Lume::Speakers::cube);
-    std::vector<std::array<unsigned int, 3>> triplets(panner.GetNumTriplets());
-    panner.GetTriplets(triplets.front().data());
-    EXPECT_EQ(std::count(triplets.begin(), triplets.end(), (std::array<unsigned int, 3>{0, 1, 3})), 1);
-    EXPECT_EQ(std::count(triplets.begin(), triplets.end(), (std::array<unsigned int, 3>{1, 2, 3})), 1);
-}
-
-// 5 degrees below the centre loudspeaker of 5.0.4 the triplet of it and the two heights has the larger smallest gain,
-// -0.06 against -0.12, but two such gains; left and centre with one height have one.
-TEST(VbapPanning, FewNegativeGainsGoBeforeSmallOnes) {
-    VbapPanning panner(1, 9);
-    panner.SetLoudspeakerPositions(layouts[1].positions.data());
-    unsigned int active[3];
-    panner.GetActiveTriplet(At(0, -5), active);
-    EXPECT_EQ(std::vector<unsigned int>(active, active + 3), (std::vector<unsigned int>{0, 2, 5}));
-}
-
-// Closed forms: a right-angled corner has volume 1 over three quarter circles; flat triangles have none.
-TEST(VbapPanning, UsefulnessOfATriplet) {
-    const Layout points = {{0, 1, 0}, {2, 0, 0}, {0, 0, 1}, {0, -1, 0}, {2, 0, 0}, {0, 0, 0}};
-    VbapPanning panner(1, 6);
-    panner.SetLoudspeakerPositions(points.data());
-    EXPECT_NEAR(panner.vol_p_side_lgth(0, 1, 2), 1.0 / (1.5 * std::numbers::pi), 1e-6);
-    EXPECT_EQ(panner.vol_p_side_lgth(0, 1, 3), 0.0f);
-    EXPECT_EQ(panner.vol_p_side_lgth(0, 1, 4), 0.0f);
-    EXPECT_EQ(panner.vol_p_side_lgth(5, 5, 5), 0.0f);
-}
-
-// Red if arcs that meet in a loudspeaker, or the far sides of two great circles, count as crossing.
-TEST(VbapPanning, ArcsCross) {
-    const Layout points = {At(-20), At(20), At(0, -20), At(0, 20), At(180, 20), At(180, -20)};
-    VbapPanning panner(1, 6);
-    panner.SetLoudspeakerPositions(points.data());
-    EXPECT_TRUE(panner.lines_intersect(0, 1, 2, 3));
-    EXPECT_FALSE(panner.lines_intersect(0, 1, 4, 5));
-    EXPECT_FALSE(panner.lines_intersect(0, 3, 1, 2));
-    EXPECT_FALSE(panner.lines_intersect(0, 1, 1, 3));
-}
-
 // Layouts that can't be served are silent.
 TEST(VbapPanning, BadLayoutsAreSilent) {
     const float nan = std::nanf("");
