@@ -2,13 +2,14 @@
 
 #include <algorithm>
 
-#include "harmonics/ambisonic_encoding.h"
+#include "harmonics/spherical_harmonics.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
 
 HOA2DPanning::HOA2DPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
-    : HOAPanning(numberOfInputs, numberOfOutputs, (std::max(numberOfOutputs, 1u) - 1) / 2, SN2D) {}
+    : HOAPanning(numberOfInputs, numberOfOutputs, (std::max(numberOfOutputs, 1u) - 1) / 2, SN2D,
+                 SortedCylindricalHarmonics) {}
 
 Pan* HOA2DPanning::Create(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
     if (numberOfOutputs % 2 == 0) return new NullPanning;
@@ -22,7 +23,7 @@ void HOA2DPanning::SetEncodingConvention(HOAEncodingConvention convention) {
 
 void HOA2DPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
     const auto normalization = infos.encodingConvention == N2D ? FullyNormalized2D : SchmidtSeminormalized2D;
-    StoreGains(AmbisonicEncodingVector2D(infos.order, position, normalization, infos.sorting), gains);
+    Encode(position, normalization, gains);
 }
 
 }  // namespace Lume

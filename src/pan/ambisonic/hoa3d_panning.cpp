@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "harmonics/ambisonic_encoding.h"
+#include "harmonics/spherical_harmonics.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -18,7 +18,7 @@ float OrderOf(unsigned int numOutputs) {
 
 HOA3DPanning::HOA3DPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : HOAPanning(numberOfInputs, numberOfOutputs, static_cast<unsigned int>(OrderOf(std::max(numberOfOutputs, 1u))),
-                 SN3D) {}
+                 SN3D, SortedSphericalHarmonics) {}
 
 Pan* HOA3DPanning::Create(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
     const float order = OrderOf(numberOfOutputs);
@@ -33,7 +33,7 @@ void HOA3DPanning::SetEncodingConvention(HOAEncodingConvention convention) {
 
 void HOA3DPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
     const auto normalization = infos.encodingConvention == N3D ? FullyNormalized3D : SchmidtSeminormalized3D;
-    StoreGains(AmbisonicEncodingVector(infos.order, position, normalization, infos.sorting), gains);
+    Encode(position, normalization, gains);
 }
 
 }  // namespace Lume

@@ -1,8 +1,9 @@
 #include "pan/ambisonic/hoa_panning.h"
 
-#include <algorithm>
 #include <map>
 #include <string>
+
+#include "harmonics/ambisonic_encoding.h"
 
 namespace Lume {
 
@@ -12,6 +13,7 @@ void HOAPanning::SetEncodingConvention(char const* name) {
 
 void HOAPanning::SetSphericalHarmonicsSorting(SphericalHarmonicsSorting sorting) {
     infos.sorting = sorting;
+    channels = harmonics(infos.order, sorting);
     forceUpdate(false);
 }
 
@@ -31,13 +33,21 @@ HOAPanning::HOAEncodingConvention HOAPanning::GetHOAPannerConvention(char const*
 }
 
 HOAPanning::HOAPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs, unsigned int order,
-                       HOAEncodingConvention convention)
-    : AmplitudePanning(numberOfInputs, numberOfOutputs), infos{order, convention, IncreasingDegrees} {}
+                       HOAEncodingConvention convention,
+                       std::vector<HarmonicIndex> (*newHarmonics)(unsigned int, SphericalHarmonicsSorting))
+    : AmplitudePanning(numberOfInputs, numberOfOutputs),
+      infos{order, convention, IncreasingDegrees},
+      harmonics(newHarmonics),
+      channels(harmonics(order, IncreasingDegrees)) {}
 
-void HOAPanning::StoreGains(std::vector<double> const& encoding, float* gains) const {
-    // The number of outputs may have been lowered since the order was computed from it.
-    const std::size_t count = std::min<std::size_t>(encoding.size(), numOutputs);
-    for (std::size_t i = 0; i < count; ++i) gains[i] = static_cast<float>(encoding[i]);
+void HOAPanning::Encode(CartesianVector const& position, SphericalHarmonicsNormalization normalization,
+                        float* gains) const {
+    const HarmonicAngles angles(position);
+    for (unsigned int i = 0; i < numOutputs; ++i)
+        gains[i] = i < channels.size()
+                       ? static_cast<float>(AmbisonicEncodingComponent(
+                             channels[i].degree, channels[i].order, angles.colatitude, angles.azimuth, normalization))
+                       : 0.0f;
 }
 
 }  // namespace Lume

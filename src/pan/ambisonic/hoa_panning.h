@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "harmonics/spherical_harmonics.h"
 #include "pan/amplitude_panning.h"
 
@@ -48,12 +50,18 @@ public:
     }
 
 protected:
-    HOAPanning(unsigned int numInputs, unsigned int numOutputs, unsigned int order, HOAEncodingConvention convention);
+    /// @param harmonics  which channels there are, in some sorting
+    HOAPanning(unsigned int numInputs, unsigned int numOutputs, unsigned int order, HOAEncodingConvention convention,
+               std::vector<HarmonicIndex> (*harmonics)(unsigned int order, SphericalHarmonicsSorting sorting));
 
-    /// Narrows an encoding vector into the gains of one source.
-    void StoreGains(std::vector<double> const& encoding, float* gains) const;
+    /// Encodes a position into the gains of one source. Real-time safe.
+    void Encode(CartesianVector const& position, SphericalHarmonicsNormalization normalization, float* gains) const;
 
     HOAPannerInfos infos;
+
+private:
+    std::vector<HarmonicIndex> (*harmonics)(unsigned int order, SphericalHarmonicsSorting sorting);
+    std::vector<HarmonicIndex> channels;  // empty for a sorting that is none
 };
 
 }  // namespace Lume
