@@ -317,22 +317,50 @@ void OrvanVerb::SetSourcePosition(unsigned int source, CartesianVector const& po
     // A copy: the argument may be an entry of the vector.
     const CartesianVector p = WithinReach(position);
     sourcePositions[source] = p;
-    const CartesianVector inPanner = format != nullptr ? format->ToPanner(p) : p;
-    if (directPan) directPan->SetSourcePosition(source, inPanner, false);
-    if (earlyPan) {
-        const float halfWidth = HalfDegreeToRadians * earlyWidth;
-        earlyPan->SetSourcePosition(0, halfWidth != 0.0f ? Turned(inPanner, halfWidth) : inPanner, false);
-        earlyPan->SetSourcePosition(1, halfWidth != 0.0f ? Turned(inPanner, -halfWidth) : inPanner, false);
-    }
+    PlaceInPanner(source);
+    PlaceReflections(source);
     const float distance = std::min(std::max(Defaults::minSourceDistance, p.radius()), Defaults::maxSourceDistance);
     directDistanceRamps[source].Start(1.0f / (distance * distance), DistanceRampTime);
     roomSendRamps[source].Start(1.0f / distance, DistanceRampTime);
 }
 
+void OrvanVerb::PlaceInPanner(unsigned int source) {
+    if (directPan) directPan->SetSourcePosition(source, ToPanner(sourcePositions[source]), false);
+}
+
+void OrvanVerb::PlaceReflections(unsigned int source) {
+    lastPlaced = source;
+    if (!earlyPan) return;
+    const CartesianVector inPanner = ToPanner(sourcePositions[source]);
+    const float halfWidth = HalfDegreeToRadians * earlyWidth;
+    earlyPan->SetSourcePosition(0, halfWidth != 0.0f ? Turned(inPanner, halfWidth) : inPanner, false);
+    earlyPan->SetSourcePosition(1, halfWidth != 0.0f ? Turned(inPanner, -halfWidth) : inPanner, false);
+}
+
+/// From the room's axes to the head's, and to those of the format.
+CartesianVector OrvanVerb::ToPanner(CartesianVector const& position) const {
+    const CartesianVector heard = roomToHead ? Rotated(*roomToHead, position) : position;
+    return format != nullptr ? format->ToPanner(heard) : heard;
+}
+
+void OrvanVerb::SetOrientation(Orientation const& newOrientation) {
+    if (!std::isfinite(newOrientation.yaw) || !std::isfinite(newOrientation.pitch) ||
+        !std::isfinite(newOrientation.roll))
+        return;
+    orientation = newOrientation;
+    Orientation heard = orientation;
+    if (format != nullptr ? !format->inSpace : !IsBinaural()) heard.pitch = heard.roll = 0.0f;
+    roomToHead.reset();
+    if (heard.yaw != 0.0f || heard.pitch != 0.0f || heard.roll != 0.0f) roomToHead = RoomToHead(heard);
+    for (unsigned int i = 0; i < sourcePositions.size(); ++i) PlaceInPanner(i);
+    if (lastPlaced < sourcePositions.size()) PlaceReflections(lastPlaced);
+}
+
 void OrvanVerb::SetSpeakersPositions(CartesianVector const* positions) {
     for (std::size_t i = 0; i < speakerPositions.size(); ++i)
         if (IsNumber(positions[i])) speakerPositions[i] = WithinReach(positions[i]);
-    // The diffuse field takes no account of where the loudspeakers stand.
+    // Of the diffuse fields that of one format alone takes account of where the loudspeakers stand.
+    if (diffusePan) diffusePan->SetLoudspeakerPositions(speakerPositions.data());
     if (directPan) directPan->SetLoudspeakerPositions(speakerPositions.data());
     if (earlyPan) earlyPan->SetLoudspeakerPositions(speakerPositions.data());
 }

@@ -11,6 +11,7 @@
 #include "engine/room_format.h"
 #include "filters/multi_faded_hl_shelf.h"
 #include "geometry/cartesian_vector.h"
+#include "geometry/orientation.h"
 #include "hrtf/hrtf_header_infos.h"
 #include "pan/pan.h"
 #include "parameters/hl_shelf_parameters.h"
@@ -139,8 +140,18 @@ public:
     /// @param position  [m]; the distance counts as 0.3 to 100 m
     void SetSourcePosition(unsigned int source, CartesianVector const& position);
 
+    /// Turns the listener's head in the room: whatever the outputs are, directions are heard as the head has them, and
+    /// distances stay. Formats without heights (RoomFormat::inSpace), and loudspeakers in a ring, follow the yaw alone.
+    /// The loudspeakers turn with the head, and so does the diffuse field, which comes from everywhere. Takes the
+    /// panner's 30 ms cycle. Real-time safe, at the cost of placing every source.
+    /// @param newOrientation  one that isn't finite changes nothing
+    void SetOrientation(Orientation const& newOrientation);
+    Orientation const& GetOrientation() const noexcept { return orientation; }
+
     /// Places the loudspeakers: what they play of direct sound and early reflections changes within 30 ms. The diffuse
-    /// field doesn't know where loudspeakers stand. Without effect on the two channels of a binaural engine.
+    /// field doesn't know where loudspeakers stand, but in formats that say so (RoomFormat::bySolidAngle). Real-time
+    /// safe but in formats that choose triplets: vbap, dome and vdbap allocate. Without effect on the two channels of a
+    /// binaural engine.
     /// @param positions  one per loudspeaker [m]
     void SetSpeakersPositions(CartesianVector const* positions);
 
@@ -329,6 +340,9 @@ public:
 protected:
     bool CreatePanners(unsigned int numSources, unsigned int numSpeakers);
     std::unique_ptr<Pan> MakePan(unsigned int numInputs, unsigned int numSpeakers, Pan::SubType role) const;
+    void PlaceInPanner(unsigned int source);
+    void PlaceReflections(unsigned int source);
+    CartesianVector ToPanner(CartesianVector const& position) const;
     float** AtTheDoor(float** inputs, unsigned long numSamples);
     void ProcessRoom(unsigned long numSamples);
     void AddDirectLayer(float** outputs, unsigned long numSamples, float gain);
@@ -407,6 +421,9 @@ protected:
     std::vector<orvandsp::Ramp> directDistanceRamps;  // 1/d^2 of each source
     std::vector<orvandsp::Ramp> roomSendRamps;        // 1/d of each source
     std::vector<CartesianVector> sourcePositions;
+    unsigned int lastPlaced = 0;  // the source that the early reflections follow
+    Orientation orientation;
+    std::optional<RotationMatrix> roomToHead;  // none for the head that looks ahead
     std::vector<CartesianVector> speakerPositions;
     std::optional<std::uint32_t> randomSeed;  // for the early gains, if they aren't the process's to draw
     std::vector<float> earlyGains;            // one signed gain per early tap

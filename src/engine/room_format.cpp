@@ -6,6 +6,7 @@
 #include "pan/amplitude_panning.h"
 #include "pan/diffuse/decorrelated_mixing.h"
 #include "pan/diffuse/reverb_panning.h"
+#include "pan/diffuse/solid_angle_mixing.h"
 #include "pan/stereo/stereo_pair_panning.h"
 
 namespace Lume {
@@ -48,6 +49,8 @@ constexpr RoomFormat rows[] = {
     {"angular", "a ring, by angles", loudspeakers, false, false, Make<Pan::angular>, Supports<Pan::angular>},
     {"vbap2d", "a ring, by pairs", loudspeakers, false, false, Make<Pan::vbap2d>, Supports<Pan::vbap2d>},
     {"vbap", "loudspeakers in space, by triplets", loudspeakers, true, false, Make<Pan::vbap>, Supports<Pan::vbap>},
+    {"dome", "loudspeakers in space, by triplets, the room's field by solid angle", loudspeakers, true, false,
+     Make<Pan::vbap>, Supports<Pan::vbap>, true},
     {"dbap", "loudspeakers anywhere in the plane, by distance", loudspeakers, false, false, Make<Pan::dbap>,
      Supports<Pan::dbap>},
     {"dbap3d", "loudspeakers anywhere, by distance", loudspeakers, true, false, Make<Pan::dbap3d>,
@@ -100,6 +103,9 @@ std::unique_ptr<Pan> RoomFormat::MakePan(unsigned int numInputs, unsigned int nu
     if (!supports(numOutputs)) return nullptr;
     if (role != Pan::diffuse || outputs == ears) return std::unique_ptr<Pan>(make(numInputs, numOutputs, role));
 
+    if (bySolidAngle)
+        return std::make_unique<SolidAngleMixing>(
+            ComputeDecorrelatedMixing(numInputs, std::vector<float>(numOutputs, static_cast<float>(numInputs))));
     // Waves of power 1 from everywhere, as many as there are channels.
     std::vector<float> powers(numOutputs, 1.0f / static_cast<float>(numOutputs));
     if (outputs == harmonics) {

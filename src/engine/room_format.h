@@ -12,7 +12,8 @@ namespace Lume {
 /// spread. A row of roomFormats; fronts name them.
 ///
 /// Loudspeakers and microphone techniques get a diffuse field of equal power in each output; ambisonic channels get an
-/// isotropic one, each channel with the mean power that waves from everywhere give it. As many outputs as the room has
+/// isotropic one, each channel with the mean power that waves from everywhere give it; one format of loudspeakers has
+/// an isotropic field, too, each with the power of its solid angle (SolidAngleMixing). As many outputs as the room has
 /// internal channels are uncorrelated (ComputeDecorrelatedMixing).
 struct RoomFormat {
     /// What an output is.
@@ -25,6 +26,7 @@ struct RoomFormat {
     bool ambixAxes;  ///< whether the panner's x axis points ahead and its y axis to the left
     Pan* (*make)(unsigned int numInputs, unsigned int numOutputs, Pan::SubType role);
     bool (*supports)(unsigned int numOutputs);
+    bool bySolidAngle = false;  ///< whether the diffuse field's power follows where the loudspeakers stand
 
     /// The panner of direct sound or early reflections, or of the diffuse field. Null if the format has no such number
     /// of outputs.

@@ -12,6 +12,8 @@ struct Orientation {
     float yaw = 0.0f;
     float pitch = 0.0f;
     float roll = 0.0f;
+
+    bool operator==(Orientation const&) const = default;
 };
 
 /// A rotation: rows and columns x, y, z.

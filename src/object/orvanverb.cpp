@@ -27,6 +27,9 @@ constexpr unsigned int provisionalBlockSize = 64;
 /// Of the engines of new objects; none: they draw from the process's rand().
 std::optional<std::uint32_t> randomSeed;
 
+/// Of the engines of new objects; null: that of the class.
+Lume::RoomFormat const* roomFormat = nullptr;
+
 Lume::CartesianVector Position(float const* positions, unsigned int index) {
     return {positions[3 * index], positions[3 * index + 1], positions[3 * index + 2]};
 }
@@ -75,15 +78,22 @@ void orvanverb_seed(std::uint32_t seed) {
     randomSeed = seed;
 }
 
+void orvanverb_format(Lume::RoomFormat const* format) {
+    roomFormat = format;
+}
+
 Lume::OrvanVerb* orvanverb_initialize(orvanverb_t* x) {
     if (x->initialized != 0) return x->engine;
-    if (!Lume::OrvanVerb::SupportsConfiguration(x->numsources, x->numspeakers, x->numinternals)) {
+    if (!(roomFormat != nullptr
+              ? Lume::OrvanVerb::SupportsConfiguration(*roomFormat, x->numsources, x->numspeakers, x->numinternals)
+              : Lume::OrvanVerb::SupportsConfiguration(x->numsources, x->numspeakers, x->numinternals))) {
         object_error(orvanverb_object(x), "Configuration not supported");
         return nullptr;
     }
     try {
         auto engine = std::make_unique<Lume::OrvanVerb>(x->numinternals);
         if (randomSeed) engine->SetRandomSeed(*randomSeed);
+        if (roomFormat != nullptr) engine->SetFormat(*roomFormat);
         engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, x->numsources,
                           x->numspeakers);
         x->holder = new Lume::Room(std::move(engine));

@@ -70,6 +70,10 @@ void* orvanverb_new(t_symbol* name, short count, t_atom* atoms);
 /// rand(): front ends that share a process with others call it once.
 void orvanverb_seed(std::uint32_t seed);
 
+/// Gives the rooms of all objects that are made from now on a form of their outputs, for fronts that offer more than
+/// the class does; null: headphones or a ring by their number, as a new process has it.
+void orvanverb_format(Lume::RoomFormat const* format);
+
 /// Builds the engine, once, and configures it for 44100 Hz and 64 samples, so that it takes parameters before audio
 /// starts.
 /// @return the engine, or null; the console says why

@@ -8,6 +8,7 @@
 #include "dsp/constants.h"
 #include "dsp/denormals.h"
 #include "dsp/floating_point_mode.h"
+#include "geometry/named_layout.h"
 #include "geometry/speakers.h"
 
 namespace Lume {
@@ -22,15 +23,22 @@ constexpr double settleSeconds = 0.25;
 constexpr unsigned int provisionalBlockSize = 64;
 constexpr std::uint32_t randomSeed = 1;  // with the process's own numbers no two rooms of many internals would be alike
 
-std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals) {
+std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals,
+                                      RoomFormat const* format) {
     const FloatingPointMode unchanged;
+    if (format != nullptr && !format->supports(numSpeakers))
+        throw std::invalid_argument("the format " + std::string(format->name) + " has no " +
+                                    std::to_string(numSpeakers) + " outputs");
     // One loudspeaker is no ring and no headphones.
-    if (numSpeakers < 2 || !OrvanVerb::SupportsConfiguration(numSources, numSpeakers, numInternals))
+    if (numSpeakers < 2 ||
+        !(format != nullptr ? OrvanVerb::SupportsConfiguration(*format, numSources, numSpeakers, numInternals)
+                            : OrvanVerb::SupportsConfiguration(numSources, numSpeakers, numInternals)))
         throw std::invalid_argument(
             "a room has 1 to 64 sources, 2 to 64 loudspeakers and 2 to 16 internal channels, not " +
             std::to_string(numSources) + ", " + std::to_string(numSpeakers) + " and " + std::to_string(numInternals));
     auto engine = std::make_unique<OrvanVerb>(numInternals);
     engine->SetRandomSeed(randomSeed);
+    if (format != nullptr) engine->SetFormat(*format);
     engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, numSources, numSpeakers);
     return engine;
 }
@@ -41,16 +49,15 @@ bool HasNumbers(CartesianVector const& p) {
 
 }  // namespace
 
-Room::Room(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals)
-    : Room(MakeEngine(numSources, numSpeakers, numInternals)) {
+Room::Room(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals, RoomFormat const* format)
+    : Room(MakeEngine(numSources, numSpeakers, numInternals, format)) {
     for (RoomControl const& control : roomControls) control.set(*engine, control.standard);
-    std::vector<CartesianVector> positions;
-    Speakers::GetDefaultForChannels(positions, numSpeakers);
-    PlaceSpeakers(positions);
+    PlaceBuiltInSpeakers();
 }
 
-Room::Room(unsigned int numSources, std::span<CartesianVector const> speakers, unsigned int numInternals)
-    : Room(numSources, static_cast<unsigned int>(speakers.size()), numInternals) {
+Room::Room(unsigned int numSources, std::span<CartesianVector const> speakers, unsigned int numInternals,
+           RoomFormat const* format)
+    : Room(numSources, static_cast<unsigned int>(speakers.size()), numInternals, format) {
     if (!PlaceSpeakers(speakers)) throw std::invalid_argument("the position of a loudspeaker is not a number");
 }
 
@@ -145,6 +152,24 @@ bool Room::PlaceSource(unsigned int source, CartesianVector const& position) {
     const FloatingPointMode unchanged;
     engine->SetSourcePosition(source, Limited(position));
     return true;
+}
+
+bool Room::SetOrientation(Orientation const& orientation) {
+    if (!std::isfinite(orientation.yaw) || !std::isfinite(orientation.pitch) || !std::isfinite(orientation.roll))
+        return false;
+    const FloatingPointMode unchanged;
+    engine->SetOrientation(orientation);
+    return true;
+}
+
+/// In space where heights are heard: a ring has no triplets.
+void Room::PlaceBuiltInSpeakers() {
+    std::vector<CartesianVector> positions;
+    if (Format() != nullptr && Format()->inSpace && Format()->outputs == RoomFormat::Outputs::loudspeakers)
+        positions = UsualLayoutInSpace(NumSpeakers());
+    else
+        Speakers::GetDefaultForChannels(positions, NumSpeakers());
+    PlaceSpeakers(positions);
 }
 
 bool Room::PlaceSpeaker(unsigned int speaker, CartesianVector const& position) {

@@ -30,11 +30,11 @@ namespace Lume {
 /// would never leave a room are kept out, and a room that gives such is emptied; ears that change while it runs; its
 /// whole state as a value and as text (RoomState).
 ///
-/// Threads: one at a time. Set, PlaceSource, PlaceSpeaker, SetMuted, SetBypassed, Clear, TakeEars and Process are
-/// real-time safe (no heap, no lock, bounded); call them on the audio thread between two blocks, or send them from
-/// other threads by a RoomQueue. Everything else allocates or reads files and must not run beside Process; of the calls
-/// that other threads may make meanwhile there is one, PrepareEars. The thread's floating-point mode is afterwards as
-/// it was.
+/// Threads: one at a time. Set, PlaceSource, PlaceSpeaker, SetOrientation, SetMuted, SetBypassed, Clear, TakeEars and
+/// Process are real-time safe (no heap, no lock, bounded); call them on the audio thread between two blocks, or send
+/// them from other threads by a RoomQueue. Everything else allocates or reads files and must not run beside Process; of
+/// the calls that other threads may make meanwhile there is one, PrepareEars. The thread's floating-point mode is
+/// afterwards as it was.
 class Room {
 public:
     static constexpr float maxCoordinate = 1e6f;        ///< [m]
@@ -43,13 +43,15 @@ public:
 
     /// A room in which every control stands at its standard and everything at the built-in places for its number.
     /// @param numSources    1 to 64
-    /// @param numSpeakers   2 (headphones) to 64, in a ring
+    /// @param numSpeakers   outputs: 2 (headphones) to 64, in a ring, or what the format has
     /// @param numInternals  2 to 16 channels of the room: more are denser and cost more
+    /// @param format        form of the outputs, a row of roomFormats (FindRoomFormat); null: headphones or a ring
     /// @throws std::invalid_argument outside these ranges
-    Room(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals = usualInternals);
+    Room(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals = usualInternals,
+         RoomFormat const* format = nullptr);
     /// The same with loudspeakers in other places.
-    Room(unsigned int numSources, std::span<CartesianVector const> speakers,
-         unsigned int numInternals = usualInternals);
+    Room(unsigned int numSources, std::span<CartesianVector const> speakers, unsigned int numInternals = usualInternals,
+         RoomFormat const* format = nullptr);
     /// A room around an engine that was configured, which stays as it is.
     explicit Room(std::unique_ptr<OrvanVerb> configured);
     ~Room();
@@ -58,6 +60,8 @@ public:
 
     unsigned int NumSources() const noexcept { return engine->GetNumInputs(); }
     unsigned int NumSpeakers() const noexcept { return engine->GetNumOutputs(); }
+    /// The form of the outputs that was asked for; null for headphones or a ring by their number.
+    RoomFormat const* Format() const noexcept { return engine->GetFormat(); }
     /// Whether the outputs are two ears.
     bool HasEars() const noexcept { return engine->IsBinaural(); }
     unsigned int NumInternals() const noexcept { return engine->GetNumInternals(); }
@@ -117,7 +121,12 @@ public:
     /// @return false, and nothing has changed, if there is no such source or a coordinate is not a number
     bool PlaceSource(unsigned int source, CartesianVector const& position);
     CartesianVector SourcePosition(unsigned int source) const { return engine->GetSourcePosition(source); }
-    /// The same for a loudspeaker, and for all of them.
+    /// Turns the listener's head: OrvanVerb::SetOrientation.
+    /// @return false, and nothing has changed, if an angle is not finite
+    bool SetOrientation(Orientation const& orientation);
+    Orientation const& GetOrientation() const noexcept { return engine->GetOrientation(); }
+    /// The same as for a source for a loudspeaker, and for all of them. Allocates in the formats vbap, dome and vdbap,
+    /// which choose triplets of them.
     bool PlaceSpeaker(unsigned int speaker, CartesianVector const& position);
     bool PlaceSpeakers(std::span<CartesianVector const> positions);
     std::vector<CartesianVector> const& SpeakerPositions() const { return engine->GetSpeakersPositions(); }
@@ -162,6 +171,7 @@ public:
     /// @}
 
 private:
+    void PlaceBuiltInSpeakers();
     void ProcessVector(float* const* outputs, float const** inputs);
     void Bypass(float* const* outputs, float const** inputs);
     void UseSet(std::unique_ptr<Hrtf> set, EarsFile file);

@@ -89,11 +89,6 @@ void RequireSize(std::string const& name, unsigned int told, std::span<Cartesian
             throw std::invalid_argument("a position is not finite");
 }
 
-std::vector<CartesianVector> OrBuiltIn(std::vector<CartesianVector> positions, unsigned int number) {
-    if (positions.empty()) Speakers::GetDefaultForChannels(positions, number);
-    return positions;
-}
-
 void RequireHeadphones(Room const& room, std::filesystem::path const& file) {
     if (!room.HasEars())
         Refuse(file,
@@ -169,10 +164,12 @@ RoomState Room::SaveState() const {
     state.numInternals = NumInternals();
     state.vectorSize = VectorSize();
     state.ears = earsFile;
+    if (Format() != nullptr) state.format = Format()->name;
+    state.orientation = GetOrientation();
     state.mute = muted;
     state.bypass = bypassed;
     for (unsigned int i = 0; i < NumSources(); ++i) state.sources.push_back(SourcePosition(i));
-    state.speakers = SpeakerPositions();
+    if (Format() == nullptr || Format()->outputs != RoomFormat::Outputs::harmonics) state.speakers = SpeakerPositions();
     for (std::size_t i = 0; i < roomControls.size(); ++i) state.controls[i] = Get(i);
     state.unknown = unknownState;
     return state;
@@ -183,19 +180,29 @@ void Room::RestoreState(RoomState const& state) {
     RequireSize("numsources", state.numSources, state.sources, NumSources());
     RequireSize("numspeakers", state.numSpeakers, state.speakers, NumSpeakers());
     RequireSize("numinternals", state.numInternals, {}, NumInternals());
+    if (const std::string here = Format() != nullptr ? Format()->name : ""; state.format != here)
+        throw std::invalid_argument("format " + (state.format.empty() ? "is missing" : state.format) +
+                                    ": this room has " + (here.empty() ? "none" : here));
     if (state.controls.size() != roomControls.size())
         throw std::invalid_argument("a value for each control is expected");
     for (std::size_t i = 0; i < roomControls.size(); ++i)
         if (!std::isfinite(state.controls[i]))
             throw std::invalid_argument(std::string(roomControls[i].name) + ": is not finite");
+    for (const float angle : {state.orientation.yaw, state.orientation.pitch, state.orientation.roll})
+        if (!std::isfinite(angle)) throw std::invalid_argument("orientation: is not finite");
 
     RestoreEars(state.ears);
     muted = state.mute;
     bypassed = state.bypass;
     // Past Set, which would limit what an object's words have let through.
     for (std::size_t i = 0; i < roomControls.size(); ++i) roomControls[i].set(*engine, state.controls[i]);
-    PlaceSpeakers(OrBuiltIn(state.speakers, NumSpeakers()));
-    const std::vector<CartesianVector> sources = OrBuiltIn(state.sources, NumSources());
+    SetOrientation(state.orientation);
+    if (state.speakers.empty())
+        PlaceBuiltInSpeakers();
+    else
+        PlaceSpeakers(state.speakers);
+    std::vector<CartesianVector> sources = state.sources;
+    if (sources.empty()) Speakers::GetDefaultForChannels(sources, NumSources());
     for (unsigned int i = 0; i < NumSources(); ++i) PlaceSource(i, sources[i]);
     unknownState = state.unknown;
 }

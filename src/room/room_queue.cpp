@@ -14,7 +14,8 @@ constexpr std::uint32_t firstSpeaker = firstSource + orvandsp::MaxNumChannels;
 constexpr std::uint32_t muting = firstSpeaker + orvandsp::MaxNumChannels;
 constexpr std::uint32_t bypassing = muting + 1;
 constexpr std::uint32_t clearing = muting + 2;
-constexpr std::uint32_t numTargets = muting + 3;
+constexpr std::uint32_t turning = muting + 3;
+constexpr std::uint32_t numTargets = muting + 4;
 
 }  // namespace
 
@@ -55,6 +56,10 @@ bool RoomQueue::SetMuted(bool muted) noexcept {
 
 bool RoomQueue::SetBypassed(bool bypassed) noexcept {
     return Send(bypassing, {bypassed ? 1.0f : 0.0f, 0.0f, 0.0f});
+}
+
+bool RoomQueue::SetOrientation(Orientation const& orientation) noexcept {
+    return Send(turning, {orientation.yaw, orientation.pitch, orientation.roll});
 }
 
 bool RoomQueue::Clear() noexcept {
@@ -99,6 +104,8 @@ void RoomQueue::Apply(Room& room, Message const& message) {
         room.SetMuted(on);
     else if (target == bypassing)
         room.SetBypassed(on);
+    else if (target == turning)
+        room.SetOrientation({message.value.x, message.value.y, message.value.z});
     else
         room.Clear();
 }

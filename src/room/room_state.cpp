@@ -104,6 +104,20 @@ EarsFile ParseEars(std::string_view values, std::filesystem::path const& folder)
     return {folder / std::filesystem::path(values), checksum};
 }
 
+std::string ParseFormat(std::string_view word) {
+    if (FindRoomFormat(word) != nullptr) return std::string(word);
+    std::string names;
+    for (RoomFormat const& format : roomFormats) names.append(" ").append(format.name);
+    throw std::invalid_argument("'" + std::string(word) + "' is none; there are" + names);
+}
+
+Orientation ParseOrientation(std::string_view& values) {
+    Orientation orientation;
+    for (float* const angle : {&orientation.yaw, &orientation.pitch, &orientation.roll})
+        *angle = ParseFloat(TakeWord(values));
+    return orientation;
+}
+
 /// Takes a line into a state.
 /// @return false if nobody knows the name
 bool TakeLine(RoomState& state, std::string_view name, std::string_view values, std::filesystem::path const& folder) {
@@ -113,6 +127,10 @@ bool TakeLine(RoomState& state, std::string_view name, std::string_view values, 
     }
     if (name == "sourcespositions" || name == "speakerspositions") {
         (name == "sourcespositions" ? state.sources : state.speakers) = ParsePositions(values);
+        return true;
+    }
+    if (name == "orientation") {
+        state.orientation = ParseOrientation(values);
         return true;
     }
     const std::string_view value = TakeWord(values);
@@ -131,6 +149,8 @@ bool TakeLine(RoomState& state, std::string_view name, std::string_view values, 
             state.vectorSize > Room::maxVectorSize)
             throw std::invalid_argument("a power of two from " + NumberText(SteadyVectors::minVectorSize) + " to " +
                                         NumberText(Room::maxVectorSize) + " is expected, not " + std::string(value));
+    } else if (name == "format") {
+        state.format = ParseFormat(value);
     } else if (name == "mute") {
         state.mute = flag();
     } else if (name == "bypass") {
@@ -222,6 +242,7 @@ std::string RoomState::Text(std::filesystem::path const& folder) const {
     if (numSpeakers != 0) line("numspeakers", NumberText(numSpeakers));
     if (numInternals != 0) line("numinternals", NumberText(numInternals));
     if (vectorSize != 0) line("vector", NumberText(vectorSize));
+    if (!format.empty()) line("format", format);
     if (!ears.path.empty()) {
         std::string checksum = NumberText(ears.checksum, 16);
         checksum.insert(0, 16 - checksum.size(), '0');
@@ -230,6 +251,9 @@ std::string RoomState::Text(std::filesystem::path const& folder) const {
             std::filesystem::proximate(ears.path, folder.empty() ? "." : folder, none);
         line("ears", checksum + " " + (none || relative.empty() ? ears.path : relative).generic_string());
     }
+    if (orientation != Orientation{})
+        line("orientation",
+             NumberText(orientation.yaw) + " " + NumberText(orientation.pitch) + " " + NumberText(orientation.roll));
     line("mute", mute ? "1" : "0");
     line("bypass", bypass ? "1" : "0");
     if (!sources.empty()) text.append("sourcespositions").append(PositionsText(sources)).append("\n");

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "geometry/cartesian_vector.h"
+#include "geometry/orientation.h"
 
 namespace Lume {
 
@@ -23,8 +24,10 @@ struct EarsFile {
 ///     numsources 1
 ///     numspeakers 2
 ///     numinternals 8
+///     format ambix
 ///     vector 64
 ///     ears 8f3c0a6b5d21e794 ../sets/mine.hrtf
+///     orientation 30 0 0
 ///     mute 0
 ///     bypass 0
 ///     sourcespositions 0 1 0
@@ -53,7 +56,9 @@ struct RoomState {
 
     unsigned int numSources = 0, numSpeakers = 0, numInternals = 0;  // 0: not told
     std::size_t vectorSize = 0;                                      // [samples]; 0: not told
+    std::string format;                                              // of the outputs; empty: by their number
     EarsFile ears;
+    Orientation orientation;  // of the listener
     bool mute = false, bypass = false;
     std::vector<CartesianVector> sources, speakers;  // [m]; empty: the built-in layout
     std::vector<float> controls;                     // one for each of roomControls

@@ -9,7 +9,10 @@
 #include <vector>
 
 #include "engine/engine_rig.h"
+#include "geometry/named_layout.h"
+#include "geometry/orientation.h"
 #include "geometry/speakers.h"
+#include "pan/diffuse/solid_angle_mixing.h"
 
 namespace {
 
@@ -100,6 +103,75 @@ TEST(RoomFormat, HeightsAreHeardOnLoudspeakersInSpace) {
     }
     EXPECT_NEAR(all, 1.0, 1e-3);
     EXPECT_GT(above, 0.99);
+}
+
+// Red if a turned head hears anything but the directions that it has: against sources that were turned the other way.
+// Early reflections too, which follow the source that was placed last; distances stay. Without heights the yaw counts
+// alone.
+TEST(RoomFormat, EveryFormTurnsWithTheListener) {
+    const std::map<std::string, unsigned int> forms{{"", 6},      {"binaural", 2}, {"stereo", 2},  {"xy", 2},
+                                                    {"ms", 2},    {"ab", 2},       {"angular", 6}, {"vbap2d", 5},
+                                                    {"vbap", 8},  {"dome", 8},     {"dbap", 6},    {"dbap3d", 8},
+                                                    {"vdbap", 8}, {"hoa2d", 7},    {"hoa3d", 9},   {"ambix", 16}};
+    const Lume::Orientation head{-50.0f, 35.0f, 20.0f};
+    for (auto const& [name, numOutputs] : forms) {
+        Recording heard[2];
+        for (const bool turns : {false, true}) {
+            EngineRig room(2, numOutputs, 4, 48000.0f, 64, name.empty() ? nullptr : name.c_str());
+            if (numOutputs == 8) room.engine.SetSpeakersPositions(Lume::Speakers::cube);
+            room.engine.SetDirectGain(0.0f);
+            room.engine.SetEarlyGain(6.0f);
+            const Lume::RoomFormat* const format = room.engine.GetFormat();
+            const bool inSpace = format != nullptr && format->inSpace;
+            const auto rotation = Lume::RoomToHead(inSpace ? head : Lume::Orientation{head.yaw, 0.0f, 0.0f});
+            const Lume::CartesianVector places[] = {{2.0f, 1.0f, 0.6f}, {-0.5f, 1.5f, 0.2f}};
+            for (const unsigned int source : {1u, 0u})  // the first one last
+                room.engine.SetSourcePosition(source, turns ? places[source] : Lume::Rotated(rotation, places[source]));
+            if (turns) room.engine.SetOrientation(head);
+            room.Settle();
+            heard[turns ? 1 : 0] = room.ImpulseResponse(0.06);
+        }
+        double difference = 0.0, energy = 0.0;
+        for (std::size_t j = 0; j < heard[0].size(); ++j) {
+            energy += Product(heard[0][j], heard[0][j]);
+            for (std::size_t i = 0; i < heard[0][j].size(); ++i)
+                difference += std::pow(static_cast<double>(heard[0][j][i]) - static_cast<double>(heard[1][j][i]), 2);
+        }
+        EXPECT_GT(energy, 0.1) << name;
+        // Delays of the filters glide there on other ways.
+        EXPECT_LT(Decibels(difference / energy), name.empty() || name == "binaural" || name == "ab" ? -50.0 : -90.0)
+            << name;
+    }
+}
+
+// Red if the shares of the sphere are others than geometry gives, or don't reach the field: octahedron and cube by
+// symmetry, a dome whose ring stands for the upper half alone.
+TEST(RoomFormat, DomesSpreadTheLateFieldBySolidAngle) {
+    const std::vector<float> octahedron =
+        Lume::SolidAngleShares({{1, 0, 0}, {-2, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 3}, {0, 0, -1}});
+    for (const float share : octahedron) EXPECT_NEAR(share, 1.0 / 6.0, 0.002);
+    // A ring and a loudspeaker above meet at 45 degrees.
+    const std::vector<float> half = Lume::SolidAngleShares({{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}});
+    double top = 0.0;  // below pi/4 seen from above each sector ends where cos(el) cos(az) = sin(el)
+    constexpr int steps = 10000;
+    for (int i = 0; i < steps; ++i)
+        top += (1.0 - std::sin(std::atan(std::cos((i + 0.5) / steps * std::numbers::pi / 4.0)))) / steps;
+    EXPECT_NEAR(half[4], top, 0.002);
+    EXPECT_NEAR(half[0], (1.0 - top) / 4.0, 0.002);
+
+    const Lume::NamedLayout layout = Lume::FindNamedLayout("dome24");
+    EngineRig room = MakeRoom("dome", 24, 16);
+    room.engine.SetSpeakersPositions(layout.positions.data());
+    room.engine.SetReverbGain(0.0f);
+    room.engine.SetDecayTime(4.0f);
+    room.Settle();
+    Recording tail = room.ImpulseResponse(3.0);
+    for (auto& channel : tail) channel.erase(channel.begin(), channel.begin() + 24000);
+    const std::vector<float> shares = Lume::SolidAngleShares(layout.positions);
+    double sum = 0.0;
+    for (auto const& channel : tail) sum += Product(channel, channel);
+    for (std::size_t j = 0; j < tail.size(); ++j)
+        EXPECT_NEAR(Decibels(Product(tail[j], tail[j]) / sum / static_cast<double>(shares[j])), 0.0, 1.0) << j;
 }
 
 // The ring's own late field has four signals, so that front left and front right play the same one.

@@ -67,6 +67,31 @@ TEST(RoomState, BringsBackWhatWasHeardToTheLastBit) {
     }
 }
 
+// Red if a form of the outputs, or where the listener looks, is lost on the way through a file, or if a room takes the
+// state of another form for its own.
+TEST(RoomState, RemembersTheFormOfTheOutputsAndTheListener) {
+    struct Form {
+        char const* format;
+        unsigned int speakers;
+    };
+    for (auto const& [format, speakers] : {Form{"stereo", 2}, Form{"vbap", 11}, Form{"dome", 24}, Form{"ambix", 16}}) {
+        Room room(1, speakers, 16, Lume::FindRoomFormat(format));
+        room.PlaceSource(0, {-1.0f, 1.0f, 0.5f});
+        room.SetOrientation({100.0f, -20.0f, 0.1f});
+        room.Configure(48000.0f, 64);
+        const std::string text = room.SaveState().Text();
+        const RoomState state = RoomState::Parse(text);
+        Room fresh(1, speakers, 16, Lume::FindRoomFormat(format));
+        Room again(1, state.numSpeakers, 16, Lume::FindRoomFormat(state.format));
+        const Recording first = Heard(room.SaveState(), fresh), second = Heard(state, again);
+        EXPECT_GT(LevelDb(first[0]), -70.0) << format;
+        EXPECT_TRUE(first == second) << format;
+        EXPECT_EQ(again.SaveState().Text(), text);
+        Room other(1, speakers, 16, Lume::FindRoomFormat(speakers == 2 ? "binaural" : "dbap3d"));
+        EXPECT_THROW(other.RestoreState(state), std::invalid_argument);
+    }
+}
+
 // Red if the format slips: files of this version will be read for years.
 TEST(RoomState, IsTextWithNames) {
     RoomState state;

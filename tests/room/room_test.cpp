@@ -62,12 +62,18 @@ TEST(Room, BlocksOfAnySizeGiveTheSameSamples) {
 // Red if any of what is promised to be so allocates, locks, or leaves the processor without denormal numbers.
 TEST(Room, WhatActsOnTheRunningRoomIsRealTimeSafe) {
     const TemporaryFile file(".hrtf", FlatSetFile(0.5f));
-    for (const unsigned int speakers : {2u, 6u}) {
-        Room room(2, speakers);
+    struct Form {
+        char const* format;
+        unsigned int speakers;
+    };
+    for (auto const& [format, speakers] : {Form{nullptr, 2}, Form{nullptr, 6}, Form{"stereo", 2}, Form{"ab", 2},
+                                           Form{"hoa2d", 7}, Form{"ambix", 16}, Form{"dbap3d", 8}, Form{"vbap", 11}}) {
+        const bool hasEars = speakers == 2 && format == nullptr;
+        Room room(2, speakers, 8, format != nullptr ? Lume::FindRoomFormat(format) : nullptr);
         room.Configure(48000.0f, 48, 64);
         Play(room, 4800, 9600);
         Lume::Ears ears;
-        if (speakers == 2) ears = room.PrepareEars(file.name);
+        if (hasEars) ears = room.PrepareEars(file.name);
         std::vector<float> block(48, 0.1f);
         const std::vector<float*> arrays(speakers, block.data());
         ASSERT_TRUE(DenormalsCount());
@@ -82,17 +88,18 @@ TEST(Room, WhatActsOnTheRunningRoomIsRealTimeSafe) {
         }
         const long allocations = AllocationCount(), locks = LockCount();
         room.PlaceSource(1, {2.0f, 3.0f, 1.0f});
-        room.PlaceSpeaker(1, {2.0f, 3.0f, 0.0f});
+        room.SetOrientation({30.0f, 10.0f, -5.0f});
+        if (format == nullptr || std::string(format) != "vbap") room.PlaceSpeaker(1, {2.0f, 3.0f, 0.0f});
         room.SetBypassed(true);
         room.Process(arrays.data(), arrays.data(), 48);
         room.SetMuted(true);
         room.Process(arrays.data(), arrays.data(), 48);
         room.SetMuted(false);
         room.SetBypassed(false);
-        const bool taken = speakers != 2 || room.TakeEars(ears);
+        const bool taken = !hasEars || room.TakeEars(ears);
         for (int i = 0; i < 100; ++i) room.Process(arrays.data(), arrays.data(), 48);
         room.Clear();
-        EXPECT_EQ(AllocationCount() - allocations, 0) << speakers << " loudspeakers";
+        EXPECT_EQ(AllocationCount() - allocations, 0) << (format != nullptr ? format : "") << speakers;
         EXPECT_EQ(LockCount() - locks, 0);
         EXPECT_TRUE(taken);
         EXPECT_TRUE(DenormalsCount());
@@ -116,6 +123,9 @@ TEST(Room, LimitsValuesAndRefusesWhatIsNoNumber) {
     EXPECT_THROW(Room(65, 2), std::invalid_argument);
     EXPECT_THROW(Room(1, 1), std::invalid_argument);
     EXPECT_THROW(Room(1, 2, 17), std::invalid_argument);
+    EXPECT_THROW(Room(1, 5, 8, Lume::FindRoomFormat("ambix")), std::invalid_argument);
+    EXPECT_FALSE(room.SetOrientation({notANumber, 0.0f, 0.0f}));
+    EXPECT_EQ(room.GetOrientation(), Lume::Orientation{});
 }
 
 // A single one of them makes an engine silent or deafening for good. Red if the room hears it, or doesn't count it.
