@@ -1,7 +1,6 @@
 // What a room reads and writes: the ears' files, and its whole state.
 
 #include <cmath>
-#include <fstream>
 #include <span>
 #include <stdexcept>
 #include <system_error>
@@ -11,6 +10,7 @@
 #include "geometry/speakers.h"
 #include "hrtf/hrtf.h"
 #include "hrtf/hrtf_info.h"
+#include "room/file_checksum.h"
 #include "room/room.h"
 
 namespace Lume {
@@ -27,15 +27,6 @@ void RequireFile(std::filesystem::path const& file) {
     std::error_code error;
     if (!std::filesystem::exists(file, error)) Refuse(file, std::generic_category().message(ENOENT));
     if (!std::filesystem::is_regular_file(file, error)) Refuse(file, "is no file");
-}
-
-/// FNV-1a, 64 bits.
-std::uint64_t Checksum(std::filesystem::path const& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::uint64_t sum = 14695981039346656037u;
-    for (char byte = 0; stream.get(byte);) sum = (sum ^ static_cast<unsigned char>(byte)) * 1099511628211u;
-    if (!stream.eof()) Refuse(file, "can't be read");
-    return sum;
 }
 
 /// Says which field of a set's description makes it unfit.
@@ -73,7 +64,7 @@ std::unique_ptr<Hrtf> ReadSet(std::filesystem::path const& file) {
 
 EarsFile Describe(std::filesystem::path const& file) {
     RequireFile(file);
-    return {std::filesystem::absolute(file), Checksum(file)};
+    return {std::filesystem::absolute(file), FileChecksum(file)};
 }
 
 /// 0 and no positions are nothing told.
@@ -137,7 +128,7 @@ void Room::RestoreEars(EarsFile const& wanted) {
     if (wanted.path.empty()) return UseSet(std::make_unique<Hrtf>(Hrtf::Builtin(Samplerate())), {});
     RequireHeadphones(*this, wanted.path);
     std::unique_ptr<Hrtf> set = ReadSet(wanted.path);
-    if (Checksum(wanted.path) != wanted.checksum) Refuse(wanted.path, "has changed since the state was saved");
+    if (FileChecksum(wanted.path) != wanted.checksum) Refuse(wanted.path, "has changed since the state was saved");
     UseSet(std::move(set), wanted);
 }
 

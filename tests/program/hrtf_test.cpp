@@ -2,7 +2,9 @@
 #include <mysofa.h>
 
 #include <algorithm>
+#include <cinttypes>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 
 #include "filters/biquad_cascade.h"
@@ -10,6 +12,7 @@
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "program/run_program.h"
 #include "program/sound_files.h"
+#include "room/file_checksum.h"
 #include "support/frequency_response.h"
 #include "support/signals.h"
 
@@ -220,6 +223,62 @@ TEST(Hrtf, SetsLoadFromFoldersOfAnyName) {
         const RunResult run = RunProgram(call);
         EXPECT_EQ(run.status, 0) << call.front() << ": " << run.err;
     }
+}
+
+/// Measurements that everybody has, and a cache with a set that stands for what was fitted from them: it sounds
+/// otherwise, and fitting takes longer than a test may.
+struct Cache {
+    Cache() {
+        std::filesystem::copy(kemar, sofa);
+        std::filesystem::create_directories(directory / "cache/orvanverb");
+        const std::string version = RunProgram({"--version"}).out;
+        const std::string bytes = program::SdifSetBytes(SimpleHead::Set(), "me");
+        char name[100];
+        std::snprintf(name, sizeof name, "%016" PRIx64 "-48000-%s-%016" PRIx64 ".hrtf", Lume::FileChecksum(sofa),
+                      version.substr(version.find(' ') + 1, version.size() - version.find(' ') - 2).c_str(),
+                      Lume::Checksum(bytes));
+        kept = directory / ("cache/orvanverb/" + std::string(name));
+        WriteText(kept, bytes);
+        WriteText(directory / "head.hrtf", bytes);
+        WriteSound(directory / "in.wav", MakeTone(440.0, 0.1, 48000));
+    }
+
+    RunResult Run(std::string const& command, std::vector<std::string> const& more) const {
+        return RunProgram(Joined({command, directory / "in.wav", "-o", directory / "out.wav"}, more),
+                          "XDG_CACHE_HOME='" + (directory / "cache") + "' timeout -s INT 3");
+    }
+    /// What is heard, empty if the measurements are being fitted.
+    std::string Render(std::string const& command, std::vector<std::string> const& more) const {
+        const RunResult run = Run(command, more);
+        EXPECT_NE(run.status == 0, run.err.find("fitting 1420 filters for 48000 Hz") != std::string::npos) << run.err;
+        return run.status == 0 ? ReadText(directory / "out.wav") : "";
+    }
+
+    TemporaryDirectory directory;
+    std::string sofa = directory / "my head.sofa", kept;
+};
+
+// Red if measurements are fitted again each time, or a kept set is taken for another file, a damaged one or against the
+// user's will; or if a state names what lies in a cache.
+TEST(Hrtf, MeasurementsAreEarsAndFittedOnce) {
+    Cache cache;
+    TemporaryDirectory const& directory = cache.directory;
+    const std::string state = directory / "ears.state";
+    const std::string fitted = cache.Render("render", {"--hrtf", directory / "head.hrtf"});
+    EXPECT_TRUE(fitted == cache.Render("render", {"--hrtf", cache.sofa, "--save-state", state}));
+    WriteText(directory / "ears.scene", "hrtf my head.sofa\n");
+    EXPECT_TRUE(fitted == cache.Render("render", {"--scene", directory / "ears.scene"}));
+    EXPECT_FALSE(cache.Render("pan", {"--method", "binaural", "--hrtf", cache.sofa}).empty());
+
+    EXPECT_NE(ReadText(state).find(" my head.sofa\n"), std::string::npos) << ReadText(state);
+    EXPECT_TRUE(fitted == cache.Render("render", {"--state", state}));
+    EXPECT_EQ(cache.Render("render", {"--hrtf", cache.sofa, "--no-cache"}), "");
+    std::string damaged = ReadText(cache.kept);
+    damaged[5000] ^= 1;
+    WriteText(cache.kept, damaged);
+    EXPECT_EQ(cache.Render("render", {"--hrtf", cache.sofa}), "");
+    WriteText(cache.sofa, ReadText(cache.sofa) + " ");
+    ExpectComplaint(cache.Run("render", {"--state", state}), 1, cache.sofa + ": has changed since the state was saved");
 }
 
 TEST(Hrtf, WrongFilesAndWordsEndInOneLineThatNamesThem) {

@@ -90,6 +90,17 @@ void AddPlaces(CLI::App& command, Options& options, CommonWords& words) {
         ->take_last();
 }
 
+void AddEars(CLI::App& command, Options& options) {
+    command
+        .add_option("--hrtf", options.hrtf,
+                    "Headphones: your own ears, a set of filters (.hrtf or .coll) or measurements\n"
+                    "(.sofa), which are fitted once for each sample rate [the built-in ears]")
+        ->type_name("FILE")
+        ->take_last();
+    command.add_flag("--no-cache", options.noCache,
+                     "Fit measurements anew, and don't keep the result in ~/.cache/orvanverb");
+}
+
 void TakeCommonMeaning(CommonWords const& words, Options& options) {
     options.sources = ParseSources(words.sources);
     if (!words.rate.empty()) options.rate = ParseRate(words.rate);

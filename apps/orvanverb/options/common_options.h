@@ -31,6 +31,9 @@ void AddInputs(CLI::App& command, Options& options, CommonWords& words);
 /// Adds places of sources, and a scene that moves them.
 void AddPlaces(CLI::App& command, Options& options, CommonWords& words);
 
+/// Adds ears of one's own.
+void AddEars(CLI::App& command, Options& options);
+
 /// @throws UsageError that names the option, what is wrong and what would be right
 void TakeCommonMeaning(CommonWords const& words, Options& options);
 

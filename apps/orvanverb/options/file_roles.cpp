@@ -29,7 +29,7 @@ Files ReadFiles(Options const& options) {
     Add(files, "the --preset", options.preset);
     Add(files, "the --scene", options.scene);
     Add(files, "the --state", options.state);
-    Add(files, "the --hrtf", options.hrtfSet);
+    Add(files, "the --hrtf", options.hrtf);
     return files;
 }
 

@@ -38,7 +38,8 @@ struct Options {
         if (path) otherWrites.push_back({role, *path});
     }
     std::optional<std::string> speakers;  // a count or a file; none: those of the state, or defaultSpeakers
-    std::optional<std::string> hrtfSet;   // of the headphones; none: the built-in one
+    std::optional<std::string> hrtf;      // ears of the headphones; none: the built-in ones
+    bool noCache = false;                 // fit measured ears anew, and keep nothing
     std::vector<SourcePlace> sources;
     std::optional<int> rate;  // [Hz]
     FormatWish format;        // beyond what the output's name tells

@@ -20,6 +20,7 @@ namespace {
 
 // What filters and delays still give when the input has ended.
 constexpr double usualTailSeconds = 0.1;
+constexpr int usualRate = 48000;  // [Hz], where there is no input
 
 void RemarkRate(PanSetup const& setup, PanOptions const& options, int samplerate) {
     auto const* const ears = dynamic_cast<Lume::BinauralPanning const*>(setup.panner.get());
@@ -33,7 +34,7 @@ void Render(PanOptions const& options) {
     const auto begin = std::chrono::steady_clock::now();
     InputBank inputs(options.inputs, options.rate, options.inTurnSeconds);
     SourceMotion motion(inputs.NumChannels(), options.sources, options.scene, inputs.Samplerate());
-    PanSetup setup(options, motion.Positions());
+    PanSetup setup(options, motion.Positions(), inputs.Samplerate());
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
     setup.Start(inputs.Samplerate(), options.vectorSize);
     RemarkRate(setup, options, inputs.Samplerate());
@@ -79,7 +80,7 @@ void RunPan(PanOptions const& options) {
     }
     if (!options.gains && !options.triplets) return Render(options);
     const ListenerPosition place = options.sources.empty() ? ListenerPosition{} : options.sources.back().position;
-    PanSetup setup(options, {ToCartesian(place)});
+    PanSetup setup(options, {ToCartesian(place)}, options.rate.value_or(usualRate));
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
     std::fputs((options.gains ? GainTable(setup, place) : TripletTable(setup)).c_str(), stdout);
 }

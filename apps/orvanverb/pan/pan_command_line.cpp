@@ -28,7 +28,6 @@ constexpr char const* footer =
 void TakeMeaning(Words const& words, PanOptions& pan) {
     TakeCommonMeaning(words.common, pan);
     if (pan.list) return;
-    pan.AlsoReads("the --hrtf", pan.hrtf);
     pan.AlsoReads("the --nearfield", pan.nearfield);
     if (pan.method.empty()) throw UsageError("--method: is required; orvanverb pan --list shows them");
     if (!words.outputs.empty()) {
@@ -76,9 +75,7 @@ void AddPanCommand(CLI::App& app, Call& call) {
         ->take_last();
     command->add_flag("--ambix", pan.ambix, "For hoa3d: the form that other tools read, ACN, SN3D, x ahead");
     AddPlaces(*command, pan, words->common);
-    command->add_option("--hrtf", pan.hrtf, "A set of filters for headphones, .hrtf or .coll")
-        ->type_name("FILE")
-        ->take_last();
+    AddEars(*command, pan);
     command->add_option("--near", pan.nearfield, "A set of near-field compensation filters, for --model nearfield")
         ->type_name("FILE")
         ->take_last();

@@ -15,7 +15,7 @@ struct PanOptions : Options {
     std::optional<std::string> convention;  // "SN3D" and the like
     std::optional<std::string> sorting;
     bool ambix = false;
-    std::optional<std::string> hrtf, nearfield;  // files
+    std::optional<std::string> nearfield;  // a file
     bool list = false;
     bool gains = false;     // print gains over azimuth instead of rendering
     bool triplets = false;  // print the triplets of a layout

@@ -11,6 +11,7 @@
 #include "orvanverb/audio/channel_mask.h"
 #include "orvanverb/audio/vector_channels.h"
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/hrtf/ears_cache.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/layout/channel_words.h"
 #include "orvanverb/pan/layout_check.h"
@@ -55,7 +56,7 @@ std::vector<std::string> TwoWords(Pan::Type type) {
 
 }  // namespace
 
-PanSetup::PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions)
+PanSetup::PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions, int samplerate)
     : method(FindPanMethod(options.method)), subType(FindPanSubType(method, options.model)), ambixAxes(options.ambix) {
     ChooseOutputs(options);
     const auto numSources = static_cast<unsigned int>(positions.size());
@@ -75,7 +76,7 @@ PanSetup::PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector>
     // Filters are loaded for sources that have their places: those for near sources stay with a source that leaves
     // their range, and must not come from where it never was.
     Place(positions);
-    LoadFiles(options);
+    LoadFiles(options, samplerate);
     if (subType == Pan::sphericalharmonics)
         warnings.push_back("there are no data in harmonics yet: the output is silent");
 }
@@ -127,13 +128,14 @@ void PanSetup::SetUpHarmonics(PanOptions const& options) {
     channels.front().append(", ").append(Lume::HOAPanning::GetHOAPannerConventionName(infos.encodingConvention));
 }
 
-void PanSetup::LoadFiles(PanOptions const& options) {
+void PanSetup::LoadFiles(PanOptions const& options, int samplerate) {
     auto* const nearfield = dynamic_cast<Lume::BinauralPanningNearfield*>(panner.get());
     auto* const direct = dynamic_cast<Lume::BinauralPanningDirect*>(panner.get());
     if (options.hrtf) {
         if (nearfield == nullptr && direct == nullptr)
             throw UsageError("--hrtf: is for --method binaural with --model direct or nearfield");
-        std::string const& path = *options.hrtf;
+        EarsCache ears(samplerate, !options.noCache);
+        const std::string path = ears.Playable(*options.hrtf).string();
         RequireSetFile(path, ".hrtf or .coll");
         bool taken = false;
         auto& binaural = static_cast<Lume::BinauralPanning&>(*panner);

@@ -13,9 +13,10 @@ namespace program {
 /// A panner as the options ask for it, and what its channels are.
 class PanSetup {
 public:
-    /// @param positions  where the sources are at first, one each
+    /// @param positions   where the sources are at first, one each
+    /// @param samplerate  of the rendering [Hz], for which ears are fitted
     /// @throws ProgramError that names option or file, and says what is wrong
-    PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions);
+    PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions, int samplerate);
 
     /// Brings a position into the panner's axes: AmbiX files have x ahead and y to the left.
     Lume::CartesianVector ToPanner(Lume::CartesianVector const& position) const;
@@ -40,7 +41,7 @@ public:
 private:
     void ChooseOutputs(PanOptions const& options);
     void SetUpHarmonics(PanOptions const& options);
-    void LoadFiles(PanOptions const& options);
+    void LoadFiles(PanOptions const& options, int samplerate);
 
     Lume::Pan::SubType subType;
     bool ambixAxes;

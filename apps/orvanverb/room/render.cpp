@@ -26,7 +26,7 @@ std::vector<std::string> OutputWords(Lume::Room const& room, SpeakerLayout const
 }
 
 void Render(Options const& options, SignalSource& source, int samplerate, std::chrono::steady_clock::time_point begin) {
-    RoomSetup setup(options, source.NumChannels());
+    RoomSetup setup(options, source.NumChannels(), samplerate);
     SpeakerLayout const& layout = setup.layout;
     const std::unique_ptr<RoomObject> room = setup.MakeRoom();
     room->Start(samplerate, setup.VectorSize());

@@ -48,9 +48,7 @@ void AddRoomOptions(CLI::App& command, Options& options, Words& words) {
                     "AZIMUTH [ELEVATION [DISTANCE]] a line [2]")
         ->type_name("COUNT|FILE")
         ->take_last();
-    command.add_option("--hrtf", options.hrtfSet, "Headphones: a set of filters, .hrtf or .coll [the built-in one]")
-        ->type_name("FILE")
-        ->take_last();
+    AddEars(command, options);
     AddPlaces(command, options, words.common);
     command
         .add_option("--preset", words.preset,

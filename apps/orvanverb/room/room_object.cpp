@@ -51,8 +51,10 @@ void SetNumber(max::t_atom& atom, float value) {
 
 }  // namespace
 
-RoomObject::RoomObject(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals)
-    : box(BoxText(numSources, numSpeakers, numInternals),
+RoomObject::RoomObject(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals,
+                       EarsCache& newEars)
+    : ears(newEars),
+      box(BoxText(numSources, numSpeakers, numInternals),
           {[this](max::ConsoleLevel level, std::string const& text) { Hear(level, text); }, nullptr, nullptr}) {
     ThrowComplaint();
 }
@@ -169,7 +171,7 @@ void RoomObject::PlaceSpeakers(std::span<Lume::CartesianVector const> positions)
 
 void RoomObject::LoadHrtf(std::filesystem::path const& path) {
     try {
-        Room().LoadEars(path);
+        Room().LoadEars(ears.Playable(path));
     } catch (std::runtime_error const& error) {
         throw std::invalid_argument(error.what());
     }

@@ -10,6 +10,7 @@
 
 #include "geometry/cartesian_vector.h"
 #include "object/orvanverb.h"
+#include "orvanverb/hrtf/ears_cache.h"
 #include "patcher/box.h"
 #include "room/room.h"
 
@@ -24,7 +25,8 @@ public:
     /// Makes an object. It has no positions yet: see PlaceSources and PlaceSpeakers.
     /// @param numInternals  as typed, for the object to judge
     /// @throws std::invalid_argument with the object's own words if it refuses
-    RoomObject(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals);
+    /// @param newEars      where files of ears are found; must outlive the object
+    RoomObject(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals, EarsCache& newEars);
 
     /// Sends a message, as a user types it: one of the object's, the name of a control that the object has no attribute
     /// for, or one of those that are ours: "hrtf FILE" loads ears, "clear" empties the room.
@@ -44,7 +46,7 @@ public:
     void PlaceSource(unsigned int index, Lume::CartesianVector const& position);
     void PlaceSpeakers(std::span<Lume::CartesianVector const> positions);
 
-    /// Loads the filters of the headphones.
+    /// Loads ears for the headphones: a set of filters, or measurements.
     /// @throws std::invalid_argument that names the file, the field and the reason; the present ones stay
     void LoadHrtf(std::filesystem::path const& path);
     /// What to tell of them at the rate of Start; empty if there is nothing.
@@ -77,6 +79,7 @@ private:
     void RemarkRange(std::string const& selector, std::span<max::t_atom const> values);
     void LimitPositions();
 
+    EarsCache& ears;
     std::string complaint;  // the first line that is an error, not thrown yet
     std::vector<std::string> remarks;
     std::set<std::string> remarked;  // controls whose range was told

@@ -87,9 +87,10 @@ Scene::Listener ListenerFor(RoomObject& room) {
     };
 }
 
-std::unique_ptr<RoomObject> NewRoom(unsigned int sources, unsigned int speakers, std::string const& internals) {
+std::unique_ptr<RoomObject> NewRoom(unsigned int sources, unsigned int speakers, std::string const& internals,
+                                    EarsCache& ears) {
     try {
-        return std::make_unique<RoomObject>(sources, speakers, internals);
+        return std::make_unique<RoomObject>(sources, speakers, internals, ears);
     } catch (std::invalid_argument const& error) {
         throw UsageError(std::string("@numinternals: ") + error.what());
     }
@@ -97,8 +98,8 @@ std::unique_ptr<RoomObject> NewRoom(unsigned int sources, unsigned int speakers,
 
 }  // namespace
 
-RoomSetup::RoomSetup(Options const& options, unsigned int numSources)
-    : sources(numSources), attributes(SplitAttributes(options.attributes)) {
+RoomSetup::RoomSetup(Options const& options, unsigned int numSources, int samplerate)
+    : ears(samplerate, !options.noCache), sources(numSources), attributes(SplitAttributes(options.attributes)) {
     CheckAttributes(attributes);
     CheckSettings(options.settings);
     if (options.preset) preset = LoadPreset(FindPreset(*options.preset));
@@ -111,7 +112,7 @@ RoomSetup::RoomSetup(Options const& options, unsigned int numSources)
     }
 
     const std::unique_ptr<RoomObject> room =
-        NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals);
+        NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals, ears);
     Arrange(options, *room);
     state = room->State();
     state.vectorSize = options.vectorGiven || !saved || saved->vectorSize == 0 ? options.vectorSize : saved->vectorSize;
@@ -137,7 +138,7 @@ void RoomSetup::ChooseShape(Options const& options, unsigned int numSources) {
         speakers = *wantedSpeakers;
     }
     layout = SpeakerLayout::Parse(speakers);
-    if (options.hrtfSet && layout.positions.size() != 2)
+    if (options.hrtf && layout.positions.size() != 2)
         throw UsageError("--hrtf: is for headphones, two loudspeakers, not " + std::to_string(layout.positions.size()));
     if (wantedSpeakers && ParseCount(*wantedSpeakers) != layout.positions.size())
         throw UsageError("@numspeakers " + *wantedSpeakers + ": --speakers gives " +
@@ -166,16 +167,16 @@ void RoomSetup::Arrange(Options const& options, RoomObject& room) {
     room.PlaceSources();
     room.PlaceSpeakers(layout.positions);
     if (saved) {
-        if (options.hrtfSet) saved->ears = {};  // others are wanted
         try {
+            saved->ears = options.hrtf ? Lume::EarsFile{} : ears.Playable(saved->ears);
             room.Restore(*saved);
         } catch (std::invalid_argument const& error) {
             throw WorkError(*options.state + ": " + error.what());
         }
     }
-    if (options.hrtfSet) {
+    if (options.hrtf) {
         try {
-            room.LoadHrtf(*options.hrtfSet);
+            room.LoadHrtf(*options.hrtf);
         } catch (std::invalid_argument const& error) {
             throw WorkError(error.what());
         }
@@ -191,11 +192,12 @@ void RoomSetup::Arrange(Options const& options, RoomObject& room) {
     for (std::string const& line : scene.Begin(ListenerFor(room))) Say(line);
 }
 
-std::unique_ptr<RoomObject> RoomSetup::MakeRoom() const {
+std::unique_ptr<RoomObject> RoomSetup::MakeRoom() {
     // From nine internal channels on the early gains are spread at random: without a sequence of its own they would
     // depend on how many messages came before.
     orvanverb_seed(1);
-    std::unique_ptr<RoomObject> room = NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals);
+    std::unique_ptr<RoomObject> room =
+        NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals, ears);
     room->Restore(state);
     room->TakeRemarks();  // they were shown
     return room;
@@ -206,7 +208,10 @@ std::vector<std::string> RoomSetup::Play(RoomObject& room, std::uint64_t beforeF
 }
 
 void RoomSetup::SaveState() {
-    if (stateFile) stateFile->Write(StateText(state, statePath));
+    if (!stateFile) return;
+    Lume::RoomState told = state;
+    told.ears = ears.Original(state.ears);
+    stateFile->Write(StateText(told, statePath));
 }
 
 }  // namespace program

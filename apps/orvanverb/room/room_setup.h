@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "orvanverb/common/whole_file.h"
+#include "orvanverb/hrtf/ears_cache.h"
 #include "orvanverb/layout/speaker_layout.h"
 #include "orvanverb/options/options.h"
 #include "orvanverb/room/room_object.h"
@@ -20,12 +21,13 @@ namespace program {
 class RoomSetup {
 public:
     /// @param numSources  channels of all inputs
+    /// @param samplerate  of the rendering [Hz]
     /// @throws ProgramError that names option or file, and says what is wrong
-    RoomSetup(Options const& options, unsigned int numSources);
+    RoomSetup(Options const& options, unsigned int numSources, int samplerate);
 
     /// The room at the beginning. Always a new object into which the wanted state is restored, so that the same state
     /// gives the same sound to the last bit, whatever way led to it.
-    std::unique_ptr<RoomObject> MakeRoom() const;
+    std::unique_ptr<RoomObject> MakeRoom();
 
     /// Tells a room what the scene has before a sample, counted from the recording's first.
     /// @return lines to be shown
@@ -45,6 +47,7 @@ private:
     void RequireShape(std::string const& path) const;
     void Arrange(Options const& options, RoomObject& room);
 
+    EarsCache ears;
     unsigned int sources;
     std::string internals = "8";
     std::vector<Options::Setting> preset, attributes;

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "orvanverb/common/interrupt.h"
+#include "room/room_state.h"
+
+namespace program {
+
+/// The sets of filters for headphones that a user names, as the engine reads them, at one sample rate.
+///
+/// Measurements (SOFA) are fitted for the rate, which takes up to minutes and is told on standard error. The result is
+/// kept in $XDG_CACHE_HOME/orvanverb, usually ~/.cache/orvanverb, under the contents of the file, the rate and the
+/// program's version; its own checksum is part of the name too, so that a damaged one is fitted anew.
+class EarsCache {
+public:
+    /// @param newSamplerate  [Hz]
+    /// @param newKeep        otherwise what was fitted before isn't looked for, and goes with this object
+    EarsCache(int newSamplerate, bool newKeep) : samplerate(newSamplerate), keep(newKeep) {}
+
+    /// The file to load for one that the user named: itself, unless it holds measurements.
+    /// @throws WorkError that names the file
+    std::filesystem::path Playable(std::filesystem::path const& path);
+
+    /// What a state says about ears, with the file to load instead of measurements.
+    /// @throws WorkError as above, and if the measurements have changed since
+    Lume::EarsFile Playable(Lume::EarsFile const& ears);
+
+    /// What a state is to say about ears that were loaded from a Playable file: what the user named.
+    Lume::EarsFile Original(Lume::EarsFile const& ears) const;
+
+private:
+    struct Fitted {
+        Lume::EarsFile measurements;
+        std::filesystem::path set;
+    };
+
+    /// A file that goes with this object.
+    struct Temporary {
+        explicit Temporary(std::filesystem::path file) : path(std::move(file)), onSignal(path.string()) {}
+        ~Temporary();
+        Temporary(Temporary const&) = delete;
+        Temporary& operator=(Temporary const&) = delete;
+
+        std::filesystem::path path;
+        RemovedOnSignal onSignal;
+    };
+
+    std::filesystem::path FittedFor(Lume::EarsFile const& measurements);
+    std::filesystem::path Fit(Lume::EarsFile const& measurements);
+
+    int samplerate;
+    bool keep;
+    std::vector<Fitted> fitted;
+    std::vector<std::unique_ptr<Temporary>> temporary;
+};
+
+}  // namespace program
