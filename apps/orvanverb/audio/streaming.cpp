@@ -1,9 +1,9 @@
 #include "orvanverb/audio/streaming.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "orvanverb/audio/vector_channels.h"
+#include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/progress_line.h"
 #include "orvanverb/common/text.h"
@@ -64,10 +64,6 @@ void RequireSound(std::string const& path, std::uint64_t numBad) {
     if (numBad > 0)
         throw WorkError(path + ": " + std::to_string(numBad) +
                         " samples were infinite, not a number or beyond 120 dBFS and became silence");
-}
-
-void Say(std::string const& line) {
-    std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 }  // namespace program

@@ -47,7 +47,4 @@ void ReportOutput(std::string const& path, AudioFormat const& format, AudioOutpu
 /// @throws WorkError with their number, if there were any
 void RequireSound(std::string const& path, std::uint64_t numBad);
 
-/// One line on standard error.
-void Say(std::string const& line);
-
 }  // namespace program

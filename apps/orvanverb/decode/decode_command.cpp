@@ -6,6 +6,7 @@
 
 #include "orvanverb/audio/input_bank.h"
 #include "orvanverb/audio/streaming.h"
+#include "orvanverb/common/messages.h"
 #include "orvanverb/decode/decode_setup.h"
 
 namespace program {

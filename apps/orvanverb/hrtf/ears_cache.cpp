@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "orvanverb/audio/streaming.h"
+#include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/progress_line.h"
 #include "orvanverb/common/whole_file.h"

@@ -3,8 +3,8 @@
 #include <cstdint>
 
 #include "orvanverb/audio/audio_input.h"
-#include "orvanverb/audio/streaming.h"
 #include "orvanverb/audio/vector_channels.h"
+#include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
 
 namespace program {

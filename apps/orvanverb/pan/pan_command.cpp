@@ -1,4 +1,5 @@
 #include "orvanverb/pan/pan_command.h"
+#include "orvanverb/common/messages.h"
 #include "orvanverb/hrtf/engine_loading.h"
 
 #include <chrono>

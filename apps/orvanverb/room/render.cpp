@@ -8,6 +8,7 @@
 #include "orvanverb/audio/impulse.h"
 #include "orvanverb/audio/input_bank.h"
 #include "orvanverb/audio/streaming.h"
+#include "orvanverb/common/messages.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/layout/channel_words.h"
 #include "orvanverb/layout/speaker_layout.h"
