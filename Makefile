@@ -48,6 +48,7 @@ tsan: setup
 	@cmake --preset tsan >/dev/null
 	@cmake --build --preset tsan -j$(JOBS)
 	build/tsan/tests/test_room
+	build/tsan/tests/test_hosted_room
 
 FUZZ_SECONDS ?= 60
 fuzz: setup

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+#include <string>
+#include <vector>
+
 #include "dsp/floating_point_mode.h"
 #include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
@@ -75,9 +79,11 @@ TEST(HostedRoom, LeavesNoTraceOnTheFloatingPointMode) {
 TEST(HostedRoom, LoadsEarsBesideTheAudio) {
     plugin::HostedRoom room = MakeRoom("@numsources 1 @numspeakers 2");
     room.Start(48000.0f, 64);
-    const auto wait = [&room] {
-        while (!room.TakeEars()) {
-        }
+    std::vector<float> block(64, 0.1f);
+    float const* const inputs[] = {block.data()};
+    float* const outputs[] = {block.data(), block.data()};
+    const auto wait = [&] {
+        while (!room.TakeEars()) room.Process(inputs, outputs);
     };
     room.LoadEars(ORVAN_SET);
     wait();
