@@ -8,7 +8,6 @@
 #include <array>
 #include <atomic>
 #include <cmath>
-#include <cstdio>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -17,6 +16,7 @@
 #include "engine/room_controls.h"
 #include "geometry/azimuth_distance_elevation.h"
 #include "measure/room_measurement.h"
+#include "room/control_range.h"
 #include "room/room.h"
 
 namespace py = pybind11;
@@ -43,27 +43,20 @@ private:
     std::atomic<bool>& busy;
 };
 
-std::string Number(float value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", static_cast<double>(value));
-    return text;
-}
-
 class PythonRoom {
 public:
     PythonRoom(unsigned int sources, unsigned int speakers, unsigned int internals, float newRate)
         : room(sources, speakers, internals), rate(newRate) {
         if (!(rate >= 1000.0f && rate <= 768000.0f))
-            throw py::value_error("rate: " + Number(rate) + " is not from 1000 to 768000 Hz");
+            throw py::value_error("rate: " + Lume::NumberText(rate) + " is not from 1000 to 768000 Hz");
     }
 
     void Set(std::string const& name, float value) {
         const Use use(busy);
         const std::size_t control = Find(name);
         Lume::RoomControl const& row = Lume::roomControls[control];
-        if (!(value >= row.least && value <= row.greatest))
-            throw py::value_error(name + ": " + Number(value) + " is not from " + Number(row.least) + " to " +
-                                  Number(row.greatest) + (*row.unit != '\0' ? std::string(" ") + row.unit : ""));
+        if (!Lume::IsInRange(row, value))
+            throw py::value_error(name + ": " + Lume::NumberText(value) + " is not " + Lume::RangeText(row));
         room.Set(control, value);
     }
     float Get(std::string const& name) const { return room.Get(Find(name)); }

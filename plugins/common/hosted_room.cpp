@@ -36,7 +36,7 @@ bool Contains(std::vector<max::t_atom> const& words, char const* word) {
 }  // namespace
 
 HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener newListener)
-    : listener(std::move(newListener)), remarks(std::make_unique<orvanverb::RangeRemarks>()) {
+    : listener(std::move(newListener)) {
     const FloatingPointMode unchanged;
     const bool sources = !Contains(words, "@sourcespositions"), speakers = !Contains(words, "@speakerspositions");
     box = std::make_unique<max::Box>(BoxWords(std::move(words)), listener);
@@ -68,6 +68,10 @@ std::uint64_t HostedRoom::NumReplaced() const {
     return Room().NumBadInputs();
 }
 
+std::uint64_t HostedRoom::NumSilenced() const {
+    return Room().NumBadOutputs();
+}
+
 Lume::RoomState HostedRoom::NamedState() {
     if (loadingEars.valid()) {
         loadingEars.wait();
@@ -86,8 +90,7 @@ void HostedRoom::Warn(std::string const& text) const {
 
 bool HostedRoom::Send(char const* selector, std::vector<max::t_atom> atoms) {
     const FloatingPointMode unchanged;
-    const std::string remark = remarks->Of(selector, atoms);
-    if (!remark.empty()) Warn(remark);
+    for (std::string const& remark : orvanverb::RangeRemarksOf(remarks, selector, atoms)) Warn(remark);
     return box->Send(max::gensym(selector), std::move(atoms));
 }
 

@@ -7,14 +7,12 @@
 #include <vector>
 
 #include "patcher/box.h"
+#include "room/control_range.h"
 #include "room/ears.h"
 #include "room/room_state.h"
 
 // Not the object's headers: they bring in the names of its host, which are those of other hosts, too.
 struct orvanverb_t;
-namespace orvanverb {
-class RangeRemarks;
-}
 namespace Lume {
 class Room;
 }
@@ -66,6 +64,8 @@ public:
     std::size_t BlockSize() const;
     /// How many input samples became 0 because they could have stayed in the room for good.
     std::uint64_t NumReplaced() const;
+    /// How many output samples became silence because the room had run away.
+    std::uint64_t NumSilenced() const;
 
     /// Processes one block of the host. Real-time safe.
     /// @param inputs, outputs  one pointer per channel; may be the same arrays, in any order
@@ -79,7 +79,7 @@ private:
     std::unique_ptr<max::Box> box;
     orvanverb_t* record = nullptr;  // the box's
     float sampleRate = 0.0f;        // [Hz]
-    std::unique_ptr<orvanverb::RangeRemarks> remarks;
+    Lume::RangeRemarks remarks;
     std::filesystem::path earsFile;  // being loaded
     std::future<Lume::Ears> loadingEars;
 };

@@ -170,16 +170,18 @@ void PdRoom::Dsp(t_signal** signals) {
 void PdRoom::Perform() {
     lastBlockTime = clock_getlogicaltime();
     room.Process(inputs.data(), outputs.data());
-    if (room.NumReplaced() > 0 && !reported) {
+    if (room.NumReplaced() + room.NumSilenced() > 0 && !reported) {
         reported = true;
         clock_delay(reportClock, reportDelay);
     }
 }
 
 void PdRoom::ReportReplaced() {
-    Line(max::ConsoleLevel::error,
-         std::to_string(room.NumReplaced()) +
-             " input samples weren't finite; 0 went into the room instead. This is said once");
+    const auto tell = [this](std::uint64_t number, char const* what) {
+        if (number > 0) Line(max::ConsoleLevel::error, std::to_string(number) + what);
+    };
+    tell(room.NumReplaced(), " input samples weren't finite; 0 went into the room instead. This is said once");
+    tell(room.NumSilenced(), " output samples were beyond 120 dB; the room was emptied. This is said once");
 }
 
 void PdRoom::Save(t_binbuf* file) {

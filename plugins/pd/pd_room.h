@@ -55,7 +55,7 @@ private:
     t_glist* canvas;               // the patch
     t_clock* earsClock = nullptr;  // looks for ears that were loaded
     t_clock* reportClock = nullptr;
-    bool reported = false;  // that input samples were replaced
+    bool reported = false;  // that samples were bad
 };
 
 }  // namespace pd

@@ -1,8 +1,8 @@
 #include "object/room_exchange.h"
 
 #include <algorithm>
-#include <charconv>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include "object/orvanverb_table.h"
@@ -10,11 +10,6 @@
 namespace {
 
 constexpr char const* delaysName = "delays ";
-
-std::string Number(float value) {
-    char text[32];
-    return {text, std::to_chars(text, text + sizeof text, value).ptr};
-}
 
 void StorePositions(float* positions, std::span<Lume::CartesianVector const> from) {
     for (Lume::CartesianVector const& p : from)
@@ -39,7 +34,7 @@ Lume::RoomState orvanverb_save_state(orvanverb_t* x) {
     std::span<float const> const delays(x->delays, x->numinternals);
     if (std::any_of(delays.begin(), delays.end(), [](float delay) { return delay > 0.0f; })) {
         std::string line = delaysName;
-        for (const float delay : delays) line.append(Number(delay)).append(" ");
+        for (const float delay : delays) line.append(Lume::NumberText(delay)).append(" ");
         line.pop_back();
         state.unknown.push_back(line);
     }
@@ -69,22 +64,21 @@ void orvanverb_restore_state(orvanverb_t* x, Lume::RoomState const& state) {
 
 namespace orvanverb {
 
-std::string RangeRemarks::Of(std::string const& selector, std::span<t_atom const> atoms) {
+std::vector<std::string> RangeRemarksOf(Lume::RangeRemarks& remarks, std::string const& selector,
+                                        std::span<t_atom const> atoms) {
     // "reverb tr0 20" is "tr0 20".
     if (selector == "reverb" && atoms.size() == 2 && atom_gettype(&atoms[0]) == A_SYM) {
         const std::string word = atom_getsym(&atoms[0])->s_name;
-        return Of(word == "start" ? "reverb_start" : word, atoms.subspan(1));
+        return RangeRemarksOf(remarks, word == "start" ? "reverb_start" : word, atoms.subspan(1));
     }
+    std::vector<std::string> texts;
     for (Lume::RoomControl const& control : Lume::roomControls) {
         if (control.attribute == nullptr || selector != control.attribute || control.element >= atoms.size()) continue;
         if (atom_gettype(&atoms[control.element]) == A_SYM) continue;
-        const float value = atom_getfloat(&atoms[control.element]);
-        if (value >= control.least && value <= control.greatest) continue;
-        if (!said.insert(control.name).second) continue;
-        return std::string(control.name) + ": " + Number(value) + " is not from " + Number(control.least) + " to " +
-               Number(control.greatest) + ", the nearest is taken. This is said once";
+        std::string text = remarks.Of(control, atom_getfloat(&atoms[control.element]));
+        if (!text.empty()) texts.push_back(std::move(text));
     }
-    return {};
+    return texts;
 }
 
 }  // namespace orvanverb

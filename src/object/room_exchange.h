@@ -1,10 +1,11 @@
 #pragma once
 
-#include <set>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "object/orvanverb.h"
+#include "room/control_range.h"
 #include "room/room_state.h"
 
 /// Between the object and the room on which it stands, for fronts: states with names, and what to tell of a message.
@@ -19,14 +20,8 @@ void orvanverb_restore_state(orvanverb_t* x, Lume::RoomState const& state);
 
 namespace orvanverb {
 
-/// The object brings a value into its range without a word. This says so, once for each control.
-class RangeRemarks {
-public:
-    /// What to say of a message before the object gets it; empty: nothing.
-    std::string Of(std::string const& selector, std::span<t_atom const> atoms);
-
-private:
-    std::set<std::string> said;
-};
+/// The object brings a value into its range without a word. What to say of it, before the object gets the message.
+std::vector<std::string> RangeRemarksOf(Lume::RangeRemarks& remarks, std::string const& selector,
+                                        std::span<t_atom const> atoms);
 
 }  // namespace orvanverb

@@ -19,11 +19,11 @@ enum class Change : unsigned char {
     jumps    ///< at once: what sounds is torn
 };
 
-/// What the engine does of itself with a value outside the range. Fronts let none come that far: they refuse it in
-/// options and files, with the range, and clip it in live messages, which the console says once.
+/// What becomes of a value outside the range. Options and files refuse it and say the range; a message to a running
+/// room takes the nearest, and tells it once for each control (room/control_range.h).
 enum class OutOfRange : unsigned char {
-    taken,   ///< acts as it comes
-    limited  ///< limited where it is used
+    nearest,  ///< so it is never outside
+    kept  ///< but words of the object let it there as it came: a state that holds such a value is good, and comes back
 };
 
 /// A scalar of the room: what it is called, what it may be, and how an engine takes and tells it.

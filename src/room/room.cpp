@@ -10,6 +10,7 @@
 #include "dsp/floating_point_mode.h"
 #include "geometry/named_layout.h"
 #include "geometry/speakers.h"
+#include "room/control_range.h"
 
 namespace Lume {
 
@@ -138,7 +139,7 @@ bool Room::Set(std::size_t control, float value) {
     if (control >= roomControls.size() || std::isnan(value)) return false;
     const FloatingPointMode unchanged;
     RoomControl const& row = roomControls[control];
-    row.set(*engine, std::clamp(value, row.least, row.greatest));
+    row.set(*engine, BroughtIntoRange(row, value));
     return true;
 }
 

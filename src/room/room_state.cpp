@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "engine/room_controls.h"
+#include "room/control_range.h"
 #include "room/room.h"
 #include "room/steady_vectors.h"
 
@@ -55,18 +56,9 @@ float ParseFloat(std::string_view word) {
     return number;
 }
 
-/// The times and shapes of early and cluster reach an object by words that don't limit them. Such a room was heard and
-/// can come back; every other control was within its range.
-bool MayLeaveItsRange(RoomControl const& control) {
-    return (control.group == ControlGroup::early || control.group == ControlGroup::cluster) &&
-           control.attribute != nullptr && std::string_view(control.name) == control.attribute;
-}
-
 float ParseControl(RoomControl const& control, std::string_view word) {
     const float value = ParseFloat(word);
-    if (!MayLeaveItsRange(control) && !(value >= control.least && value <= control.greatest))
-        throw std::invalid_argument(std::string(word) + " is not from " + NumberText(control.least) + " to " +
-                                    NumberText(control.greatest));
+    if (!MayBeInState(control, value)) throw std::invalid_argument(std::string(word) + " is not " + RangeText(control));
     return value;
 }
 
@@ -202,6 +194,13 @@ bool RoomState::IsState(std::string_view text) noexcept {
     return TakeWord(text) == firstWord;
 }
 
+bool IsText(std::string_view text) noexcept {
+    return std::none_of(text.begin(), text.end(), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte < ' ' ? c != '\t' && c != '\r' && c != '\n' : byte == 0x7F;
+    });
+}
+
 RoomState RoomState::Parse(std::string_view text, std::filesystem::path const& folder) {
     if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);  // the mark that some editors put first
     RoomState state;
@@ -209,6 +208,7 @@ RoomState RoomState::Parse(std::string_view text, std::filesystem::path const& f
     for (int number = 1; !text.empty(); ++number) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
+        if (!IsText(line)) throw std::invalid_argument(NumberText(number) + ": is no text");
         std::string_view values = line;
         const std::string_view name = TakeWord(values);
         if (name.empty() || name.front() == '#') continue;

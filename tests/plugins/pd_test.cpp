@@ -201,6 +201,12 @@ TEST_F(PlayingInPd, BadSamplesStayOutAndAreReportedOnce) {
     EXPECT_NE(console.find(line), std::string::npos) << console;
     EXPECT_EQ(console.find(line), console.rfind("error")) << console;
     EXPECT_TRUE(out.samples == Play(good, "@numsources 1 @numspeakers 2", {}).samples);
+
+    std::fill_n(good.samples[0].begin() + 20000, 200, 9e5f);
+    Play(good, "@numsources 1 @numspeakers 4 @sourcespositions 0 0.3 0", {});
+    const std::size_t said = console.find(" output samples were beyond 120 dB; the room was emptied");
+    EXPECT_NE(said, std::string::npos) << console;
+    EXPECT_EQ(said, console.rfind(" output samples were")) << console;
 }
 
 // Pd knows one kind of number; the object wants longs for indices.
@@ -213,8 +219,8 @@ TEST_F(InPd, MessagesReachTheObjectAndItsLinesTheConsole) {
               "orvanverb~: sourcespositions : -0.500000 0.866025 0.000000 2.000000 0.000000 0.000000 \n"
               "orvanverb~: tr0 : 2.000000 \n"
               "orvanverb~: tr0 : 2.500000 \n"
-              "verbose(2): warning: orvanverb~: tr0: 20 is not from 0.1 to 10, the nearest is taken. This is said "
-              "once\n"
+              "verbose(2): warning: orvanverb~: tr0: 20 is not from 0.1 to 10 s, the nearest is taken (said "
+              "once)\n"
               "orvanverb~: dsp processing is muted\n"
               "error: orvanverb~: invalid source index 3\n"
               "error: orvanverb~: invalid direct parameters : 1 2.500000 3 \n"

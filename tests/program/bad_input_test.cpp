@@ -53,6 +53,11 @@ TEST_F(BadInput, FilesAreNamedWithStatusOne) {
     WriteText(In("room"), "tr0 2\n\ntr0 200\n");
     Expect(Render({"--speakers", In("speakers")}), 1, In("speakers") + ":2: ");
     Expect(Render({"--speakers", In("none")}), 1, In("none"));
+    WriteText(In("binary"),
+              "# fine\n\x7f"
+              "ELF\x02\n");
+    for (char const* option : {"--speakers", "--preset", "--scene", "--state"})
+        Expect(Render({option, In("binary")}), 1, In("binary") + ":2: is no text");
     // Opens, and gives an error at the first read.
     for (char const* option : {"--speakers", "--preset", "--scene"})
         Expect(Render({option, "/proc/self/mem"}), 1, "/proc/self/mem: Input/output error");

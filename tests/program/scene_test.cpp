@@ -141,7 +141,8 @@ TEST_F(Scenes, NumbersOutOfRangeAreRefusedInOptionsAndToldInScenes) {
                                       directory / "wide.scene", "--tail", "0.3"});
     EXPECT_EQ(run.status, 0);
     const std::string at = directory / "wide.scene";
-    EXPECT_NE(run.err.find(at + ":1: warn: early_width: 300 is not from 10 to 180, the nearest is taken\n"),
+    EXPECT_NE(run.err.find(
+                  at + ":1: warn: early_width: 300 is not from 10 to 180 degrees, the nearest is taken (said once)\n"),
               std::string::npos)
         << run.err;
     EXPECT_EQ(run.err.find(at + ":2"), std::string::npos);

@@ -141,7 +141,8 @@ TEST(RoomState, SaysWhatIsWrongAndWhere) {
     EXPECT_EQ(Complaint("tr0 3\ndance 4\n"),
               "2: dance: is in no state; orvanverb-state 1 is expected in front of them");
     EXPECT_EQ(Complaint("orvanverb-state 2\n"), "1: orvanverb-state: version 1 is expected, not 2");
-    EXPECT_EQ(Complaint(head + "tr0 11\n"), "2: tr0: 11 is not from 0.1 to 10");
+    EXPECT_EQ(Complaint(head + "tr0 11\n"), "2: tr0: 11 is not from 0.1 to 10 s");
+    EXPECT_EQ(Complaint(head + "late_width \x1b[2J\n"), "2: is no text") << "a terminal would obey it";
     EXPECT_EQ(Complaint(head + "tr0 nan\n"), "2: tr0: 'nan' is not finite");
     EXPECT_EQ(Complaint(head + "tr0 3s\n"), "2: tr0: '3s' is no number that is expected here");
     EXPECT_EQ(Complaint(head + "tr0 3 4\n"), "2: tr0: one value is expected, '4' is too many");

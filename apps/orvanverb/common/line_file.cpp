@@ -9,6 +9,7 @@
 
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "room/room_state.h"
 
 namespace program {
 
@@ -21,6 +22,7 @@ std::vector<Line> ReadLines(std::string const& path) {
     std::string text;
     for (int number = 1; std::getline(file, text); ++number) {
         if (number == 1 && text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);  // the mark that some editors put first
+        if (!Lume::IsText(text)) throw WorkError(At(path, number) + "is no text");
         text.resize(std::min(text.size(), text.find('#')));
         std::vector<std::string> words = SplitWords(text);
         if (!words.empty()) lines.push_back({number, std::move(words)});

@@ -11,7 +11,7 @@ namespace {
 constexpr char const* scaleNames[] = {"linear", "logarithmic", "on/off"};
 constexpr char const* groupNames[] = {"late", "direct", "room", "early", "cluster"};
 constexpr char const* changeNames[] = {"ramps", "glides", "jumps"};
-constexpr char const* beyondNames[] = {"taken", "limited"};
+constexpr char const* beyondNames[] = {"nearest", "kept"};
 
 template <std::size_t count, class Choice>
 std::string NameOf(char const* const (&names)[count], Choice choice) {
@@ -33,9 +33,7 @@ std::string Described(Lume::RoomControl const& control) {
     object.append(", \"scale\": ").append(JsonText(NameOf(scaleNames, control.scale)));
     object.append(", \"group\": ").append(JsonText(NameOf(groupNames, control.group)));
     object.append(", \"change\": ").append(JsonText(NameOf(changeNames, control.change)));
-    return object.append(", \"engine_beyond_range\": ")
-        .append(JsonText(NameOf(beyondNames, control.outOfRange)))
-        .append("}");
+    return object.append(", \"out_of_range\": ").append(JsonText(NameOf(beyondNames, control.outOfRange))).append("}");
 }
 
 }  // namespace

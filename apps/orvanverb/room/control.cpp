@@ -8,25 +8,29 @@
 #include "engine/room_controls.h"
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/text.h"
+#include "room/control_range.h"
 
 namespace program {
 
 namespace {
 
-/// A number that a value may be.
+/// A number that a value may be, by a row of the table or beside it.
 struct Range {
     std::string name;
-    float least, greatest;
-    bool whole;
-    char const* unit;
+    float least = 0.0f, greatest = 1.0f;
+    Lume::RoomControl const* control = nullptr;
 };
 
 /// What stands beside the controls: how many channels the room has, and whether it is heard.
-const Range others[] = {
-    {"numinternals", 2.0f, 16.0f, true, ""}, {"mute", 0.0f, 1.0f, true, ""}, {"bypass", 0.0f, 1.0f, true, ""}};
+const Range others[] = {{"numinternals", 2.0f, 16.0f}, {"mute"}, {"bypass"}};
 
 Range RangeOf(Lume::RoomControl const& row) {
-    return {row.name, row.least, row.greatest, row.scale == Lume::Scale::onOff, row.unit};
+    return {row.name, row.least, row.greatest, &row};
+}
+
+bool Takes(Range const& range, float value) {
+    if (range.control != nullptr) return Lume::IsInRange(*range.control, value);
+    return value >= range.least && value <= range.greatest && value == std::floor(value);
 }
 
 /// What the values of a name are: one range for a control, six for the attribute of a shelf.
@@ -53,11 +57,12 @@ std::string AllNames() {
 
 void RequireInRange(std::string const& name, std::string const& word, Range const& range) {
     const std::optional<float> value = ParseNumber(word);
-    // Written as "not inside", so that a word that is no number is refused too.
-    if (!(value && *value >= range.least && *value <= range.greatest) || (range.whole && *value != std::floor(*value)))
-        throw std::invalid_argument(name + ": '" + word + "' is no " + (range.whole ? "whole " : "") + "number from " +
-                                    NumberText(range.least) + " to " + NumberText(range.greatest) +
-                                    (*range.unit != '\0' ? " " : "") + range.unit);
+    if (value && Takes(range, *value)) return;
+    const bool whole = range.control == nullptr || range.control->scale == Lume::Scale::onOff;
+    throw std::invalid_argument(name + ": '" + word + "' is no " + (whole ? "whole " : "") + "number " +
+                                (range.control != nullptr
+                                     ? Lume::RangeText(*range.control)
+                                     : "from " + NumberText(range.least) + " to " + NumberText(range.greatest)));
 }
 
 }  // namespace

@@ -103,17 +103,9 @@ void RoomObject::Tell(std::string_view message, std::filesystem::path const& fol
     }
 }
 
-/// The object brings a value into its range without a word. Once for each control there is one.
-void RoomObject::RemarkRange(std::string const& selector, std::span<max::t_atom const> values) {
-    for (Lume::RoomControl const& row : Lume::roomControls) {
-        if (row.attribute == nullptr || selector != row.attribute || row.element >= values.size()) continue;
-        max::t_atom const& atom = values[row.element];
-        if (atom.a_type == max::A_SYM) return;
-        const float value = max::atom_getfloat(&atom);
-        if ((value >= row.least && value <= row.greatest) || !remarked.insert(row.name).second) continue;
-        remarks.push_back("warn: " + std::string(row.name) + ": " + NumberText(value) + " is not from " +
-                          NumberText(row.least) + " to " + NumberText(row.greatest) + ", the nearest is taken");
-    }
+void RoomObject::RemarkRange(std::string const& selector, std::span<max::t_atom const> atoms) {
+    for (std::string const& text : orvanverb::RangeRemarksOf(rangeRemarks, selector, atoms))
+        remarks.push_back("warn: " + text);
 }
 
 /// The engine limits what it gets; the record, which a state of the object is made from, is to agree.
@@ -136,7 +128,7 @@ void RoomObject::LimitPositions() {
         PlaceSpeakers(speakers);
         limited = true;
     }
-    if (limited && remarked.insert("positions").second)
+    if (limited && !std::exchange(positionsRemarked, true))
         remarks.push_back("warn: positions are limited to " + NumberText(Lume::Room::maxCoordinate) + " m");
 }
 

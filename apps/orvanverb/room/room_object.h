@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <set>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -12,6 +11,7 @@
 #include "object/orvanverb.h"
 #include "orvanverb/hrtf/ears_cache.h"
 #include "patcher/box.h"
+#include "room/control_range.h"
 #include "room/room.h"
 
 namespace program {
@@ -76,13 +76,14 @@ private:
     void Hear(max::ConsoleLevel level, std::string const& text);
     void ThrowComplaint();
     void Send(char const* selector, std::vector<max::t_atom> atoms);
-    void RemarkRange(std::string const& selector, std::span<max::t_atom const> values);
+    void RemarkRange(std::string const& selector, std::span<max::t_atom const> atoms);
     void LimitPositions();
 
     EarsCache& ears;
     std::string complaint;  // the first line that is an error, not thrown yet
     std::vector<std::string> remarks;
-    std::set<std::string> remarked;  // controls whose range was told
+    Lume::RangeRemarks rangeRemarks;
+    bool positionsRemarked = false;
     max::Box box;
 };
 
