@@ -49,6 +49,11 @@ void Scene::Rehearse(Listener const& listener) const {
     for (Event const& event : timed) Tell(listener, event);
 }
 
+std::optional<double> Scene::NextSeconds() const {
+    if (next == timed.size()) return std::nullopt;
+    return timed[next].seconds;
+}
+
 std::vector<std::string> Scene::Play(Listener const& listener, int samplerate, std::uint64_t beforeFrame) {
     std::vector<std::string> lines;
     for (; next < timed.size(); ++next) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,6 +43,11 @@ public:
     /// @param samplerate  [Hz]
     /// @return lines to be shown
     std::vector<std::string> Play(Listener const& listener, int samplerate, std::uint64_t beforeFrame);
+
+    /// When the next of what has a time and wasn't told yet is due [s]; nothing behind the last one.
+    std::optional<double> NextSeconds() const;
+    /// Tells it, whenever that is. @throws WorkError as Begin
+    std::vector<std::string> PlayNext(Listener const& listener) { return Tell(listener, timed.at(next++)); }
 
 private:
     struct Event {

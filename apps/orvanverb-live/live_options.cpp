@@ -1,0 +1,195 @@
+#include "orvanverb-live/live_options.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+
+#include "orvanverb/common/limits.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/options/common_options.h"
+#include "orvanverb/options/file_roles.h"
+
+namespace live {
+
+namespace {
+
+using program::UsageError;
+
+constexpr char const* about =
+    "Puts what it hears into a room while it plays: sources come from JACK or from a file, and people, consoles and\n"
+    "trackers move them by OSC and by a page in the browser.";
+
+constexpr char const* footer =
+    "OSC: /orvanverb/tr0 2.5, /orvanverb/source/1/azim -30 and so on (docs/live.md), azimuth positive to the right;\n"
+    "ADM-OSC: /adm/obj/1/azim 30, azimuth positive to the left.\n"
+    "Everything listens at this machine alone unless --bind says otherwise; then the page needs the token that is\n"
+    "printed at the beginning.\n"
+    "  orvanverb-live --audio file:voice.wav:out.wav --http 8080\n"
+    "  orvanverb-live --inputs 8 --connect in=system:capture_ --connect out=system:playback_ --http 8080";
+
+struct Words {
+    program::CommonWords common;
+    std::string audio = "jack", osc, adm, preset, settings, http, inputs;
+    std::vector<std::string> connect, set;
+};
+
+int ParsePort(std::string const& option, std::string const& word) {
+    const std::optional<unsigned int> port = program::ParseCount(word);
+    if (!port || *port < 1 || *port > 65535) throw UsageError(option + ": '" + word + "' is no port from 1 to 65535");
+    return static_cast<int>(*port);
+}
+
+std::optional<int> ParsePortOrOff(std::string const& option, std::string const& word) {
+    if (word == "off") return std::nullopt;
+    return ParsePort(option, word);
+}
+
+void TakeAudio(std::string const& word, LiveOptions& options) {
+    if (word == "jack") return;
+    constexpr std::string_view file = "file:";
+    const std::size_t last = word.rfind(':');
+    if (!word.starts_with(file) || last < file.size() + 1 || last + 1 == word.size())
+        throw UsageError("--audio: '" + word + "' is neither jack nor file:IN:OUT");
+    options.fromFile = true;
+    options.room.inputs = {word.substr(file.size(), last - file.size())};
+    options.room.output = word.substr(last + 1);
+}
+
+void TakeConnections(std::vector<std::string> const& words, LiveOptions& options) {
+    for (std::string const& word : words) {
+        if (word.starts_with("in=") && word.size() > 3)
+            options.connectIn.push_back(word.substr(3));
+        else if (word.starts_with("out=") && word.size() > 4)
+            options.connectOut.push_back(word.substr(4));
+        else
+            throw UsageError("--connect: '" + word + "' is neither in=PREFIX nor out=PREFIX");
+    }
+}
+
+void TakeSettings(std::vector<std::string> const& words, program::Options& options) {
+    for (std::string const& word : words) {
+        const std::size_t equals = word.find('=');
+        if (equals == std::string::npos || equals == 0) throw UsageError("--set: '" + word + "' is no NAME=VALUE");
+        options.settings.push_back({word.substr(0, equals), program::SplitWords(word.substr(equals + 1), ",")});
+    }
+}
+
+void AddRoomOptions(CLI::App& app, program::Options& room, Words& words) {
+    app.add_option("--speakers", room.speakers,
+                   "Loudspeakers: a count from 2 to 64 (2 is headphones), or a file with one\n"
+                   "AZIMUTH [ELEVATION [DISTANCE]] a line [2]")
+        ->type_name("COUNT|FILE")
+        ->take_last();
+    program::AddEars(app, room);
+    program::AddPlaces(app, room, words.common);
+    app.add_option("--preset", words.preset, "A room: a name that `orvanverb presets` lists, or a file")
+        ->type_name("NAME|FILE")
+        ->take_last();
+    app.add_option("--set", words.set, "Set a control of the room, over the preset; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    app.add_option("--state", room.state, "Begin with a saved state of the room")->type_name("FILE")->take_last();
+    app.add_option("--vector", words.common.vector, "Samples of one run of the engine, a power of two from 16 on [64]")
+        ->type_name("COUNT")
+        ->take_last();
+}
+
+void AddAudioOptions(CLI::App& app, LiveOptions& options, Words& words) {
+    app.add_option("--audio", words.audio,
+                   "Where sound comes from and goes to: jack, or file:IN:OUT, which needs no\n"
+                   "sound card: IN plays again and again into OUT until Ctrl-C [jack]")
+        ->type_name("jack|file:IN:OUT")
+        ->take_last();
+    app.add_flag("--once", options.once, "A file: end behind the end of IN, when the room has died away");
+    app.add_flag("--free-running", options.freeRunning, "A file: as fast as it goes, once");
+    app.add_option("-n,--name", options.name, "JACK: the client's name [orvanverb]")->type_name("NAME")->take_last();
+    app.add_option("--inputs", words.inputs, "JACK: how many sources there are [1]")->type_name("COUNT")->take_last();
+    app.add_option("--connect", words.connect,
+                   "JACK: connect with the ports whose names begin so, as in=system:capture_;\nmay be repeated")
+        ->type_name("in=|out=PREFIX")
+        ->allow_extra_args(false);
+    app.add_option("--record", options.record, "JACK: also write what is played to a file")
+        ->type_name("FILE")
+        ->take_last();
+    program::AddForce(app, options.room);
+}
+
+void AddControlOptions(CLI::App& app, LiveOptions& options, Words& words) {
+    app.add_option("--http", words.http, "Serve the page at this port: http://localhost:PORT")
+        ->type_name("PORT")
+        ->take_last();
+    app.add_option("--osc", words.osc, "Port for OSC, /orvanverb/... [9000]")->type_name("PORT|off")->take_last();
+    app.add_option("--adm", words.adm, "Port for ADM-OSC, /adm/...; answers go to 4002 [4001]")
+        ->type_name("PORT|off")
+        ->take_last();
+    app.add_option("--adm-dmax", options.osc.dmaxM, "ADM-OSC: what a distance of 1 is [10]")
+        ->type_name("METRES")
+        ->check(CLI::Range(0.01f, 10000.0f));
+    app.add_option("--bind", options.osc.bind, "Address of the network interface to listen at [127.0.0.1]")
+        ->type_name("ADDRESS")
+        ->take_last();
+    app.add_option("--token", options.token, "What pages of other machines must know [made up]")
+        ->type_name("WORD")
+        ->take_last();
+    app.add_option("--autosave", options.autosave, "Write the state at the end, also after Ctrl-C")
+        ->type_name("FILE")
+        ->take_last();
+}
+
+void TakeMeaning(Words const& words, LiveOptions& options) {
+    TakeAudio(words.audio, options);
+    TakeConnections(words.connect, options);
+    TakeSettings(words.set, options.room);
+    program::TakeCommonMeaning(words.common, options.room);
+    if (!words.preset.empty()) options.room.preset = words.preset;
+    if (!words.osc.empty()) options.osc.own = ParsePortOrOff("--osc", words.osc);
+    if (!words.adm.empty()) options.osc.adm = ParsePortOrOff("--adm", words.adm);
+    if (!words.http.empty()) options.http = ParsePort("--http", words.http);
+    if (!words.inputs.empty()) {
+        const std::optional<unsigned int> count = program::ParseCount(words.inputs);
+        if (!count || *count < 1 || *count > program::maxSources)
+            throw UsageError("--inputs: '" + words.inputs + "' is no count from 1 to " +
+                             std::to_string(program::maxSources));
+        options.numInputs = *count;
+    }
+    if (options.fromFile) {
+        for (auto const& [given, name] : {std::pair{!words.inputs.empty(), "--inputs"},
+                                          {!words.connect.empty(), "--connect"},
+                                          {options.record.has_value(), "--record"}})
+            if (given) throw UsageError(std::string(name) + ": is for JACK, not for files");
+    } else if (options.once || options.freeRunning) {
+        throw UsageError("--once and --free-running are for --audio file:IN:OUT");
+    }
+    options.room.AlsoWrites("--record", options.record);
+    program::RequireSafeOutputs(options.room);
+}
+
+}  // namespace
+
+std::optional<LiveOptions> ParseLiveOptions(int argc, char const* const* argv) {
+    LiveOptions options;
+    Words words;
+    CLI::App app(about, "orvanverb-live");
+    app.set_version_flag("--version", "orvanverb-live " ORVANVERB_VERSION);
+    app.get_formatter()->column_width(36);
+    app.footer(footer);
+    AddAudioOptions(app, options, words);
+    AddRoomOptions(app, options.room, words);
+    AddControlOptions(app, options, words);
+    try {
+        app.parse(argc, argv);
+    } catch (CLI::Success const& success) {
+        app.exit(success);
+        return std::nullopt;
+    } catch (CLI::ParseError const& error) {
+        std::string message = error.what();
+        std::replace(message.begin(), message.end(), '\n', ' ');
+        throw UsageError(message + " (orvanverb-live --help tells more)");
+    }
+    TakeMeaning(words, options);
+    return options;
+}
+
+}  // namespace live

@@ -1,0 +1,75 @@
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "dsp/console.h"
+#include "orvanverb-live/audio/file_audio.h"
+#include "orvanverb-live/audio/jack_audio.h"
+#include "orvanverb-live/audio/stop_signal.h"
+#include "orvanverb-live/autosave.h"
+#include "orvanverb-live/live_options.h"
+#include "orvanverb-live/osc/osc_server.h"
+#include "orvanverb-live/page/page_server.h"
+#include "orvanverb-live/room/desk.h"
+#include "orvanverb/audio/input_bank.h"
+#include "orvanverb/common/messages.h"
+#include "orvanverb/common/program_error.h"
+#include "orvanverb/common/standard_streams.h"
+#include "orvanverb/room/room_setup.h"
+
+namespace live {
+
+namespace {
+
+void Run(LiveOptions const& options) {
+    StopSignal stop;
+    RequireAutosave(options.autosave);
+    std::optional<program::InputBank> recording;
+    if (options.fromFile) recording.emplace(options.room.inputs, options.room.rate, std::nullopt);
+    program::RoomSetup setup(options.room, recording ? recording->NumChannels() : options.numInputs,
+                             recording ? recording->Samplerate() : JackRate(options.name));
+    SceneTrack scene;
+    if (options.room.scene) scene = SceneTrack(*options.room.scene, *setup.MakeRoom());
+
+    Desk desk(setup.MakeRoom(), setup.VectorSize(), std::move(scene));
+    const OscServer osc(desk, options.osc);
+    std::optional<PageServer> page;
+    if (options.http) page.emplace(desk, setup.layout, PagePorts{options.osc.bind, *options.http, options.token});
+
+    if (options.fromFile) {
+        FileAudio audio;
+        audio.output = options.room.output;
+        audio.format = program::ChooseFormat({}, options.room.output);
+        audio.freeRunning = options.freeRunning;
+        audio.repeats = !options.once && !options.freeRunning;
+        audio.vectorSize = setup.VectorSize();
+        if (audio.repeats) program::Say("playing " + options.room.inputs[0] + " again and again; Ctrl-C ends it");
+        PlayFile(audio, *recording, options.room.inputs, setup.layout, desk, stop);
+    } else {
+        PlayJack({options.name, options.connectIn, options.connectOut, options.record, setup.layout}, desk, stop);
+    }
+    desk.Close();
+    Autosave(options.autosave, desk);
+}
+
+}  // namespace
+
+}  // namespace live
+
+int main(int argc, char** argv) {
+    try {
+        orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const&) {});
+        program::PrepareStandardStreams();
+        if (const std::optional<live::LiveOptions> options = live::ParseLiveOptions(argc, argv)) live::Run(*options);
+        return program::FinishStandardOutput() ? 0 : 1;
+    } catch (program::ProgramError const& error) {
+        std::fprintf(stderr, "orvanverb-live: %s\n", error.what());
+        return error.ExitStatus();
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "orvanverb-live: %s\n", error.what());
+        return 1;
+    }
+}
