@@ -9,6 +9,7 @@
 #include "orvanverb/common/text.h"
 #include "orvanverb/decode/decode_command_line.h"
 #include "orvanverb/hrtf/hrtf_command_line.h"
+#include "orvanverb/manual/manual_command.h"
 #include "orvanverb/measure/measure_command_line.h"
 #include "orvanverb/object/object_command_line.h"
 #include "orvanverb/pan/pan_command_line.h"
@@ -23,7 +24,7 @@ namespace {
 /// Every command, in the order in which --help shows them.
 constexpr void (*commands[])(CLI::App& app, Call& call) = {
     AddRenderCommand,  AddImpulseResponseCommand, AddPanCommand,  AddDecodeCommand,  AddHrtfCommand,
-    AddMeasureCommand, AddPresetsCommand,         AddRoomCommand, AddObjectCommands,
+    AddMeasureCommand, AddPresetsCommand,         AddRoomCommand, AddObjectCommands, AddManualCommand,
 };
 
 /// True for a word that begins another option, and is no negative number.
