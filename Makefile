@@ -8,6 +8,7 @@
 # make python builds the Python package into build/release/python
 # make lv2    installs the LV2 plug-ins for this user, or into LV2_FOLDER
 # make lv2-package  puts them into out/
+# make deb    makes Debian packages, into out/
 # make bench  builds and runs the benchmarks
 # make check  layout, layers, quirks and static analysis
 # make docs   the pages of the library's interface, into out/docs (doxygen)
@@ -17,7 +18,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan tsan fuzz bench check docs format pd-package lv2 lv2-package python clean
+.PHONY: all setup configure build demo test slow asan tsan fuzz bench check docs format pd-package lv2 lv2-package python deb clean
 all: build
 
 setup:
@@ -83,6 +84,13 @@ lv2-package: LV2_FOLDER := out/lv2/package
 lv2-package: lv2
 	@tar -czf $(LV2_PACKAGE) --owner=0 --group=0 -C $(LV2_FOLDER) orvanverb.lv2
 	@echo "$(LV2_PACKAGE) unpacks into a folder of LV2 plug-ins, such as ~/.lv2"
+
+deb: build
+	@tools/setup deb
+	@rm -rf out/deb
+	@cd $(BUILD) && cpack -G DEB -B $(CURDIR)/out/deb >/dev/null
+	@mv out/deb/*.deb out/ && rm -rf out/deb
+	@ls out/*.deb
 
 bench: build
 	$(BUILD)/bench/orvan_bench

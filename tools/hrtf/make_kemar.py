@@ -29,7 +29,7 @@ SETS = {
 }
 
 
-# The other binaural sets are made by the program, see README.md.
+# The other binaural sets are made by the program, see docs/program.md.
 RATES = [44100, 48000, 88200, 96000, 176400, 192000]
 
 
