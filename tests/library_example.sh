@@ -11,7 +11,7 @@ cmake --install "$build" --prefix "$place/installed" >"$place/log"
 cp -r "$source/examples/library" "$place/example"
 cmake -S "$place/example" -B "$place/build" -DCMAKE_PREFIX_PATH="$place/installed" -DCMAKE_CXX_COMPILER="$compiler" \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS="$flags" >>"$place/log" || { cat "$place/log"; exit 1; }
-cmake --build "$place/build" >>"$place/log" || { cat "$place/log"; exit 1; }
+cmake --build "$place/build" -j2 >>"$place/log" || { cat "$place/log"; exit 1; }
 "$place/build/clap" >"$place/energies"
 cat "$place/energies"
 # Loudspeaker 1 of the ring stands at the front left.
@@ -27,7 +27,7 @@ samples = array.array("f", open("walk.wav", "rb").read()[44:])
 left, right = samples[0::2], samples[1::2]
 quarter = slice(len(left) // 8, 3 * len(left) // 8)  # around 90 degrees
 energy = [sum(x * x for x in ear[quarter]) for ear in (left, right)]
-assert len(left) == 4 * 48000 and energy[1] > 2 * energy[0] > 0, energy
+assert len(left) == 4 * 48000 and energy[1] > 1.3 * energy[0] > 0, energy
 WALK
 build/callback | tee said
 grep -q "^heard [1-9][0-9]* of 100 times, 0 messages lost, decay 3.47 s" said

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include <orvan/orvan.h>
+#include <orvan/room/room.h>
 
 #include "wave_file.h"
 

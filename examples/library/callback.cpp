@@ -6,7 +6,8 @@
 #include <cstdio>
 #include <thread>
 
-#include <orvan/orvan.h>
+#include <orvan/room/room.h>
+#include <orvan/room/room_queue.h>
 
 namespace {
 
@@ -56,6 +57,7 @@ int main() {
     }
     runs = false;
     device.join();
+    player.queue.Deliver(player.room);  // what came behind the last block; nobody else has the room now
     std::printf("heard %ld of 100 times, %llu messages lost, decay %.2f s\n", heard,
                 static_cast<unsigned long long>(player.queue.NumLost()),
                 static_cast<double>(player.room.Get(Lume::ControlIndex("tr0"))));

@@ -4,7 +4,7 @@
 #include <numbers>
 #include <vector>
 
-#include <orvan/orvan.h>
+#include <orvan/room/room.h>
 
 #include "wave_file.h"
 
