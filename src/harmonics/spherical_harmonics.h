@@ -45,6 +45,11 @@ struct HarmonicIndex {
     int order;
 };
 
+/// The number of channels up to an order, of a sphere or a circle.
+constexpr unsigned int NumAmbisonicChannels(unsigned int order, bool inSpace) {
+    return inSpace ? (order + 1) * (order + 1) : 2 * order + 1;
+}
+
 /// Which harmonic each channel of a set holds: all up to a degree, (maxDegree + 1)^2 of them. Empty for an unknown
 /// sorting.
 std::vector<HarmonicIndex> SortedSphericalHarmonics(unsigned int maxDegree, SphericalHarmonicsSorting sorting);

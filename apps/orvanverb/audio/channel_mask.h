@@ -5,16 +5,10 @@
 
 namespace program {
 
-/// Loudspeakers that a channel mask names, in the order of their channels in a file (Microsoft, "Multiple channel audio
-/// data and WAVE files", 2001).
+/// Loudspeakers of a pair that a channel mask names (Microsoft, "Multiple channel audio data and WAVE files", 2001).
 enum ChannelMask : std::uint32_t {
     frontLeft = 0x1,
     frontRight = 0x2,
-    frontCentre = 0x4,
-    backLeft = 0x10,
-    backRight = 0x20,
-    sideLeft = 0x200,
-    sideRight = 0x400,
 };
 
 /// Writes the channel mask into the header of a finished WAV or RF64 file with an extensible format. libsndfile guesses

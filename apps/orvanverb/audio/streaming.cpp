@@ -16,7 +16,9 @@ StreamEnd Stream(SignalSource& source, Streaming const& streaming, AudioOutput& 
     VectorChannels inputs(streaming.numInputs, vectorSize);
     VectorChannels outputs(streaming.numOutputs, vectorSize);
     std::vector<float const*> fileChannels;
-    for (const std::size_t index : streaming.fileOrder) fileChannels.push_back(outputs.Pointers()[index]);
+    const std::vector<float> silence(vectorSize, 0.0f);
+    for (const std::size_t index : streaming.fileOrder)
+        fileChannels.push_back(index < streaming.numOutputs ? outputs.Pointers()[index] : silence.data());
 
     Lume::OutputGuard guard;
     guard.Configure(static_cast<float>(streaming.samplerate));

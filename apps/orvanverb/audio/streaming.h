@@ -18,7 +18,7 @@ struct Streaming {
     int samplerate = 0;  // [Hz]
     std::size_t vectorSize = 0;
     std::size_t numInputs = 0, numOutputs = 0;
-    std::vector<std::size_t> fileOrder;  // output of each channel of the file
+    std::vector<std::size_t> fileOrder;  // output of each channel of the file; beyond all outputs: silence
     Tail tail{std::nullopt};
     /// Called before each vector with the number of frames at its end: what is due before them happens now.
     std::function<void(std::uint64_t beforeFrame)> prepare;

@@ -39,8 +39,9 @@ void RunDecode(DecodeOptions const& options) {
     streaming.clear = [&] { setup.decoder->Clear(); };
 
     const AudioFormat format = ChooseFormat(options.format, options.output);
-    AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);
-    PeakMeter meter(setup.NumOutputs());
+    AudioOutput output(options.output, format, streaming.samplerate, setup.layout.NumFileChannels(),
+                       setup.layout.channelMask);
+    PeakMeter meter(setup.layout.NumFileChannels());
     const StreamEnd end = Stream(input, streaming, output, meter);
     output.Commit();
     ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,

@@ -66,7 +66,8 @@ void AddDecodeCommand(CLI::App& app, Call& call) {
         ->take_last();
     command
         ->add_option("--speakers", decode.speakers,
-                     "Loudspeakers: a count, or a file with one AZIMUTH [ELEVATION [DISTANCE]] a line\n"
+                     "Loudspeakers: a count, a name as 7.1.4 or dome24, or a file with one\n"
+                     "AZIMUTH [ELEVATION [DISTANCE]] a line\n"
                      "[2 for transaural, cube for hoa3d, else 8]")
         ->type_name("LAYOUT")
         ->take_last();
@@ -79,7 +80,9 @@ void AddDecodeCommand(CLI::App& app, Call& call) {
     command->add_option("--sorting", words->sorting, "IncreasingDegrees (ACN) or AlternateDegrees")
         ->type_name("NAME")
         ->take_last();
-    command->add_option("--hoa-method", decode.method, "pseudoinverse or projection")->type_name("NAME")->take_last();
+    command->add_option("--hoa-method", decode.hoaMethod, "pseudoinverse or projection")
+        ->type_name("NAME")
+        ->take_last();
     command->add_option("--weights", decode.weights, "basic, inphase, maxre, basicmaxre or maxreinphase")
         ->type_name("NAME")
         ->take_last();

@@ -14,10 +14,9 @@ struct DecodeOptions : Options {
     std::optional<unsigned int> outputs;    // of a type without loudspeakers
     std::optional<std::string> convention;  // "SN3D" and the like
     std::optional<std::string> sorting;
-    std::string method = "pseudoinverse";  // of the ambisonic types
+    std::string hoaMethod = "pseudoinverse";  // of the ambisonic types
     std::string weights = "basic";
     std::optional<float> crossoverHz;
-    bool ambix = false;
     std::optional<std::string> filters;  // a file for the transaural type
     bool list = false;
     bool matrix = false;  // print the decoder's matrix and figures

@@ -98,23 +98,21 @@ DecodeSetup::DecodeSetup(DecodeOptions const& options, unsigned int newNumInputs
 void DecodeSetup::ChooseOutputs(DecodeOptions const& options) {
     if (kind.outputs == Lume::DecoderKind::Outputs::loudspeakers) {
         if (options.outputs) throw UsageError("--outputs: this type has one for each of the --speakers");
-        if (kind.type == Decoder::hoa3d && options.speakers.value_or("cube") == "cube")
-            layout = SpeakerLayout::InEngineOrder({std::begin(Lume::Speakers::cube), std::end(Lume::Speakers::cube)});
-        else
-            layout = SpeakerLayout::Parse(options.speakers.value_or(kind.type == Decoder::transaural ? "2" : "8"));
+        layout = SpeakerLayout::Parse(options.speakers.value_or(kind.type == Decoder::transaural ? "2"
+                                                                : kind.type == Decoder::hoa3d    ? "cube"
+                                                                                                 : "8"));
         return;
     }
     if (options.speakers) throw UsageError("--speakers: this type's outputs are channels of a format; see --outputs");
-    layout.fileOrder.resize(options.outputs.value_or(UsualOutputs(kind.type, numInputs)));
-    std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
-    if (NumOutputs() == 2) layout.channelMask = frontLeft | frontRight;
+    const unsigned int count = options.outputs.value_or(UsualOutputs(kind.type, numInputs));
+    layout = SpeakerLayout::Channels(count, count == 2 ? frontLeft | frontRight : 0);
 }
 
 void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
     if (options.ambix && kind.type != Decoder::hoa3d) throw UsageError("--ambix: is for the type hoa3d");
     if (hoa == nullptr) {
         if (options.convention || options.sorting || options.crossoverHz || options.weights != "basic" ||
-            options.method != "pseudoinverse")
+            options.hoaMethod != "pseudoinverse")
             throw UsageError("--convention, --sorting, --hoa-method, --weights, --crossover: are for hoa2d and hoa3d");
         return;
     }
@@ -125,7 +123,7 @@ void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
         throw UsageError("--convention: " + options.type + " has no " + convention);
     hoa->SetDecodingConvention(Lume::HOADecoder::GetHOADecodingConvention(convention.c_str()));
     hoa->SetSphericalHarmonicsSorting(options.sorting.value_or("IncreasingDegrees").c_str());
-    hoa->SetDecoderMethod(FindByName<Lume::HOADecoder::HOADecoderMethod>("--hoa-method", options.method, 2,
+    hoa->SetDecoderMethod(FindByName<Lume::HOADecoder::HOADecoderMethod>("--hoa-method", options.hoaMethod, 2,
                                                                          Lume::HOADecoder::GetHOADecoderMethodName));
     hoa->SetDecoderType(FindByName<Lume::HOADecoder::HOADecoderType>("--weights", options.weights, 5,
                                                                      Lume::HOADecoder::GetHOADecoderTypeName));
@@ -215,8 +213,9 @@ std::string DecodeSetup::MatrixText() const {
             "\n";
     for (std::size_t c = 0; c < channels.size(); ++c) {
         text += "channel " + std::to_string(c + 1) + " (" + channels[c] + "):";
+        const std::size_t output = layout.fileOrder[c];
         for (unsigned int input = 0; input < numInputs; ++input)
-            text.append(" ").append(FixedText(matrix[input][layout.fileOrder[c]], 6));
+            text.append(" ").append(FixedText(output < NumOutputs() ? matrix[input][output] : 0.0, 6));
         text += "\n";
     }
     return text;

@@ -30,7 +30,7 @@ public:
     std::string RateRemark(int samplerate) const;
 
     unsigned int NumInputs() const { return numInputs; }
-    unsigned int NumOutputs() const { return static_cast<unsigned int>(layout.fileOrder.size()); }
+    unsigned int NumOutputs() const { return layout.NumOutputs(); }
 
     /// Order, condition number, regularity and gains of an ambisonic decoder, a line each.
     /// @throws UsageError for another one

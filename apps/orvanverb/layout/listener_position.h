@@ -1,7 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
+
+#include "geometry/orientation.h"
 
 namespace program {
 
@@ -16,5 +20,13 @@ struct ListenerPosition {
 /// @throws std::invalid_argument that says what is wrong: a word that isn't a number, an angle beyond ±360 (azimuth) or
 ///         ±90 degrees (elevation), a distance outside 0 to 1000 m, or none or more than three words
 ListenerPosition ParseListenerPosition(std::span<std::string const> words);
+
+/// Reads YAW [PITCH [ROLL]] [degrees]: to the right, up, and the right ear down.
+/// @throws std::invalid_argument that says what is wrong: a word that isn't a number, an angle beyond ±360 degrees, or
+///         none or more than three words
+Lume::Orientation ParseOrientation(std::span<std::string const> words);
+
+/// The same of a message "orientation YAW [PITCH [ROLL]]"; nothing if it is another one.
+std::optional<Lume::Orientation> ParseOrientationMessage(std::string_view message);
 
 }  // namespace program

@@ -77,7 +77,22 @@ void AddInputs(CLI::App& command, Options& options, CommonWords& words) {
         ->take_last();
 }
 
+void AddOrientation(CLI::App& command, CommonWords& words) {
+    command
+        .add_option("--orientation", words.orientation,
+                    "Where the listener looks: to the right, up, and tilted to the right [0 0 0]")
+        ->type_name("YAW PITCH ROLL")
+        ->type_size(3)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+void AddOrder(CLI::App& command, CommonWords& words, char const* help) {
+    command.add_option("--order", words.order, help)->type_name("1...7")->take_last();
+}
+
 void AddPlaces(CLI::App& command, Options& options, CommonWords& words) {
+    AddOrientation(command, words);
     command.add_option("--source", words.sources, "Place source I; may be repeated")
         ->type_name("I AZIMUTH ELEVATION DISTANCE")
         ->type_size(4)
@@ -103,6 +118,18 @@ void AddEars(CLI::App& command, Options& options) {
 
 void TakeCommonMeaning(CommonWords const& words, Options& options) {
     options.sources = ParseSources(words.sources);
+    if (!words.orientation.empty()) {
+        try {
+            options.orientation = ParseOrientation(std::span(words.orientation).last(3));
+        } catch (std::invalid_argument const& error) {
+            throw UsageError(std::string("--orientation: ") + error.what());
+        }
+    }
+    if (!words.order.empty()) {
+        options.order = ParseCount(words.order);
+        if (!options.order || *options.order < 1 || *options.order > 7)
+            throw UsageError("--order: '" + words.order + "' is no order from 1 to 7");
+    }
     if (!words.rate.empty()) options.rate = ParseRate(words.rate);
     if (!words.format.empty()) options.format = ParseFormat(words.format);
     if (!words.tail.empty()) {

@@ -14,7 +14,9 @@ namespace program {
 
 /// The words of these options as typed, before they mean anything.
 struct CommonWords {
-    std::vector<std::string> sources;  // four to a source
+    std::vector<std::string> sources;      // four to a source
+    std::vector<std::string> orientation;  // three
+    std::string order;
     std::string rate, format, tail, inTurn, vector;
 };
 
@@ -28,11 +30,17 @@ void AddForce(CLI::App& command, Options& options);
 /// Adds recordings, and how they follow one another.
 void AddInputs(CLI::App& command, Options& options, CommonWords& words);
 
-/// Adds places of sources, and a scene that moves them.
+/// Adds places of sources, where the listener looks, and a scene that moves them.
 void AddPlaces(CLI::App& command, Options& options, CommonWords& words);
 
 /// Adds ears of one's own.
 void AddEars(CLI::App& command, Options& options);
+
+/// Adds where the listener looks alone.
+void AddOrientation(CLI::App& command, CommonWords& words);
+
+/// Adds the order of ambisonic channels.
+void AddOrder(CLI::App& command, CommonWords& words, char const* help);
 
 /// @throws UsageError that names the option, what is wrong and what would be right
 void TakeCommonMeaning(CommonWords const& words, Options& options);

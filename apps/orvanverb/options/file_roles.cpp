@@ -8,7 +8,7 @@
 
 #include "orvanverb/common/part_file.h"
 #include "orvanverb/common/program_error.h"
-#include "orvanverb/common/text.h"
+#include "orvanverb/layout/speaker_layout.h"
 
 namespace program {
 
@@ -25,7 +25,8 @@ void Add(Files& files, char const* role, std::optional<std::string> const& path)
 Files ReadFiles(Options const& options) {
     Files files = options.otherReads;
     for (std::string const& input : options.inputs) Add(files, "an input", input);
-    if (options.speakers && !ParseCount(*options.speakers)) Add(files, "the layout of --speakers", options.speakers);
+    if (options.speakers && !SpeakerLayout::IsName(*options.speakers))
+        Add(files, "the layout of --speakers", options.speakers);
     Add(files, "the --preset", options.preset);
     Add(files, "the --scene", options.scene);
     Add(files, "the --state", options.state);

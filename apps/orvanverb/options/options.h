@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "geometry/orientation.h"
 #include "orvanverb/audio/audio_format.h"
 #include "orvanverb/audio/tail.h"
 #include "orvanverb/common/limits.h"
@@ -40,10 +41,14 @@ struct Options {
     std::optional<std::string> speakers;  // a count or a file; none: those of the state, or defaultSpeakers
     std::optional<std::string> hrtf;      // ears of the headphones; none: the built-in ones
     bool noCache = false;                 // fit measured ears anew, and keep nothing
+    std::string method;                   // of panning; empty: the command's own
+    bool ambix = false;                   // ambisonic channels as other tools have them
+    std::optional<unsigned int> order;    // of ambisonic channels
     std::vector<SourcePlace> sources;
-    std::optional<int> rate;  // [Hz]
-    FormatWish format;        // beyond what the output's name tells
-    bool force = false;       // an output may take the place of a file
+    std::optional<Lume::Orientation> orientation;  // of the listener
+    std::optional<int> rate;                       // [Hz]
+    FormatWish format;                             // beyond what the output's name tells
+    bool force = false;                            // an output may take the place of a file
     std::optional<std::string> preset;
     std::optional<std::string> scene;
     std::optional<std::string> state;

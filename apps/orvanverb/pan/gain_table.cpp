@@ -54,7 +54,7 @@ std::string GainTable(PanSetup& setup, ListenerPosition const& place) {
         }
         table += FixedText(static_cast<double>(here.azimuthDeg), 0);
         for (const std::size_t index : setup.layout.fileOrder)
-            table.append(" ").append(FixedText(static_cast<double>(gains[index]), 6));
+            table.append(" ").append(FixedText(index < gains.size() ? static_cast<double>(gains[index]) : 0.0, 6));
         table += '\n';
     }
     return table;
@@ -67,8 +67,7 @@ std::string TripletTable(PanSetup& setup) {
     for (std::size_t i = 0; i < setup.layout.positions.size(); ++i) {
         Lume::CartesianVector const& p = setup.layout.positions[i];
         const float elevation = std::atan2(p.z, std::sqrt(p.x * p.x + p.y * p.y)) * Lume::RadiansToDegrees;
-        table += "speaker " + std::to_string(i + 1) + " " +
-                 FixedText(static_cast<double>(setup.layout.AzimuthDeg(i)), 2) + " " +
+        table += "speaker " + std::to_string(i + 1) + " " + FixedText(static_cast<double>(AzimuthDeg(p)), 2) + " " +
                  FixedText(static_cast<double>(elevation), 2) + "\n";
     }
     std::vector<unsigned int> indices(std::size_t{3} * vbap->GetNumTriplets());

@@ -10,6 +10,7 @@
 #include "orvanverb/audio/input_bank.h"
 #include "orvanverb/audio/streaming.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/layout/channel_words.h"
 #include "orvanverb/pan/gain_table.h"
 #include "orvanverb/pan/pan_setup.h"
 #include "orvanverb/room/source_motion.h"
@@ -34,8 +35,8 @@ void RemarkRate(PanSetup const& setup, PanOptions const& options, int samplerate
 void Render(PanOptions const& options) {
     const auto begin = std::chrono::steady_clock::now();
     InputBank inputs(options.inputs, options.rate, options.inTurnSeconds);
-    SourceMotion motion(inputs.NumChannels(), options.sources, options.scene, inputs.Samplerate());
-    PanSetup setup(options, motion.Positions(), inputs.Samplerate());
+    SourceMotion motion(inputs.NumChannels(), options, inputs.Samplerate());
+    PanSetup setup(options, motion.Positions(), motion.Orientation(), inputs.Samplerate());
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
     setup.Start(inputs.Samplerate(), options.vectorSize);
     RemarkRate(setup, options, inputs.Samplerate());
@@ -50,6 +51,7 @@ void Render(PanOptions const& options) {
     if (options.scene)
         streaming.prepare = [&](std::uint64_t beforeFrame) {
             for (std::string const& line : motion.Advance(beforeFrame)) Say(line);
+            setup.Turn(motion.Orientation());
             setup.Place(motion.Positions());
         };
     streaming.process = [&](float** outputs, float** sources) {
@@ -59,15 +61,14 @@ void Render(PanOptions const& options) {
     streaming.clear = [&] { setup.panner->Clear(); };
 
     const AudioFormat format = ChooseFormat(options.format, options.output);
-    AudioOutput output(options.output, format, streaming.samplerate, setup.NumOutputs(), setup.layout.channelMask);
-    PeakMeter meter(setup.NumOutputs());
+    AudioOutput output(options.output, format, streaming.samplerate, setup.layout.NumFileChannels(),
+                       setup.layout.channelMask);
+    PeakMeter meter(setup.layout.NumFileChannels());
     const StreamEnd end = Stream(inputs, streaming, output, meter);
     output.Commit();
     ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
-    if (setup.method.outputs == Lume::PanKind::Outputs::harmonics)
-        Say(options.ambix ? "AmbiX: ACN order, SN3D weights, x ahead, y to the left"
-                          : "axes: x to the right, y ahead, z up; --ambix turns them for other tools");
+    if (setup.method.outputs == Lume::PanKind::Outputs::harmonics) Say(AxesRemark(options.ambix));
     for (std::string const& remark : inputs.Remarks()) Say(remark);
     RequireSound(options.output, end.numBad);
 }
@@ -81,7 +82,8 @@ void RunPan(PanOptions const& options) {
     }
     if (!options.gains && !options.triplets) return Render(options);
     const ListenerPosition place = options.sources.empty() ? ListenerPosition{} : options.sources.back().position;
-    PanSetup setup(options, {ToCartesian(place)}, options.rate.value_or(usualRate));
+    PanSetup setup(options, {ToCartesian(place)}, options.orientation.value_or(Lume::Orientation{}),
+                   options.rate.value_or(usualRate));
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
     std::fputs((options.gains ? GainTable(setup, place) : TripletTable(setup)).c_str(), stdout);
 }

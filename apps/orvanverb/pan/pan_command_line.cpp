@@ -30,6 +30,10 @@ void TakeMeaning(Words const& words, PanOptions& pan) {
     if (pan.list) return;
     pan.AlsoReads("the --nearfield", pan.nearfield);
     if (pan.method.empty()) throw UsageError("--method: is required; orvanverb pan --list shows them");
+    if (pan.method == "ambix") {
+        pan.method = "hoa3d";
+        pan.ambix = true;
+    }
     if (!words.outputs.empty()) {
         pan.outputs = ParseCount(words.outputs);
         if (!pan.outputs) throw UsageError("--outputs: '" + words.outputs + "' is no count");
@@ -60,13 +64,14 @@ void AddPanCommand(CLI::App& app, Call& call) {
         ->take_last();
     command
         ->add_option("--speakers", pan.speakers,
-                     "Loudspeakers: a count, a file with one AZIMUTH [ELEVATION [DISTANCE]] a line,\n"
-                     "cube or lcrs")
+                     "Loudspeakers: a count, a name as 5.1 7.1.4 22.2 dome24 cube (a wrong one shows\n"
+                     "all), or a file with one AZIMUTH [ELEVATION [DISTANCE]] a line")
         ->type_name("LAYOUT")
         ->take_last();
     command->add_option("--outputs", words->outputs, "Channels of an ambisonic method")
         ->type_name("COUNT")
         ->take_last();
+    AddOrder(*command, words->common, "Order of an ambisonic method, in place of the count");
     command->add_option("--convention", words->convention, "SN3D or N3D for hoa3d, SN2D or N2D for hoa2d")
         ->type_name("NAME")
         ->take_last();

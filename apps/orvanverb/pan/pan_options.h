@@ -9,12 +9,10 @@ namespace program {
 
 /// What the command pan knows beyond inputs, outputs and places.
 struct PanOptions : Options {
-    std::string method;
     std::string model = "direct";
     std::optional<unsigned int> outputs;    // of an ambisonic method
     std::optional<std::string> convention;  // "SN3D" and the like
     std::optional<std::string> sorting;
-    bool ambix = false;
     std::optional<std::string> nearfield;  // a file
     bool list = false;
     bool gains = false;     // print gains over azimuth instead of rendering

@@ -1,6 +1,7 @@
 #include "orvanverb/pan/pan_setup.h"
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <numeric>
 
@@ -30,33 +31,20 @@ using Outputs = Lume::PanKind::Outputs;
 // Two cycles of 30 ms for gains, glides of 50 ms after a change of rate, and the length of the filters.
 constexpr double settleSeconds = 0.25;
 
-/// A layout by a count, a file, or the names of two built-in ones that no count stands for.
+/// A layout by its name, but that the matrix format's four are others than those of a ring.
 SpeakerLayout ParseLayout(Lume::PanKind const& method, std::string const& text) {
-    using Lume::Speakers;
-    if (text == "cube") return SpeakerLayout::InEngineOrder({std::begin(Speakers::cube), std::end(Speakers::cube)});
-    if (text == "lcrs" || (text == "4" && method.type == Pan::surround))
-        return SpeakerLayout::InEngineOrder({std::begin(Speakers::lcrs), std::end(Speakers::lcrs)});
-    return SpeakerLayout::Parse(text);
-}
-
-/// Channels without places.
-SpeakerLayout Channels(unsigned int count, std::uint32_t mask) {
-    SpeakerLayout layout;
-    layout.fileOrder.resize(count);
-    std::iota(layout.fileOrder.begin(), layout.fileOrder.end(), std::size_t{0});
-    layout.channelMask = mask;
-    return layout;
+    return SpeakerLayout::Parse(text == "4" && method.type == Pan::surround ? "lcrs" : text);
 }
 
 std::vector<std::string> TwoWords(Pan::Type type) {
-    if (type == Pan::ms) return {"mid", "side, positive to the right"};
-    if (type == Pan::binaural) return EarWords();
-    return {"left", "right"};
+    if (type == Pan::ms) return MidSideWords();
+    return type == Pan::binaural ? EarWords() : PairWords();
 }
 
 }  // namespace
 
-PanSetup::PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions, int samplerate)
+PanSetup::PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions,
+                   Lume::Orientation const& orientation, int samplerate)
     : method(FindPanMethod(options.method)), subType(FindPanSubType(method, options.model)), ambixAxes(options.ambix) {
     ChooseOutputs(options);
     const auto numSources = static_cast<unsigned int>(positions.size());
@@ -75,6 +63,7 @@ PanSetup::PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector>
     }
     // Filters are loaded for sources that have their places: those for near sources stay with a source that leaves
     // their range, and must not come from where it never was.
+    Turn(orientation);
     Place(positions);
     LoadFiles(options, samplerate);
     if (subType == Pan::sphericalharmonics)
@@ -87,15 +76,19 @@ void PanSetup::ChooseOutputs(PanOptions const& options) {
     if (options.outputs && method.outputs != Outputs::harmonics)
         throw UsageError("--outputs: is for ambisonic methods; " + name + " has " +
                          (method.outputs == Outputs::two ? "2" : "one for each of the --speakers"));
+    if (options.order && (method.outputs != Outputs::harmonics || options.outputs))
+        throw UsageError("--order: is for ambisonic methods, in place of --outputs");
     if (options.speakers && method.outputs != Outputs::loudspeakers)
         throw UsageError("--speakers: " + name + " has none; its channels are not loudspeakers");
     if (method.outputs == Outputs::loudspeakers)
         layout = ParseLayout(method,
                              options.speakers.value_or(method.inSpace ? "cube" : std::to_string(method.usualOutputs)));
     else if (method.outputs == Outputs::two)
-        layout = Channels(2, method.type == Pan::ms ? 0 : frontLeft | frontRight);
+        layout = SpeakerLayout::Channels(2, method.type == Pan::ms ? 0 : frontLeft | frontRight);
     else
-        layout = Channels(options.outputs.value_or(method.usualOutputs), 0);
+        layout = SpeakerLayout::Channels(options.order ? Lume::NumAmbisonicChannels(*options.order, method.inSpace)
+                                                       : options.outputs.value_or(method.usualOutputs),
+                                         0);
     if (std::find(counts.begin(), counts.end(), NumOutputs()) == counts.end())
         throw UsageError((method.outputs == Outputs::loudspeakers ? "--speakers: " : "--outputs: ") + name +
                          " has no panner for " + std::to_string(NumOutputs()) + " outputs; it takes " +
@@ -124,8 +117,7 @@ void PanSetup::SetUpHarmonics(PanOptions const& options) {
     harmonics->GetPannerInfos(infos);
     channels = HarmonicWords(method.type == Pan::hoa3d ? Lume::SortedSphericalHarmonics(infos.order, infos.sorting)
                                                        : Lume::SortedCylindricalHarmonics(infos.order, infos.sorting),
-                             ambixAxes);
-    channels.front().append(", ").append(Lume::HOAPanning::GetHOAPannerConventionName(infos.encodingConvention));
+                             Lume::HOAPanning::GetHOAPannerConventionName(infos.encodingConvention), ambixAxes);
 }
 
 void PanSetup::LoadFiles(PanOptions const& options, int samplerate) {
@@ -156,15 +148,24 @@ void PanSetup::LoadFiles(PanOptions const& options, int samplerate) {
 }
 
 Lume::CartesianVector PanSetup::ToPanner(Lume::CartesianVector const& position) const {
-    return ambixAxes ? ToAmbixAxes(position) : position;
+    const Lume::CartesianVector heard = toHead ? Lume::Rotated(*toHead, position) : position;
+    return ambixAxes ? ToAmbixAxes(heard) : heard;
+}
+
+void PanSetup::Turn(Lume::Orientation const& orientation) {
+    toHead.reset();
+    if (orientation != Lume::Orientation{})
+        toHead = Lume::RoomToHead(method.inSpace ? orientation : Lume::Orientation{orientation.yaw, 0.0f, 0.0f});
 }
 
 void PanSetup::Place(std::vector<Lume::CartesianVector> const& positions) {
+    placed.resize(positions.size(), {NAN, NAN, NAN});
     for (unsigned int i = 0; i < positions.size(); ++i) {
-        if (i < placed.size() && placed[i] == positions[i]) continue;
-        panner->SetSourcePosition(i, ToPanner(positions[i]), false);
+        const Lume::CartesianVector here = ToPanner(positions[i]);
+        if (placed[i] == here) continue;
+        panner->SetSourcePosition(i, here, false);
+        placed[i] = here;
     }
-    placed = positions;
 }
 
 void PanSetup::Start(int samplerate, unsigned int vectorSize) {

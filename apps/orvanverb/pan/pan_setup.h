@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,13 +14,19 @@ namespace program {
 /// A panner as the options ask for it, and what its channels are.
 class PanSetup {
 public:
-    /// @param positions   where the sources are at first, one each
-    /// @param samplerate  of the rendering [Hz], for which ears are fitted
+    /// @param positions    where the sources are at first, one each
+    /// @param orientation  where the listener looks at first
+    /// @param samplerate   of the rendering [Hz], for which ears are fitted
     /// @throws ProgramError that names option or file, and says what is wrong
-    PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions, int samplerate);
+    PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector> const& positions,
+             Lume::Orientation const& orientation, int samplerate);
 
-    /// Brings a position into the panner's axes: AmbiX files have x ahead and y to the left.
+    /// Brings a position into the axes of the listener's head, and those of the panner: AmbiX files have x ahead and y
+    /// to the left.
     Lume::CartesianVector ToPanner(Lume::CartesianVector const& position) const;
+
+    /// Turns the listener before the sources are placed; a method without heights follows the yaw alone.
+    void Turn(Lume::Orientation const& orientation);
 
     /// Sets sources. What has not moved stays as it is.
     void Place(std::vector<Lume::CartesianVector> const& positions);
@@ -27,7 +34,7 @@ public:
     /// Announces the rate and runs over silence until gains, delays and filters have come to where they belong.
     void Start(int samplerate, unsigned int vectorSize);
 
-    unsigned int NumOutputs() const { return static_cast<unsigned int>(layout.fileOrder.size()); }
+    unsigned int NumOutputs() const { return layout.NumOutputs(); }
 
     /// Whether the output goes on when the input has ended.
     bool HasTail() const;
@@ -45,8 +52,9 @@ private:
 
     Lume::Pan::SubType subType;
     bool ambixAxes;
-    bool ownEars = false;  // of the user, from a file
-    std::vector<Lume::CartesianVector> placed;
+    bool ownEars = false;                        // of the user, from a file
+    std::optional<Lume::RotationMatrix> toHead;  // none for a listener who looks ahead
+    std::vector<Lume::CartesianVector> placed;   // in the panner's axes
 };
 
 }  // namespace program

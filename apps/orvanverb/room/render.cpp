@@ -11,7 +11,6 @@
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/layout/channel_words.h"
-#include "orvanverb/layout/speaker_layout.h"
 #include "orvanverb/measure/room_report.h"
 #include "orvanverb/room/room_object.h"
 #include "orvanverb/room/room_setup.h"
@@ -22,13 +21,10 @@ namespace {
 
 constexpr int defaultImpulseRate = 48000;  // [Hz]
 
-std::vector<std::string> OutputWords(Lume::Room const& room, SpeakerLayout const& layout) {
-    return room.HasEars() ? EarWords() : LoudspeakerWords(layout);
-}
-
 void Render(Options const& options, SignalSource& source, int samplerate, std::chrono::steady_clock::time_point begin) {
     RoomSetup setup(options, source.NumChannels(), samplerate);
-    SpeakerLayout const& layout = setup.layout;
+    SpeakerLayout const& layout = setup.form.layout;
+    if (!setup.form.remark.empty()) Say(setup.form.remark);
     const std::unique_ptr<RoomObject> room = setup.MakeRoom();
     room->Start(samplerate, setup.VectorSize());
     if (const std::string remark = room->HrtfRateRemark(); !remark.empty()) Say(remark);
@@ -50,15 +46,17 @@ void Render(Options const& options, SignalSource& source, int samplerate, std::c
     streaming.process = [&](float** outputs, float** inputs) { room->Process(outputs, inputs); };
 
     const AudioFormat format = ChooseFormat(options.format, options.output);
-    const auto numChannels = static_cast<unsigned int>(layout.positions.size());
+    const unsigned int numChannels = layout.NumFileChannels();
     AudioOutput output(options.output, format, samplerate, numChannels, layout.channelMask);
     PeakMeter meter(numChannels);
     const StreamEnd end = Stream(source, streaming, output, meter);
     output.Commit();
     setup.SaveState();
 
-    ReportOutput(options.output, format, output, meter, OutputWords(room->Room(), layout), samplerate,
+    ReportOutput(options.output, format, output, meter, setup.form.ChannelWords(), samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+    if (setup.form.format != nullptr && setup.form.format->outputs == Lume::RoomFormat::Outputs::harmonics)
+        Say(AxesRemark(setup.form.format->ambixAxes));
     if (!end.diedAway)
         Say("--tail auto: ended at its bound of " + FixedText(Tail::maxAutoSeconds, 0) +
             " s, the room still sounds at " + DecibelText(meter.LastBlock()) + " dBFS");

@@ -5,6 +5,7 @@
 #include <CLI/Formatter.hpp>
 #include <memory>
 
+#include "engine/room_format.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/options/common_options.h"
@@ -42,11 +43,20 @@ void AddRoomOptions(CLI::App& command, Options& options, Words& words) {
                    "Time behind the end of the input, or auto: until the output has stayed 60 dB\n"
                    "below its peak for a second, at most 120 seconds [auto]");
     command.get_option("--output")->required();
+    std::string methods = "Form of the outputs:";
+    for (Lume::RoomFormat const& format : Lume::roomFormats)
+        methods.append(methods.size() - methods.rfind('\n') > 72 ? "\n" : " ").append(format.name);
+    command.add_option("--method", options.method, methods + "\n[binaural, vbap2d, or vbap with heights]")
+        ->type_name("NAME")
+        ->take_last();
+    command.add_flag("--ambix", options.ambix, "Ambisonics as other tools read it: ACN, SN3D, x ahead");
+    AddOrder(command, words.common, "Of ambisonic methods [3]");
     command
         .add_option("--speakers", options.speakers,
-                    "Loudspeakers: a count from 2 to 64 (2 is headphones), or a file with one\n"
-                    "AZIMUTH [ELEVATION [DISTANCE]] a line [2]")
-        ->type_name("COUNT|FILE")
+                    "Loudspeakers: a count from 2 to 64 (2 is headphones), a name as 5.1 7.1.4 22.2\n"
+                    "dome24 (a wrong one shows all), or a file with one AZIMUTH [ELEVATION [DISTANCE]]\n"
+                    "a line [2]")
+        ->type_name("COUNT|NAME|FILE")
         ->take_last();
     AddEars(command, options);
     AddPlaces(command, options, words.common);

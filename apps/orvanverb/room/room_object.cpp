@@ -9,14 +9,18 @@
 #include "object/orvanverb_class.h"
 #include "object/room_exchange.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/layout/listener_position.h"
 #include "patcher/atom.h"
 
 namespace program {
 
 namespace {
 
-std::string BoxText(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals) {
+/// For an object that is made at once.
+std::string BoxText(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals,
+                    Lume::RoomFormat const* format) {
     orvanverb_main();
+    orvanverb_format(format);
     return "orvanverb~ @numsources " + std::to_string(numSources) + " @numspeakers " + std::to_string(numSpeakers) +
            " @numinternals " + numInternals;
 }
@@ -52,10 +56,11 @@ void SetNumber(max::t_atom& atom, float value) {
 }  // namespace
 
 RoomObject::RoomObject(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals,
-                       EarsCache& newEars)
+                       Lume::RoomFormat const* format, EarsCache& newEars)
     : ears(newEars),
-      box(BoxText(numSources, numSpeakers, numInternals),
+      box(BoxText(numSources, numSpeakers, numInternals, format),
           {[this](max::ConsoleLevel level, std::string const& text) { Hear(level, text); }, nullptr, nullptr}) {
+    orvanverb_format(nullptr);
     ThrowComplaint();
 }
 
@@ -90,6 +95,8 @@ void RoomObject::Tell(std::string_view message, std::filesystem::path const& fol
         message.remove_prefix(std::min(message.find_first_not_of(" \t"), message.size()));
         if (message.empty()) throw std::invalid_argument("hrtf: a file is expected behind it");
         LoadHrtf(folder / message);
+    } else if (const std::optional<Lume::Orientation> orientation = ParseOrientationMessage(message)) {
+        Room().SetOrientation(*orientation);
     } else if (selector == "clear") {
         Room().Clear();
     } else if (!IsAttribute(selector) && Lume::FindControl(selector)) {

@@ -24,12 +24,15 @@ class RoomObject {
 public:
     /// Makes an object. It has no positions yet: see PlaceSources and PlaceSpeakers.
     /// @param numInternals  as typed, for the object to judge
+    /// @param format        of the outputs; null: headphones or a ring by their number
     /// @throws std::invalid_argument with the object's own words if it refuses
     /// @param newEars      where files of ears are found; must outlive the object
-    RoomObject(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals, EarsCache& newEars);
+    RoomObject(unsigned int numSources, unsigned int numSpeakers, std::string const& numInternals,
+               Lume::RoomFormat const* format, EarsCache& newEars);
 
     /// Sends a message, as a user types it: one of the object's, the name of a control that the object has no attribute
-    /// for, or one of those that are ours: "hrtf FILE" loads ears, "clear" empties the room.
+    /// for, or one of those that are ours: "hrtf FILE" loads ears, "clear" empties the room, "orientation YAW PITCH
+    /// ROLL" turns the listener.
     /// @param folder  that FILE is relative to
     /// @throws std::invalid_argument with the object's first line of complaint. What it only warns of or posts, and
     /// that

@@ -87,10 +87,10 @@ Scene::Listener ListenerFor(RoomObject& room) {
     };
 }
 
-std::unique_ptr<RoomObject> NewRoom(unsigned int sources, unsigned int speakers, std::string const& internals,
+std::unique_ptr<RoomObject> NewRoom(unsigned int sources, RoomForm const& form, std::string const& internals,
                                     EarsCache& ears) {
     try {
-        return std::make_unique<RoomObject>(sources, speakers, internals, ears);
+        return std::make_unique<RoomObject>(sources, form.layout.NumOutputs(), internals, form.format, ears);
     } catch (std::invalid_argument const& error) {
         throw UsageError(std::string("@numinternals: ") + error.what());
     }
@@ -111,15 +111,13 @@ RoomSetup::RoomSetup(Options const& options, unsigned int numSources, int sample
         stateFile.emplace(statePath);
     }
 
-    const std::unique_ptr<RoomObject> room =
-        NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals, ears);
+    const std::unique_ptr<RoomObject> room = NewRoom(sources, form, internals, ears);
     Arrange(options, *room);
     state = room->State();
     state.vectorSize = options.vectorGiven || !saved || saved->vectorSize == 0 ? options.vectorSize : saved->vectorSize;
-    const std::vector<Lume::CartesianVector> positions = room->Room().SpeakerPositions();
-    if (!std::equal(positions.begin(), positions.end(), layout.positions.begin(),
-                    [](auto const& a, auto const& b) { return a == b; }))
-        layout = SpeakerLayout::InEngineOrder(positions);  // moved from where their names say they are
+    std::vector<Lume::CartesianVector> const& positions = room->Room().SpeakerPositions();
+    if (!form.layout.positions.empty() && positions != form.layout.positions)
+        form.layout = SpeakerLayout::Of(positions);  // moved from where their names say they are
     scene.Rehearse(ListenerFor(*room));
 }
 
@@ -130,19 +128,16 @@ void RoomSetup::ChooseShape(Options const& options, unsigned int numSources) {
         throw UsageError("@numsources " + *wantedSources + ": every channel of every input is a source, here " +
                          std::to_string(numSources));
 
-    std::string speakers =
-        options.speakers.value_or(saved ? std::to_string(saved->numSpeakers) : std::string(defaultSpeakers));
     const std::optional<std::string> wantedSpeakers = LastValue(attributes, "numspeakers");
-    if (wantedSpeakers && !options.speakers) {
-        if (!ParseNumber(*wantedSpeakers)) throw UsageError("@numspeakers: '" + *wantedSpeakers + "' is no number");
-        speakers = *wantedSpeakers;
-    }
-    layout = SpeakerLayout::Parse(speakers);
-    if (options.hrtf && layout.positions.size() != 2)
-        throw UsageError("--hrtf: is for headphones, two loudspeakers, not " + std::to_string(layout.positions.size()));
-    if (wantedSpeakers && ParseCount(*wantedSpeakers) != layout.positions.size())
-        throw UsageError("@numspeakers " + *wantedSpeakers + ": --speakers gives " +
-                         std::to_string(layout.positions.size()));
+    if (wantedSpeakers && !ParseNumber(*wantedSpeakers))
+        throw UsageError("@numspeakers: '" + *wantedSpeakers + "' is no number");
+    const std::string number = wantedSpeakers ? *wantedSpeakers : saved ? std::to_string(saved->numSpeakers) : "";
+    form = RoomForm::Choose(options, number, saved);
+    const unsigned int outputs = form.layout.NumOutputs();
+    if (options.hrtf && !form.HasEars())
+        throw UsageError("--hrtf: is for headphones, two loudspeakers, not " + std::to_string(outputs));
+    if (wantedSpeakers && ParseCount(*wantedSpeakers) != outputs)
+        throw UsageError("@numspeakers " + *wantedSpeakers + ": --speakers gives " + std::to_string(outputs));
 
     if (saved) internals = std::to_string(saved->numInternals);
     std::vector<Options::Setting> const* const inOrder[] = {&preset, &options.settings, &attributes};
@@ -158,14 +153,14 @@ void RoomSetup::RequireShape(std::string const& path) const {
             throw WorkError(path + ": " + name + " " + std::to_string(told) + ": this rendering has " + here);
     };
     require("numsources", saved->numSources, std::to_string(sources));
-    require("numspeakers", saved->numSpeakers, std::to_string(layout.positions.size()));
+    require("numspeakers", saved->numSpeakers, std::to_string(form.layout.NumOutputs()));
     require("numinternals", saved->numInternals, internals);
 }
 
 /// Brings a new object to where the rendering begins. What comes later wins.
 void RoomSetup::Arrange(Options const& options, RoomObject& room) {
     room.PlaceSources();
-    room.PlaceSpeakers(layout.positions);
+    if (!form.layout.positions.empty()) room.PlaceSpeakers(form.layout.positions);
     if (saved) {
         try {
             saved->ears = options.hrtf ? Lume::EarsFile{} : ears.Playable(saved->ears);
@@ -183,6 +178,7 @@ void RoomSetup::Arrange(Options const& options, RoomObject& room) {
     }
     for (Options::Setting const& setting : preset) Set(room, setting, "--preset");
     for (Options::Setting const& setting : options.settings) Set(room, setting, "--set");
+    if (options.orientation) room.Room().SetOrientation(*options.orientation);
     for (Options::SourcePlace const& place : options.sources) {
         RequireSource(place, sources);
         room.PlaceSource(place.number - 1, ToCartesian(place.position));
@@ -196,8 +192,7 @@ std::unique_ptr<RoomObject> RoomSetup::MakeRoom() {
     // From nine internal channels on the early gains are spread at random: without a sequence of its own they would
     // depend on how many messages came before.
     orvanverb_seed(1);
-    std::unique_ptr<RoomObject> room =
-        NewRoom(sources, static_cast<unsigned int>(layout.positions.size()), internals, ears);
+    std::unique_ptr<RoomObject> room = NewRoom(sources, form, internals, ears);
     room->Restore(state);
     room->TakeRemarks();  // they were shown
     return room;

@@ -8,8 +8,8 @@
 
 #include "orvanverb/common/whole_file.h"
 #include "orvanverb/hrtf/ears_cache.h"
-#include "orvanverb/layout/speaker_layout.h"
 #include "orvanverb/options/options.h"
+#include "orvanverb/room/room_form.h"
 #include "orvanverb/room/room_object.h"
 #include "orvanverb/room/scene.h"
 #include "room/room_state.h"
@@ -40,7 +40,7 @@ public:
     /// @throws WorkError
     void SaveState();
 
-    SpeakerLayout layout;
+    RoomForm form;
 
 private:
     void ChooseShape(Options const& options, unsigned int numSources);

@@ -30,8 +30,7 @@ bool IsUnderstood(max::t_symbol* selector) {
 
 }  // namespace
 
-SourceMotion::SourceMotion(unsigned int numSources, std::vector<Options::SourcePlace> const& places,
-                           std::optional<std::string> const& scenePath, int newSamplerate)
+SourceMotion::SourceMotion(unsigned int numSources, Options const& options, int newSamplerate)
     : samplerate(newSamplerate),
       box(std::vector<max::t_atom>{},
           {[this](max::ConsoleLevel level, std::string const& text) {
@@ -45,14 +44,15 @@ SourceMotion::SourceMotion(unsigned int numSources, std::vector<Options::SourceP
     orvanverb_main();
     Lume::Speakers::GetDefaultForChannels(positions, numSources);
     const std::vector<Lume::CartesianVector> builtIn = positions;
-    if (scenePath) {
-        scene = Scene(*scenePath);
+    if (options.scene) {
+        scene = Scene(*options.scene);
         // A complaint of any line comes before the work.
         scene.Begin(Listener());
         scene.Rehearse(Listener());
         positions = builtIn;
     }
-    for (Options::SourcePlace const& place : places) {
+    orientation = options.orientation.value_or(Lume::Orientation{});
+    for (Options::SourcePlace const& place : options.sources) {
         RequireSource(place, numSources);
         positions[place.number - 1] = ToCartesian(place.position);
     }
@@ -64,6 +64,10 @@ Scene::Listener SourceMotion::Listener() {
 }
 
 std::vector<std::string> SourceMotion::Take(std::string_view message) {
+    if (const std::optional<Lume::Orientation> turned = ParseOrientationMessage(message)) {
+        orientation = *turned;
+        return {};
+    }
     std::vector<max::t_atom> atoms = max::ParseAtoms(message);
     max::t_symbol* const selector = max::atom_getsym(&atoms.front());
     if (!IsUnderstood(selector))

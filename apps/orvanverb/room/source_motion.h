@@ -14,18 +14,18 @@
 namespace program {
 
 /// Where the sources of a recording stand, and when they move: the built-in places for their number, what the options
-/// say, and a scene, of which only the messages that move sources act.
+/// say, and a scene, of which only the messages that move sources or turn the listener act.
 class SourceMotion {
 public:
     /// @throws ProgramError that names the option, or file and line
-    SourceMotion(unsigned int numSources, std::vector<Options::SourcePlace> const& places,
-                 std::optional<std::string> const& scenePath, int newSamplerate);
+    SourceMotion(unsigned int numSources, Options const& options, int newSamplerate);
 
     /// What happens before a frame, counted from the recording's first.
     /// @return lines to be shown
     std::vector<std::string> Advance(std::uint64_t beforeFrame);
 
     std::vector<Lume::CartesianVector> const& Positions() const { return positions; }
+    Lume::Orientation const& Orientation() const { return orientation; }
 
 private:
     std::vector<std::string> Take(std::string_view message);
@@ -34,6 +34,7 @@ private:
 
     int samplerate;  // [Hz]
     std::vector<Lume::CartesianVector> positions;
+    Lume::Orientation orientation;  // of the listener
     Scene scene;
     std::vector<std::string> remarks;
     std::string complaint;
