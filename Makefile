@@ -10,6 +10,7 @@
 # make lv2-package  puts them into out/
 # make deb    makes Debian packages, into out/
 # make bench  builds and runs the benchmarks
+# make gate   before a hand-over: asan, and the tests as clang builds them
 # make check  layout, layers, quirks and static analysis
 # make docs   the pages of the library's interface, into out/docs (doxygen)
 # make format lays out every file
@@ -18,7 +19,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan tsan fuzz bench check docs format pd-package lv2 lv2-package python deb clean
+.PHONY: all setup configure build demo test slow asan gate tsan fuzz bench check docs format pd-package lv2 lv2-package python deb clean
 all: build
 
 setup:
@@ -44,6 +45,12 @@ asan: setup
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan -j$(JOBS)
 	ctest --preset asan
+
+gate: asan
+	@tools/setup fuzz
+	@cmake --preset clang >/dev/null
+	@cmake --build --preset clang -j$(JOBS)
+	ctest --preset clang
 
 tsan: setup
 	@cmake --preset tsan >/dev/null
