@@ -31,10 +31,10 @@ namespace Lume {
 /// whole state as a value and as text (RoomState).
 ///
 /// Threads: one at a time. Set, PlaceSource, PlaceSpeaker, SetOrientation, SetMuted, SetBypassed, Clear, TakeEars and
-/// Process are real-time safe (no heap, no lock, bounded); call them on the audio thread between two blocks, or send
-/// them from other threads by a RoomQueue. Everything else allocates or reads files and must not run beside Process; of
-/// the calls that other threads may make meanwhile there is one, PrepareEars. The thread's floating-point mode is
-/// afterwards as it was.
+/// Process are real-time safe (no heap, no lock, bounded), but for PlaceSpeaker in the formats angular, vbap, vdbap and
+/// dome, which look for pairs or triplets anew; call them on the audio thread between two blocks, or send them from
+/// other threads by a RoomQueue. Everything else allocates or reads files and must not run beside Process; of the calls
+/// that other threads may make meanwhile there is one, PrepareEars. The thread's floating-point mode stays as it was.
 class Room {
 public:
     static constexpr float maxCoordinate = 1e6f;        ///< [m]

@@ -1,5 +1,5 @@
 #pragma once
 
-/// Number of locks that this thread has taken since it began, and of waits for a condition. Only in programs that link
-/// lock_count.cpp, and not under a sanitizer, which needs these calls for itself: 0 then.
+/// Number of locks that this thread has taken since it began, and of waits for a condition. Not under a sanitizer,
+/// which needs these calls for itself: 0 then.
 long LockCount() noexcept;
