@@ -6,24 +6,10 @@
 #include <memory>
 #include <vector>
 
-#include "math/real_transform.h"
-
 /// The ways from two loudspeakers to the ears of a KEMAR manikin, as Gardner and Martin, "HRTF measurements of a
-/// KEMAR", J. Acoust. Soc. Am. 97(6), 1995, measured them. In double precision.
+/// KEMAR", J. Acoust. Soc. Am. 97(6), 1995, measured them.
 
-using orvandsp::Spectrum;
-
-constexpr std::size_t fftSize = 4096;
 constexpr double measuredRate = 44100.0;
-
-inline orvandsp::RealTransform const& Transform() {
-    static const orvandsp::RealTransform transform(fftSize);
-    return transform;
-}
-
-inline Spectrum SpectrumOf(std::vector<float> const& response) {
-    return Transform().Forward(std::vector<double>(response.begin(), response.end()));
-}
 
 /// Responses from a loudspeaker (first letter) to an ear (second letter).
 struct Ways {
@@ -45,8 +31,6 @@ struct Ways {
             return std::vector<float>();
         };
         ll = leftEar(left), lr = leftEar(-left), rl = leftEar(-right), rr = leftEar(right);
-        LL = SpectrumOf(ll), LR = SpectrumOf(lr), RL = SpectrumOf(rl), RR = SpectrumOf(rr);
     }
     std::vector<float> ll, lr, rl, rr;
-    Spectrum LL, LR, RL, RR;
 };

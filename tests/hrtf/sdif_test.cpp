@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <numbers>
 #include <random>
@@ -205,41 +204,6 @@ TEST(Sdif, AnglesBecomePositions) {
         EXPECT_NEAR(position.y, expected.y, 1e-6);
         EXPECT_NEAR(position.z, expected.z, 1e-6);
     }
-}
-
-TEST(Sdif, TablesAreFoundByTheirName) {
-    SdifWriter writer;
-    writer.BareChunk("1NVT", "{ TableName Other; } { TableName HrtfInfos; Owner me  and you ; }");
-    writer.TextFrame("1TYP", types);
-    writer.Frame("HRTF", 1, {});
-    const TemporaryFile content(".hrtf", writer.bytes);
-    Lume::SdifGenInitCond("");
-    const Lume::SdifFilePointer file(Lume::SdifFOpen(content.name.c_str(), Lume::SdifReadFile));
-    ASSERT_NE(file, nullptr);
-    Lume::SdifFReadGeneralHeader(file.get());
-    Lume::SdifFReadAllASCIIChunks(file.get());
-
-    std::vector<std::string> names;
-    Lume::GetListOfNVTTableNames(file.get(), names);
-    EXPECT_EQ(names, (std::vector<std::string>{"Other", "HrtfInfos"}));
-    EXPECT_EQ(Lume::GetIndexOfNVTByName(file.get(), "HrtfInfos"), 2u);
-    EXPECT_EQ(Lume::GetIndexOfNVTByName(file.get(), "None"), 0u);
-    std::string text = "kept";
-    const auto lineWithout = [&](char const* table) {
-        return FailureOf([&] { EXPECT_FALSE(Lume::GetValueFromNVT(text, file.get(), table, "Owner")); }).line;
-    };
-    EXPECT_EQ(lineWithout("None"), "");
-    EXPECT_TRUE(lineWithout("Other").starts_with("No field Owner in NVT Other"));
-    EXPECT_EQ(text, "kept");
-    EXPECT_TRUE(Lume::GetOwner(file.get(), text));
-    EXPECT_EQ(text, "me  and you");
-    EXPECT_TRUE(Lume::ContainsHrtfInfosHeader(content.name));
-    EXPECT_TRUE(Lume::SdifFIsTypeKnown(file.get(), Lume::SdifSignatureOf("XIIR")));
-    EXPECT_FALSE(Lume::SdifFIsTypeKnown(file.get(), Lume::SdifSignatureOf("XFIR")));
-    EXPECT_EQ(Lume::SdifFOpen(content.name.c_str(), 1), nullptr);
-    Lume::HrtfHeaderInfos header;
-    EXPECT_EQ(FailureOf([&] { EXPECT_FALSE(Lume::GetHrtfHeaderInfos("no such file", header)); }).line,
-              "error reading no such file\n");
 }
 
 }  // namespace

@@ -146,16 +146,4 @@ TEST(AmbisonicPanning, PowerIsConstantAndTheAxesAreRight) {
     EXPECT_NEAR(GainsAt(plane, {0.0f, 0.0f, 1.0f})[0], 1.0f, 1e-6f);
 }
 
-// Red if after a fall of the number of outputs a gain spills into the next source's row.
-TEST(HOAPanning, FewerOutputsLater) {
-    HOA3DPanning panner(2, 9);
-    panner.SetNumOutputs(4);
-    panner.SetSourcePosition(1, At(90.0), false);
-    panner.SetSourcePosition(0, At(90.0), false);
-    float gains[8];
-    panner.GetGains(gains);
-    EXPECT_EQ(gains[4], 1.0f);
-    EXPECT_EQ(gains[7], 1.0f);
-}
-
 }  // namespace

@@ -172,20 +172,4 @@ TEST(VbapPanning, BadLayoutsAreSilent) {
     }
 }
 
-// The provisional layout serves a source before any loudspeaker is set, and lowered outputs are left out.
-TEST(VbapPanning, WorksBeforeLoudspeakersAreSet) {
-    VbapPanning panner(1, 8);
-    EXPECT_NEAR(Power(GainsAt(panner, At(20, 10))), 1.0, 1e-5);
-    EXPECT_NEAR(GainsAt(panner, At(90, 45))[2], 1.0f, 1e-3f);
-    std::vector<unsigned int> indices(3 * panner.GetNumTriplets());
-    panner.GetTriplets(indices.data());
-    for (std::size_t i = 0; i < indices.size(); i += 3) {
-        EXPECT_LT(indices[i], indices[i + 1]);
-        EXPECT_LT(indices[i + 1], indices[i + 2]);
-        EXPECT_LT(indices[i + 2], 8u);
-    }
-    panner.SetNumOutputs(2);
-    panner.SetSourcePosition(0, At(90, 45), false);
-}
-
 }  // namespace
