@@ -109,13 +109,13 @@ void Delay::tapIn(float* src, int count, int offset) {
     const int first = std::min(count, size - begin);
     std::copy_n(src, first, Ring() + begin);
     std::copy_n(src + first, count - first, Ring());
+    if (begin < numGuards || begin + count >= size) RefreshGuards();
 }
 
-void Delay::RefreshGuards(int numNeighbours) noexcept {
+void Delay::RefreshGuards() noexcept {
     float* const ring = Ring();
-    ring[size] = ring[0];
-    if (numNeighbours < 4) return;
     ring[-1] = ring[size - 1];
+    ring[size] = ring[0];
     ring[size + 1] = ring[1];
 }
 
@@ -135,7 +135,6 @@ void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode 
         }
     };
     const bool interpolates = WithReader(readMode, [&]<typename Reader>() {
-        RefreshGuards(Reader::numNeighbours);
         const Reader read(split.fraction);
         float memory = state;
         forEachRun([&](float* to, float const* from, int length) {
@@ -148,7 +147,6 @@ void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode 
 
 std::optional<orvandsp::kernels::AllpassHead> Delay::FindAllpassHead(Ramp const& ramp) noexcept {
     if (ramp.remaining > 0 || interpolationMode != allpass) return std::nullopt;
-    RefreshGuards(interpolation::Allpass::numNeighbours);
     const interpolation::Position split = interpolation::Split(PositionOf(ramp.current));
     return orvandsp::kernels::AllpassHead{.ring = Ring(),
                                           .size = size,
@@ -159,7 +157,6 @@ std::optional<orvandsp::kernels::AllpassHead> Delay::FindAllpassHead(Ramp const&
 
 std::optional<orvandsp::kernels::GlideJob> Delay::FindBuiltInGlide(float* output) noexcept {
     if (delayRamp.remaining <= 0 || interpolationMode != allpass) return std::nullopt;
-    RefreshGuards(interpolation::Allpass::numNeighbours);
     return orvandsp::kernels::GlideJob{.ring = Ring(),
                                        .mask = mask,
                                        .base = static_cast<float>(writePosition),
@@ -185,7 +182,6 @@ void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode
     float* const ring = Ring();
     const int ringMask = mask;
     const bool interpolates = WithReader(readMode, [&]<typename Reader>() {
-        RefreshGuards(Reader::numNeighbours);
         float memory = state;
         ReadAlongRamp(out, count, ramp, base, [ring, ringMask, &memory](float position) {
             const interpolation::Position split = interpolation::Split(position);
@@ -222,7 +218,6 @@ void Delay::tapOut(float* out, float* delaySamples, int count, InterpolationMode
         return interpolation::Split(static_cast<float>(writePosition + k) - delaySamples[k]);
     };
     const bool interpolates = WithReader(readMode, [&]<typename Reader>() {
-        RefreshGuards(Reader::numNeighbours);
         for (int k = 0; k < count; ++k) {
             const interpolation::Position split = positionOf(k);
             out[k] = Reader(split.fraction)(ring + (split.index & mask), state);

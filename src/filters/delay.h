@@ -91,6 +91,13 @@ public:
     /// Moves the write position past a block written by tapIn, once every head has read it. Real-time safe.
     void AdvanceWritePosition(int count) noexcept { writePosition = (writePosition + count) & mask; }
 
+    /// Has the cells fetched that a next block of as many samples will be written to: the processor saw them last a
+    /// whole ring ago. Real-time safe.
+    void ExpectBlock(int count) noexcept {
+        constexpr int cellsPerLine = 16;
+        for (int k = 0; k < count; k += cellsPerLine) __builtin_prefetch(Ring() + ((writePosition + k) & mask), 1);
+    }
+
     /// Sets the delay [ms]. One above the maximum first grows the line, which silences it. Nothing else is limited.
     void SetDelay(float ms, bool immediately);
     /// Sets the delay [samples].
@@ -133,8 +140,8 @@ private:
     void Allocate(int newSize);
 
     float* Ring() noexcept { return buffer.data() + numGuards; }
-    /// Renews the guard cells that a reader of so many neighbours looks at. Writing doesn't maintain them.
-    void RefreshGuards(int numNeighbours) noexcept;
+    /// Renews the guard cells that repeat what was written at either end of the ring.
+    void RefreshGuards() noexcept;
     /// The read head of a ramp in the mode nearestXfade.
     void CrossfadeRamp(float* out, unsigned int count, orvandsp::Ramp& ramp) noexcept;
 

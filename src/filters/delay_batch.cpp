@@ -23,7 +23,10 @@ void ProcessDelays(std::span<DelayJob const> jobs, int count) {
     const auto length = static_cast<std::size_t>(count);
     if (numHeads > 0) kernels::Get().allpassHeads(heads, numHeads, length);
     if (numGlides > 0) kernels::Get().glides(glides, numGlides, length);
-    for (DelayJob const& job : jobs) job.delay->AdvanceWritePosition(count);
+    for (DelayJob const& job : jobs) {
+        job.delay->AdvanceWritePosition(count);
+        job.delay->ExpectBlock(count);
+    }
 }
 
 }  // namespace Lume
