@@ -7,6 +7,7 @@
 #include "dsp/orvan_dsp_exception.h"
 #include "geometry/reach.h"
 #include "geometry/speakers.h"
+#include "kernels/kernels.h"
 
 namespace Lume {
 
@@ -199,11 +200,8 @@ void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSample
 float** OrvanVerb::AtTheDoor(float** inputs, unsigned long numSamples) {
     for (unsigned int i = 0; i < numInputs; ++i) {
         float const* const in = inputs[i];
-        // Without a branch in the loop, so that several samples are looked at at once.
-        int numBad = 0;
-        for (unsigned long k = 0; k < numSamples; ++k) numBad += std::abs(in[k]) <= LoudestSample ? 0 : 1;
         doorInputs[i] = inputs[i];
-        if (numBad == 0) continue;
+        if (orvandsp::kernels::Get().staysWithin(in, LoudestSample, numSamples)) continue;
         // The shelf works in place.
         doorInputs[i] = sourceBus->GetChannel(i);
         std::transform(in, in + numSamples, doorInputs[i],
@@ -215,10 +213,12 @@ float** OrvanVerb::AtTheDoor(float** inputs, unsigned long numSamples) {
 /// Fills the buses of the three room blocks from the filtered sources. The blocks stand in series, each on the raw
 /// output of the one before: gains and shelves of the layers come behind all of them.
 void OrvanVerb::ProcessRoom(unsigned long numSamples) {
-    AudioBuffer room = BlockOf(*roomBus, numSamples);
-    room.Clear();
+    orvandsp::kernels::MixTerm sends[orvandsp::MaxNumChannels];
     for (unsigned int i = 0; i < numInputs; ++i)
-        room.AddFrom(0, 0, *sourceBus, i, 0, roomSendRamps[i].Advance(numSamples));
+        sends[i] = {i, orvandsp::kernels::MixTerm::steady, roomSendRamps[i].Advance(numSamples)};
+    BlockOf(*roomBus, numSamples).Clear();
+    orvandsp::kernels::Get().mix(roomBus->GetChannel(0), {sourceBus->GetChannels(), 0, nullptr}, sends, numInputs,
+                                 numSamples, false);
     roomShelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
     early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
     cluster->Process(clusterBus->GetChannels(), earlyBus->GetChannels(), numSamples, allActiveInputs);

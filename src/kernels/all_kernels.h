@@ -6,24 +6,23 @@
 namespace orvandsp::kernels {
 
 // Half the width does few jobs as fast, or faster: fewer samples are moved in and out of lanes that are idle.
-#if ORVAN_KERNEL_LANES == 16
-extern const Kernels kernels8;
-#elif ORVAN_KERNEL_LANES == 8
-extern const Kernels kernels4;
+#if defined(ORVAN_NARROWER_KERNELS)
+extern const Kernels ORVAN_NARROWER_KERNELS;
 #endif
 
 namespace {
 
-#if ORVAN_KERNEL_LANES == 16
-constexpr Kernels const* narrower = &kernels8;
-#elif ORVAN_KERNEL_LANES == 8
-constexpr Kernels const* narrower = &kernels4;
+#if defined(ORVAN_NARROWER_KERNELS)
+constexpr Kernels const* narrower = &ORVAN_NARROWER_KERNELS;
+inline bool FitsNarrower(std::size_t numJobs) noexcept {
+    return numJobs <= numLanes / 2;
+}
 #else
 constexpr Kernels const* narrower = nullptr;
-#endif
-inline bool FitsNarrower(std::size_t numJobs) noexcept {
-    return numLanes > 4 && numJobs <= numLanes / 2;
+inline bool FitsNarrower(std::size_t) noexcept {
+    return false;
 }
+#endif
 
 }  // namespace
 }  // namespace orvandsp::kernels
@@ -40,11 +39,12 @@ constexpr Kernels allKernels = {.numLanes = numLanes,
                                 .lossyHeads = LossyHeads,
                                 .glides = Glides,
                                 .cascades = Cascades,
-                                .gainRamps = GainRamps,
-                                .mix = Mix,
+                                .gainRamps = ComputeGainRamps,
+                                .mix = MixTerms,
                                 .hadamard = Hadamard,
                                 .feedback = Feedback,
                                 .fade = Fade,
+                                .staysWithin = StaysWithin,
                                 .scale = Scale,
                                 .addScaled = AddScaled,
                                 .nearest = Nearest};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 /// The loops that cost the most, each written once and compiled for several widths of the processor's registers.
 ///
@@ -73,18 +74,36 @@ struct CascadeJob {
 };
 constexpr std::size_t maxCascadeStages = 8;
 
-/// A gain that goes on by adding its step for each sample.
-struct GainRamp {
-    float gain;  // becomes that of the sample behind the last
-    float step;
-    float* values;  // of each sample
+/// Gains that slide along straight lines through a cycle: start + slope x, where x goes from 0 to 1. Arrays with room
+/// for whole registers.
+struct GainRamps {
+    float const* starts;
+    float const* slopes;
+    float* gains;  // behind the last sample of a part, where the next one goes on
 };
 
-/// An input that is mixed into an output: with the gain, or with one gain a sample.
+/// Where in the cycle a chunk lies, through which gains go by adding one step for each sample.
+struct GainSection {
+    float begin, end;  // of the chunk in the cycle, 0 to 1
+    float numSteps;    // from its first sample to its last
+    bool isFirst;      // of the chunk's parts
+};
+
+/// What gainRamps computes: of each ramp a row.
+constexpr int gainRowLength = 64;
+
+/// An input that is mixed into an output: with a gain, or with a row of gains.
 struct MixTerm {
-    float const* input;
+    static constexpr std::int32_t steady = -1;
+    std::uint32_t input;
+    std::int32_t row;
     float gain;
-    float const* gains;  // null: steady
+};
+
+struct MixSources {
+    float const* const* inputs;
+    std::size_t first;   // sample of the inputs
+    float const* gains;  // rows
 };
 
 struct Kernels {
@@ -96,9 +115,12 @@ struct Kernels {
     /// Of cascades with one number of stages, 1 to maxCascadeStages.
     void (*cascades)(CascadeJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples);
 
-    void (*gainRamps)(GainRamp* ramps, std::size_t numRamps, std::size_t numSamples);
+    /// @param rows  room for whole registers of ramps
+    void (*gainRamps)(GainRamps const& ramps, std::size_t numRamps, GainSection const& section, float* rows,
+                      std::size_t numSamples);
     /// Adds terms to an output, in their order. @param replace  the first product replaces what the output holds
-    void (*mix)(float* output, MixTerm const* terms, std::size_t numTerms, std::size_t numSamples, bool replace);
+    void (*mix)(float* output, MixSources const& sources, MixTerm const* terms, std::size_t numTerms,
+                std::size_t numSamples, bool replace);
 
     /// Groups of channels through the Hadamard matrix of their number, in natural order and without scale, then
     /// scaled; output c is mixed channel order[c].
@@ -113,6 +135,8 @@ struct Kernels {
     /// Fades from a to b: out = gainsB b + gainsA a, with gains for each sample.
     void (*fade)(float* out, float const* a, float const* b, float const* gainsA, float const* gainsB,
                  std::size_t numSamples);
+    /// Whether all samples are numbers up to a magnitude.
+    bool (*staysWithin)(float const* in, float limit, std::size_t numSamples);
     void (*scale)(float* out, float const* in, float gain, std::size_t numSamples);
     void (*addScaled)(float* out, float const* in, float gain, std::size_t numSamples);
 

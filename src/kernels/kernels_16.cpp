@@ -1,4 +1,5 @@
 #define ORVAN_KERNEL_LANES 16
+#define ORVAN_NARROWER_KERNELS kernels16By8
 #include "kernels/all_kernels.h"
 
 namespace orvandsp::kernels {

@@ -21,6 +21,15 @@ using Lanes [[gnu::vector_size(numLanes * sizeof(float))]] = float;
 using LaneInts [[gnu::vector_size(numLanes * sizeof(float))]] = std::int32_t;
 using Four [[gnu::vector_size(4 * sizeof(float))]] = float;
 
+inline bool AllZero(LaneInts value) noexcept {
+    using Words [[gnu::vector_size(numLanes * sizeof(float))]] = std::int64_t;
+    Words words;
+    __builtin_memcpy(&words, &value, sizeof words);
+    std::int64_t bits = 0;
+    for (std::size_t i = 0; i < numLanes / 2; ++i) bits |= words[i];
+    return bits == 0;
+}
+
 /// numLanes samples in a row.
 inline Lanes Load(float const* samples) noexcept {
     Lanes result;
@@ -67,6 +76,34 @@ inline void Transpose(Lanes (&rows)[4]) noexcept {
     rows[1] = ORVAN_SHUFFLE(low01, low23, 2, 3, 2, 3);
     rows[2] = ORVAN_SHUFFLE(high01, high23, 0, 1, 0, 1);
     rows[3] = ORVAN_SHUFFLE(high01, high23, 2, 3, 2, 3);
+}
+
+/// Rows to columns of a whole square: lane i of row j changes places with lane j of row i.
+inline void TransposeSquare(Lanes (&rows)[numLanes]) noexcept {
+    using Quarter = Lanes[4];
+    for (std::size_t row = 0; row < numLanes; row += 4) Transpose(reinterpret_cast<Quarter&>(rows[row]));
+#if ORVAN_KERNEL_LANES == 8
+    for (std::size_t row = 0; row < 4; ++row) {
+        const Lanes a = rows[row], b = rows[row + 4];
+        rows[row] = __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11);
+        rows[row + 4] = __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
+    }
+#elif ORVAN_KERNEL_LANES == 16
+#define ORVAN_BLOCKS(x, y, a, b, c, d)                                                                            \
+    __builtin_shufflevector(x, y, 4 * a, 4 * a + 1, 4 * a + 2, 4 * a + 3, 4 * b, 4 * b + 1, 4 * b + 2, 4 * b + 3, \
+                            16 + 4 * c, 17 + 4 * c, 18 + 4 * c, 19 + 4 * c, 16 + 4 * d, 17 + 4 * d, 18 + 4 * d,   \
+                            19 + 4 * d)
+    for (std::size_t row = 0; row < 4; ++row) {
+        const Lanes a = rows[row], b = rows[row + 4], c = rows[row + 8], d = rows[row + 12];
+        const Lanes lowAb = ORVAN_BLOCKS(a, b, 0, 1, 0, 1), lowCd = ORVAN_BLOCKS(c, d, 0, 1, 0, 1);
+        const Lanes highAb = ORVAN_BLOCKS(a, b, 2, 3, 2, 3), highCd = ORVAN_BLOCKS(c, d, 2, 3, 2, 3);
+        rows[row] = ORVAN_BLOCKS(lowAb, lowCd, 0, 2, 0, 2);
+        rows[row + 4] = ORVAN_BLOCKS(lowAb, lowCd, 1, 3, 1, 3);
+        rows[row + 8] = ORVAN_BLOCKS(highAb, highCd, 0, 2, 0, 2);
+        rows[row + 12] = ORVAN_BLOCKS(highAb, highCd, 1, 3, 1, 3);
+    }
+#undef ORVAN_BLOCKS
+#endif
 }
 
 /// Two neighbours of each lane: at[lane][0] and at[lane][1]. A load takes both.

@@ -27,6 +27,17 @@ void Fade(float* out, float const* a, float const* b, float const* gainsA, float
     for (; k < numSamples; ++k) out[k] = gainsB[k] * b[k] + gainsA[k] * a[k];
 }
 
+bool StaysWithin(float const* in, float limit, std::size_t numSamples) {
+    // Asked so that not a number lies beyond; a comparison gives -1 where it holds.
+    const auto isWithin = [limit](auto x) { return (x <= limit) & (x >= -limit); };
+    LaneInts allWithin = LaneInts{} - 1;
+    std::size_t k = 0;
+    for (; k + numLanes <= numSamples; k += numLanes) allWithin &= isWithin(Load(in + k));
+    bool result = AllZero(~allWithin);
+    for (; k < numSamples; ++k) result = result && isWithin(in[k]);
+    return result;
+}
+
 /// Each lane keeps the nearest of its own points; of equally near ones in several lanes the first one counts.
 std::size_t Nearest(float const* x, float const* y, float const* z, std::size_t numPoints, float toX, float toY,
                     float toZ) {
@@ -78,67 +89,70 @@ void Feedback(float* tapped, float* output, float const* input, float inGain, fl
 }
 
 /// A gain is a chain of additions: numLanes of them side by side, turned so that each has its samples in a row.
-void GainRamps(GainRamp* ramps, std::size_t numRamps, std::size_t numSamples) {
-    if (FitsNarrower(numRamps)) return narrower->gainRamps(ramps, numRamps, numSamples);
-    ForEachGroup(ramps, numRamps, [=](GainRamp* some, std::size_t number) {
-        const Group<GainRamp> group(some, number);
-        Lanes gain{}, step{};
-        float* values[numLanes];
-        for (std::size_t lane = 0; lane < numLanes; ++lane) {
-            gain[lane] = group[lane].gain;
-            step[lane] = group[lane].step;
-            values[lane] = group[lane].values;
-        }
-        std::size_t k = 0;
-        for (; k + 4 <= numSamples; k += 4) {
-            Lanes frames[4];
-            for (Lanes& frame : frames) {
-                frame = gain;
-                gain += step;
+void ComputeGainRamps(GainRamps const& ramps, std::size_t numRamps, GainSection const& section, float* rows,
+                      std::size_t numSamples) {
+    if (FitsNarrower(numRamps)) return narrower->gainRamps(ramps, numRamps, section, rows, numSamples);
+    for (std::size_t first = 0; first < numRamps; first += numLanes) {
+        const Lanes start = Load(ramps.starts + first);
+        const Lanes slope = Load(ramps.slopes + first);
+        const Lanes begin = section.begin * slope + start;
+        const Lanes end = section.end * slope + start;
+        const Lanes step = section.numSteps > 0.0f ? (end - begin) / section.numSteps : Lanes{};
+        Lanes gain = section.isFirst ? begin : Load(ramps.gains + first);
+        for (std::size_t k = 0; k < numSamples; k += numLanes) {
+            Lanes square[numLanes];
+            for (std::size_t i = 0; i < numLanes; ++i) {
+                square[i] = gain;
+                if (k + i < numSamples) gain += step;
             }
-            StoreFrames(values, k, frames);
+            TransposeSquare(square);
+            for (std::size_t i = 0; i < numLanes; ++i) Store(rows + (first + i) * gainRowLength + k, square[i]);
         }
-        for (; k < numSamples; ++k) {
-            StoreFrame(values, k, gain);
-            gain += step;
-        }
-        for (std::size_t lane = 0; lane < number; ++lane) some[lane].gain = gain[lane];
-    });
+        Store(ramps.gains + first, gain);
+    }
 }
 
 /// Mixes numRows registers of an output that begin at a sample; the output is touched once, however many terms there
 /// are.
 template <std::size_t numRows>
-inline void MixRows(float* output, MixTerm const* terms, std::size_t numTerms, std::size_t first,
-                    bool replace) noexcept {
+inline void MixRows(float* output, MixSources const& sources, MixTerm const* terms, std::size_t numTerms,
+                    std::size_t first, bool replace) noexcept {
     Lanes sums[numRows];
     for (std::size_t row = 0; row < numRows; ++row) sums[row] = Load(output + first + row * numLanes);
     for (std::size_t t = 0; t < numTerms; ++t) {
-        float const* const input = terms[t].input + first;
+        float const* const input = sources.inputs[terms[t].input] + sources.first + first;
         Lanes products[numRows];
-        if (terms[t].gains == nullptr)
+        if (terms[t].row == MixTerm::steady) {
             for (std::size_t row = 0; row < numRows; ++row)
                 products[row] = Load(input + row * numLanes) * terms[t].gain;
-        else
+        } else {
+            float const* const gains = sources.gains + terms[t].row * std::ptrdiff_t{gainRowLength} + first;
             for (std::size_t row = 0; row < numRows; ++row)
-                products[row] = Load(input + row * numLanes) * Load(terms[t].gains + first + row * numLanes);
+                products[row] = Load(input + row * numLanes) * Load(gains + row * numLanes);
+        }
         for (std::size_t row = 0; row < numRows; ++row)
             sums[row] = replace && t == 0 ? products[row] : sums[row] + products[row];
     }
     for (std::size_t row = 0; row < numRows; ++row) Store(output + first + row * numLanes, sums[row]);
 }
 
-void Mix(float* output, MixTerm const* terms, std::size_t numTerms, std::size_t numSamples, bool replace) {
+void MixTerms(float* output, MixSources const& sources, MixTerm const* terms, std::size_t numTerms,
+              std::size_t numSamples, bool replace) {
     if (numTerms == 0) return;
     constexpr std::size_t numRows = 4;
     std::size_t k = 0;
     for (; k + numRows * numLanes <= numSamples; k += numRows * numLanes)
-        MixRows<numRows>(output, terms, numTerms, k, replace);
-    for (; k + numLanes <= numSamples; k += numLanes) MixRows<1>(output, terms, numTerms, k, replace);
+        MixRows<numRows>(output, sources, terms, numTerms, k, replace);
+    for (; k + numLanes <= numSamples; k += numLanes) MixRows<1>(output, sources, terms, numTerms, k, replace);
     for (; k < numSamples; ++k) {
         float sum = output[k];
         for (std::size_t t = 0; t < numTerms; ++t) {
-            const float product = terms[t].input[k] * (terms[t].gains == nullptr ? terms[t].gain : terms[t].gains[k]);
+            auto const& [input, row, gain] = terms[t];
+            const float product =
+                sources.inputs[input][sources.first + k] *
+                (row == MixTerm::steady
+                     ? gain
+                     : sources.gains[row * std::ptrdiff_t{gainRowLength} + static_cast<std::ptrdiff_t>(k)]);
             sum = replace && t == 0 ? product : sum + product;
         }
         output[k] = sum;

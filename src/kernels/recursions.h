@@ -47,7 +47,8 @@ struct ShelfLanes {
 };
 
 void Shelves(ShelfJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
-    if (FitsNarrower(numJobs)) return narrower->shelves(jobs, numJobs, numSamples);
+    // Sixteen lanes are moved in and out more slowly than twice eight.
+    if (FitsNarrower(numJobs) || numLanes == 16) return narrower->shelves(jobs, numJobs, numSamples);
     const auto shelfOf = [](ShelfJob const& job) -> Shelf const& { return job.shelf; };
     const auto addresses = [](Group<ShelfJob> const& group, float** outputs, float const** inputs) {
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
@@ -163,39 +164,53 @@ void LossyHeads(LossyHeadJob const* jobs, std::size_t numJobs, std::size_t numSa
 
 /// Allpass heads on the move: for each sample the place between two neighbours, and from that the coefficient.
 struct GlideLanes {
-    explicit GlideLanes(Group<GlideJob> const& newJobs) noexcept : jobs(newJobs) {
+    explicit GlideLanes(Group<GlideJob> const& jobs, std::int32_t numSamples) noexcept {
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
             GlideJob const& job = jobs[lane];
+            ring[lane] = job.ring;
             base[lane] = job.base;
             delay[lane] = *job.delay;
             increment[lane] = job.increment;
             remaining[lane] = *job.remaining;
             mask[lane] = job.mask;
             state[lane] = *job.state;
+            // Far from what a whole number holds, and on the move to the end of the block.
+            const float way = static_cast<float>(numSamples) * job.increment;
+            if (!(job.base - *job.delay > -limit && job.base - *job.delay < limit && way > -limit && way < limit &&
+                  numSamples <= *job.remaining))
+                plain = false;
+        }
+    }
+
+    /// Four samples, the first of which has this number in the block.
+    void Read(std::int32_t first, Lanes (&frames)[4]) noexcept {
+        Lanes fractions[4];
+        LaneInts indices[4];
+        LaneInts jumps{};
+        for (std::int32_t i = 0; i < 4; ++i) {
+            Place(first + i, indices[i], fractions[i]);
+            jumps |= indices[i] ^ (indices[0] + i);
+        }
+        if (AllZero(jumps)) {
+            // Each head reads five samples in a row, as most do most of the time.
+            float const* at[numLanes];
+            for (std::size_t lane = 0; lane < numLanes; ++lane) at[lane] = ring[lane] + indices[0][lane];
+            Lanes newer[4];
+            LoadFrames(frames, at, 0);
+            LoadFrames(newer, at, 1);
+            for (std::int32_t i = 0; i < 4; ++i) frames[i] = Next(fractions[i], frames[i], newer[i]);
+        } else {
+            for (std::int32_t i = 0; i < 4; ++i) frames[i] = ReadAt(indices[i], fractions[i]);
         }
     }
     Lanes Read(std::int32_t sample) noexcept {
-        // Far beyond any ring; keeps the conversion defined for every float, and not a number becomes the lower limit.
-        const Lanes limit = Lanes{} + 1073741824.0f;
-        const Lanes position = base - delay + static_cast<float>(sample);
-        const Lanes below = limit < position ? limit : position;
-        const Lanes bounded = -limit < below ? below : -limit;
-        LaneInts index = __builtin_convertvector(bounded, LaneInts);
-        // Cut towards zero; a comparison gives -1 where it holds.
-        index += __builtin_convertvector(index, Lanes) > bounded;
-        const Lanes fraction = bounded - __builtin_convertvector(index, Lanes);
-        delay = remaining > sample ? delay + increment : delay;
-
-        index &= mask;
-        float const* at[numLanes];
-        for (std::size_t lane = 0; lane < numLanes; ++lane) at[lane] = jobs[lane].ring + index[lane];
-        Lanes older, newer;
-        LoadNeighbours(at, older, newer);
-        const Lanes p = 1.0f - fraction;
-        state = (1.0f - p) / (p + 1.0f) * (newer - state) + older;
-        return state;
+        LaneInts index;
+        Lanes fraction;
+        Place(sample, index, fraction);
+        return ReadAt(index, fraction);
     }
-    void Keep(std::int32_t numSamples) const noexcept {
+
+    void Keep(Group<GlideJob> const& jobs, std::int32_t numSamples) const noexcept {
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
             GlideJob const& job = jobs[lane];
             *job.delay = delay[lane];
@@ -205,27 +220,65 @@ struct GlideLanes {
             *job.state = state[lane];
         }
     }
-    Group<GlideJob> jobs;
+
+private:
+    static constexpr float limit = 268435456.0f;
+
+    /// The older neighbour's index in the ring, and how far behind it the sample lies; moves on.
+    void Place(std::int32_t sample, LaneInts& index, Lanes& fraction) noexcept {
+        Lanes position = base - delay + static_cast<float>(sample);
+        if (plain) {
+            delay += increment;
+        } else {
+            // Far beyond any ring; keeps the conversion defined for every float, and not a number becomes the lower
+            // limit.
+            const Lanes highest = Lanes{} + 1073741824.0f;
+            const Lanes below = highest < position ? highest : position;
+            position = -highest < below ? below : -highest;
+            delay = remaining > sample ? delay + increment : delay;
+        }
+        index = __builtin_convertvector(position, LaneInts);
+        // Cut towards zero; a comparison gives -1 where it holds.
+        index += __builtin_convertvector(index, Lanes) > position;
+        fraction = position - __builtin_convertvector(index, Lanes);
+        index &= mask;
+    }
+    Lanes ReadAt(LaneInts index, Lanes fraction) noexcept {
+        float const* at[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) at[lane] = ring[lane] + index[lane];
+        Lanes older, newer;
+        LoadNeighbours(at, older, newer);
+        return Next(fraction, older, newer);
+    }
+    Lanes Next(Lanes fraction, Lanes older, Lanes newer) noexcept {
+        const Lanes p = 1.0f - fraction;
+        state = (1.0f - p) / (p + 1.0f) * (newer - state) + older;
+        return state;
+    }
+
+    float const* ring[numLanes];
     Lanes base{}, delay{}, increment{}, state{};
     LaneInts remaining{}, mask{};
+    bool plain = true;
 };
 
 void Glides(GlideJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
-    if (FitsNarrower(numJobs)) return narrower->glides(jobs, numJobs, numSamples);
+    // Sixteen lanes are moved in and out more slowly than twice eight.
+    if (FitsNarrower(numJobs) || numLanes == 16) return narrower->glides(jobs, numJobs, numSamples);
     ForEachGroup(jobs, numJobs, [=](GlideJob const* some, std::size_t number) {
         const Group<GlideJob> group(some, number);
-        GlideLanes glide(group);
+        const auto count = static_cast<std::int32_t>(numSamples);
+        GlideLanes glide(group, count);
         float* outputs[numLanes];
         for (std::size_t lane = 0; lane < numLanes; ++lane) outputs[lane] = group[lane].output;
-        const auto count = static_cast<std::int32_t>(numSamples);
         std::int32_t k = 0;
         for (; k + 4 <= count; k += 4) {
             Lanes frames[4];
-            for (std::int32_t i = 0; i < 4; ++i) frames[i] = glide.Read(k + i);
+            glide.Read(k, frames);
             StoreFrames(outputs, static_cast<std::size_t>(k), frames);
         }
         for (; k < count; ++k) StoreFrame(outputs, static_cast<std::size_t>(k), glide.Read(k));
-        glide.Keep(count);
+        glide.Keep(group, count);
     });
 }
 

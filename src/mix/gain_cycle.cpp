@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "dsp/constants.h"
+
 namespace Lume {
 
 namespace kernels = orvandsp::kernels;
@@ -9,10 +11,15 @@ namespace kernels = orvandsp::kernels;
 namespace {
 
 /// Longest stretch that is mixed at once [samples]: all its inputs are read before an output is written.
-constexpr std::int32_t partLength = 64;
+constexpr std::int32_t partLength = kernels::gainRowLength;
 
-/// So many terms are gathered before they are mixed, if there are.
-constexpr unsigned int minTerms = 64;
+/// So many gains that slide are computed at once, if no output needs more: as many as the nearest cache holds.
+constexpr std::size_t minMoving = 32;
+
+/// Up to whole registers of any width.
+std::size_t Padded(std::size_t numRamps) {
+    return (numRamps + kernels::maxLanes - 1) / kernels::maxLanes * kernels::maxLanes;
+}
 
 std::int32_t CutToSamples(float samples, std::int32_t lowest) {
     constexpr float highest = 2147483520.0f;  // the largest float that a 32-bit count holds
@@ -64,15 +71,14 @@ GainCycle::GainCycle(unsigned int numInputs, unsigned int numOutputs)
     : requestedGains(static_cast<std::size_t>(numInputs) * numOutputs),
       startGains(requestedGains.size()),
       targetGains(requestedGains.size()),
-      runningGains(requestedGains.size()),
-      inputCopies(static_cast<std::size_t>(numInputs) * partLength),
-      sharesEnd(numOutputs + 1),
+      inputCopies(numInputs, std::vector<float>(partLength)),
+      listedInputs(numInputs),
       termsEnd(numOutputs),
-      terms(std::max(numInputs, minTerms)),
-      ramps(terms.size()),
-      movingElements(terms.size()),
-      movingGains(terms.size() * partLength) {
-    shares.reserve(requestedGains.size());
+      movingGains(Padded(std::max<std::size_t>(numInputs, minMoving)) * partLength) {
+    terms.reserve(requestedGains.size());
+    batches.reserve(numOutputs);
+    const std::size_t mostRamps = requestedGains.size() + numOutputs * kernels::maxLanes;
+    for (std::vector<float>* const ofRamps : {&rampStarts, &rampSlopes, &rampGains}) ofRamps->reserve(mostRamps);
 }
 
 void GainCycle::SetLength(float samples) {
@@ -107,7 +113,7 @@ void GainCycle::Run(Mix const& mix, unsigned long numSamples) {
         if (position >= length) Roll();
         const auto count =
             static_cast<std::int32_t>(std::min(numSamples - done, static_cast<unsigned long>(length - position)));
-        ListShares(mix);
+        ListTerms(mix);
         MixChunk(mix, done, count);
         done += static_cast<unsigned long>(count);
         position += count;
@@ -124,76 +130,80 @@ void GainCycle::MixChunk(Mix const& mix, unsigned long offset, std::int32_t numS
     }
 }
 
-/// The gain of a slide at the chunk's first sample is that of the chunk's start, at its last sample that of the chunk's
-/// end: neighbouring chunks share a gain, and a chunk of one sample has no slope.
 void GainCycle::MixPart(Mix const& mix, Part const& part) {
     const auto count = static_cast<std::size_t>(part.count);
+    float const* copies[orvandsp::MaxNumChannels];
     if (!mix.apart) {
-        for (unsigned int i = 0; i < mix.numInputs; ++i)
-            if (mix.activeInputs[i] != 0)
-                std::copy_n(mix.inputs[i] + part.first, count, &inputCopies[i * std::size_t{partLength}]);
-    }
-    // Outputs are mixed when there is no room for the terms of a further one: gains that slide come in long rows then.
-    std::size_t numTerms = 0, numMoving = 0;
-    unsigned int firstOutput = 0;
-    const auto flush = [&](unsigned int endOutput) {
-        if (numMoving > 0) kernels::Get().gainRamps(ramps.data(), numMoving, count);
-        for (std::size_t m = 0; m < numMoving; ++m) runningGains[movingElements[m]] = ramps[m].gain;
-        std::size_t first = 0;
-        for (unsigned int j = firstOutput; j < endOutput; ++j) {
-            kernels::Get().mix(mix.outputs[j] + part.first, &terms[first], termsEnd[j] - first, count, mix.replace);
-            first = termsEnd[j];
+        for (unsigned int i = 0; i < mix.numInputs; ++i) {
+            copies[i] = inputCopies[i].data();
+            if (mix.activeInputs[i] != 0) std::copy_n(mix.inputs[i] + part.first, count, inputCopies[i].data());
         }
-        firstOutput = endOutput;
-        numTerms = numMoving = 0;
-    };
-    for (unsigned int j = 0; j < mix.numOutputs; ++j) {
-        if (numTerms + sharesEnd[j + 1] - sharesEnd[j] > terms.size()) flush(j);
-        for (std::size_t s = sharesEnd[j]; s < sharesEnd[j + 1]; ++s) {
-            const auto [i, start, target] = shares[s];
-            if (mix.activeInputs[i] == 0) continue;
-            float const* const input =
-                mix.apart ? mix.inputs[i] + part.first : &inputCopies[i * std::size_t{partLength}];
-            if (target == start) {
-                terms[numTerms++] = {input, target, nullptr};
-                continue;
-            }
-            const float slope = target - start;
-            const float g0 = static_cast<float>(position) * inverseLength * slope + start;
-            const float g1 = static_cast<float>(position + part.chunk) * inverseLength * slope + start;
-            const float step = part.chunk > 1 ? (g1 - g0) / static_cast<float>(part.chunk - 1) : 0.0f;
-            const std::size_t element = static_cast<std::size_t>(i) * mix.numOutputs + j;
-            float* const values = &movingGains[numMoving * std::size_t{partLength}];
-            ramps[numMoving] = {part.done == 0 ? g0 : runningGains[element], step, values};
-            movingElements[numMoving++] = element;
-            terms[numTerms++] = {input, 0.0f, values};
-        }
-        termsEnd[j] = numTerms;
     }
-    flush(mix.numOutputs);
+    const kernels::MixSources sources = {
+        .inputs = mix.apart ? mix.inputs : copies, .first = mix.apart ? part.first : 0, .gains = movingGains.data()};
+    // The gain of a slide at the chunk's first sample is that of the chunk's start, at its last sample that of the
+    // chunk's end: neighbouring chunks share a gain, and a chunk of one sample has no slope.
+    const kernels::GainSection section = {.begin = static_cast<float>(position) * inverseLength,
+                                          .end = static_cast<float>(position + part.chunk) * inverseLength,
+                                          .numSteps = static_cast<float>(part.chunk - 1),
+                                          .isFirst = part.done == 0};
+    unsigned int output = 0;
+    std::size_t term = 0;
+    for (auto const& [endOutput, firstRamp, numRamps] : batches) {
+        kernels::Get().gainRamps({&rampStarts[firstRamp], &rampSlopes[firstRamp], &rampGains[firstRamp]}, numRamps,
+                                 section, movingGains.data(), count);
+        for (; output < endOutput; ++output) {
+            kernels::Get().mix(mix.outputs[output] + part.first, sources, &terms[term], termsEnd[output] - term, count,
+                               mix.replace);
+            term = termsEnd[output];
+        }
+    }
 }
 
 /// Lists what is to be mixed in this cycle, by output. Adding leaves out gains that are and stay 0.
-void GainCycle::ListShares(Mix const& mix) {
-    const SharesKey key = {mix.numInputs, mix.numOutputs, mix.replace};
-    if (sharesKey == key) return;
-    sharesKey = key;
-    shares.clear();
-    sharesEnd[0] = 0;
+void GainCycle::ListTerms(Mix const& mix) {
+    const ListKey key = {mix.numInputs, mix.numOutputs, mix.replace};
+    if (listedFor == key && std::equal(listedInputs.begin(), listedInputs.begin() + mix.numInputs, mix.activeInputs))
+        return;
+    listedFor = key;
+    std::copy_n(mix.activeInputs, mix.numInputs, listedInputs.begin());
+    terms.clear();
+    batches.clear();
+    for (std::vector<float>* const ofRamps : {&rampStarts, &rampSlopes, &rampGains}) ofRamps->clear();
+    std::size_t firstRamp = 0;  // of the batch
+    const auto endBatch = [&](unsigned int endOutput) {
+        batches.push_back({endOutput, firstRamp, rampStarts.size() - firstRamp});
+        firstRamp = Padded(rampStarts.size());
+        for (std::vector<float>* const ofRamps : {&rampStarts, &rampSlopes, &rampGains}) ofRamps->resize(firstRamp);
+    };
     for (unsigned int j = 0; j < mix.numOutputs; ++j) {
+        const auto ofOutput = [&](unsigned int i) { return static_cast<std::size_t>(i) * mix.numOutputs + j; };
+        std::size_t numMoving = 0;
+        for (unsigned int i = 0; i < mix.numInputs; ++i)
+            if (mix.activeInputs[i] != 0 && targetGains[ofOutput(i)] != startGains[ofOutput(i)]) ++numMoving;
+        const std::size_t numBefore = rampStarts.size() - firstRamp;
+        if (numBefore > 0 && numBefore + numMoving > minMoving) endBatch(j);
         for (unsigned int i = 0; i < mix.numInputs; ++i) {
-            const std::size_t element = static_cast<std::size_t>(i) * mix.numOutputs + j;
-            const float start = startGains[element], target = targetGains[element];
-            if (target != start || target != 0.0f || mix.replace) shares.push_back({i, start, target});
+            if (mix.activeInputs[i] == 0) continue;
+            const float start = startGains[ofOutput(i)], target = targetGains[ofOutput(i)];
+            if (target != start) {
+                terms.push_back({i, static_cast<std::int32_t>(rampStarts.size() - firstRamp), 0.0f});
+                rampStarts.push_back(start);
+                rampSlopes.push_back(target - start);
+                rampGains.push_back(start);
+            } else if (target != 0.0f || mix.replace) {
+                terms.push_back({i, kernels::MixTerm::steady, target});
+            }
         }
-        sharesEnd[j + 1] = shares.size();
+        termsEnd[j] = terms.size();
     }
+    endBatch(mix.numOutputs);
 }
 
 void GainCycle::Roll() {
     startGains = targetGains;
     targetGains = requestedGains;
-    sharesKey.reset();
+    listedFor.reset();
     position = 0;
 }
 

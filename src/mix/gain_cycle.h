@@ -53,37 +53,36 @@ private:
     struct Part;
     void Run(Mix const& mix, unsigned long numSamples);
     void MixChunk(Mix const& mix, unsigned long offset, std::int32_t numSamples);
-    void ListShares(Mix const& mix);
+    void ListTerms(Mix const& mix);
     void MixPart(Mix const& mix, Part const& part);
     void Roll();
 
     std::vector<float> startGains;  // the gains at which the running cycle began
     std::vector<float> targetGains;
-    std::vector<float> runningGains;  // of the ramps that are in the middle of a chunk
-    std::vector<float> inputCopies;   // of a part of a chunk, so that outputs may be the inputs
+    std::vector<std::vector<float>> inputCopies;  // of a part of a chunk, so that outputs may be the inputs
 
-    /// What an input gives to an output in the running cycle.
-    struct Share {
-        unsigned int input;
-        float start, target;
-    };
-    /// What the shares were listed for.
-    struct SharesKey {
+    /// What the terms were listed for, beside the active inputs.
+    struct ListKey {
         unsigned int numInputs, numOutputs;
         bool replace;
-        bool operator==(SharesKey const&) const = default;
+        bool operator==(ListKey const&) const = default;
     };
-    std::vector<Share> shares;           // by output, then by input
-    std::vector<std::size_t> sharesEnd;  // behind those of each output; the first entry is 0
-    std::optional<SharesKey> sharesKey;
-    // Shares on their way to the kernels.
-    std::vector<std::size_t> termsEnd;  // behind those of each output
-    std::vector<orvandsp::kernels::MixTerm> terms;
-    std::vector<orvandsp::kernels::GainRamp> ramps;
-    std::vector<std::size_t> movingElements;
-    std::vector<float> movingGains;
-    std::int32_t position = 0;  // samples of the running cycle that are done
-    std::int32_t length = 1;    // [samples]
+    std::optional<ListKey> listedFor;  // empty when a cycle begins
+    std::vector<short> listedInputs;
+    std::vector<orvandsp::kernels::MixTerm> terms;  // by output, then by input
+    std::vector<std::size_t> termsEnd;              // behind those of each output
+    // The gains that slide, in the order of the terms.
+    std::vector<float> rampStarts, rampSlopes;
+    std::vector<float> rampGains;  // in the middle of a chunk
+    /// Outputs whose sliding gains are computed at once.
+    struct RampBatch {
+        unsigned int endOutput;
+        std::size_t firstRamp, numRamps;
+    };
+    std::vector<RampBatch> batches;
+    std::vector<float> movingGains;  // of a batch
+    std::int32_t position = 0;       // samples of the running cycle that are done
+    std::int32_t length = 1;         // [samples]
     float inverseLength = 1.0f;
 };
 
