@@ -59,4 +59,11 @@ These are plug-ins for Ardour and other hosts, from headphones to rings of
 eight.")
     set(CPACK_DEBIAN_LV2_PACKAGE_PROVIDES "lv2-plugin")
 endif()
+if(TARGET orvanverb-live)
+    orvan_package(live orvanverb-live sound "room reverberator and spatialiser, live" "${about}
+.
+This is the program for the stage: it plays a room through JACK, and is
+driven by OSC and by a page in the browser.")
+    set(CPACK_DEBIAN_LIVE_PACKAGE_RECOMMENDS "orvanverb")
+endif()
 include(CPack)
