@@ -10,7 +10,7 @@
 # make lv2-package  puts them into out/
 # make deb    makes Debian packages, into out/
 # make bench  builds and runs the benchmarks
-# make gate   before a hand-over: asan, and the tests as clang builds them
+# make gate   before a hand-over: asan, docs, and the tests as clang builds them
 # make check  layout, layers, quirks and static analysis
 # make docs   the pages of the library's interface, into out/docs (doxygen)
 # make format lays out every file
@@ -46,7 +46,7 @@ asan: setup
 	@cmake --build --preset asan -j$(JOBS)
 	ctest --preset asan
 
-gate: asan
+gate: asan docs
 	@tools/setup fuzz
 	@cmake --preset clang >/dev/null
 	@cmake --build --preset clang -j$(JOBS)

@@ -101,15 +101,16 @@ std::string ManPage(CLI::App const& command, std::string const& words, std::stri
 
 std::string OptionTable(CLI::App const& command) {
     std::string rows = "| Option | What it does |\n|---|---|\n";
-    const auto escaped = [](std::string const& text) {
+    const auto escaped = [](std::string const& text, std::string const& letters) {
         std::string result;
-        for (const char letter : text) result += letter == '|' ? std::string("\\|") : std::string(1, letter);
+        for (const char letter : text)
+            result.append(letters.find(letter) < letters.size() ? "\\" : "").push_back(letter);
         return result;
     };
     for (CLI::Option const* option : Options(command)) {
         const std::string values = Values(*option);
-        rows += "| `" + escaped(Names(*option) + (values.empty() ? "" : " " + values)) + "` | " +
-                escaped(OneLine(option->get_description())) + " |\n";
+        rows += "| `" + escaped(Names(*option) + (values.empty() ? "" : " " + values), "|") + "` | " +
+                escaped(OneLine(option->get_description()), "|@<") + " |\n";
     }
     return rows;
 }
