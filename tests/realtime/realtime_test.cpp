@@ -215,7 +215,7 @@ TEST(RealTime, Fronts) {
     hosted.Start(rate, block);
     Watch("hosted room", [&](Random&) { hosted.Process(in.pointers.data(), out.pointers.data()); });
     program::EarsCache ears(48000, false);
-    program::RoomObject object(2, 4, "8", ears);
+    program::RoomObject object(2, 4, "8", nullptr, ears);
     object.Start(48000, block);
     Watch("program", [&](Random&) { object.Process(out.pointers.data(), in.pointers.data()); });
 }
