@@ -76,17 +76,17 @@ TEST(AudioBuffer, GainsOfExactlyZeroAndOneAreExact) {
 
 // Red if the ramp ends one step early or late, if its length ignores the offsets, or if a single sample divides by 0.
 TEST(AudioBuffer, RampsMeetBothEnds) {
-    AudioBuffer ones(1, 5), target(1, 8);
-    ones.Fill(1.0f);
+    AudioBuffer twos(1, 5), target(1, 8);
+    twos.Fill(2.0f);
     target.Fill(10.0f);
-    target.CopyFromWithRamp(0, 1, ones, 0, 1, 0.0f, 3.0f);
-    target.AddFromWithRamp(0, 1, ones, 0, 1, 1.0f, 4.0f);
-    target.AddFromWithRamp(0, 7, ones, 0, 0, 2.0f, 4.0f);  // one sample takes the first gain
-    target.CopyFrom(0, 8, ones, 0, 0, 1.0f);               // nothing remains behind the offset
-    target.AddFrom(0, 9, ones, 0, 0, 1.0f);
+    target.CopyFromWithRamp(0, 1, twos, 0, 1, 0.0f, 1.5f);
+    target.AddFromWithRamp(0, 1, twos, 0, 1, 0.5f, 2.0f);
+    target.AddFromWithRamp(0, 7, twos, 0, 0, 1.0f, 2.0f);  // one sample takes the first gain
+    target.CopyFrom(0, 8, twos, 0, 0, 1.0f);               // nothing remains behind the offset
+    target.AddFrom(0, 9, twos, 0, 0, 1.0f);
     EXPECT_EQ(Of(target, 0), (Samples{10, 1, 3, 5, 7, 10, 10, 12}));
-    ones.ApplyRamp(1.0f, 0.0f);
-    EXPECT_EQ(Of(ones, 0), (Samples{1.0f, 0.75f, 0.5f, 0.25f, 0.0f}));
+    twos.ApplyRamp(1.0f, 0.0f);
+    EXPECT_EQ(Of(twos, 0), (Samples{2.0f, 1.5f, 1.0f, 0.5f, 0.0f}));
 }
 
 // Red if the first pass adds, a later one overwrites, or the two forms wrap alike.

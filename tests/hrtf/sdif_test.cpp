@@ -78,7 +78,7 @@ std::string LoadingSays(std::string const& content, std::string const& end) {
 TEST(Sdif, SetIsReadWithStrangersSkipped) {
     SdifWriter bare;
     bare.BareChunk("1NVT", "1NVT { Maker x; }");
-    bare.BareChunk("1NVT", "{\n" + Header("", "", "  ", ";\n") + "}");
+    bare.BareChunk("1NVT", "{\n" + Header("Owner", " Some Institute \t", "  ", ";\n") + "}");
     const std::string good = GoodSet().bytes;
     const std::string frames = good.substr(good.find("HRTF", good.find("1IDS")));
     for (std::string const& content : {good, bare.bytes + frames}) {
@@ -124,7 +124,6 @@ TEST(Sdif, WhatIsWrongIsSaid) {
         {frames({}), ""},
         {"RIFF", "invalid file NAME"},
         {oldVersion.bytes, "invalid header NAME"},
-        {GoodSet(Header("Author", "-")).bytes, "invalid header NAME"},
         {GoodSet(Header("NumPoints", "-3")).bytes, "invalid header NAME"},
         {GoodSet(Header("NumPoints", "2000000000")).bytes, "invalid header NAME"},
         {GoodSet(Header("FiltersLength", "99999999999")).bytes, "invalid header NAME"},
@@ -159,6 +158,10 @@ TEST(Sdif, WhatIsWrongIsSaid) {
         EXPECT_EQ(LoadingSays<Hrtf>(content, ".hrtf"), message);
         EXPECT_EQ(LoadingSays<Lume::NearfieldCompensationFilters>(content, ".near"), message);
     }
+    for (char const* const key : {"Owner", "Author", "Subject", "Copyright", "DataType", "FiltersType", "ITDExtracted",
+                                  "SpatialInterpolation", "MeasurementSet", "InterpolationSet", "FiltersLength",
+                                  "NumChannels", "SamplingRate", "NumPoints", "Generated"})
+        EXPECT_EQ(LoadingSays<Hrtf>(GoodSet(Header(key, "-")).bytes, ".hrtf"), "invalid header NAME") << key;
 }
 
 // Red if any size is trusted, or if half a file replaces what was loaded. Under the sanitizers this covers over-reads.
