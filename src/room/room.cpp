@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <stdexcept>
 
@@ -24,9 +25,8 @@ constexpr double settleSeconds = 0.25;
 constexpr unsigned int provisionalBlockSize = 64;
 constexpr std::uint32_t randomSeed = 1;  // with the process's own numbers no two rooms of many internals would be alike
 
-std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals,
-                                      RoomFormat const* format) {
-    const FloatingPointMode unchanged;
+void RequireShape(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals,
+                  RoomFormat const* format) {
     if (format != nullptr && !format->supports(numSpeakers))
         throw std::invalid_argument("the format " + std::string(format->name) + " has no " +
                                     std::to_string(numSpeakers) + " outputs");
@@ -37,10 +37,34 @@ std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numS
         throw std::invalid_argument(
             "a room has 1 to 64 sources, 2 to 64 loudspeakers and 2 to 16 internal channels, not " +
             std::to_string(numSources) + ", " + std::to_string(numSpeakers) + " and " + std::to_string(numInternals));
+}
+
+std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numSpeakers, unsigned int numInternals,
+                                      RoomFormat const* format) {
+    const FloatingPointMode unchanged;
+    RequireShape(numSources, numSpeakers, numInternals, format);
     auto engine = std::make_unique<OrvanVerb>(numInternals);
     engine->SetRandomSeed(randomSeed);
     if (format != nullptr) engine->SetFormat(*format);
     engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, numSources, numSpeakers);
+    return engine;
+}
+
+/// In these ranges everything in the engine was tried; a rate of 0 would divide by it.
+void RequireAudio(float samplerate, std::size_t blockSize, std::size_t vectorSize) {
+    const auto text = [](auto value) { return std::to_string(value); };
+    if (!(samplerate >= Room::minSamplerate && samplerate <= Room::maxSamplerate))
+        throw std::invalid_argument("a room runs at 1000 to 768000 Hz, not " + text(samplerate));
+    if (blockSize < 1 || blockSize > Room::maxBlockSize)
+        throw std::invalid_argument("blocks have 1 to 1048576 samples, not " + text(blockSize));
+    if (vectorSize != 0 && !(std::has_single_bit(vectorSize) && vectorSize >= SteadyVectors::minVectorSize &&
+                             vectorSize <= Room::maxVectorSize))
+        throw std::invalid_argument("a vector has a power of two from 16 to 8192 samples, not " + text(vectorSize));
+}
+
+std::unique_ptr<OrvanVerb> RequireRoom(std::unique_ptr<OrvanVerb> engine) {
+    if (engine == nullptr || !engine->IsInitialized()) throw std::invalid_argument("the engine wasn't configured");
+    RequireShape(engine->GetNumInputs(), engine->GetNumOutputs(), engine->GetNumInternals(), engine->GetFormat());
     return engine;
 }
 
@@ -62,7 +86,7 @@ Room::Room(unsigned int numSources, std::span<CartesianVector const> speakers, u
     if (!PlaceSpeakers(speakers)) throw std::invalid_argument("the position of a loudspeaker is not a number");
 }
 
-Room::Room(std::unique_ptr<OrvanVerb> configured) : engine(std::move(configured)) {
+Room::Room(std::unique_ptr<OrvanVerb> configured) : engine(RequireRoom(std::move(configured))) {
     vectors.Configure(NumSources(), NumSpeakers(), engine->GetBuffersize(), SteadyVectors::Blocks::Steady,
                       engine->GetBuffersize());
     guard.Configure(NumSources(), VectorSize());
@@ -73,6 +97,7 @@ Room::Room(std::unique_ptr<OrvanVerb> configured) : engine(std::move(configured)
 Room::~Room() = default;
 
 void Room::Configure(float samplerate, std::size_t blockSize, std::size_t vectorSize, SteadyVectors::Blocks blocks) {
+    RequireAudio(samplerate, blockSize, vectorSize);
     const FloatingPointMode unchanged;
     vectors.Configure(NumSources(), NumSpeakers(), blockSize, blocks, vectorSize);
     guard.Configure(NumSources(), VectorSize());

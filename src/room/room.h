@@ -37,8 +37,10 @@ namespace Lume {
 /// that other threads may make meanwhile there is one, PrepareEars. The thread's floating-point mode stays as it was.
 class Room {
 public:
-    static constexpr float maxCoordinate = 1e6f;        ///< [m]
-    static constexpr std::size_t maxVectorSize = 8192;  ///< [samples]
+    static constexpr float maxCoordinate = 1e6f;                                ///< [m]
+    static constexpr std::size_t maxVectorSize = SteadyVectors::maxVectorSize;  ///< [samples]
+    static constexpr std::size_t maxBlockSize = 1u << 20;                       ///< [samples]
+    static constexpr float minSamplerate = 1000.0f, maxSamplerate = 768000.0f;  ///< [Hz]
     static constexpr unsigned int usualInternals = 8;
 
     /// A room in which every control stands at its standard and everything at the built-in places for its number.
@@ -53,6 +55,7 @@ public:
     Room(unsigned int numSources, std::span<CartesianVector const> speakers, unsigned int numInternals = usualInternals,
          RoomFormat const* format = nullptr);
     /// A room around an engine that was configured, which stays as it is.
+    /// @throws std::invalid_argument if it wasn't, or has no room's shape
     explicit Room(std::unique_ptr<OrvanVerb> configured);
     ~Room();
     Room(Room const&) = delete;
@@ -72,9 +75,11 @@ public:
     /// @{
 
     /// Announces the host's rate [Hz] and its blocks, and empties the room.
-    /// @param blockSize   [samples], from 1 on
+    /// @param samplerate  minSamplerate to maxSamplerate
+    /// @param blockSize   [samples], 1 to maxBlockSize
     /// @param vectorSize  samples of one run of the engine, a power of two from 16 to 8192; 0 chooses, see
     ///                    SteadyVectors. Rooms sound the same to the last bit only at the same vector size
+    /// @throws std::invalid_argument outside these ranges; nothing has changed then
     void Configure(float samplerate, std::size_t blockSize, std::size_t vectorSize = 0,
                    SteadyVectors::Blocks blocks = SteadyVectors::Blocks::Steady);
     float Samplerate() const noexcept { return engine->GetSamplerate(); }

@@ -20,8 +20,9 @@ std::vector<float*> Rows(std::vector<float>& samples, std::size_t number, std::s
 void SteadyVectors::Configure(std::size_t numInputs, std::size_t numOutputs, std::size_t newBlockSize, Blocks blocks,
                               std::size_t newVectorSize) {
     blockSize = newBlockSize;
-    vectorSize =
-        newVectorSize != 0 ? newVectorSize : std::max(minVectorSize, std::size_t{1} << std::countr_zero(blockSize));
+    vectorSize = newVectorSize != 0
+                     ? newVectorSize
+                     : std::clamp(std::size_t{1} << std::countr_zero(blockSize), minVectorSize, maxVectorSize);
     // The rest of a vector that a block leaves behind is a multiple of their common divisor, so at most this much is
     // missing when a block is due.
     latency = vectorSize - (blocks == Blocks::Steady ? std::gcd(vectorSize, blockSize) : 1);

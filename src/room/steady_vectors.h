@@ -11,12 +11,12 @@ namespace Lume {
 /// The late field takes its loop lengths from the size of the calls: see OrvanVerb::Configure for what other sizes than
 /// powers of two do to the decay.
 ///
-/// The vector size that this class chooses is the largest power of two that divides the block size, if that is at least
-/// 16: then vectors fill blocks without a rest, and run on the host's own arrays. Otherwise it is 16, and outputs come
-/// Latency() samples late.
+/// The vector size that this class chooses is the largest power of two up to 8192 that divides the block size, if that
+/// is at least 16: then vectors fill blocks without a rest, and run on the host's own arrays. Otherwise it is 16, and
+/// outputs come Latency() samples late.
 class SteadyVectors {
 public:
-    static constexpr std::size_t minVectorSize = 16;  ///< [samples]
+    static constexpr std::size_t minVectorSize = 16, maxVectorSize = 8192;  ///< [samples]
 
     enum class Blocks {
         Steady,  ///< each of the size that was announced
@@ -25,7 +25,7 @@ public:
 
     /// Makes room and begins with silence. Allocates.
     /// @param blockSize   of the host [samples], 1 or more
-    /// @param vectorSize  [samples], a power of two from minVectorSize on; 0 chooses
+    /// @param vectorSize  [samples], a power of two from minVectorSize to maxVectorSize; 0 chooses
     void Configure(std::size_t numInputs, std::size_t numOutputs, std::size_t blockSize, Blocks blocks = Blocks::Steady,
                    std::size_t vectorSize = 0);
 

@@ -120,12 +120,33 @@ TEST(Room, LimitsValuesAndRefusesWhatIsNoNumber) {
     EXPECT_FALSE(room.PlaceSource(1, {1.0f, 1.0f, 0.0f}));
     EXPECT_EQ(room.SourcePosition(0).x, Room::maxCoordinate);
     EXPECT_FALSE(room.PlaceSpeaker(2, {0.0f, notANumber, 0.0f}));
+    EXPECT_FALSE(room.SetOrientation({notANumber, 0.0f, 0.0f}));
+    EXPECT_EQ(room.GetOrientation(), Lume::Orientation{});
+}
+
+// Red if a shape, a rate or a size that the engine itself doesn't ask about gets through, or leaves a trace.
+TEST(Room, RefusesWhatNoRoomHas) {
     EXPECT_THROW(Room(65, 2), std::invalid_argument);
     EXPECT_THROW(Room(1, 1), std::invalid_argument);
     EXPECT_THROW(Room(1, 2, 17), std::invalid_argument);
     EXPECT_THROW(Room(1, 5, 8, Lume::FindRoomFormat("ambix")), std::invalid_argument);
-    EXPECT_FALSE(room.SetOrientation({notANumber, 0.0f, 0.0f}));
-    EXPECT_EQ(room.GetOrientation(), Lume::Orientation{});
+    EXPECT_THROW(Room(std::make_unique<Lume::OrvanVerb>(8)), std::invalid_argument);
+    for (auto const& [sources, speakers] : {std::pair{65u, 6u}, {1u, 1u}, {0u, 6u}}) {
+        auto engine = std::make_unique<Lume::OrvanVerb>(8);
+        engine->Configure(48000.0f, 64, sources, speakers);
+        EXPECT_THROW(Room(std::move(engine)), std::invalid_argument) << sources << " " << speakers;
+    }
+    Room room(1, 6);
+    room.Configure(48000.0f, 64);
+    for (const float rate : {0.0f, -48000.0f, 1e9f, notANumber})
+        EXPECT_NE(Complaint([&] { room.Configure(rate, 64); }).find("1000 to 768000 Hz"), std::string::npos) << rate;
+    EXPECT_THROW(room.Configure(48000.0f, 0), std::invalid_argument);
+    for (const std::size_t vector : {8u, 48u, 16384u})
+        EXPECT_THROW(room.Configure(48000.0f, 96, vector), std::invalid_argument) << vector;
+    EXPECT_EQ(room.Samplerate(), 48000.0f);
+    EXPECT_EQ(room.VectorSize(), 64u);
+    room.Configure(48000.0f, 1u << 15);
+    EXPECT_EQ(Lume::RoomState::Parse(room.SaveState().Text()).vectorSize, Room::maxVectorSize);
 }
 
 // A single one of them makes an engine silent or deafening for good. Red if the room hears it, or doesn't count it.
