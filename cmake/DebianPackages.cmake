@@ -42,10 +42,17 @@ This is the program: it renders recordings, measures and proposes rooms,
 pans and decodes, and makes filters for headphones.")
     set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "gnuplot-nox")
 endif()
-orvan_package(dev liborvan-dev libdevel "room reverberator and spatialiser, for C++ programs" "${about}
+orvan_package(dev liborvan-dev libdevel "room reverberator and spatialiser, for programs" "${about}
 .
-This is the library, without dependencies: headers, the static library,
-and what CMake needs to find them.")
+This is the library, without dependencies: headers for C++ and C, the static
+library, and what CMake and pkg-config need to find them.")
+if(TARGET orvan_c)
+    orvan_package(library liborvan-c1 libs "room reverberator and spatialiser, for C and other languages" "${about}
+.
+This is the shared library of the C interface.")
+    set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
+    set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "liborvan-c1 (= ${PROJECT_VERSION})")
+endif()
 if(TARGET orvan_pd)
     orvan_package(pd pd-orvanverb sound "room reverberator and spatialiser, for Pure Data" "${about}
 .

@@ -1,7 +1,7 @@
 # Installs the library's headers below DESTINATION/orvan, as `#include <orvan/orvan.h>`. What they include from the source
 # tree ("dsp/ramp.h") is written out ("orvan/dsp/ramp.h"), so that no folder of ours gets into anybody's include path.
 # In: SOURCE, FOLDERS, DESTINATION
-set(headers orvan.h verb.h)
+set(headers orvan.h verb.h orvan_c.h)
 foreach(folder ${FOLDERS})
     file(GLOB_RECURSE found RELATIVE ${SOURCE} ${SOURCE}/${folder}/*.h)
     list(APPEND headers ${found})

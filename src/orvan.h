@@ -1,6 +1,14 @@
 #pragma once
 
-/// The whole public engine API in one include.
+/// The whole public engine API in one include: for C the C interface, for C++ everything.
+
+#include <orvan/version.h>
+
+#ifndef __cplusplus
+
+#include "orvan_c.h"
+
+#else
 
 // dsp
 #include "dsp/audio_buffer.h"
@@ -202,3 +210,5 @@
 #include "decoders/transaural/transaural_set.h"
 #include "decoders/uhj/bformat2uhj_decoder.h"
 #include "decoders/uhj/uhj2bformat_decoder.h"
+
+#endif
