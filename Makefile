@@ -65,12 +65,18 @@ fuzz: setup
 	@cmake --build --preset fuzz -j$(JOBS)
 	@tools/fuzz build/fuzz $(FUZZ_SECONDS)
 
+# For a folder of externals, as an archive and as a package for Pd's own package manager (Help, Find externals).
 PD_PACKAGE := out/orvanverb~.tar.gz
 pd-package: configure
 	@cmake --build --preset release -j$(JOBS) --target orvan_pd
-	@rm -rf out/pd
+	@rm -rf out/pd out/orvanverb~*.dek*
 	@cmake --install $(BUILD) --component pd --strip --prefix out/pd >/dev/null
 	@tar -czf $(PD_PACKAGE) --owner=0 --group=0 -C out/pd/lib/pd/extra orvanverb~
+	@version=$$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' $(BUILD)/CMakeCache.txt); \
+	machine=$$(uname -m | sed 's/x86_64/amd64/; s/aarch64/arm64/'); \
+	dek="orvanverb~[v$$version](Linux-$$machine-32).dek"; \
+	cd out && cmake -E chdir pd/lib/pd/extra cmake -E tar cf "$(CURDIR)/out/$$dek" --format=zip orvanverb~ && \
+	sha256sum "$$dek" >"$$dek.sha256" && echo "out/$$dek: Pd's Help menu, Find externals, installs such files"
 	@echo "$(PD_PACKAGE) unpacks into Pd's folder of externals, such as ~/.local/lib/pd/extra"
 
 python: configure

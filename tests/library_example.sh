@@ -19,7 +19,7 @@ cat "$place/energies"
 export PKG_CONFIG_PATH=$(dirname "$(find "$place/installed" -name orvan.pc)")
 library=$(dirname "$PKG_CONFIG_PATH")
 c="$(command -v gcc || echo cc) -std=c11 -Wall -Wextra -Wpedantic -Werror $flags $place/example/clap.c"
-$compiler -std=c++20 $flags "$place/example/main.cpp" -o "$place/clap++" $(pkg-config --cflags --libs orvan)
+$compiler -std=c++20 $flags "$place/example/clap.cpp" -o "$place/clap++" $(pkg-config --cflags --libs orvan)
 "$place/clap++" | cmp - "$place/energies"
 $c -o "$place/clap_static" $(pkg-config --cflags --libs orvan)
 "$place/clap_static" >"$place/in_c"

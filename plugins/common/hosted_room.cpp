@@ -39,9 +39,22 @@ HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener newListe
     : listener(std::move(newListener)) {
     const FloatingPointMode unchanged;
     const bool sources = !Contains(words, "@sourcespositions"), speakers = !Contains(words, "@speakerspositions");
+    RemarkOnRanges(words);
     box = std::make_unique<max::Box>(BoxWords(std::move(words)), listener);
     record = orvanverb_record(box->Object());
     if (IsMade()) orvanverb_place_defaults(record, sources, speakers);
+}
+
+/// The object brings what its box says into range without a word.
+void HostedRoom::RemarkOnRanges(std::vector<max::t_atom> const& words) {
+    const auto isName = [](max::t_atom const& atom) { return max::atom_getsym(&atom)->s_name[0] == '@'; };
+    for (auto name = std::find_if(words.begin(), words.end(), isName); name != words.end();) {
+        const auto next = std::find_if(name + 1, words.end(), isName);
+        for (std::string const& remark :
+             orvanverb::RangeRemarksOf(remarks, max::atom_getsym(&*name)->s_name + 1, {name + 1, next}))
+            Warn(remark);
+        name = next;
+    }
 }
 
 HostedRoom::~HostedRoom() {
@@ -92,6 +105,15 @@ bool HostedRoom::Send(char const* selector, std::vector<max::t_atom> atoms) {
     const FloatingPointMode unchanged;
     for (std::string const& remark : orvanverb::RangeRemarksOf(remarks, selector, atoms)) Warn(remark);
     return box->Send(max::gensym(selector), std::move(atoms));
+}
+
+std::optional<std::vector<max::t_atom>> HostedRoom::Value(std::string const& name) {
+    if (auto values = box->GetAttribute(name.c_str())) return values;
+    const std::optional<std::size_t> control = Lume::FindControl(name);
+    if (!control) return std::nullopt;
+    max::t_atom atom{};
+    max::atom_setfloat(&atom, static_cast<double>(Room().Get(*control)));
+    return std::vector{atom};
 }
 
 std::vector<max::t_atom> HostedRoom::State() {

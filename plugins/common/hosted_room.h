@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <future>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,8 @@ public:
 
     /// Sends a message; a value out of range is told once for each control.
     bool Send(char const* selector, std::vector<max::t_atom> atoms);
+    /// The values of an attribute, or the one of a control; nothing if there is no such name.
+    std::optional<std::vector<max::t_atom>> Value(std::string const& name);
     /// The object's flat list of all values, for storage objects.
     std::vector<max::t_atom> State();
     void Restore(std::vector<max::t_atom> state);
@@ -73,6 +76,7 @@ public:
 
 private:
     Lume::Room& Room() const;
+    void RemarkOnRanges(std::vector<max::t_atom> const& words);
     void Warn(std::string const& text) const;
 
     max::BoxListener listener;

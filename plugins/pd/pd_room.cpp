@@ -1,10 +1,12 @@
 #include "pd/pd_room.h"
 
 #include <algorithm>
-#include <cstring>
+#include <optional>
 
 #include "patcher/atom.h"
 #include "pd/pd_atoms.h"
+#include "pd/pd_presets.h"
+#include "room/control_range.h"
 
 namespace pd {
 
@@ -21,46 +23,19 @@ constexpr double earsInterval = 10.0;
 /// A second after the first sample that was replaced, so that the line can say how many there were [ms].
 constexpr double reportDelay = 1000.0;
 
-bool IsWord(t_atom const& atom, char const* word) {
-    return atom.a_type == A_SYMBOL && std::strcmp(atom.a_w.w_symbol->s_name, word) == 0;
-}
-
-bool IsAttributeWord(t_atom const& atom) {
-    return atom.a_type == A_SYMBOL && atom.a_w.w_symbol->s_name[0] == '@';
-}
-
-/// Takes @autosave and its value out of the words: it is the box's own, the object doesn't know it.
-bool TakeAutosave(std::vector<t_atom>& words) {
-    bool autosave = false;
-    for (auto word = words.begin(); word != words.end();) {
-        if (!IsWord(*word, "@autosave")) {
-            ++word;
-            continue;
-        }
-        const auto next = std::find_if(word + 1, words.end(), IsAttributeWord);
-        autosave = next - word > 1 && atom_getfloat(&word[1]) != 0.0f;
-        word = words.erase(word, next);
-    }
-    return autosave;
-}
-
-std::vector<max::t_atom> ObjectWords(std::span<t_atom const> words, bool& autosave) {
-    std::vector<t_atom> left(words.begin(), words.end());
-    autosave = TakeAutosave(left);
-    return FromPd(left);
-}
-
 t_symbol* SavedStateReceiver() {
     return gensym("#A");
 }
 
 }  // namespace
 
-PdRoom::PdRoom(t_object* newOwner, std::span<t_atom const> words)
+PdRoom::PdRoom(t_object* newOwner, BoxWords words)
     : owner(newOwner),
-      room(ObjectWords(words, autosave),
+      autosave(words.autosave),
+      room(FromPd(words.words),
            {[this](max::ConsoleLevel level, std::string const& text) { Line(level, text); }, nullptr, nullptr}),
       canvas(canvas_getcurrent()) {
+    for (std::string const& remark : words.remarks) Line(max::ConsoleLevel::warn, remark);
     if (!IsMade()) return;
     for (std::size_t i = 1; i < room.NumInputs(); ++i) signalinlet_new(owner, 0.0f);
     for (std::size_t i = 0; i < room.NumOutputs(); ++i) outlet_new(owner, &s_signal);
@@ -85,6 +60,8 @@ PdRoom::~PdRoom() {
 }
 
 void PdRoom::Line(max::ConsoleLevel level, std::string const& text) {
+    // The object goes through the words of its box twice.
+    if (stateOutlet == nullptr && !said.insert(text).second) return;
     std::string line = text;
     if (!line.starts_with(className)) line.insert(0, std::string(className) + ": ");
     switch (level) {
@@ -101,17 +78,78 @@ void PdRoom::Line(max::ConsoleLevel level, std::string const& text) {
     }
 }
 
-void PdRoom::Message(t_symbol const* selector, std::span<t_atom const> atoms) {
-    if (std::strcmp(selector->s_name, "getstate") == 0) {
+void PdRoom::SayOnce(std::string const& key, std::string const& text) {
+    if (!text.empty() && said.insert(key).second) Line(max::ConsoleLevel::warn, text);
+}
+
+void PdRoom::Message(t_symbol const* selectorSymbol, std::span<t_atom const> atoms) {
+    const std::string selector = selectorSymbol->s_name;
+    SayOnce(selector + (atoms.empty() ? "-" : "+"), RemarkOnAtoms(selector, atoms));
+    if (selector == "getstate") {
         std::vector<t_atom> state = ToPd(room.State());
         outlet_list(stateOutlet, &s_list, static_cast<int>(state.size()), state.data());
-    } else if (std::strcmp(selector->s_name, "setstate") == 0) {
+    } else if (selector == "setstate") {
         SetState(atoms);
-    } else if (std::strcmp(selector->s_name, "hrtf") == 0) {
+    } else if (selector == "hrtf") {
         LoadEars(atoms);
+    } else if (selector == "help") {
+        Help(atoms);
+    } else if (selector == "print") {
+        room.Send("postattributes", {});
+    } else if (selector == "get") {
+        Get(atoms);
+    } else if (selector == "preset") {
+        TakePreset(atoms);
     } else {
-        room.Send(selector->s_name, FromPd(atoms));
+        room.Send(selector.c_str(), FromPd(atoms));
     }
+}
+
+void PdRoom::Help(std::span<t_atom const> atoms) {
+    const std::string name = WordsText(atoms);
+    if (name.empty()) {
+        for (std::string const& line : HelpLines()) post("%s", line.c_str());
+        return;
+    }
+    bool found = false;
+    for (Lume::RoomControl const& control : Lume::roomControls) {
+        if (name != control.name && (control.attribute == nullptr || name != control.attribute)) continue;
+        found = true;
+        post("%s: %s; %s, usually %s", control.name, control.what, Lume::RangeText(control).c_str(),
+             Lume::NumberText(control.standard).c_str());
+    }
+    if (!found) Line(max::ConsoleLevel::error, "help: there is no control " + name + "; print shows all of them");
+}
+
+void PdRoom::Get(std::span<t_atom const> atoms) {
+    const std::string name = WordsText(atoms);
+    const std::optional<std::vector<max::t_atom>> value = room.Value(name);
+    if (name.empty() || !value) {
+        Line(max::ConsoleLevel::error, name.empty() ? "get: a name is expected behind it"
+                                                    : "get: there is no " + name + "; print shows all names");
+        return;
+    }
+    std::vector<t_atom> values = ToPd(*value);
+    outlet_anything(stateOutlet, gensym(name.c_str()), static_cast<int>(values.size()), values.data());
+}
+
+void PdRoom::TakePreset(std::span<t_atom const> atoms) {
+    const std::string word = WordsText(atoms);
+    if (word.empty()) return ListPresets();
+    const RoomFile file = ReadRoomFile(FindRoomFile(word, Folder()));
+    Lume::RoomState state = room.NamedState();
+    if (file.numInternals != state.numInternals)
+        SayOnce("internals", word + " was made for @numinternals " + std::to_string(file.numInternals) + ", here are " +
+                                 std::to_string(state.numInternals));
+    state.controls = file.controls;
+    room.Restore(std::move(state));
+}
+
+void PdRoom::ListPresets() {
+    std::string names;
+    for (std::filesystem::path const& file : AllRoomFiles(Folder()))
+        names.append(names.empty() ? "" : " ").append(file.stem().string());
+    Line(max::ConsoleLevel::post, "preset: " + (names.empty() ? "there are none" : names));
 }
 
 std::string PdRoom::Folder() const {
@@ -120,6 +158,7 @@ std::string PdRoom::Folder() const {
 
 /// A state with names, or the flat list.
 void PdRoom::SetState(std::span<t_atom const> atoms) {
+    if (atoms.empty()) return Line(max::ConsoleLevel::error, "setstate: a state is expected behind it, from getstate");
     const std::string text = StateText(atoms);
     if (Lume::RoomState::IsState(text))
         room.Restore(Lume::RoomState::Parse(text, Folder()));

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "common/hosted_room.h"
 #include "pd/pd_api.h"
+#include "pd/pd_words.h"
 
 namespace pd {
 
@@ -17,14 +19,14 @@ public:
     /// of states. The first inlet comes with the class.
     /// @param newOwner  the record of the box
     /// @param words     its text behind the class name
-    PdRoom(t_object* newOwner, std::span<t_atom const> words);
+    PdRoom(t_object* newOwner, std::span<t_atom const> words) : PdRoom(newOwner, ReadBoxWords(words)) {}
     ~PdRoom();
     PdRoom(PdRoom const&) = delete;
     PdRoom& operator=(PdRoom const&) = delete;
 
     bool IsMade() const noexcept { return room.IsMade(); }
 
-    /// Any message: getstate, setstate, hrtf, or one of the object.
+    /// Any message: one of Pd's own (HelpLines), or one of the object.
     void Message(t_symbol const* selector, std::span<t_atom const> atoms);
 
     /// Enters the signal chain that Pd is about to compile. It compiles it anew whenever a patch is edited: as long as
@@ -36,10 +38,18 @@ public:
     void Save(t_binbuf* file);
 
 private:
+    PdRoom(t_object* newOwner, BoxWords box);
     void Line(max::ConsoleLevel level, std::string const& text);
     void SetState(std::span<t_atom const> atoms);
     void LoadEars(std::span<t_atom const> atoms);
     void PollEars();
+    void Help(std::span<t_atom const> atoms);
+    /// Sends the value of an attribute out of the right outlet.
+    void Get(std::span<t_atom const> atoms);
+    /// Takes a room from a file, by its path or name; without atoms lists the rooms that there are.
+    void TakePreset(std::span<t_atom const> atoms);
+    void ListPresets();
+    void SayOnce(std::string const& key, std::string const& text);
     /// Where the patch lies: what file names are relative to.
     std::string Folder() const;
     bool MissedABlock() const;
@@ -47,8 +57,9 @@ private:
 
     t_object* owner;
     bool autosave;
-    plugin::HostedRoom room;
+    std::set<std::string> said;  // remarks that are made once, and while the box is made everything
     t_outlet* stateOutlet = nullptr;
+    plugin::HostedRoom room;
     std::vector<float const*> inputs;
     std::vector<float*> outputs;
     double lastBlockTime = 0.0;    // of Pd's clock

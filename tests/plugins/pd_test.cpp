@@ -230,6 +230,48 @@ TEST_F(InPd, MessagesReachTheObjectAndItsLinesTheConsole) {
               "error: orvanverb~: doesn't understand \"list\"\n");
 }
 
+// Red if a word that does nothing goes by without a remark, if one is made twice, or if sizes by their place aren't
+// taken.
+TEST_F(InPd, SaysWhatMeansNothing) {
+    constexpr char usage[] = " [orvanverb~ SOURCES LOUDSPEAKERS @NAME VALUE...]\n";
+    const auto warning = [](std::string const& text) { return "verbose(2): warning: orvanverb~: " + text; };
+    EXPECT_EQ(Tell("2 8 3 hello -numsources 4 @tr0 abc @trl 99 @numinternals 1 @trm",
+                   {"postattributes numsources", "postattributes numspeakers", "tr0", "tr0", "tr0 1 2", "mute 2",
+                    "clear now"}),
+              warning("trl: 99 is not from 0.1 to 10, the nearest is taken (said once)\n") +
+                  "error: orvanverb~: tr0: a number is expected, not \"abc\"\n" +
+                  warning("3 means nothing here" + std::string(usage)) +
+                  warning("hello means nothing here" + std::string(usage)) +
+                  warning("-numsources means nothing here, did you mean @numsources 4?" + std::string(usage)) +
+                  warning("numinternals: 1 is not from 2 to 16, the nearest is taken\n") +
+                  warning("@trm has no value\n") + "orvanverb~: numsources : 2 \norvanverb~: numspeakers : 8 \n" +
+                  warning("tr0: a value is missing, a number from 0.1 to 10 s\n") +
+                  warning("tr0: only the first value counts, not 2\n") +
+                  warning("mute: 2 is not 0 or 1, and counts as 1\n") +
+                  warning("clear: only the word itself counts, not now\n"));
+}
+
+// Red if a value doesn't come out at the right, or if a room from a file leaves something of the one before.
+TEST_F(InPd, GivesValuesAndTakesRooms) {
+    WriteText(directory / "mine.room", "# a room\ntr0 3.5\ndirect 0 1 2 3 400 5000\n");
+    WriteText(directory / "bad.room", "tr0 3\ntro 4\n");
+    PdPatch patch;
+    const int room = patch.Object("orvanverb~ 1 2 @gain 6");
+    patch.Connect(patch.Object("r room"), 0, room, 0);
+    patch.Connect(room, 2, patch.Object("print"), 0);
+    patch.At(
+        0.0,
+        "\\; room get gain \\; room preset mine \\; room get gain \\; room get direct \\; room get direct_gain_low "
+        "\\; room preset bad \\; room get tr0 \\; room preset hall \\; room get tr0 \\; room get tro \\; pd quit");
+    EXPECT_EQ(Open(patch).err,
+              "print: gain 6\nprint: gain 0\n"
+              "print: direct 0 1 2 3 400 5000\nprint: direct_gain_low 1\n"
+              "error: orvanverb~: " +
+                  (directory / "bad.room") +
+                  ":2: a room has no 'tro'\nprint: tr0 3.5\nprint: tr0 2.1\n"
+                  "error: orvanverb~: get: there is no tro; print shows all names\n");
+}
+
 /// What a patch file keeps of a state: the text behind #A, line by line.
 std::string SavedState(std::string const& file) {
     const std::string mark = "#A setstate ";

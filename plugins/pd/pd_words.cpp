@@ -1,0 +1,144 @@
+#include "pd/pd_words.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+#include "engine/room_controls.h"
+#include "pd/pd_atoms.h"
+#include "room/control_range.h"
+
+namespace pd {
+
+namespace {
+
+constexpr std::string_view usage = "[orvanverb~ SOURCES LOUDSPEAKERS @NAME VALUE...]";
+
+/// A number that is fixed when the object is made.
+struct Size {
+    std::string_view name;
+    float least, greatest;
+};
+constexpr std::array sizes{Size{"numsources", 1, 64}, Size{"numspeakers", 2, 64}, Size{"numinternals", 2, 16}};
+
+/// Messages that take no atoms.
+constexpr std::array<std::string_view, 5> plain{"clear", "getstate", "postdspstatus", "print", "version"};
+
+bool IsAttributeWord(t_atom const& atom) {
+    return atom.a_type == A_SYMBOL && atom.a_w.w_symbol->s_name[0] == '@';
+}
+
+t_atom SymbolAtom(char const* text) {
+    t_atom atom{};
+    SETSYMBOL(&atom, gensym(text));
+    return atom;
+}
+
+/// The object brings a size into its range without a word.
+void RemarkOnSize(BoxWords& box, t_atom const& name, std::span<t_atom const> values) {
+    const std::string_view word = name.a_w.w_symbol->s_name + 1;
+    const auto size = std::find_if(sizes.begin(), sizes.end(), [&](Size const& each) { return each.name == word; });
+    if (values.empty()) {
+        box.remarks.push_back(std::string("@").append(word).append(" has no value"));
+    } else if (size != sizes.end() && values[0].a_type == A_FLOAT) {
+        const float value = values[0].a_w.w_float;
+        if (!(value >= size->least && value <= size->greatest))
+            box.remarks.push_back(std::string(word) + ": " + Lume::NumberText(value) + " is not from " +
+                                  Lume::NumberText(size->least) + " to " + Lume::NumberText(size->greatest) +
+                                  (word == "numspeakers" && value < size->least ? "" : ", the nearest is taken"));
+    }
+}
+
+/// What is in front of the first attribute: sizes by their place.
+void ReadPlaces(BoxWords& box, std::span<t_atom const> words) {
+    constexpr std::array placed{"@numsources", "@numspeakers"};
+    std::size_t number = 0;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (words[i].a_type == A_FLOAT && number < placed.size()) {
+            const t_atom name = SymbolAtom(placed[number++]);
+            RemarkOnSize(box, name, words.subspan(i, 1));
+            box.words.insert(box.words.end(), {name, words[i]});
+            continue;
+        }
+        const std::string word = WordsText(words.subspan(i, 1));
+        std::string remark = word + " means nothing here";
+        if (words[i].a_type == A_SYMBOL && word.size() > 1 && word[0] == '-') {
+            remark += ", did you mean @" + word.substr(1);
+            // Its value would otherwise count as a size.
+            if (i + 1 < words.size() && words[i + 1].a_type == A_FLOAT)
+                remark.append(" ").append(WordsText(words.subspan(++i, 1)));
+            remark += "?";
+        }
+        box.remarks.push_back(remark.append(" ").append(usage));
+    }
+}
+
+/// The one control that an attribute holds; nothing if it is no attribute, or holds several.
+Lume::RoomControl const* OnlyControlOf(std::string_view attribute) {
+    Lume::RoomControl const* found = nullptr;
+    for (Lume::RoomControl const& control : Lume::roomControls) {
+        if (control.attribute == nullptr || attribute != control.attribute) continue;
+        if (found != nullptr) return nullptr;
+        found = &control;
+    }
+    return found;
+}
+
+}  // namespace
+
+BoxWords ReadBoxWords(std::span<t_atom const> words) {
+    BoxWords box;
+    auto next = std::find_if(words.begin(), words.end(), IsAttributeWord);
+    ReadPlaces(box, {words.begin(), next});
+    while (next != words.end()) {
+        const auto name = next;
+        next = std::find_if(name + 1, words.end(), IsAttributeWord);
+        const std::span<t_atom const> values(name + 1, next);
+        if (std::strcmp(name->a_w.w_symbol->s_name, "@autosave") == 0) {
+            box.autosave = !values.empty() && atom_getfloat(&values[0]) != 0.0f;
+            continue;
+        }
+        RemarkOnSize(box, *name, values);
+        box.words.insert(box.words.end(), name, next);
+    }
+    return box;
+}
+
+std::string RemarkOnAtoms(std::string const& selector, std::span<t_atom const> atoms) {
+    const auto surplus = [&](std::size_t wanted) {
+        return selector + ": only " + (wanted == 0 ? "the word itself" : "the first value") + " counts, not " +
+               WordsText(atoms.subspan(wanted));
+    };
+    if (std::find(plain.begin(), plain.end(), selector) != plain.end()) return atoms.empty() ? "" : surplus(0);
+    const bool isSwitch = selector == "mute" || selector == "bypass";
+    Lume::RoomControl const* const control = OnlyControlOf(selector);
+    if (!isSwitch && control == nullptr) return {};
+    const std::string expected = isSwitch || control->scale == Lume::Scale::onOff
+                                     ? std::string("0 or 1")
+                                     : "a number " + Lume::RangeText(*control);
+    if (atoms.empty()) return selector + ": a value is missing, " + expected;
+    if (atoms.size() > 1) return surplus(1);
+    if (isSwitch && atoms[0].a_type == A_FLOAT && atoms[0].a_w.w_float != 0.0f && atoms[0].a_w.w_float != 1.0f)
+        return selector + ": " + WordsText(atoms) + " is not 0 or 1, and counts as 1";
+    return {};
+}
+
+std::vector<std::string> HelpLines() {
+    return {
+        "messages of orvanverb~, at its left inlet:",
+        "  source 1 ade -45 2 0     places source 1: azimuth, distance, elevation; also xyz, azim, dist, ...",
+        "  speakers az -45 45 135   places all loudspeakers; speaker 1 ade ... moves one",
+        "  tr0 2.5                  sets a control; print shows all of them, help NAME explains one",
+        "  get tr0                  sends a value out of the right outlet",
+        "  reset, reset tr0         puts all controls back, or one",
+        "  preset hall              takes a room by its name; preset alone lists them",
+        "  hrtf mine.hrtf           other ears for headphones",
+        "  mute 1, bypass 1, clear  silence; the inputs as they are; empties the room",
+        "  getstate, setstate ...   the whole state, out of the right outlet and back",
+    };
+}
+
+}  // namespace pd

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "pd/pd_api.h"
+
+namespace pd {
+
+/// What the words of a box mean.
+struct BoxWords {
+    std::vector<t_atom> words;         // for the object: @NAME VALUE...
+    std::vector<std::string> remarks;  // what means nothing, and what would be right
+    bool autosave = false;             // the box's own @autosave
+};
+
+/// Reads the words behind a box's name: [SOURCES [LOUDSPEAKERS]] @NAME VALUE...
+BoxWords ReadBoxWords(std::span<t_atom const> words);
+
+/// What to say of a message whose atoms are too few or too many, or no numbers where some are expected, though the
+/// object takes it without a word; empty if there is nothing to say.
+std::string RemarkOnAtoms(std::string const& selector, std::span<t_atom const> atoms);
+
+/// All messages, a line each.
+std::vector<std::string> HelpLines();
+
+}  // namespace pd
