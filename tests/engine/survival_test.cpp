@@ -7,7 +7,6 @@
 
 #include "engine/controls.h"
 #include "engine/engine_rig.h"
-#include "support/allocation_count.h"
 #include "support/signals.h"
 
 // What an engine is fed and told by those who don't check: nothing that isn't finite may get inside, as it would stay.
@@ -114,30 +113,6 @@ TEST(EngineSurvival, EveryRateAndBlockIsFinite) {
                     ASSERT_TRUE(IsFinite(rig.Run(rig.Samples(0.05),
                                                  [&](unsigned int, std::size_t t) { return noise[t % noise.size()]; })))
                         << rate << " Hz, block " << block << ", " << numSpeakers;
-                }
-            }
-}
-
-// Red if a line grows in a setter, or if one makes itself a scratch array.
-TEST(EngineSurvival, NoSetterAllocates) {
-    for (const float rate : {44100.0f, 192000.0f})
-        for (const unsigned int numInternals : {2u, 8u, 16u})
-            for (const unsigned int numSpeakers : {2u, 6u}) {
-                EngineRig rig(3, numSpeakers, numInternals, rate);
-                rig.engine.Configure(rate, rig.block, 3, numSpeakers);
-                std::mt19937 generator(7);
-                const std::vector<Lume::CartesianVector> ring = Ring(numSpeakers, 12.0);
-                for (int i = 0; i < 2000; ++i) {
-                    Control const& control = AllControls()[generator() % AllControls().size()];
-                    if (control.name == "loudspeaker ring") continue;  // makes its positions on the heap
-                    const float share =
-                        i % 2 == 0 ? static_cast<float>(generator() % 2) : static_cast<float>(generator()) * 0x1p-32f;
-                    const float value = control.low + share * (control.high - control.low);
-                    const long before = AllocationCount();
-                    control.set(rig.engine, value);
-                    rig.engine.SetSpeakersPositions(ring.data());
-                    ASSERT_EQ(AllocationCount(), before)
-                        << control.name << " " << value << " at " << rate << " Hz, " << numInternals << " channels";
                 }
             }
 }

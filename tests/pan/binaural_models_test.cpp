@@ -199,38 +199,6 @@ TEST(BinauralPanningSnowmanModel, TorsoReflectsWhatIsAboveIt) {
     }
 }
 
-// Red if the way around the torso, which leaves it on a tangent, or the delay's mapping of the shadow is changed.
-TEST(BinauralPanningSnowmanModel, ShadowGoesAroundTheTorso) {
-    BinauralPanningSnowmanModel panner(1, 2);
-    for (const double azimuth : {0.0, 35.0, -160.0}) {
-        const CartesianVector position = At(azimuth, -80.0, 2.0);
-        const Vector u = Unit(position);
-        const Channels out = Render(panner, position);
-        for (const std::size_t side : {0u, 1u}) {
-            const Vector ear{side == 0 ? -headRadius : headRadius, 0.0, 0.0};
-            ASSERT_TRUE(Hidden(ear, u));
-            const Vector d = ear - torso;
-            const Vector axis = 1.0 / Length(d) * d;
-            Vector across = u - Dot(u, axis) * axis;
-            across = -1.0 / Length(across) * across;  // the side away from the source
-            const double opening = std::acos(torsoRadius / Length(d));
-            const Vector tangentPoint = torso + torsoRadius * (std::cos(opening) * axis + std::sin(opening) * across);
-            const Vector way = tangentPoint - ear;
-            const double headAngle = std::acos(Dot(ear, way) / (Length(way) * headRadius));
-            const double torsoAngle = std::acos(Dot(ear, u) / headRadius);
-            const auto both = [=](double hertz) {
-                return ShadowAt(torsoAngle, torsoRadius, hertz) * ShadowAt(headAngle, headRadius, hertz);
-            };
-            ExpectFilter(out.data[side], 0.01, both);
-            // From the edge of the shadow to the middle the delay angle goes from 1.3526 to pi.
-            const double edge = opening + pi / 2.0;
-            const double depth = (std::acos(Dot(u, axis)) - edge) / (pi - edge);
-            const double delay = SphereDelay(1.3526301 + depth * (pi - 1.3526301), torsoRadius);
-            EXPECT_NEAR(DelayOf(ResponseAt(out.data[side], 200.0 / rate) / both(200.0), 200.0), delay, 2e-6);
-        }
-    }
-}
-
 // Red if a source, or a torso, in a singular place makes something that isn't a number: filters never get rid of it.
 TEST(BinauralPanningSnowmanModel, StaysFinite) {
     BinauralPanningSnowmanModel panner(1, 2);

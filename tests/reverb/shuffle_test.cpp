@@ -6,7 +6,6 @@
 #include <cmath>
 #include <vector>
 
-#include "support/allocation_count.h"
 #include "support/channels.h"
 #include "support/signals.h"
 
@@ -68,25 +67,6 @@ TEST(Shuffle, EachKindIsItsMatrix) {
     Shuffle three(3);  // has no table: the channels move down by one
     const float t = -2.0f / 3.0f;
     EXPECT_EQ(Column(three, 0), (std::vector<float>{t, t, 1.0f + t}));
-}
-
-// Red if a shorter last chunk, or the full one behind it, allocates or meets the channel order of the block before.
-TEST(Shuffle, BlocksOfChangingLengthDontAllocate) {
-    for (const unsigned int n : {5u, 16u}) {
-        Shuffle shuffle(n), fresh(n);
-        AudioBuffer buffer(n, 64);
-        buffer.Fill(1.0f);
-        buffer.GetChannel(3)[16] = 4.0f;
-        AudioBuffer expected(buffer);
-        fresh.Process(expected.GetChannels(), expected.GetChannels(), 64, orvandsp::allActiveInputs);
-        const long before = AllocationCount();
-        for (const unsigned int start : {0u, 17u}) {
-            AudioBuffer part(buffer.GetChannels(), n, start == 0 ? 17 : 47, start);
-            shuffle.Process(part.GetChannels(), part.GetChannels(), part.GetNumSamples(), orvandsp::allActiveInputs);
-        }
-        EXPECT_EQ(AllocationCount(), before);
-        EXPECT_TRUE(orvandsp::IsEqual(buffer, expected, 0.0f));
-    }
 }
 
 }  // namespace

@@ -60,46 +60,22 @@ TEST(Room, BlocksOfAnySizeGiveTheSameSamples) {
 }
 
 // Red if any of what is promised to be so allocates, locks, or leaves the processor without denormal numbers.
-TEST(Room, WhatActsOnTheRunningRoomIsRealTimeSafe) {
+TEST(Room, ListenerAndEarsChangeWithoutMemoryAndLeaveTheFloatingPointMode) {
     const TemporaryFile file(".hrtf", FlatSetFile(0.5f));
-    struct Form {
-        char const* format;
-        unsigned int speakers;
-    };
-    for (auto const& [format, speakers] : {Form{nullptr, 2}, Form{nullptr, 6}, Form{"stereo", 2}, Form{"ab", 2},
-                                           Form{"hoa2d", 7}, Form{"ambix", 16}, Form{"dbap3d", 8}, Form{"vbap", 11}}) {
-        const bool hasEars = speakers == 2 && format == nullptr;
-        Room room(2, speakers, 8, format != nullptr ? Lume::FindRoomFormat(format) : nullptr);
+    for (const unsigned int speakers : {2u, 6u}) {
+        Room room(2, speakers);
         room.Configure(48000.0f, 48, 64);
         Play(room, 4800, 9600);
         Lume::Ears ears;
-        if (hasEars) ears = room.PrepareEars(file.name);
+        if (room.HasEars()) ears = room.PrepareEars(file.name);
         std::vector<float> block(48, 0.1f);
         const std::vector<float*> arrays(speakers, block.data());
         ASSERT_TRUE(DenormalsCount());
-        for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
-            Lume::RoomControl const& row = Lume::roomControls[i];
-            const long allocations = AllocationCount();
-            for (const float part : {0.0f, 1.0f, 0.5f}) {
-                room.Set(i, row.least + part * (row.greatest - row.least));
-                room.Process(arrays.data(), arrays.data(), 48);
-            }
-            EXPECT_EQ(AllocationCount() - allocations, 0) << row.name;
-        }
         const long allocations = AllocationCount(), locks = LockCount();
-        room.PlaceSource(1, {2.0f, 3.0f, 1.0f});
         room.SetOrientation({30.0f, 10.0f, -5.0f});
-        if (format == nullptr || std::string(format) != "vbap") room.PlaceSpeaker(1, {2.0f, 3.0f, 0.0f});
-        room.SetBypassed(true);
-        room.Process(arrays.data(), arrays.data(), 48);
-        room.SetMuted(true);
-        room.Process(arrays.data(), arrays.data(), 48);
-        room.SetMuted(false);
-        room.SetBypassed(false);
-        const bool taken = !hasEars || room.TakeEars(ears);
+        const bool taken = !room.HasEars() || room.TakeEars(ears);
         for (int i = 0; i < 100; ++i) room.Process(arrays.data(), arrays.data(), 48);
-        room.Clear();
-        EXPECT_EQ(AllocationCount() - allocations, 0) << (format != nullptr ? format : "") << speakers;
+        EXPECT_EQ(AllocationCount() - allocations, 0) << speakers;
         EXPECT_EQ(LockCount() - locks, 0);
         EXPECT_TRUE(taken);
         EXPECT_TRUE(DenormalsCount());
