@@ -2,8 +2,14 @@
 // nothing but what every version has.
 //
 //     shapes                  prints the names
-//     shapes NAME SECONDS     runs a shape for some seconds of sound and prints nanoseconds a sample: the least and the
-//                             median over stretches of 20 ms, and the slowest block over the median one
+//     shapes NAME SECONDS [controls]
+//
+// runs a shape for some seconds of sound and prints nanoseconds a sample, the least and the median over stretches of
+// 20 ms, the slowest block over the median one, what it holds [MiB], and how long it took to make [ms]. Beside the
+// names, N-M-C and N-M-C-block-B are shapes of N sources, M loudspeakers, C room channels and blocks of B samples. With
+// "controls" one control of a kind after the other changes at every step, too.
+#include <malloc.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -47,11 +53,43 @@ constexpr Shape shapes[] = {
     {"panning-64-8", 64, 8, 0, 64, 64, Shape::panning},
 };
 
-/// What runs, and how its sources are placed.
+/// What runs, how its sources are placed, and how a control changes at a step.
 struct Subject {
     std::unique_ptr<orvandsp::SignalProcessing> processor;
     std::function<void(unsigned int, Lume::CartesianVector const&)> place;
+    std::function<void(unsigned int)> change = [](unsigned int) {};
 };
+
+/// A control of each kind: gains, shelves, delays, decay, what jumps and what is computed anew.
+void ChangeControl(Lume::OrvanVerb& engine, unsigned int step) {
+    const float x = 0.1f * static_cast<float>(step / 12 % 10);
+    switch (step % 12) {
+        case 0:
+            return engine.SetDirectGain(-x);
+        case 1:
+            return engine.SetDirectGainLow(-6.0f * x);
+        case 2:
+            return engine.SetRoomGainHigh(-6.0f * x);
+        case 3:
+            return engine.SetEarlyStart(22.0f + 5.0f * x);
+        case 4:
+            return engine.SetEarlyShape(0.3f + 0.4f * x);
+        case 5:
+            return engine.SetEarlyWidth(30.0f + 20.0f * x);
+        case 6:
+            return engine.SetClusterEnd(105.0f + 20.0f * x);
+        case 7:
+            return engine.SetDecayTime(2.0f + x);
+        case 8:
+            return engine.SetRelativeDecayHigh(0.5f + 0.1f * x);
+        case 9:
+            return engine.SetReverbStart(95.0f + 5.0f * x);
+        case 10:
+            return engine.SetReverbModalDensity(0.86f + 0.1f * x);
+        default:
+            return engine.SetAirAbsorptionRolloffFrequency(10000.0f - 1000.0f * x);
+    }
+}
 
 Subject Make(Shape const& shape) {
     if (shape.kind == Shape::lateField) {
@@ -78,7 +116,24 @@ Subject Make(Shape const& shape) {
     engine->SetClusterParameters({});
     engine->SetReverbParameters({});
     auto* const e = engine.get();
-    return {std::move(engine), [e](unsigned int i, Lume::CartesianVector const& p) { e->SetSourcePosition(i, p); }};
+    return {std::move(engine), [e](unsigned int i, Lume::CartesianVector const& p) { e->SetSourcePosition(i, p); },
+            [e](unsigned int step) { ChangeControl(*e, step); }};
+}
+
+/// The shape of that name; one without sources for a name that means none.
+Shape Find(char const* name) {
+    for (Shape const& shape : shapes)
+        if (shape.name == std::string(name)) return shape;
+    Shape shape = {name, 0, 0, 0};
+    if (std::sscanf(name, "%u-%u-%u-block-%u", &shape.sources, &shape.speakers, &shape.internals, &shape.block) < 3)
+        shape.sources = 0;
+    shape.announced = shape.block;
+    return shape;
+}
+
+double HeldMiB() {
+    const struct mallinfo2 info = mallinfo2();
+    return static_cast<double>(info.uordblks + info.hblkhd) / 1048576.0;
 }
 
 using Clock = std::chrono::steady_clock;
@@ -110,30 +165,35 @@ extern "C" void RunStep(Subject& subject, Shape const& shape, unsigned int step,
 }
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
+    if (argc < 3) {
         for (Shape const& shape : shapes) std::printf("%s\n", shape.name);
         return argc == 1 ? 0 : 2;
     }
-    Shape const* const shape = std::find_if(std::begin(shapes), std::end(shapes),
-                                            [&](Shape const& s) { return s.name == std::string(argv[1]); });
-    if (shape == std::end(shapes)) return 2;
+    const Shape shape = Find(argv[1]);
+    if (shape.sources == 0) return 2;
+    const bool changes = argc > 3;
     const auto numSteps = static_cast<unsigned int>(std::atof(argv[2]) * 50.0);
-    Subject subject = Make(*shape);
-    const unsigned int numInputs = shape->kind == Shape::lateField ? shape->internals : shape->sources;
-    orvandsp::AudioBuffer in(numInputs, shape->block), out(shape->speakers, shape->block);
+    const double heldBefore = HeldMiB();
+    const Clock::time_point begin = Clock::now();
+    Subject subject = Make(shape);
+    const double makingSeconds = Seconds(Clock::now() - begin);
+    const double held = HeldMiB() - heldBefore;
+    const unsigned int numInputs = shape.kind == Shape::lateField ? shape.internals : shape.sources;
+    orvandsp::AudioBuffer in(numInputs, shape.block), out(shape.speakers, shape.block);
     in.FillWithNoise();
     std::vector<double> blocks, stretches;
     for (unsigned int step = 0; step < 25 + numSteps; ++step) {
         const bool counts = step >= 25;  // half a second of warming up
         const std::size_t first = blocks.size();
-        RunStep(subject, *shape, step, out.GetChannels(), in.GetChannels(), counts ? &blocks : nullptr);
+        if (changes) subject.change(step);
+        RunStep(subject, shape, step, out.GetChannels(), in.GetChannels(), counts ? &blocks : nullptr);
         double sum = 0.0;
         for (std::size_t b = first; b < blocks.size(); ++b) sum += blocks[b];
-        const auto samples = static_cast<double>((blocks.size() - first) * shape->block);
+        const auto samples = static_cast<double>((blocks.size() - first) * shape.block);
         if (counts) stretches.push_back(1e9 * sum / samples);
     }
     std::sort(stretches.begin(), stretches.end());
     std::sort(blocks.begin(), blocks.end());
-    std::printf("%.3f %.3f %.2f\n", stretches.front(), stretches[stretches.size() / 2],
-                blocks.back() / blocks[blocks.size() / 2]);
+    std::printf("%.3f %.3f %.2f %.2f %.2f\n", stretches.front(), stretches[stretches.size() / 2],
+                blocks.back() / blocks[blocks.size() / 2], held, 1e3 * makingSeconds);
 }
