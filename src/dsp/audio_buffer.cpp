@@ -47,7 +47,7 @@ AudioBuffer::AudioBuffer(AudioBuffer const& other)
         Allocate();
         CopySamples(other);
     } else {
-        std::copy(std::begin(other.channels), std::end(other.channels), channels);
+        std::copy_n(other.channels, numChannels, channels);
     }
 }
 
@@ -238,7 +238,7 @@ void Merge(AudioBuffer& dst, AudioBuffer const& src, float gain) {
 
 void AudioBuffer::Permute(unsigned int const* order) {
     float* old[MaxNumChannels];
-    std::copy(std::begin(channels), std::end(channels), old);
+    std::copy_n(channels, numChannels, old);
     for (unsigned int i = 0; i < numChannels; ++i) channels[i] = old[order[i]];
 }
 

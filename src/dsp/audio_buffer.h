@@ -97,7 +97,7 @@ private:
     std::uint32_t numChannels = 0;
     std::uint32_t numSamples = 0;
     int ownsData = 0;
-    float* channels[MaxNumChannels] = {};
+    float* channels[MaxNumChannels];  // of a view undefined behind its channels: it is made in each block
     std::unique_ptr<float[]> data;
     std::size_t capacity = 0;  // samples behind data
 };

@@ -50,6 +50,7 @@ void BiquadCascade::SetNumStages(unsigned int newNumStages) {
     order = 2 * numStages;
     coefficients.resize(std::size_t{numStages} * numTapsPerStage);
     state.resize(std::size_t{numStages} * numStatesPerStage);
+    inSeries = false;
 }
 
 void BiquadCascade::SetOrder(unsigned int newOrder) {
@@ -75,10 +76,12 @@ void BiquadCascade::Process(float* output, float* input, unsigned long numSample
     } while (first < numStages);
 }
 
-bool BiquadCascade::IsInSeries() const noexcept {
+bool BiquadCascade::IsInSeries() noexcept {
+    if (inSeries) return true;
     for (std::size_t i = numStatesPerStage; i < state.size(); i += numStatesPerStage)
         if (std::memcmp(&state[i + One::stateX1], &state[i - numStatesPerStage + One::stateY1], 2 * sizeof(float)) != 0)
             return false;
+    inSeries = true;
     return true;
 }
 

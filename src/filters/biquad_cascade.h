@@ -47,13 +47,14 @@ public:
 
     /// Whether the inputs that each stage remembers are the outputs that the one before it remembers: always, but for
     /// the first two samples of a chain that has grown while it held sound.
-    bool IsInSeries() const noexcept;
+    bool IsInSeries() noexcept;
     /// What a kernel needs to run the stages from `first` on, as many as one call takes.
     orvandsp::kernels::CascadeJob GetKernelJob(std::size_t first, float* output, float const* input) noexcept;
 
 private:
     unsigned int numStages = 0;
     float gain = 1.0f;
+    bool inSeries = false;  // once it is, only another number of stages ends it
 };
 
 /// Turns the coefficient set of a cascade into that of its inverse, in place: numerators and denominators change

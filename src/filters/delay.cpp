@@ -145,16 +145,6 @@ void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode 
     if (!interpolates) forEachRun([](float* to, float const* from, int length) { std::copy_n(from, length, to); });
 }
 
-std::optional<orvandsp::kernels::AllpassHead> Delay::FindAllpassHead(Ramp const& ramp) noexcept {
-    if (ramp.remaining > 0 || interpolationMode != allpass) return std::nullopt;
-    const interpolation::Position split = interpolation::Split(PositionOf(ramp.current));
-    return orvandsp::kernels::AllpassHead{.ring = Ring(),
-                                          .size = size,
-                                          .index = split.index & mask,
-                                          .coefficient = interpolation::Allpass(split.fraction).a,
-                                          .state = &allpassState};
-}
-
 std::optional<orvandsp::kernels::GlideJob> Delay::FindBuiltInGlide(float* output) noexcept {
     if (delayRamp.remaining <= 0 || interpolationMode != allpass) return std::nullopt;
     return orvandsp::kernels::GlideJob{.ring = Ring(),

@@ -79,7 +79,10 @@ public:
 
     /// The head that tapOut along this ramp would read with, for kernels, if it stands still in the mode allpass. It
     /// holds until the line changes or moves on. Real-time safe.
-    std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead(orvandsp::Ramp const& ramp) noexcept;
+    std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead(orvandsp::Ramp const& ramp) noexcept {
+        if (ramp.remaining > 0 || interpolationMode != allpass) return std::nullopt;
+        return orvandsp::kernels::AllpassHead{Ring(), size, PositionOf(ramp.current), &allpassState};
+    }
     /// The built-in head, if it stands still in the mode allpass, or if it glides in that mode.
     std::optional<orvandsp::kernels::AllpassHead> FindBuiltInHead() noexcept { return FindAllpassHead(delayRamp); }
     std::optional<orvandsp::kernels::GlideJob> FindBuiltInGlide(float* output) noexcept;
@@ -91,11 +94,12 @@ public:
     /// Moves the write position past a block written by tapIn, once every head has read it. Real-time safe.
     void AdvanceWritePosition(int count) noexcept { writePosition = (writePosition + count) & mask; }
 
-    /// Has the cells fetched that a next block of as many samples will be written to: the processor saw them last a
-    /// whole ring ago. Real-time safe.
-    void ExpectBlock(int count) noexcept {
+    /// Has the cells fetched that a block of as many samples will be written to, `offset` samples ahead of the write
+    /// position: the processor saw them last a whole ring ago. Real-time safe.
+    void ExpectBlock(int count, int offset) noexcept {
         constexpr int cellsPerLine = 16;
-        for (int k = 0; k < count; k += cellsPerLine) __builtin_prefetch(Ring() + ((writePosition + k) & mask), 1);
+        for (int k = offset; k < offset + count; k += cellsPerLine)
+            __builtin_prefetch(Ring() + ((writePosition + k) & mask), 1);
     }
 
     /// Sets the delay [ms]. One above the maximum first grows the line, which silences it. Nothing else is limited.

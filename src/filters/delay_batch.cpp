@@ -25,7 +25,7 @@ void ProcessDelays(std::span<DelayJob const> jobs, int count) {
     if (numGlides > 0) kernels::Get().glides(glides, numGlides, length);
     for (DelayJob const& job : jobs) {
         job.delay->AdvanceWritePosition(count);
-        job.delay->ExpectBlock(count);
+        job.delay->ExpectBlock(count, 0);
     }
 }
 

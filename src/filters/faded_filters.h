@@ -101,6 +101,10 @@ public:
     /// @param jobs  orvandsp::Batch of jobs that are made of a filter, an output and an input
     template <typename Jobs>
     void BeginBlock(float* output, float* input, unsigned long numSamples, Jobs& jobs) {
+        if (!IsFading() && !updatePending) {
+            jobs.Add({&Incoming(), output, input});
+            return;
+        }
         PrepareBlock(numSamples);
         if (IsFading()) {
             jobs.Add({&filterA, bufferA.data(), input});

@@ -33,9 +33,8 @@ struct ShelfJob {
 struct AllpassHead {
     float const* ring;  // with one guard cell behind its end
     int size;           // of the ring [samples]
-    int index;          // in the ring, of the older neighbour of the next sample
-    float coefficient;
-    float* state;  // previous output
+    float position;     // of the next sample [samples], to be folded into the ring
+    float* state;       // previous output
 };
 
 struct HeadJob {

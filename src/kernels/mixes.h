@@ -117,21 +117,26 @@ void ComputeGainRamps(GainRamps const& ramps, std::size_t numRamps, GainSection 
 template <std::size_t numRows>
 inline void MixRows(float* output, MixSources const& sources, MixTerm const* terms, std::size_t numTerms,
                     std::size_t first, bool replace) noexcept {
-    Lanes sums[numRows];
-    for (std::size_t row = 0; row < numRows; ++row) sums[row] = Load(output + first + row * numLanes);
-    for (std::size_t t = 0; t < numTerms; ++t) {
-        float const* const input = sources.inputs[terms[t].input] + sources.first + first;
-        Lanes products[numRows];
-        if (terms[t].row == MixTerm::steady) {
-            for (std::size_t row = 0; row < numRows; ++row)
-                products[row] = Load(input + row * numLanes) * terms[t].gain;
+    const auto multiply = [&](MixTerm const& term, Lanes(&products)[numRows]) {
+        float const* const input = sources.inputs[term.input] + sources.first + first;
+        if (term.row == MixTerm::steady) {
+            for (std::size_t row = 0; row < numRows; ++row) products[row] = Load(input + row * numLanes) * term.gain;
         } else {
-            float const* const gains = sources.gains + terms[t].row * std::ptrdiff_t{gainRowLength} + first;
+            float const* const gains = sources.gains + term.row * std::ptrdiff_t{gainRowLength} + first;
             for (std::size_t row = 0; row < numRows; ++row)
                 products[row] = Load(input + row * numLanes) * Load(gains + row * numLanes);
         }
-        for (std::size_t row = 0; row < numRows; ++row)
-            sums[row] = replace && t == 0 ? products[row] : sums[row] + products[row];
+    };
+    Lanes sums[numRows];
+    std::size_t t = 0;
+    if (replace)
+        multiply(terms[t++], sums);
+    else
+        for (std::size_t row = 0; row < numRows; ++row) sums[row] = Load(output + first + row * numLanes);
+    for (; t < numTerms; ++t) {
+        Lanes products[numRows];
+        multiply(terms[t], products);
+        for (std::size_t row = 0; row < numRows; ++row) sums[row] += products[row];
     }
     for (std::size_t row = 0; row < numRows; ++row) Store(output + first + row * numLanes, sums[row]);
 }

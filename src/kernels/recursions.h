@@ -79,6 +79,31 @@ void Shelves(ShelfJob const* jobs, std::size_t numJobs, std::size_t numSamples) 
     }
 }
 
+/// Positions as whole indices, not above them, and fractions.
+struct Places {
+    LaneInts index;
+    Lanes fraction;
+};
+/// Far beyond any ring; keeps the conversion defined for every float, and not a number becomes the lower limit.
+inline Lanes Bounded(Lanes position) noexcept {
+    const Lanes limit = Lanes{} + 1073741824.0f;
+    const Lanes below = limit < position ? limit : position;
+    return -limit < below ? below : -limit;
+}
+inline Places SplitBounded(Lanes position) noexcept {
+    LaneInts index = __builtin_convertvector(position, LaneInts);
+    // Cut towards zero; a comparison gives -1 where it holds.
+    index += __builtin_convertvector(index, Lanes) > position;
+    return {index, position - __builtin_convertvector(index, Lanes)};
+}
+inline Places Split(Lanes position) noexcept {
+    return SplitBounded(Bounded(position));
+}
+inline Lanes AllpassCoefficient(Lanes fraction) noexcept {
+    const Lanes p = 1.0f - fraction;
+    return (1.0f - p) / (p + 1.0f);
+}
+
 /// The first-order allpass, fed with the newer neighbours; the older one of a sample is the newer one of the sample
 /// before.
 struct HeadLanes {
@@ -108,13 +133,18 @@ inline Filter ReadHeads(Jobs const& jobs, std::size_t numSamples, Filter filter)
     float* outputs[numLanes];
     int indices[numLanes];
     InSeries<HeadLanes, Filter> series = {HeadLanes(), filter};
+    Lanes position{};
+    for (std::size_t lane = 0; lane < numLanes; ++lane) {
+        outputs[lane] = jobs[lane].output;
+        position[lane] = jobs[lane].head.position;
+        series.first.state[lane] = *jobs[lane].head.state;
+    }
+    const auto [wholes, fraction] = Split(position);
+    series.first.coefficient = AllpassCoefficient(fraction);
     for (std::size_t lane = 0; lane < numLanes; ++lane) {
         AllpassHead const& head = jobs[lane].head;
-        outputs[lane] = jobs[lane].output;
-        indices[lane] = head.index;
-        series.first.coefficient[lane] = head.coefficient;
-        series.first.older[lane] = head.ring[head.index];
-        series.first.state[lane] = *head.state;
+        indices[lane] = wholes[lane] & (head.size - 1);
+        series.first.older[lane] = head.ring[indices[lane]];
     }
     // Straight runs, from the end of one of the rings to the next.
     for (std::size_t done = 0; done < numSamples;) {
@@ -230,18 +260,12 @@ private:
         if (plain) {
             delay += increment;
         } else {
-            // Far beyond any ring; keeps the conversion defined for every float, and not a number becomes the lower
-            // limit.
-            const Lanes highest = Lanes{} + 1073741824.0f;
-            const Lanes below = highest < position ? highest : position;
-            position = -highest < below ? below : -highest;
+            position = Bounded(position);
             delay = remaining > sample ? delay + increment : delay;
         }
-        index = __builtin_convertvector(position, LaneInts);
-        // Cut towards zero; a comparison gives -1 where it holds.
-        index += __builtin_convertvector(index, Lanes) > position;
-        fraction = position - __builtin_convertvector(index, Lanes);
-        index &= mask;
+        const Places places = SplitBounded(position);
+        index = places.index & mask;
+        fraction = places.fraction;
     }
     Lanes ReadAt(LaneInts index, Lanes fraction) noexcept {
         float const* at[numLanes];
@@ -251,8 +275,7 @@ private:
         return Next(fraction, older, newer);
     }
     Lanes Next(Lanes fraction, Lanes older, Lanes newer) noexcept {
-        const Lanes p = 1.0f - fraction;
-        state = (1.0f - p) / (p + 1.0f) * (newer - state) + older;
+        state = AllpassCoefficient(fraction) * (newer - state) + older;
         return state;
     }
 

@@ -316,6 +316,7 @@ void Reverb::ReadTaps(unsigned int chunk) {
         std::size_t numLanes = 0;
         for (const unsigned int i : channels) {
             float* const tapped = tapBuffer.GetChannel(i);
+            lines[i]->ExpectBlock(static_cast<int>(chunk), static_cast<int>(chunk));
             if (const auto head = taps[i]->FindAllpassHead())
                 lanes[numLanes++] = {*head, absorbentFilters[i].GetKernelShelf(),
                                      airFilters[i].GetShelf().GetKernelShelf(), tapped};

@@ -116,10 +116,18 @@ void BinauralPanningDirect::Process(float** outputs, float** inputs, unsigned lo
 
 void BinauralPanningDirect::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
                                           short const* activeInputs) {
-    const auto addSome = [=](std::span<HrtfFiltering::Job const> ears) {
+    const auto addSome = [=, this](std::span<HrtfFiltering::Job const> ears) {
         HrtfFiltering::ProcessSeveral(ears, numSamples);
-        for (std::size_t e = 0; e < ears.size(); ++e)
-            orvandsp::kernels::Get().addScaled(outputs[e % 2], ears[e].output, orvandsp::sqrt2div2, numSamples);
+        using orvandsp::kernels::MixTerm;
+        MixTerm left[orvandsp::kernels::maxLanes / 2], right[orvandsp::kernels::maxLanes / 2];
+        const std::size_t numSources = ears.size() / 2;
+        for (std::uint32_t i = 0; i < numSources; ++i) {
+            left[i] = {2 * i, MixTerm::steady, orvandsp::sqrt2div2};
+            right[i] = {2 * i + 1, MixTerm::steady, orvandsp::sqrt2div2};
+        }
+        const orvandsp::kernels::MixSources sources = {earBuffers.GetChannels(), 0, nullptr};
+        orvandsp::kernels::Get().mix(outputs[0], sources, left, numSources, numSamples, false);
+        orvandsp::kernels::Get().mix(outputs[1], sources, right, numSources, numSamples, false);
     };
     orvandsp::Batch<HrtfFiltering::Job, decltype(addSome)> ears(addSome);
     unsigned int buffer = 0;

@@ -2,8 +2,10 @@
 
 #include <cmath>
 
+#include "dsp/batch.h"
 #include "dsp/constants.h"
 #include "dsp/vector_operations.h"
+#include "filters/cascade_batch.h"
 #include "pan/null_panning.h"
 
 namespace Lume {
@@ -72,8 +74,14 @@ void BinauralPanningIACC::FitBuffers(unsigned long numSamples) {
 }
 
 void BinauralPanningIACC::Filter(unsigned long numSamples) {
-    sumFilter.ProcessBlock(sumBuffer.data(), sumBuffer.data(), numSamples, false);
-    differenceFilter.ProcessBlock(differenceBuffer.data(), differenceBuffer.data(), numSamples, false);
+    const auto filterBoth = [numSamples](auto jobs) { FilterCascades(jobs, numSamples); };
+    orvandsp::Batch<CascadeJob, decltype(filterBoth)> cascades(filterBoth);
+    sumFilter.BeginBlock(sumBuffer.data(), sumBuffer.data(), numSamples, cascades);
+    differenceFilter.BeginBlock(differenceBuffer.data(), differenceBuffer.data(), numSamples, cascades);
+    cascades.Finish();
+    orvandsp::FadeGains gains;
+    sumFilter.FinishBlock(sumBuffer.data(), numSamples, gains);
+    differenceFilter.FinishBlock(differenceBuffer.data(), numSamples, gains);
 }
 
 void BinauralPanningIACC::Process(float** outputs, float** inputs, unsigned long numSamples,
