@@ -9,6 +9,8 @@
 # make lv2    installs the LV2 plug-ins for this user, or into LV2_FOLDER
 # make lv2-package  puts them into out/
 # make deb    makes Debian packages, into out/
+# make web    puts the page with the engine in it into out/web, for any server of static files
+# make test-web  tests it in a browser
 # make bench  builds and runs the benchmarks
 # make gate   before a hand-over: asan, docs, and the tests as clang builds them
 # make check  layout, layers, quirks and static analysis
@@ -19,7 +21,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan gate tsan fuzz bench check docs format pd-package lv2 lv2-package python deb clean
+.PHONY: all setup configure build demo test slow asan gate tsan fuzz bench web test-web check docs format pd-package lv2 lv2-package python deb clean
 all: build
 
 setup:
@@ -104,6 +106,16 @@ deb: build
 	@cd $(BUILD) && cpack -G DEB -B $(CURDIR)/out/deb >/dev/null
 	@mv out/deb/*.deb out/ && rm -rf out/deb
 	@ls out/*.deb
+
+web: setup
+	@tools/setup web
+	@cmake --preset web >/dev/null
+	@cmake --build --preset web -j$(JOBS)
+	@web/assemble build/web/web/orvanverb.wasm out/web
+
+test-web: build web
+	@ORVAN_WEB=$(CURDIR)/out/web ORVANVERB=$(CURDIR)/$(BUILD)/apps/orvanverb/orvanverb BUILD=$(CURDIR)/$(BUILD) \
+		/usr/bin/python3 -m pytest -q -p no:cacheprovider web/test
 
 bench: build
 	$(BUILD)/bench/orvan_bench

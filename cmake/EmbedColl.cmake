@@ -27,6 +27,11 @@ endif()
 file(WRITE "${OUTPUT}" "// Made from ${NAME}.coll, don't edit.
 #include \"hrtf/builtin_sets.h\"
 
-const float Lume::${NAME}[${ROWS}][${VALUES}] = {
+namespace Lume {
+
+extern const float ${NAME}[${ROWS}][${VALUES}];
+const float ${NAME}[${ROWS}][${VALUES}] = {
 ${rows}};
+
+}  // namespace Lume
 ")

@@ -6,7 +6,10 @@
 # sources' own path is cut off.
 function(orvan_settings target)
     target_compile_features(${target} PUBLIC cxx_std_20)
-    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    if(NOT EMSCRIPTEN)  # where it costs an indirection
+        set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    endif()
     target_compile_options(${target} PRIVATE
         -ffp-contract=off
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wdouble-promotion

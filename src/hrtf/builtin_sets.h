@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 namespace Lume {
 
 constexpr unsigned int hrtf_2b_KEMAR_44100_rows = 710;
@@ -9,9 +11,14 @@ constexpr unsigned int hrtf_2b_KEMAR_44100_values = 26;
 /// HrtfInfoBinauralBiquadFullSphere.
 using hrtf_2b_KEMAR_table = float[hrtf_2b_KEMAR_44100_rows][hrtf_2b_KEMAR_44100_values];
 
-/// The built-in sets, each made for a sample rate from data/hrtf_2b_KEMAR_RATE.coll.
-extern const hrtf_2b_KEMAR_table hrtf_2b_KEMAR_44100, hrtf_2b_KEMAR_48000, hrtf_2b_KEMAR_88200, hrtf_2b_KEMAR_96000,
-    hrtf_2b_KEMAR_176400, hrtf_2b_KEMAR_192000;
+/// A built-in set, made for a sample rate [Hz] from data/hrtf_2b_KEMAR_RATE.coll.
+struct BuiltinSet {
+    unsigned int samplerate;
+    hrtf_2b_KEMAR_table const& rows;
+};
+
+/// All of them; the first one is for 44100 Hz. A build says which rates there are.
+extern std::span<BuiltinSet const> const builtinSets;
 
 /// The built-in set for two loudspeakers at 44100 Hz, the text of data/hrtf_2bt_KEMAR_44100.coll: for 17 half angles,
 /// from 10 to 170 degrees, a row for the sum of the two binaural channels and one for their difference, each a delay

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <iterator>
 #include <utility>
 
@@ -65,24 +64,16 @@ void Hrtf::LoadFromFile(std::string const& fileName) {
         LoadDefault();
 }
 
-struct Hrtf::BuiltinSet {
-    unsigned int samplerate;  // [Hz]
-    hrtf_2b_KEMAR_table const& rows;
-};
-
 void Hrtf::LoadDefault() {
-    Load({44100, hrtf_2b_KEMAR_44100});
+    Load(builtinSets.front());
 }
 
 Hrtf Hrtf::Builtin(float samplerate) {
-    static constexpr BuiltinSet sets[] = {{44100, hrtf_2b_KEMAR_44100},   {48000, hrtf_2b_KEMAR_48000},
-                                          {88200, hrtf_2b_KEMAR_88200},   {96000, hrtf_2b_KEMAR_96000},
-                                          {176400, hrtf_2b_KEMAR_176400}, {192000, hrtf_2b_KEMAR_192000}};
-    if (!(samplerate > 0.0f)) return Hrtf(sets[0]);
+    if (!(samplerate > 0.0f)) return Hrtf(builtinSets.front());
     const auto distance = [=](BuiltinSet const& set) {
         return std::abs(std::log2(samplerate / static_cast<float>(set.samplerate)));
     };
-    return Hrtf(*std::min_element(std::begin(sets), std::end(sets),
+    return Hrtf(*std::min_element(builtinSets.begin(), builtinSets.end(),
                                   [&](BuiltinSet const& a, BuiltinSet const& b) { return distance(a) < distance(b); }));
 }
 
@@ -106,9 +97,7 @@ void Hrtf::Load(BuiltinSet const& builtin) {
 }
 
 void Hrtf::LoadFromColl(std::string const& fileName, HrtfInfo const& info) try {
-    std::ifstream stream(fileName, std::ios::binary);
-    if (!stream) throw orvandsp::OrvanDspException("can't open the file " + fileName, __FILE__, __LINE__);
-    const MaxMSPCollFileParser parser(stream);
+    const auto parser = MaxMSPCollFileParser::OfFile(fileName);
 
     HrtfHeaderInfos newHeader;
     newHeader.owner = "ORVAN";

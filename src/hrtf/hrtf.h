@@ -7,6 +7,8 @@
 
 namespace Lume {
 
+struct BuiltinSet;
+
 /// The set of head-related transfer functions that the binaural panners use.
 class Hrtf : public HrtfData {
 public:
@@ -32,7 +34,6 @@ public:
     void LoadFromColl(std::string const& fileName, HrtfInfo const& info);
 
 private:
-    struct BuiltinSet;
     explicit Hrtf(BuiltinSet const& builtin);
     void Load(BuiltinSet const& builtin);
 };

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <fstream>
 #include <limits>
 #include <string_view>
+
+#include "dsp/orvan_dsp_exception.h"
 
 namespace Lume {
 
@@ -48,6 +51,12 @@ std::vector<float> ParseFloats(std::string const& text, std::size_t maxCount) {
         next = after;
     }
     return values;
+}
+
+MaxMSPCollFileParser MaxMSPCollFileParser::OfFile(std::string const& fileName) {
+    std::ifstream stream(fileName, std::ios::binary);
+    if (!stream) throw orvandsp::OrvanDspException("can't open the file " + fileName, __FILE__, __LINE__);
+    return MaxMSPCollFileParser(stream);
 }
 
 MaxMSPCollFileParser::MaxMSPCollFileParser(std::istream& stream) {

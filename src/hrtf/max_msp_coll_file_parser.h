@@ -22,6 +22,9 @@ std::vector<float> ParseFloats(std::string const& text, std::size_t maxCount);
 class MaxMSPCollFileParser {
 public:
     explicit MaxMSPCollFileParser(std::istream& stream);
+    /// Parses a file.
+    /// @throws orvandsp::OrvanDspException if it can't be opened
+    static MaxMSPCollFileParser OfFile(std::string const& fileName);
 
     /// The rows by their number, from 1.
     std::map<int, std::vector<float>> rows;

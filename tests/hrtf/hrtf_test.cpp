@@ -79,7 +79,8 @@ TEST(Hrtf, AnyOtherNameIsTheBuiltInSet) {
         ASSERT_EQ(set.GetNumPoints(), 710u);
         EXPECT_EQ(set.GetFlagItdExtracted(), Lume::itdNotExtracted);
         for (unsigned int i = 0; i < 50; ++i)
-            EXPECT_EQ(set.GetHrtfPoint(279).coefficients[i], Lume::hrtf_2b_KEMAR_44100[i < 25 ? 279 : 313][i % 25 + 1]);
+            EXPECT_EQ(set.GetHrtfPoint(279).coefficients[i],
+                      Lume::builtinSets.front().rows[i < 25 ? 279 : 313][i % 25 + 1]);
     }
 }
 
