@@ -37,7 +37,7 @@ void Run(LiveOptions const& options) {
     Desk desk(setup.MakeRoom(), setup.VectorSize(), std::move(scene));
     const OscServer osc(desk, options.osc);
     std::optional<PageServer> page;
-    if (options.http) page.emplace(desk, setup.layout, PagePorts{options.osc.bind, *options.http, options.token});
+    if (options.http) page.emplace(desk, setup.form.layout, PagePorts{options.osc.bind, *options.http, options.token});
 
     if (options.fromFile) {
         FileAudio audio;
@@ -47,9 +47,9 @@ void Run(LiveOptions const& options) {
         audio.repeats = !options.once && !options.freeRunning;
         audio.vectorSize = setup.VectorSize();
         if (audio.repeats) program::Say("playing " + options.room.inputs[0] + " again and again; Ctrl-C ends it");
-        PlayFile(audio, *recording, options.room.inputs, setup.layout, desk, stop);
+        PlayFile(audio, *recording, options.room.inputs, setup.form.layout, desk, stop);
     } else {
-        PlayJack({options.name, options.connectIn, options.connectOut, options.record, setup.layout}, desk, stop);
+        PlayJack({options.name, options.connectIn, options.connectOut, options.record, setup.form.layout}, desk, stop);
     }
     desk.Close();
     Autosave(options.autosave, desk);
