@@ -1,6 +1,7 @@
 # make demo   renders real recordings into three rooms and says how to listen to them
 # make test   builds and runs the tests
 # make slow   runs the tests that take minutes
+# make soak   plays for an hour in three shapes under random control, or for SOAK_SECONDS
 # make asan   builds and runs the tests with address and undefined-behaviour sanitizers
 # make tsan   runs the tests of what crosses threads, with the thread sanitizer
 # make fuzz   throws crafted files at the loaders for a minute each (clang)
@@ -21,7 +22,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow asan gate tsan fuzz bench web test-web check docs format pd-package lv2 lv2-package python deb clean
+.PHONY: all setup configure build demo test slow soak asan gate tsan fuzz bench web test-web check docs format pd-package lv2 lv2-package python deb clean
 all: build
 
 setup:
@@ -42,6 +43,11 @@ test: build
 
 slow: build
 	ctest --preset slow
+
+SOAK_SECONDS ?= 3600
+soak: configure
+	@cmake --build --preset release -j$(JOBS) --target test_realtime
+	ORVAN_SOAK_SECONDS=$(SOAK_SECONDS) $(BUILD)/tests/test_realtime --gtest_filter='*SLOW_Soak'
 
 asan: setup
 	@cmake --preset asan >/dev/null

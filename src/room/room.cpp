@@ -158,6 +158,7 @@ void Room::Bypass(float* const* outputs, float const** inputs) {
 void Room::Clear() {
     const FloatingPointMode unchanged;
     engine->Silence();
+    vectors.Clear();
 }
 
 bool Room::Set(std::size_t control, float value) {

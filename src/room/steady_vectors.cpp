@@ -34,6 +34,11 @@ void SteadyVectors::Configure(std::size_t numInputs, std::size_t numOutputs, std
     outputsNow.assign(numOutputs, nullptr);
 }
 
+void SteadyVectors::Clear() noexcept {
+    std::fill(inputSamples.begin(), inputSamples.end(), 0.0f);
+    std::fill(outputSamples.begin(), outputSamples.end(), 0.0f);
+}
+
 std::size_t SteadyVectors::Take(float const* const* inputs, std::size_t begin, std::size_t count) {
     const std::size_t taken = std::min(vectorSize - filled, count);
     for (std::size_t i = 0; i < inputVectors.size(); ++i)

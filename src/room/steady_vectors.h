@@ -34,6 +34,9 @@ public:
     /// How late outputs come [samples].
     std::size_t Latency() const noexcept { return latency; }
 
+    /// Makes silence of all that waits. Real-time safe.
+    void Clear() noexcept;
+
     /// Processes one block. Real-time safe, if the processor is.
     ///
     /// A block of another size than announced is taken as well. If less than it needs is ready then, silence stands
