@@ -115,7 +115,7 @@ void Sweep(unsigned int seed) {
     }
     Room room(1 + Below(random() % 4 == 0 ? 64 : 4, random), numOutputs, 2 + Below(15, random), format);
     const auto rate =
-        static_cast<float>(random() % 2 == 0 ? Between(8000, 192000, random) : Between(1, 768000, random));
+        static_cast<float>(random() % 2 == 0 ? Between(8000, 192000, random) : Between(1000, 768000, random));
     const auto block = static_cast<std::size_t>(Between(1, 16384, random));
     const bool steady = random() % 2 == 0;
     SCOPED_TRACE(testing::Message() << "seed " << seed << ": " << room.NumSources() << " to "
@@ -137,13 +137,10 @@ void Sweep(unsigned int seed) {
         const std::size_t count = steady ? block : 1 + Below(static_cast<unsigned int>(block), random);
         player.Play(count);
         played += count;
-        // Filters meant for thousands of hertz may run away at a few, and are caught.
-        ASSERT_LE(player.Loudest(count), rate > 1000.0f ? 1e3f : 1e6f) << "block " << i;
+        ASSERT_LE(player.Loudest(count), 1e3f) << "block " << i;
         if (played > 100000) break;
     }
-    if (rate > 1000.0f) {
-        EXPECT_EQ(room.NumBadOutputs(), 0u);
-    }
+    EXPECT_EQ(room.NumBadOutputs(), 0u);
     room.Clear();
     for (auto& channel : player.in.data) std::ranges::fill(channel, 0.0f);
     for (std::size_t left = room.Latency() + 1; left > 0; left -= std::min(left, block)) player.Play(block);
