@@ -62,6 +62,7 @@
 #include "geometry/vector_algebra.h"
 
 // harmonics
+#include "harmonics/ambisonic_channels.h"
 #include "harmonics/ambisonic_encoding.h"
 #include "harmonics/harmonics_rotation.h"
 #include "harmonics/spherical_harmonics.h"
@@ -185,6 +186,7 @@
 
 // decoders
 #include "decoders/ambisonic/ambisonic_decoder.h"
+#include "decoders/ambisonic/ambisonic_reorder.h"
 #include "decoders/ambisonic/ambisonic_rotation.h"
 #include "decoders/ambisonic/ambisonic_shelving.h"
 #include "decoders/ambisonic/hoa2d_decoder.h"

@@ -131,4 +131,114 @@ TEST_F(Formats, RefusesWhatAFormDoesNotHave) {
     ExpectComplaint(RunProgram({"ir", "-o", directory / "o.wav", "--speakers", "6.1.2.speakers"}), 1, "7.1.4");
 }
 
+/// Sound fields that pan makes and decode takes.
+class SoundFields : public Formats {
+protected:
+    void Encode(std::vector<std::string> const& words) const {
+        const RunResult run =
+            RunProgram(Joined({"pan", directory / "tone.wav", "-o", directory / "field.wav", "--method"}, words));
+        ASSERT_EQ(run.status, 0) << run.err;
+    }
+    Sound Decoded(std::vector<std::string> const& words, std::string const& name = "field.wav") const {
+        const RunResult run =
+            RunProgram(Joined({"decode", directory / name, "-o", directory / "out.wav", "--type"}, words));
+        EXPECT_EQ(run.status, 0) << run.err;
+        return ReadSound(directory / "out.wav");
+    }
+    /// A channel against the first one of the tone when all gains have come to rest.
+    static double Gain(Sound const& sound, std::size_t channel, Sound const& tone) {
+        double product = 0.0;
+        for (std::size_t i = 4000; i < 14000; ++i)
+            product += static_cast<double>(sound.samples[channel][i]) * static_cast<double>(tone.samples[0][i]);
+        return product / Energies(tone, 4000, 14000)[0];
+    }
+};
+
+// Red if a channel, a weight or an axis of the older format is another one: the formulas of its definition for a source
+// at the front left and above, and the way back.
+TEST_F(SoundFields, GoToFumaAndBack) {
+    const double a = 60.0 * radian, e = 10.0 * radian, c = std::cos(e), s = std::sin(e);
+    const double expected[] = {std::sqrt(0.5),
+                               std::cos(a) * c,
+                               std::sin(a) * c,
+                               s,
+                               1.5 * s * s - 0.5,
+                               std::cos(a) * 2.0 * s * c,
+                               std::sin(a) * 2.0 * s * c,
+                               std::cos(2.0 * a) * c * c,
+                               std::sin(2.0 * a) * c * c,
+                               s * (5.0 * s * s - 3.0) / 2.0,
+                               std::sqrt(135.0 / 256.0) * std::cos(a) * c * (5.0 * s * s - 1.0),
+                               std::sqrt(135.0 / 256.0) * std::sin(a) * c * (5.0 * s * s - 1.0),
+                               std::sqrt(27.0 / 4.0) * std::cos(2.0 * a) * s * c * c,
+                               std::sqrt(27.0 / 4.0) * std::sin(2.0 * a) * s * c * c,
+                               std::cos(3.0 * a) * c * c * c,
+                               std::sin(3.0 * a) * c * c * c};
+    const Sound tone = ReadSound(directory / "tone.wav");
+    Encode({"hoa3d", "--source", "1", "-60", "10", "1"});
+    const Sound fuma = Decoded({"fuma"});
+    for (std::size_t k = 0; k < 16; ++k) EXPECT_NEAR(Gain(fuma, k, tone), expected[k], 1e-4) << k;
+    WriteSound(directory / "fuma.wav", fuma);
+    const Sound back = Decoded({"ambix", "--fuma"}, "fuma.wav");
+    Encode({"ambix", "--source", "1", "-60", "10", "1"});
+    const Sound ambix = ReadSound(directory / "field.wav");
+    for (std::size_t k = 0; k < 16; ++k) EXPECT_NEAR(Gain(back, k, tone), Gain(ambix, k, tone), 1e-4) << k;
+}
+
+// Red if a field turns the wrong way, about another axis, in the wrong axes or at another time.
+TEST_F(SoundFields, TurnWithTheHead) {
+    const Sound tone = ReadSound(directory / "tone.wav");
+    WriteText(directory / "turn.scene", "0.0 orientation -40 0 0\n");
+    for (std::string const method : {"ambix", "hoa3d"}) {
+        const std::vector<std::string> form =
+            method == "ambix" ? std::vector<std::string>{"--ambix"} : std::vector<std::string>{};
+        Encode({method, "--source", "1", "0", "0", "1"});
+        const Sound turned = Decoded(Joined({"ambix", "--orientation", "-40", "0", "0"}, form));
+        const Sound scene = Decoded(Joined({"ambix", "--scene", directory / "turn.scene"}, form));
+        const Sound nodded = Decoded(Joined({"ambix", "--orientation", "0", "30", "0"}, form));
+        Encode({"ambix", "--source", "1", "40", "0", "1"});
+        const Sound beside = ReadSound(directory / "field.wav");
+        Encode({"ambix", "--source", "1", "0", "-30", "1"});
+        const Sound below = ReadSound(directory / "field.wav");
+        for (std::size_t k = 0; k < 16; ++k) {
+            EXPECT_NEAR(Gain(turned, k, tone), Gain(beside, k, tone), 1e-4) << method << k;
+            EXPECT_NEAR(Gain(scene, k, tone), Gain(beside, k, tone), 1e-4) << method << k;
+            EXPECT_NEAR(Gain(nodded, k, tone), Gain(below, k, tone), 1e-4) << method << k;
+        }
+        // Loudspeakers, too: what comes from the front right of a cube is played there.
+        Encode({method, "--order", "1", "--source", "1", "0", "0", "1"});
+        const Sound cube = Decoded(Joined({"hoa3d", "--orientation", "-45", "0", "0"}, form));
+        EXPECT_GT(Gain(cube, 1, tone), 2.0 * Gain(cube, 0, tone));
+        EXPECT_NEAR(Gain(cube, 0, tone), Gain(cube, 2, tone), 1e-3);
+    }
+}
+
+// Red if the ears change places, if a field comes much louder or softer than a source, or if a convention isn't heeded.
+TEST_F(SoundFields, AreHeardOnHeadphones) {
+    const std::vector<std::string> place{"--source", "1", "-60", "10", "1"};
+    const Sound direct = Made("pan", Joined({"--method", "binaural"}, place));
+    const std::pair<std::vector<std::string>, std::vector<std::string>> forms[] = {
+        {{"hoa3d"}, {}},
+        {{"ambix", "--order", "5"}, {"--ambix"}},
+        {{"hoa3d", "--convention", "N3D"}, {"--convention", "N3D"}}};
+    for (auto const& [encoding, decoding] : forms) {
+        Encode(Joined(encoding, place));
+        const Sound heard = Decoded(Joined({"binaural"}, decoding));
+        ASSERT_EQ(heard.samples.size(), 2u);
+        for (std::size_t ear = 0; ear < 2; ++ear)
+            EXPECT_NEAR(10.0 * std::log10(Energies(heard, 4000, 14000)[ear] / Energies(direct, 4000, 14000)[ear]), 0.0,
+                        1.0)
+                << encoding[0] << ear;
+    }
+    Encode({"hoa3d", "--order", "4"});
+    ExpectComplaint(RunProgram({"decode", directory / "field.wav", "-o", directory / "o.wav", "--type", "fuma"}), 2,
+                    "up to the order 3");
+    ExpectComplaint(RunProgram({"decode", directory / "tone.wav", "-o", directory / "o.wav", "--type", "binaural"}), 2,
+                    "the recording has 1 channels");
+    WriteText(directory / "bad.scene", "1 source 1 azim 3\n");
+    ExpectComplaint(RunProgram({"decode", directory / "field.wav", "-o", directory / "o.wav", "--type", "binaural",
+                                "--scene", directory / "bad.scene"}),
+                    1, "bad.scene:1: a recorded sound field knows");
+}
+
 }  // namespace

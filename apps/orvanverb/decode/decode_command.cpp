@@ -18,7 +18,7 @@ void RunDecode(DecodeOptions const& options) {
     }
     const auto begin = std::chrono::steady_clock::now();
     InputBank input(options.inputs, options.rate, std::nullopt);
-    DecodeSetup setup(options, input.NumChannels());
+    DecodeSetup setup(options, input.NumChannels(), input.Samplerate());
     for (std::string const& warning : setup.warnings) Say("warning: " + warning);
     if (options.matrix) std::fputs(setup.MatrixText().c_str(), stdout);
     if (options.output.empty()) return;
@@ -35,6 +35,9 @@ void RunDecode(DecodeOptions const& options) {
     streaming.numOutputs = setup.NumOutputs();
     streaming.fileOrder = setup.layout.fileOrder;
     streaming.tail = options.tailGiven ? options.tail : Tail(usualTailSeconds);
+    streaming.prepare = [&](std::uint64_t beforeFrame) {
+        for (std::string const& line : setup.Advance(beforeFrame)) Say(line);
+    };
     streaming.process = [&](float** outputs, float** inputs) { setup.Process(outputs, inputs); };
     streaming.clear = [&] { setup.decoder->Clear(); };
 
@@ -46,6 +49,7 @@ void RunDecode(DecodeOptions const& options) {
     output.Commit();
     ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
+    if (!setup.remark.empty()) Say(setup.remark);
     for (std::string const& remark : input.Remarks()) Say(remark);
     RequireSound(options.output, end.numBad);
 }

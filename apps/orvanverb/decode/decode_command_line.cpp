@@ -37,9 +37,10 @@ void TakeMeaning(Words const& words, DecodeOptions& decode) {
     }
     if (!words.convention.empty()) decode.convention = ParseConvention(words.convention);
     if (!words.sorting.empty()) decode.sorting = ParseSorting(words.sorting);
-    if (decode.ambix && (decode.convention.value_or("SN3D") != "SN3D" ||
-                         decode.sorting.value_or("IncreasingDegrees") != "IncreasingDegrees"))
-        throw UsageError("--ambix: means SN3D and IncreasingDegrees");
+    if (decode.ambix && decode.sorting.value_or("IncreasingDegrees") != "IncreasingDegrees")
+        throw UsageError("--ambix: means IncreasingDegrees");
+    if (decode.fuma && (decode.ambix || decode.convention || decode.sorting))
+        throw UsageError("--fuma: has its own order, weights and axes");
     if (!words.crossover.empty()) {
         decode.crossoverHz = ParseNumber(words.crossover);
         if (!decode.crossoverHz || *decode.crossoverHz < lowest || *decode.crossoverHz > highest)
@@ -57,7 +58,8 @@ void AddDecodeCommand(CLI::App& app, Call& call) {
     DecodeOptions& decode = *options;
     const auto words = std::make_shared<Words>();
     CLI::App* command = app.add_subcommand("decode", "Turn ambisonic, matrixed or binaural recordings into feeds");
-    command->add_option("input", words->input, "A recording; its channels are those of the format")->type_name("FILE");
+    command->add_option("input", words->input, "A recording; its channels are those of the format. - is standard input")
+        ->type_name("FILE");
     command->add_option("--type", decode.type, "What it is; --list shows what there is")
         ->type_name("NAME")
         ->take_last();
@@ -89,7 +91,16 @@ void AddDecodeCommand(CLI::App& app, Call& call) {
     command->add_option("--crossover", words->crossover, "Of basicmaxre and maxreinphase [700]")
         ->type_name("HZ")
         ->take_last();
-    command->add_flag("--ambix", decode.ambix, "For hoa3d: the input is AmbiX, ACN, SN3D, x ahead");
+    command->add_flag("--ambix", decode.ambix, "The sound field is AmbiX: ACN, SN3D (or --convention N3D), x ahead");
+    command->add_flag("--fuma", decode.fuma, "The sound field is FuMa: W X Y Z, R S T ..., up to the order 3");
+    AddOrientation(*command, words->common);
+    command
+        ->add_option("--scene", decode.scene,
+                     "How the listener turns in a sound field: a file with one [SECONDS] orientation\n"
+                     "YAW PITCH ROLL a line")
+        ->type_name("FILE")
+        ->take_last();
+    AddEars(*command, decode);
     command->add_option("--filters", decode.filters, "A set for the transaural network, .bin2trans or .coll")
         ->type_name("FILE")
         ->take_last();

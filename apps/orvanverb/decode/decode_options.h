@@ -17,6 +17,7 @@ struct DecodeOptions : Options {
     std::string hoaMethod = "pseudoinverse";  // of the ambisonic types
     std::string weights = "basic";
     std::optional<float> crossoverHz;
+    bool fuma = false;                   // the input has the channels of FuMa
     std::optional<std::string> filters;  // a file for the transaural type
     bool list = false;
     bool matrix = false;  // print the decoder's matrix and figures

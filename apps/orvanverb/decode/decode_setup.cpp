@@ -4,7 +4,10 @@
 #include <cmath>
 #include <numeric>
 
+#include "decoders/ambisonic/ambisonic_reorder.h"
+#include "decoders/binaural/hoa_binaural_decoder.h"
 #include "dsp/constants.h"
+#include "dsp/orvan_dsp_exception.h"
 #include "geometry/speakers.h"
 #include "orvanverb/audio/channel_mask.h"
 #include "orvanverb/audio/vector_channels.h"
@@ -12,9 +15,11 @@
 #include "orvanverb/common/text.h"
 #include "orvanverb/decode/transaural_filters.h"
 #include "orvanverb/design/transaural_design.h"
+#include "orvanverb/hrtf/ears_cache.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/layout/channel_words.h"
+#include "pan/binaural/ambisonic_ears_fit.h"
 
 namespace program {
 
@@ -24,10 +29,13 @@ using Decoder = Lume::Decoder;
 
 constexpr double settleSeconds = 0.25;  // gains slide for up to 60 ms, delays glide for 50
 
-/// The row of a type, by its name.
+constexpr char const* fieldTypes[] = {"binaural", "ambix", "fuma"};  // in the order of DecodeSetup::Field
+
+/// The row of a type, by its name; that of null for what becomes of a sound field.
 Lume::DecoderKind const& FindDecoder(std::string const& name) {
     const Decoder::Type type = Decoder::GetType(name.c_str());
-    if (type == Decoder::null) throw UsageError("--type: '" + name + "' is none; orvanverb decode --list shows them");
+    if (type == Decoder::null && std::find(std::begin(fieldTypes), std::end(fieldTypes), name) == std::end(fieldTypes))
+        throw UsageError("--type: '" + name + "' is none; orvanverb decode --list shows them");
     return Lume::DecoderKinds()[static_cast<std::size_t>(type)];
 }
 
@@ -67,8 +75,18 @@ Value FindByName(char const* option, std::string const& word, int count, NameOf 
 
 }  // namespace
 
-DecodeSetup::DecodeSetup(DecodeOptions const& options, unsigned int newNumInputs)
-    : kind(FindDecoder(options.type)), numInputs(newNumInputs) {
+DecodeSetup::DecodeSetup(DecodeOptions const& options, unsigned int newNumInputs, int samplerate)
+    : field(FieldOf(options.type)), kind(FindDecoder(options.type)), numInputs(newNumInputs) {
+    if (field != Field::none) {
+        SetUpField(options, samplerate);
+        return;
+    }
+    if (options.hrtf) throw UsageError("--hrtf: is for the type binaural");
+    if (SoundField::IsNeeded(options)) {
+        if (kind.type != Decoder::hoa3d)
+            throw UsageError("--fuma, --orientation, --scene: are for hoa3d, binaural, ambix and fuma");
+        soundField = std::make_unique<SoundField>(options, numInputs);
+    }
     ChooseOutputs(options);
     const Decoder::SubType subType = Decoder::GetSubType(options.subType.c_str());
     if (subType == Decoder::nullSubType && options.subType != "null")
@@ -84,7 +102,7 @@ DecodeSetup::DecodeSetup(DecodeOptions const& options, unsigned int newNumInputs
     SetUpHarmonics(options);
     if (kind.outputs == Lume::DecoderKind::Outputs::loudspeakers) {
         std::vector<Lume::CartesianVector> positions = layout.positions;
-        if (options.ambix)
+        if (options.ambix || soundField)
             for (Lume::CartesianVector& p : positions) p = ToAmbixAxes(p);
         decoder->SetLoudspeakerPositions(positions.data());
         channels = LoudspeakerWords(layout);
@@ -93,6 +111,59 @@ DecodeSetup::DecodeSetup(DecodeOptions const& options, unsigned int newNumInputs
     }
     CheckCondition();
     SetUpTransaural(options);
+}
+
+DecodeSetup::Field DecodeSetup::FieldOf(std::string const& type) {
+    for (std::size_t i = 0; i < std::size(fieldTypes); ++i)
+        if (type == fieldTypes[i]) return static_cast<Field>(i + 1);
+    return Field::none;
+}
+
+void DecodeSetup::SetUpField(DecodeOptions const& options, int samplerate) {
+    if (options.speakers || options.outputs || options.filters || options.subType != "null" || options.crossoverHz ||
+        options.weights != "basic" || options.hoaMethod != "pseudoinverse")
+        throw UsageError("--type " + options.type + ": has no loudspeakers, networks or weights to choose");
+    if (options.hrtf && field != Field::ears) throw UsageError("--hrtf: is for the type binaural");
+    soundField = std::make_unique<SoundField>(options, numInputs);
+    const unsigned int order = soundField->Order();
+    const auto sn3d = Lume::AmbisonicChannels(order, Lume::SchmidtSeminormalized3D, Lume::IncreasingDegrees);
+    if (field == Field::ears) {
+        std::unique_ptr<Lume::Hrtf> set;
+        if (options.hrtf) {
+            EarsCache cache(samplerate, !options.noCache);
+            const std::string path = cache.Playable(*options.hrtf).string();
+            RequireSetFile(path, ".hrtf or .coll");
+            LoadQuietly(path, [&](std::string const& name) { set = std::make_unique<Lume::Hrtf>(name.c_str()); });
+        } else {
+            set = std::make_unique<Lume::Hrtf>(Lume::Hrtf::Builtin(static_cast<float>(samplerate)));
+        }
+        auto ears = std::make_unique<Lume::HOABinauralDecoder>(numInputs);
+        try {
+            ears->SetEars(Lume::MakeAmbisonicEars(std::move(set), static_cast<float>(samplerate), order,
+                                                  Lume::SchmidtSeminormalized3D, true));
+        } catch (orvandsp::OrvanDspException const&) {
+            throw WorkError(options.hrtf.value_or("the built-in ears") +
+                            ": is no set of biquads or impulse responses for two ears");
+        }
+        remark = "comes " + FixedText(1000.0 * static_cast<double>(ears->GetLatencySamples()) / samplerate, 1) +
+                 " ms later than the sound field";
+        decoder = std::move(ears);
+        layout = SpeakerLayout::Channels(2, frontLeft | frontRight);
+        channels = EarWords();
+        return;
+    }
+    if (field == Field::fuma && order > 3)
+        throw UsageError("--type fuma: has channels up to the order 3, the recording has the order " +
+                         std::to_string(order));
+    decoder = std::make_unique<Lume::AmbisonicReorder>(sn3d, field == Field::fuma ? Lume::FumaChannels(order) : sn3d);
+    layout = SpeakerLayout::Channels(numInputs, 0);
+    if (field == Field::ambix) {
+        channels = HarmonicWords(Lume::SortedSphericalHarmonics(order, Lume::IncreasingDegrees), "SN3D", true);
+        remark = AxesRemark(true);
+    } else {
+        for (const char letter : std::string("WXYZRSTUVKLMNOPQ").substr(0, numInputs)) channels.emplace_back(1, letter);
+        remark = "FuMa: W is 3 dB softer, x ahead, y to the left";
+    }
 }
 
 void DecodeSetup::ChooseOutputs(DecodeOptions const& options) {
@@ -109,20 +180,21 @@ void DecodeSetup::ChooseOutputs(DecodeOptions const& options) {
 }
 
 void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
-    if (options.ambix && kind.type != Decoder::hoa3d) throw UsageError("--ambix: is for the type hoa3d");
+    if (options.ambix && kind.type != Decoder::hoa3d)
+        throw UsageError("--ambix: is for hoa3d, binaural, ambix and fuma");
     if (hoa == nullptr) {
         if (options.convention || options.sorting || options.crossoverHz || options.weights != "basic" ||
             options.hoaMethod != "pseudoinverse")
             throw UsageError("--convention, --sorting, --hoa-method, --weights, --crossover: are for hoa2d and hoa3d");
         return;
     }
-    // What pan writes when nobody says otherwise.
+    // What pan writes when nobody says otherwise, and what the sound field in front makes of everything.
     const std::string usual = kind.type == Decoder::hoa3d ? "SN3D" : "SN2D";
-    const std::string convention = options.convention.value_or(usual);
+    const std::string convention = soundField ? usual : options.convention.value_or(usual);
     if (convention.ends_with("3D") != (kind.type == Decoder::hoa3d))
         throw UsageError("--convention: " + options.type + " has no " + convention);
     hoa->SetDecodingConvention(Lume::HOADecoder::GetHOADecodingConvention(convention.c_str()));
-    hoa->SetSphericalHarmonicsSorting(options.sorting.value_or("IncreasingDegrees").c_str());
+    if (!soundField) hoa->SetSphericalHarmonicsSorting(options.sorting.value_or("IncreasingDegrees").c_str());
     hoa->SetDecoderMethod(FindByName<Lume::HOADecoder::HOADecoderMethod>("--hoa-method", options.hoaMethod, 2,
                                                                          Lume::HOADecoder::GetHOADecoderMethodName));
     hoa->SetDecoderType(FindByName<Lume::HOADecoder::HOADecoderType>("--weights", options.weights, 5,
@@ -173,6 +245,7 @@ void DecodeSetup::SetUpTransaural(DecodeOptions const& options) {
 
 void DecodeSetup::Start(int samplerate, unsigned int newVectorSize) {
     vectorSize = newVectorSize;
+    if (soundField) soundField->Start(samplerate, vectorSize);
     decoder->Configure(static_cast<float>(samplerate), blockLength.value_or(vectorSize), true);
     VectorChannels silence(numInputs, vectorSize);
     VectorChannels discarded(NumOutputs(), vectorSize);
@@ -180,8 +253,13 @@ void DecodeSetup::Start(int samplerate, unsigned int newVectorSize) {
         Process(discarded.Pointers(), silence.Pointers());
 }
 
+std::vector<std::string> DecodeSetup::Advance(std::uint64_t beforeFrame) {
+    return soundField ? soundField->Advance(beforeFrame) : std::vector<std::string>{};
+}
+
 void DecodeSetup::Process(float** outputs, float** inputs) {
     const unsigned int block = blockLength.value_or(vectorSize);
+    if (soundField) inputs = soundField->Process(inputs);
     std::vector<float*> from(inputs, inputs + NumInputs()), to(outputs, outputs + NumOutputs());
     for (unsigned int n = 0; n < vectorSize; n += block) {
         decoder->Process(to.data(), from.data(), block, orvandsp::allActiveInputs);
@@ -231,6 +309,10 @@ std::string DecoderList() {
     for (Lume::DecoderKind const& kind : Lume::DecoderKinds())
         if (kind.type != Decoder::null && kind.type != Decoder::transaural) add(kind);
     add(Lume::DecoderKinds()[Decoder::transaural]);
+    text +=
+        "binaural      4, 9, 16 ... 64 ambisonic channels to headphones\n"
+        "ambix         4, 9, 16 ... 64 ambisonic channels to those of other tools: ACN, SN3D, x ahead\n"
+        "fuma          4, 9 or 16 ambisonic channels to W X Y Z, R S T U V, K L M N O P Q\n";
     text += "\nsub-type of transaural (the first one unless another is named)\n";
     for (Lume::TransauralNetwork const& network : Lume::TransauralNetworks().subspan(1))
         text += std::string("  ") + network.names[0] + "\n";

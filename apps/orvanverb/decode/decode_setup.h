@@ -9,6 +9,7 @@
 #include "decoders/decoder_factory.h"
 #include "decoders/transaural/transaural_decoder.h"
 #include "orvanverb/decode/decode_options.h"
+#include "orvanverb/decode/sound_field.h"
 #include "orvanverb/layout/speaker_layout.h"
 
 namespace program {
@@ -17,11 +18,16 @@ namespace program {
 class DecodeSetup {
 public:
     /// @throws ProgramError that names option or file, and says what is wrong
-    DecodeSetup(DecodeOptions const& options, unsigned int numInputs);
+    /// @param samplerate  of the recording [Hz], for which ears are made
+    DecodeSetup(DecodeOptions const& options, unsigned int numInputs, int samplerate);
 
     /// Announces the rate and runs over silence until the gains have come to where they belong.
     /// @param newVectorSize  samples of each call of Process, at least those of a block that the filters prescribe
     void Start(int samplerate, unsigned int newVectorSize);
+
+    /// What a scene has before a frame, counted from the recording's first.
+    /// @return lines to be shown
+    std::vector<std::string> Advance(std::uint64_t beforeFrame);
 
     /// Runs the decoder over one vector, in the blocks that its filters prescribe if they do so.
     void Process(float** outputs, float** inputs);
@@ -40,15 +46,23 @@ public:
     SpeakerLayout layout;               // positions only if the outputs are loudspeakers
     std::vector<std::string> channels;  // in words, in the order of the file
     std::vector<std::string> warnings;
+    std::string remark;                       // what else there is to tell of the channels; empty: nothing
     std::optional<unsigned int> blockLength;  // samples, of a network whose filters were made for blocks of a length
 
 private:
+    /// What becomes of a sound field beyond the decoders of the library.
+    enum class Field { none, ears, ambix, fuma };
+
+    static Field FieldOf(std::string const& type);
+    void SetUpField(DecodeOptions const& options, int samplerate);
     void ChooseOutputs(DecodeOptions const& options);
     void SetUpHarmonics(DecodeOptions const& options);
     void CheckCondition();
     void SetUpTransaural(DecodeOptions const& options);
 
+    Field field;
     Lume::DecoderKind const& kind;
+    std::unique_ptr<SoundField> soundField;         // in front of the decoder, if there is anything to do
     Lume::HOADecoder* hoa = nullptr;                // the decoder, if it is one of harmonics
     Lume::TransauralDecoder* transaural = nullptr;  // the decoder, if it is transaural
     unsigned int numInputs;
