@@ -6,6 +6,7 @@
 #include <lv2/patch/patch.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdlib>
@@ -23,7 +24,9 @@ namespace {
 /// What the program renders at, so that both sound the same to the last bit [samples].
 constexpr std::size_t usualVectorSize = 64;
 constexpr std::size_t usualBlockLength = 8192;  // where a host announces none
-constexpr float silenceDb = -90.0f;             // what a meter shows of nothing
+constexpr std::size_t maxOutputs = 16;
+constexpr std::size_t maxPath = 4096;
+constexpr float silenceDb = -90.0f;  // what a meter shows of nothing
 
 template <class Feature>
 Feature* Find(LV2_Feature const* const* features, char const* uri) {
@@ -36,6 +39,14 @@ bool Has(LV2_Feature const* const* features, char const* uri) {
     for (; features != nullptr && *features != nullptr; ++features)
         if (std::strcmp((*features)->URI, uri) == 0) return true;
     return false;
+}
+
+/// Gives a path back to the host that made it.
+void Release(LV2_Feature const* const* features, char* path) {
+    if (auto* const release = Find<LV2_State_Free_Path>(features, LV2_STATE__freePath))
+        release->free_path(release->handle, path);
+    else
+        std::free(path);
 }
 
 /// Whether a value is another one than was heard, beyond what writing it down and reading it again costs.
@@ -56,6 +67,7 @@ Urids::Urids(LV2_URID_Map& map) {
     patchProperty = id(LV2_PATCH__property);
     patchValue = id(LV2_PATCH__value);
     ears = id(std::string(uriBase) + "ears");
+    speakers = id(std::string(uriBase) + "speakers");
     state = id(std::string(uriBase) + "state");
     minBlockLength = id(LV2_BUF_SIZE__minBlockLength);
     maxBlockLength = id(LV2_BUF_SIZE__maxBlockLength);
@@ -151,7 +163,7 @@ void RoomPlugin::Run(std::uint32_t numSamples) {
         if (ports[i].kind == PortKind::level)
             *static_cast<float*>(data[i]) = std::max(20.0f * std::log10(peaks[ports[i].index]), silenceDb);
     }
-    TellEars();
+    TellFiles();
 }
 
 /// Of the sources first come the inputs, then the outputs: numbers of ports as PortsOf has them.
@@ -269,20 +281,30 @@ void RoomPlugin::ReadEvents() {
     LV2_ATOM_SEQUENCE_FOREACH(sequence, event) {
         if (!lv2_atom_forge_is_object_type(&forge, event->body.type)) continue;
         auto const* const object = reinterpret_cast<LV2_Atom_Object const*>(&event->body);
-        if (object->body.otype == urids->patchGet) tellEars = true;
+        if (object->body.otype == urids->patchGet) tellFiles = true;
         if (object->body.otype != urids->patchSet || schedule == nullptr) continue;
         LV2_Atom const* property = nullptr;
         LV2_Atom const* value = nullptr;
         lv2_atom_object_get(object, urids->patchProperty, &property, urids->patchValue, &value, 0);
         if (property == nullptr || property->type != urids->atomUrid || value == nullptr ||
-            reinterpret_cast<LV2_Atom_URID const*>(property)->body != urids->ears || value->type != urids->atomPath)
+            value->type != urids->atomPath)
             continue;
-        schedule->schedule_work(schedule->handle, static_cast<std::uint32_t>(lv2_atom_total_size(value)), value);
+        const LV2_URID key = reinterpret_cast<LV2_Atom_URID const*>(property)->body;
+        if (key == urids->ears || key == urids->speakers) ScheduleFile(key, *value);
     }
 }
 
-/// Tells the host which file the ears are in.
-void RoomPlugin::TellEars() {
+/// Sends a path to the worker, behind the property that it is for. One that doesn't fit is none.
+void RoomPlugin::ScheduleFile(LV2_URID key, LV2_Atom const& path) {
+    std::array<char, sizeof(LV2_URID) + maxPath> request{};
+    if (path.size > maxPath) return;
+    std::memcpy(request.data(), &key, sizeof key);
+    std::memcpy(request.data() + sizeof key, LV2_ATOM_BODY_CONST(&path), path.size);
+    schedule->schedule_work(schedule->handle, static_cast<std::uint32_t>(sizeof key + path.size), request.data());
+}
+
+/// Tells the host which files ears and loudspeakers are from.
+void RoomPlugin::TellFiles() {
     const std::size_t port = variant.numSources + variant.outputs.size() + 1;  // PortKind::notify
     auto* const sequence = static_cast<LV2_Atom_Sequence*>(data[port]);
     if (sequence == nullptr) return;
@@ -290,36 +312,64 @@ void RoomPlugin::TellEars() {
     lv2_atom_forge_set_buffer(&forge, static_cast<std::uint8_t*>(data[port]), capacity);
     LV2_Atom_Forge_Frame frame{};
     lv2_atom_forge_sequence_head(&forge, &frame, 0);
-    if (tellEars) {
-        tellEars = false;
-        LV2_Atom_Forge_Frame object{};
-        char const* const path = room->CurrentEars().path.c_str();
-        lv2_atom_forge_frame_time(&forge, 0);
-        lv2_atom_forge_object(&forge, &object, 0, urids->patchSet);
-        lv2_atom_forge_key(&forge, urids->patchProperty);
-        lv2_atom_forge_urid(&forge, urids->ears);
-        lv2_atom_forge_key(&forge, urids->patchValue);
-        lv2_atom_forge_path(&forge, path, static_cast<std::uint32_t>(std::strlen(path)));
-        lv2_atom_forge_pop(&forge, &object);
+    if (tellFiles) {
+        tellFiles = false;
+        if (variant.IsHeadphones())
+            Tell(urids->ears, room->CurrentEars().path.c_str());
+        else
+            Tell(urids->speakers, speakersPath.c_str());
     }
     lv2_atom_forge_pop(&forge, &frame);
 }
 
-/// A path comes as the host's atom, ears to be deleted as a pointer.
+void RoomPlugin::Tell(LV2_URID property, char const* path) {
+    LV2_Atom_Forge_Frame object{};
+    lv2_atom_forge_frame_time(&forge, 0);
+    lv2_atom_forge_object(&forge, &object, 0, urids->patchSet);
+    lv2_atom_forge_key(&forge, urids->patchProperty);
+    lv2_atom_forge_urid(&forge, property);
+    lv2_atom_forge_key(&forge, urids->patchValue);
+    lv2_atom_forge_path(&forge, path, static_cast<std::uint32_t>(std::strlen(path)));
+    lv2_atom_forge_pop(&forge, &object);
+}
+
+bool RoomPlugin::PlaceSpeakers(std::span<Lume::CartesianVector const> positions) {
+    std::array<Lume::CartesianVector, maxOutputs> ordered;
+    for (std::size_t i = 0; i < variant.outputs.size(); ++i) ordered[variant.outputs[i].engineChannel] = positions[i];
+    return room->PlaceSpeakers({ordered.data(), variant.outputs.size()});
+}
+
+/// A file comes as its property and path; what is to be deleted as a Loaded.
 LV2_Worker_Status RoomPlugin::Work(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle,
                                    std::uint32_t size, void const* body) {
-    if (size == sizeof(Lume::Ears*)) {
-        delete *static_cast<Lume::Ears* const*>(body);
+    LV2_URID key = 0;
+    if (size < sizeof key) return LV2_WORKER_ERR_UNKNOWN;
+    std::memcpy(&key, body, sizeof key);
+    if (key == 0) {
+        Loaded used{};
+        if (size != sizeof used) return LV2_WORKER_ERR_UNKNOWN;
+        std::memcpy(&used, body, sizeof used);
+        delete used.ears;
+        delete used.speakers;
         return LV2_WORKER_SUCCESS;
     }
-    auto const* const atom = static_cast<LV2_Atom const*>(body);
-    const std::string path(static_cast<char const*>(LV2_ATOM_BODY_CONST(atom)),
-                           strnlen(static_cast<char const*>(LV2_ATOM_BODY_CONST(atom)), atom->size));
+    char const* const text = static_cast<char const*>(body) + sizeof key;
+    const std::string path(text, strnlen(text, size - sizeof key));
     const std::lock_guard lock(besideAudio);
     try {
-        auto ears = std::make_unique<Lume::Ears>(room->PrepareEars(path));
-        Lume::Ears* const pointer = ears.get();
-        if (respond(handle, sizeof pointer, static_cast<void const*>(&pointer)) == LV2_WORKER_SUCCESS) ears.release();
+        std::unique_ptr<Lume::Ears> ears;
+        std::unique_ptr<SpeakersFile> speakers;
+        if (key == urids->ears)
+            ears = std::make_unique<Lume::Ears>(room->PrepareEars(path));
+        else if (variant.IsHeadphones())
+            throw std::runtime_error(path + ": loudspeakers are not for headphones");
+        else
+            speakers = std::make_unique<SpeakersFile>(ReadSpeakers(path, variant.outputs.size()));
+        const Loaded loaded{0, ears.get(), speakers.get()};
+        if (respond(handle, sizeof loaded, &loaded) == LV2_WORKER_SUCCESS) {
+            ears.release();
+            speakers.release();
+        }
     } catch (std::exception const& error) {
         lv2_log_error(&logger, "orvanverb: %s\n", error.what());
     }
@@ -327,10 +377,15 @@ LV2_Worker_Status RoomPlugin::Work(LV2_Worker_Respond_Function respond, LV2_Work
 }
 
 LV2_Worker_Status RoomPlugin::WorkResponse(std::uint32_t size, void const* body) {
-    if (size != sizeof(Lume::Ears*)) return LV2_WORKER_ERR_UNKNOWN;
-    Lume::Ears* const ears = *static_cast<Lume::Ears* const*>(body);
-    tellEars = room->TakeEars(*ears) || tellEars;
-    schedule->schedule_work(schedule->handle, sizeof ears, static_cast<void const*>(&ears));
+    Loaded loaded{};
+    if (size != sizeof loaded) return LV2_WORKER_ERR_UNKNOWN;
+    std::memcpy(&loaded, body, sizeof loaded);
+    if (loaded.ears != nullptr) tellFiles = room->TakeEars(*loaded.ears) || tellFiles;
+    if (loaded.speakers != nullptr && PlaceSpeakers(loaded.speakers->positions)) {
+        std::swap(speakersPath, loaded.speakers->path);
+        tellFiles = true;
+    }
+    schedule->schedule_work(schedule->handle, sizeof loaded, &loaded);
     return LV2_WORKER_SUCCESS;
 }
 
@@ -344,15 +399,15 @@ LV2_State_Status RoomPlugin::Save(LV2_State_Store_Function store, LV2_State_Hand
     if (store(handle, urids->state, text.c_str(), text.size() + 1, urids->atomString, flags) != LV2_STATE_SUCCESS)
         return LV2_STATE_ERR_UNKNOWN;
     auto* const map = Find<LV2_State_Map_Path>(features, LV2_STATE__mapPath);
-    if (path.empty() || map == nullptr) return LV2_STATE_SUCCESS;
-    char* const abstract = map->abstract_path(map->handle, path.c_str());
-    const LV2_State_Status status =
-        store(handle, urids->ears, abstract, std::strlen(abstract) + 1, urids->atomPath, flags);
-    if (auto* const release = Find<LV2_State_Free_Path>(features, LV2_STATE__freePath))
-        release->free_path(release->handle, abstract);
-    else
-        std::free(abstract);
-    return status;
+    const auto storeFile = [&](LV2_URID key, std::string const& file) {
+        if (file.empty() || map == nullptr) return LV2_STATE_SUCCESS;
+        char* const abstract = map->abstract_path(map->handle, file.c_str());
+        const LV2_State_Status status = store(handle, key, abstract, std::strlen(abstract) + 1, urids->atomPath, flags);
+        Release(features, abstract);
+        return status;
+    };
+    const LV2_State_Status status = storeFile(urids->ears, path);
+    return status == LV2_STATE_SUCCESS ? storeFile(urids->speakers, speakersPath) : status;
 }
 
 LV2_State_Status RoomPlugin::Restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
@@ -376,18 +431,27 @@ LV2_State_Status RoomPlugin::Restore(LV2_State_Retrieve_Function retrieve, LV2_S
         lv2_log_error(&logger, "orvanverb: the state can't be restored: %s\n", error.what());
         return LV2_STATE_ERR_UNKNOWN;
     }
-    if (const std::string path = text(urids->ears); !path.empty()) {
+    const auto restoreFile = [&](LV2_URID key, char const* what, auto load) {
+        const std::string path = text(key);
+        if (path.empty()) return;
         auto* const map = Find<LV2_State_Map_Path>(features, LV2_STATE__mapPath);
         char* const absolute = map != nullptr ? map->absolute_path(map->handle, path.c_str()) : nullptr;
         try {
-            room->LoadEars(absolute != nullptr ? absolute : path.c_str());
+            load(std::string(absolute != nullptr ? absolute : path.c_str()));
         } catch (std::exception const& error) {
-            lv2_log_error(&logger, "orvanverb: the built-in ears stay: %s\n", error.what());
+            lv2_log_error(&logger, "orvanverb: %s: %s\n", what, error.what());
         }
-        std::free(absolute);
-    }
+        Release(features, absolute);
+    };
+    restoreFile(urids->ears, "the built-in ears stay", [&](std::string const& path) { room->LoadEars(path); });
+    speakersPath.clear();
+    restoreFile(urids->speakers, "the loudspeakers stay where they are", [&](std::string const& path) {
+        SpeakersFile file = ReadSpeakers(path, variant.outputs.size());
+        PlaceSpeakers(file.positions);
+        speakersPath = std::move(file.path);
+    });
     if (active && !configured) Configure();
-    tellEars = true;
+    tellFiles = true;
     for (unsigned int i = 0; i < variant.numSources; ++i) {
         const Lume::CartesianVector p = room->SourcePosition(i);
         const double degrees = 180.0 / 3.14159265358979323846;

@@ -10,10 +10,12 @@
 
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "lv2/fade.h"
+#include "lv2/speakers_file.h"
 #include "lv2/variants.h"
 #include "room/room.h"
 
@@ -24,7 +26,7 @@ struct Urids {
     explicit Urids(LV2_URID_Map& map);
 
     LV2_URID atomPath, atomString, atomUrid, patchGet, patchSet, patchProperty, patchValue;
-    LV2_URID ears, state;  // of this plug-in
+    LV2_URID ears, speakers, state;  // of this plug-in
     LV2_URID maxBlockLength, minBlockLength, atomInt;
 };
 
@@ -50,6 +52,12 @@ public:
                              LV2_Feature const* const* features);
 
 private:
+    /// What the worker made of a file; on its way back what is to be deleted.
+    struct Loaded {
+        LV2_URID none;  // 0, where a request has its property
+        Lume::Ears* ears;
+        SpeakersFile* speakers;
+    };
     struct Source {
         float azimuthDeg, elevationDeg, distance;
         Fade fade;
@@ -59,7 +67,11 @@ private:
     void Renew(Lume::RoomState const& state);
     float const* Value(std::size_t port) const { return static_cast<float const*>(data[port]); }
     void ReadEvents();
-    void TellEars();
+    void TellFiles();
+    void Tell(LV2_URID property, char const* path);
+    void ScheduleFile(LV2_URID key, LV2_Atom const& path);
+    /// Loudspeakers in the order of the outputs to where the engine has them.
+    bool PlaceSpeakers(std::span<Lume::CartesianVector const> positions);
     void ReadPorts();
     void ReadSource(unsigned int source, float azimuthDeg, float elevationDeg, float distance);
     void Process(std::size_t begin, std::size_t count);
@@ -88,8 +100,9 @@ private:
     std::vector<float const*> roomInputs;
     std::vector<float*> roomOutputs;
     std::vector<float> peaks;
-    bool tellEars = false;
-    std::mutex besideAudio;  // ears are prepared while the room isn't configured anew; Run never takes it
+    bool tellFiles = false;
+    std::string speakersPath;  // empty: nobody named a file
+    std::mutex besideAudio;    // ears are prepared while the room isn't configured anew; Run never takes it
 };
 
 }  // namespace lv2

@@ -207,13 +207,13 @@ std::string PluginText(Variant const& variant) {
          << "\tdoap:name \"" << variant.name << "\" ;\n"
          << "\tdoap:license <https://spdx.org/licenses/MIT> ;\n"
          << "\tdoap:shortdesc \"Sources at places in a room\" ;\n"
-         << "\tlv2:minorVersion 2 ; lv2:microVersion 0 ;\n"
+         << "\tlv2:minorVersion 2 ; lv2:microVersion 2 ;\n"
          << "\tlv2:requiredFeature urid:map ;\n"
          << "\tlv2:optionalFeature lv2:hardRTCapable , opts:options , work:schedule , bufsz:boundedBlockLength , "
             "bufsz:fixedBlockLength , state:mapPath , state:freePath ;\n"
          << "\topts:supportedOption bufsz:minBlockLength , bufsz:maxBlockLength ;\n"
          << "\tlv2:extensionData work:interface , state:interface ;\n"
-         << "\tpatch:writable ov:ears ;\n"
+         << "\tpatch:writable " << (variant.IsHeadphones() ? "ov:ears" : "ov:speakers") << " ;\n"
          << "\tpg:mainInput ov:" << variant.symbol << "-in ; pg:mainOutput ov:" << variant.symbol << "-out ;\n"
          << "\tlv2:port ";
     const std::vector<Port> ports = lv2::PortsOf(variant);
@@ -245,6 +245,9 @@ std::string SharedText() {
              << "\" .\n";
     text << "\nov:ears\n\ta lv2:Parameter ;\n\trdfs:label \"Ears\" ;\n"
          << "\trdfs:comment \"A set of filters for headphones, .hrtf or .coll\" ;\n\trdfs:range atom:Path .\n\n"
+         << "ov:speakers\n\ta lv2:Parameter ;\n\trdfs:label \"Loudspeakers\" ;\n"
+         << "\trdfs:comment \"A file of places: azimuth, elevation and distance of an output a line\" ;\n"
+         << "\trdfs:range atom:Path .\n\n"
          << "ov:state\n\ta rdf:Property , owl:DatatypeProperty ;\n\trdfs:label \"State of the room\" ;\n"
          << "\trdfs:domain state:State ;\n\trdfs:range xsd:string .\n\n";
     return text.str();
