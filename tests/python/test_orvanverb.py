@@ -50,21 +50,28 @@ def test_impulse_responses_are_what_process_answers(speakers):
     numpy.testing.assert_allclose(played[:, 128:], 0.5 * responses[1, :, :-128], atol=1e-4)
 
 
-@pytest.mark.parametrize("speakers", ["headphones", 6])
-def test_render_is_the_programs(speakers, tmp_path):
-    """The same samples from the same state, to the last bit, also with sixteen channels."""
-    room = furnished(speakers, internals=16)
-    x = noise(2, 9600)
+def rendered(room, x, tail, tmp_path):
+    """What the program makes of a recording and the room's state."""
     header = b".snd" + b"".join(n.to_bytes(4, "big") for n in (24, x.nbytes, 6, 48000, 2))  # AU, float
     (tmp_path / "in.au").write_bytes(header + x.T.astype(">f4").tobytes())
     (tmp_path / "room.state").write_text(room._room.state())
     subprocess.run([PROGRAM, "render", tmp_path / "in.au", "-o", tmp_path / "out.wav", "--state", tmp_path / "room.state",
-                    "--speakers", str(room.outputs), "--set", "numinternals=16", "--tail", "0.1", "--format", "float"],
-                   check=True, capture_output=True)
+                    "--speakers", str(room.outputs), "--set", f"numinternals={room.internals}", "--tail", tail,
+                    "--format", "float"], check=True, capture_output=True)
     data = (tmp_path / "out.wav").read_bytes()
     start = data.index(b"data") + 8
-    rendered = numpy.frombuffer(data[start:start + 4 * room.outputs * 14400], "<f4").reshape(-1, room.outputs).T
-    numpy.testing.assert_array_equal(room.render(x, tail=0.1), rendered)
+    length = int.from_bytes(data[start - 4:start], "little")
+    return numpy.frombuffer(data[start:start + length], "<f4").reshape(-1, room.outputs).T
+
+
+@pytest.mark.parametrize("speakers, frames, tail", [("headphones", 9600, 0.1), (6, 9600, 0.1), (6, 9637, "auto"),
+                                                    ("headphones", 64, "auto")])
+def test_render_is_the_programs(speakers, frames, tail, tmp_path):
+    """The same samples, and as many, from the same state, to the last bit, also with sixteen channels."""
+    room = furnished(speakers, internals=16)
+    room.decay_s = 0.4
+    x = noise(2, frames)
+    numpy.testing.assert_array_equal(room.render(x, tail=tail), rendered(room, x, str(tail), tmp_path))
 
 
 def test_streaming_remembers():
@@ -156,6 +163,31 @@ def test_batches_give_the_same_bytes_however_they_run(tmp_path):
     assert labels["azimuth"] == 40 and labels["room"]["tr0"] == 0.5
 
 
+def test_a_killed_worker_costs_nothing_but_time(tmp_path):
+    """Rooms go through Dask by pickle; those of a worker that dies are made again by another one."""
+    distributed = pytest.importorskip("distributed")
+    rooms = list(batch.random_rooms(24, 3))
+    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None) as cluster:
+        with distributed.Client(cluster) as client:
+            room = furnished(6)
+            x = noise(2, 640)
+            there = client.submit(lambda room, x: room.process(x), room, x, pure=False).result()
+            numpy.testing.assert_array_equal(there, room.process(x))
+
+            def kill():
+                while len(list((tmp_path / "killed").glob("*.npz"))) < 3:
+                    time.sleep(0.02)
+                os.kill(next(iter(cluster.workers.values())).pid, signal.SIGKILL)
+
+            killer = threading.Thread(target=kill)
+            killer.start()
+            assert batch.run(rooms, tmp_path / "killed", client=client) == {}
+            killer.join()
+    batch.run(rooms, tmp_path / "whole", workers=2)
+    killed = {name: data for name, data in files(tmp_path / "killed").items() if not name.endswith(".part")}
+    assert killed == files(tmp_path / "whole") and len(killed) == 25
+
+
 def test_a_killed_run_goes_on(tmp_path):
     words = [sys.executable, "-m", "orvanverb.batch", "random:24:3", "--out", str(tmp_path / "killed"), "--workers", "2"]
     run = subprocess.Popen(words, start_new_session=True, stderr=subprocess.DEVNULL)
@@ -184,3 +216,21 @@ def test_stubs_are_current():
     import make_python_stub
 
     assert (top / "bindings/python/orvanverb/__init__.pyi").read_text() == make_python_stub.stub()
+
+
+def test_a_type_checker_knows_the_package(tmp_path):
+    """The controls have no definitions that it could read: only the stubs tell."""
+    pytest.importorskip("mypy")
+    (tmp_path / "user.py").write_text("""import orvanverb
+room = orvanverb.Room(sources=2)
+room.decay_s = 1.5
+room.early.gain_db = -3
+x = room.render([[0.0]], tail=0.5)
+room.decay = 1
+room.place("a", 3)
+""")
+    run = subprocess.run([sys.executable, "-m", "mypy", "--no-incremental", "--cache-dir", os.devnull, "user.py"],
+                         cwd=tmp_path, capture_output=True, text=True,
+                         env={**os.environ, "MYPYPATH": str(pathlib.Path(orvanverb.__file__).parents[1])})
+    wrong = [line for line in run.stdout.splitlines() if "error:" in line]
+    assert len(wrong) == 2 and "user.py:6" in wrong[0] and "user.py:7" in wrong[1], run.stdout + run.stderr

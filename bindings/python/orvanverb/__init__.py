@@ -224,18 +224,7 @@ class Room:
                 raise ValueError(f"tail: {tail!r} is no number of seconds and not 'auto'")
             length = frames + int(round(tail * self._rate))
             return _padded(other, x, length)
-        pieces = [_padded(other, x, -(-frames // _VECTOR) * _VECTOR)]
-        peak = float(numpy.abs(pieces[0]).max(initial=0.0))
-        quiet, longest, piece = 0, int(120 * self._rate), _VECTOR * 16
-        silence = numpy.zeros((self.sources, piece), numpy.float32)
-        total = 0
-        while quiet < self._rate and total < longest:
-            pieces.append(other.process(silence))
-            level = float(numpy.abs(pieces[-1]).max(initial=0.0))
-            peak = max(peak, level)
-            quiet = quiet + piece if level <= peak * 1e-3 else 0
-            total += piece
-        return numpy.concatenate(pieces, axis=1)
+        return _until_it_has_died_away(other, x, self._rate)
 
     def impulse_responses(self, seconds: float | None = None) -> numpy.ndarray:
         """From each source to each output: (sources, outputs, frames), by default as long as the decay time and a
@@ -322,6 +311,30 @@ def _padded(room: Any, x: numpy.ndarray, length: int) -> numpy.ndarray:
     count = min(frames, x.shape[1])
     padded[:, :count] = x[:, :count]
     return room.process(padded)[:, :length]
+
+
+def _until_it_has_died_away(room: Any, x: numpy.ndarray, rate: float) -> numpy.ndarray:
+    """A recording and its tail, as long as `orvanverb render --tail auto` makes it: it looks at each vector."""
+    frames = x.shape[1]
+    whole = frames // _VECTOR * _VECTOR
+    pieces = [room.process(x[:, :whole])]
+    loudest = numpy.abs(pieces[0]).max(initial=numpy.float32(0))
+    quiet_gain, longest = numpy.float32(0.001), int(round(120 * rate))
+    ahead = numpy.zeros((x.shape[0], 16 * _VECTOR), numpy.float32)
+    ahead[:, :frames - whole] = x[:, whole:]
+    fresh, tail, quiet = frames - whole, 0, 0
+    while True:
+        pieces.append(room.process(ahead))
+        for start in range(0, pieces[-1].shape[1], _VECTOR):
+            of_tail = min(_VECTOR - fresh, longest - tail)
+            level = numpy.abs(pieces[-1][:, start:start + fresh + of_tail]).max()
+            loudest = max(loudest, level)
+            quiet = quiet + of_tail if level <= loudest * quiet_gain else 0
+            tail += of_tail
+            fresh = 0
+            if quiet >= rate or tail == longest:
+                return numpy.concatenate(pieces, axis=1)[:, :frames + tail]
+        ahead[:] = 0
 
 
 def measure(response: Any, rate: float, bands: str = "octave") -> dict[str, Any]:

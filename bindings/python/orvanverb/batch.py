@@ -50,15 +50,13 @@ def random_rooms(number: int, seed: int = 0) -> Iterator[dict[str, Any]]:
 
 
 def read_table(path: str | os.PathLike[str]) -> list[dict[str, Any]]:
-    """Rooms of a CSV file (or Parquet, with pandas), checked: unknown columns and values out of range are named."""
+    """Rooms of a CSV file, checked: unknown columns and values out of range are named."""
     path = pathlib.Path(path)
-    if path.suffix == ".parquet":
-        import pandas
-
-        rows = pandas.read_parquet(path).to_dict("records")
-    else:
-        with path.open(newline="", encoding="utf-8-sig") as file:
-            rows = list(csv.DictReader(file))
+    if path.suffix == ".parquet":  # Debian has no reader of these
+        raise ValueError(f"{path}: tables are CSV files; pandas.read_parquet({path.name!r}).to_csv('rooms.csv', "
+                         "index=False) makes one")
+    with path.open(newline="", encoding="utf-8-sig") as file:
+        rows = list(csv.DictReader(file))
     known = controls()
     rooms, names = [], set()
     for number, row in enumerate(rows, 2):
@@ -204,7 +202,7 @@ def run(rooms: Iterable[Mapping[str, Any]], out: str | os.PathLike[str], client:
 
 def main(words: list[str] | None = None) -> int:
     parser = argparse.ArgumentParser(prog="python3 -m orvanverb.batch", description="Impulse responses of many rooms, with their figures.")
-    parser.add_argument("table", help="CSV or Parquet file, one room a row; or random:NUMBER[:SEED]")
+    parser.add_argument("table", help="CSV file, one room a row; or random:NUMBER[:SEED]")
     parser.add_argument("--out", required=True, help="folder for the NPZ files")
     parser.add_argument("--scheduler", help="address of a Dask scheduler, tcp://...")
     parser.add_argument("--workers", type=int, help="processes on this machine [its processors]")
