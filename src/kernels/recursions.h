@@ -11,29 +11,34 @@ namespace {
 struct ShelfLanes {
     template <typename Jobs, typename GetShelf>
     ShelfLanes(Jobs const& jobs, GetShelf getShelf) noexcept {
+        float const* tapsOf[numLanes];
+        float const* memoryOf[numLanes];
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
             Shelf const& shelf = getShelf(jobs[lane]);
-            b0[lane] = shelf.taps[0];
-            b1[lane] = shelf.taps[1];
-            b2[lane] = shelf.taps[2];
-            a1[lane] = shelf.taps[3];
-            a2[lane] = shelf.taps[4];
+            tapsOf[lane] = shelf.taps;
+            memoryOf[lane] = shelf.memory;
             gain[lane] = shelf.gain;
-            x1[lane] = shelf.memory[0];
-            x2[lane] = shelf.memory[1];
-            y1[lane] = shelf.memory[2];
-            y2[lane] = shelf.memory[3];
         }
+        Lanes taps[4];
+        LoadFrames(taps, tapsOf, 0);
+        b0 = taps[0];
+        b1 = taps[1];
+        b2 = taps[2];
+        a1 = taps[3];
+        a2 = LoadFrame(tapsOf, 4);
+        Lanes memory[4];
+        LoadFrames(memory, memoryOf, 0);
+        x1 = memory[0];
+        x2 = memory[1];
+        y1 = memory[2];
+        y2 = memory[3];
     }
     template <typename Jobs, typename GetShelf>
     void Keep(Jobs const& jobs, GetShelf getShelf) const noexcept {
-        for (std::size_t lane = 0; lane < numLanes; ++lane) {
-            float* const memory = getShelf(jobs[lane]).memory;
-            memory[0] = x1[lane];
-            memory[1] = x2[lane];
-            memory[2] = y1[lane];
-            memory[3] = y2[lane];
-        }
+        float* memoryOf[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) memoryOf[lane] = getShelf(jobs[lane]).memory;
+        Lanes memory[4] = {x1, x2, y1, y2};
+        StoreFrames(memoryOf, 0, memory);
     }
     Lanes operator()(Lanes x) noexcept {
         const Lanes y = b1 * x1 + b2 * x2 + b0 * x - a2 * y2 - a1 * y1;
