@@ -76,14 +76,16 @@ Urids::Urids(LV2_URID_Map& map) {
 RoomPlugin::RoomPlugin(Variant const& newVariant, double newSampleRate, LV2_Feature const* const* features)
     : variant(newVariant), sampleRate(newSampleRate), ports(PortsOf(variant)), wet(true), dry(false) {
     auto* const map = Find<LV2_URID_Map>(features, LV2_URID__map);
-    if (map == nullptr) throw std::runtime_error("the host maps no URIs");
-    urids = std::make_unique<Urids>(*map);
+    if (map != nullptr) {
+        urids = std::make_unique<Urids>(*map);
+        lv2_atom_forge_init(&forge, map);
+    }
     lv2_log_logger_init(&logger, map, Find<LV2_Log_Log>(features, LV2_LOG__log));
-    lv2_atom_forge_init(&forge, map);
     schedule = Find<LV2_Worker_Schedule>(features, LV2_WORKER__schedule);
 
     std::int32_t shortest = 0, longest = 0;
-    if (auto const* option = Find<LV2_Options_Option const>(features, LV2_OPTIONS__options)) {
+    auto const* option = Find<LV2_Options_Option const>(features, LV2_OPTIONS__options);
+    if (option != nullptr && urids != nullptr) {
         for (; option->key != 0; ++option) {
             if (option->type != urids->atomInt || option->value == nullptr) continue;
             const auto value = *static_cast<std::int32_t const*>(option->value);
@@ -277,7 +279,7 @@ void RoomPlugin::ReadSource(unsigned int number, float azimuthDeg, float elevati
 void RoomPlugin::ReadEvents() {
     const std::size_t port = variant.numSources + variant.outputs.size();  // PortKind::events
     auto const* const sequence = static_cast<LV2_Atom_Sequence const*>(data[port]);
-    if (sequence == nullptr) return;
+    if (sequence == nullptr || urids == nullptr) return;
     LV2_ATOM_SEQUENCE_FOREACH(sequence, event) {
         if (!lv2_atom_forge_is_object_type(&forge, event->body.type)) continue;
         auto const* const object = reinterpret_cast<LV2_Atom_Object const*>(&event->body);
@@ -307,7 +309,7 @@ void RoomPlugin::ScheduleFile(LV2_URID key, LV2_Atom const& path) {
 void RoomPlugin::TellFiles() {
     const std::size_t port = variant.numSources + variant.outputs.size() + 1;  // PortKind::notify
     auto* const sequence = static_cast<LV2_Atom_Sequence*>(data[port]);
-    if (sequence == nullptr) return;
+    if (sequence == nullptr || urids == nullptr) return;
     const std::uint32_t capacity = sequence->atom.size;
     lv2_atom_forge_set_buffer(&forge, static_cast<std::uint8_t*>(data[port]), capacity);
     LV2_Atom_Forge_Frame frame{};
@@ -391,6 +393,7 @@ LV2_Worker_Status RoomPlugin::WorkResponse(std::uint32_t size, void const* body)
 
 LV2_State_Status RoomPlugin::Save(LV2_State_Store_Function store, LV2_State_Handle handle,
                                   LV2_Feature const* const* features) {
+    if (urids == nullptr) return LV2_STATE_ERR_NO_FEATURE;
     constexpr std::uint32_t flags = LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE;
     Lume::RoomState state = room->SaveState();
     const std::string path = state.ears.path;
@@ -412,6 +415,7 @@ LV2_State_Status RoomPlugin::Save(LV2_State_Store_Function store, LV2_State_Hand
 
 LV2_State_Status RoomPlugin::Restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle,
                                      LV2_Feature const* const* features) {
+    if (urids == nullptr) return LV2_STATE_ERR_NO_FEATURE;
     const std::lock_guard lock(besideAudio);
     const auto text = [&](LV2_URID key) {
         std::size_t size = 0;

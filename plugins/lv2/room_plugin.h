@@ -36,7 +36,8 @@ struct Urids {
 /// else while the plug-in doesn't run.
 class RoomPlugin {
 public:
-    /// @throws std::exception if the host lacks what the plug-in needs
+    /// A host without numbers for URIs gets a plug-in with ports alone: no files, no state.
+    /// @throws std::exception if there is no memory
     RoomPlugin(Variant const& variant, double sampleRate, LV2_Feature const* const* features);
 
     void Connect(std::uint32_t port, void* data);
@@ -81,7 +82,7 @@ private:
     double sampleRate;
     LV2_Log_Logger logger{};
     LV2_Worker_Schedule* schedule = nullptr;
-    std::unique_ptr<Urids> urids;
+    std::unique_ptr<Urids> urids;  // null if the host has none
     LV2_Atom_Forge forge{};
     std::size_t blockLength = 0;  // the longest that the host announced [samples]
     bool steadyBlocks = false;    // all blocks have that length

@@ -89,7 +89,9 @@ float StandardAzimuthDeg(Variant const& variant, unsigned int source) {
     std::vector<Lume::CartesianVector> positions;
     Lume::Speakers::GetDefaultForChannels(positions, variant.numSources);
     Lume::CartesianVector const& p = positions[source];
-    return static_cast<float>(std::round(static_cast<double>(std::atan2(p.x, p.y)) * 1800.0 / std::numbers::pi) / 10.0);
+    return static_cast<float>(std::round(static_cast<double>(std::atan2(p.x, p.y)) * 1800.0 / std::numbers::pi) /
+                              10.0) +
+           0.0f;  // no -0: hosts show its sign
 }
 
 }  // namespace lv2

@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# Plays noise through the plug-ins by a host of others, and fails if a sample differs from what the program renders,
+# later by the 63 samples of latency that a host without fixed blocks gets. The host gives no features at all.
+# Usage: lv2apply.sh BUNDLE PROGRAM
+set -euo pipefail
+bundle=$1 program=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export LV2_PATH=$(dirname "$bundle")
+python3 - "$work/in.wav" <<'NOISE'
+import random, struct, sys
+random.seed(1)
+samples = [random.uniform(-0.2, 0.2) for _ in range(24000)] + [0.0] * 24000
+data = struct.pack(f"<{len(samples)}f", *samples)
+header = struct.pack("<4sI4s4sIHHIIHH4sI", b"RIFF", 36 + len(data), b"WAVE", b"fmt ", 16, 3, 1, 48000, 192000, 4, 32,
+                     b"data", len(data))
+open(sys.argv[1], "wb").write(header + data)
+NOISE
+# Variant, loudspeakers, and which channel of the program's file each output is.
+for case in "mono-headphones 2 0,1" "mono-ring6 6 0,1,2,3,4,5" "mono-5.0 5 0,2,1,3,4"; do
+    read -r variant speakers channels <<<"$case"
+    lv2apply -i "$work/in.wav" -o "$work/played.wav" "urn:orvanverb:lv2:$variant"
+    "$program" render "$work/in.wav" -o "$work/rendered.wav" --speakers "$speakers" --tail 0 --format float --force 2>/dev/null
+    python3 - "$work/played.wav" "$work/rendered.wav" "$channels" "$variant" <<'COMPARE'
+import array, struct, sys
+def read(path):
+    data = open(path, "rb").read()
+    at = 12
+    while data[at:at + 4] != b"data":
+        if data[at:at + 4] == b"fmt ":
+            channels = struct.unpack("<H", data[at + 10:at + 12])[0]
+        at += 8 + struct.unpack("<I", data[at + 4:at + 8])[0]
+    size = struct.unpack("<I", data[at + 4:at + 8])[0]
+    samples = array.array("f", data[at + 8:at + 8 + size])
+    return [samples[channel::channels] for channel in range(channels)]
+played, rendered = read(sys.argv[1]), read(sys.argv[2])
+latency = 63
+assert max(played[0]) > 0.01
+for output, channel in enumerate(map(int, sys.argv[3].split(","))):
+    length = len(played[output]) - latency
+    assert played[output][latency:] == rendered[channel][:length], (sys.argv[4], output)
+COMPARE
+done
