@@ -185,6 +185,7 @@
 #include "room/steady_vectors.h"
 
 // decoders
+#include "decoders/ambisonic/all_rad_decoder.h"
 #include "decoders/ambisonic/ambisonic_decoder.h"
 #include "decoders/ambisonic/ambisonic_reorder.h"
 #include "decoders/ambisonic/ambisonic_rotation.h"

@@ -82,7 +82,10 @@ void AddDecodeCommand(CLI::App& app, Call& call) {
     command->add_option("--sorting", words->sorting, "IncreasingDegrees (ACN) or AlternateDegrees")
         ->type_name("NAME")
         ->take_last();
-    command->add_option("--hoa-method", decode.hoaMethod, "pseudoinverse or projection")
+    command
+        ->add_option("--hoa-method", decode.hoaMethod,
+                     "pseudoinverse, projection, or for irregular layouts in space allrad [pseudoinverse,\n"
+                     "allrad where the loudspeakers don't suit it]")
         ->type_name("NAME")
         ->take_last();
     command->add_option("--weights", decode.weights, "basic, inphase, maxre, basicmaxre or maxreinphase")

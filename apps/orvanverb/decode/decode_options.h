@@ -14,7 +14,7 @@ struct DecodeOptions : Options {
     std::optional<unsigned int> outputs;    // of a type without loudspeakers
     std::optional<std::string> convention;  // "SN3D" and the like
     std::optional<std::string> sorting;
-    std::string hoaMethod = "pseudoinverse";  // of the ambisonic types
+    std::string hoaMethod;  // of the ambisonic types; empty: pseudoinverse, allrad where that doesn't suit
     std::string weights = "basic";
     std::optional<float> crossoverHz;
     bool fuma = false;                   // the input has the channels of FuMa

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numeric>
 
+#include "decoders/ambisonic/all_rad_decoder.h"
 #include "decoders/ambisonic/ambisonic_reorder.h"
 #include "decoders/binaural/hoa_binaural_decoder.h"
 #include "dsp/constants.h"
@@ -30,6 +31,8 @@ using Decoder = Lume::Decoder;
 constexpr double settleSeconds = 0.25;  // gains slide for up to 60 ms, delays glide for 50
 
 constexpr char const* fieldTypes[] = {"binaural", "ambix", "fuma"};  // in the order of DecodeSetup::Field
+
+constexpr char const* allRad = "allrad";
 
 /// The row of a type, by its name; that of null for what becomes of a sound field.
 Lume::DecoderKind const& FindDecoder(std::string const& name) {
@@ -109,7 +112,7 @@ DecodeSetup::DecodeSetup(DecodeOptions const& options, unsigned int newNumInputs
     } else {
         channels = Words(kind.type, NumOutputs());
     }
-    CheckCondition();
+    CheckCondition(options);
     SetUpTransaural(options);
 }
 
@@ -121,7 +124,7 @@ DecodeSetup::Field DecodeSetup::FieldOf(std::string const& type) {
 
 void DecodeSetup::SetUpField(DecodeOptions const& options, int samplerate) {
     if (options.speakers || options.outputs || options.filters || options.subType != "null" || options.crossoverHz ||
-        options.weights != "basic" || options.hoaMethod != "pseudoinverse")
+        options.weights != "basic" || !options.hoaMethod.empty())
         throw UsageError("--type " + options.type + ": has no loudspeakers, networks or weights to choose");
     if (options.hrtf && field != Field::ears) throw UsageError("--hrtf: is for the type binaural");
     soundField = std::make_unique<SoundField>(options, numInputs);
@@ -184,7 +187,7 @@ void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
         throw UsageError("--ambix: is for hoa3d, binaural, ambix and fuma");
     if (hoa == nullptr) {
         if (options.convention || options.sorting || options.crossoverHz || options.weights != "basic" ||
-            options.hoaMethod != "pseudoinverse")
+            !options.hoaMethod.empty())
             throw UsageError("--convention, --sorting, --hoa-method, --weights, --crossover: are for hoa2d and hoa3d");
         return;
     }
@@ -195,21 +198,43 @@ void DecodeSetup::SetUpHarmonics(DecodeOptions const& options) {
         throw UsageError("--convention: " + options.type + " has no " + convention);
     hoa->SetDecodingConvention(Lume::HOADecoder::GetHOADecodingConvention(convention.c_str()));
     if (!soundField) hoa->SetSphericalHarmonicsSorting(options.sorting.value_or("IncreasingDegrees").c_str());
-    hoa->SetDecoderMethod(FindByName<Lume::HOADecoder::HOADecoderMethod>("--hoa-method", options.hoaMethod, 2,
+    const std::string method =
+        options.hoaMethod.empty() || options.hoaMethod == allRad ? "pseudoinverse" : options.hoaMethod;
+    hoa->SetDecoderMethod(FindByName<Lume::HOADecoder::HOADecoderMethod>("--hoa-method", method, 2,
                                                                          Lume::HOADecoder::GetHOADecoderMethodName));
     hoa->SetDecoderType(FindByName<Lume::HOADecoder::HOADecoderType>("--weights", options.weights, 5,
                                                                      Lume::HOADecoder::GetHOADecoderTypeName));
     if (options.crossoverHz) hoa->SetCrossover(*options.crossoverHz);
 }
 
-void DecodeSetup::CheckCondition() {
+void DecodeSetup::CheckCondition(DecodeOptions const& options) {
     if (hoa == nullptr) return;
     Lume::HOADecoder::HOADecoderInfos infos;
     hoa->GetDecoderInfos(infos);
-    if (!(infos.conditionNumber <= Lume::HOADecoder::DecoderConditionningThreshold))
+    const bool suits = infos.conditionNumber <= Lume::HOADecoder::DecoderConditionningThreshold;
+    const bool mayChoose =
+        kind.type == Decoder::hoa3d && options.hoaMethod.empty() && options.weights == "basic" && !options.matrix;
+    if (options.hoaMethod == allRad || (!suits && mayChoose)) {
+        if (!suits && mayChoose)
+            remark = "--hoa-method allrad is taken, as these loudspeakers don't suit the order's inversion (" +
+                     FixedText(infos.conditionNumber, 1) + " dB)";
+        UseAllRad(options);
+    } else if (!suits) {
         warnings.push_back("the loudspeakers don't suit this order: a condition number of " +
                            FixedText(infos.conditionNumber, 1) +
-                           " dB; a lower order, more or more even loudspeakers are better");
+                           " dB; --hoa-method allrad, a lower order, more or more even loudspeakers are better");
+    }
+}
+
+void DecodeSetup::UseAllRad(DecodeOptions const& options) {
+    if (kind.type != Decoder::hoa3d || options.weights != "basic" || options.crossoverHz || options.matrix)
+        throw UsageError("--hoa-method allrad: is for hoa3d, and has its own weights and no --matrix");
+    if (!soundField) soundField = std::make_unique<SoundField>(options, numInputs);
+    std::vector<Lume::CartesianVector> positions = layout.positions;
+    for (Lume::CartesianVector& p : positions) p = ToAmbixAxes(p);
+    hoa = nullptr;
+    decoder = std::make_unique<Lume::AllRadDecoder>(numInputs, NumOutputs());
+    decoder->SetLoudspeakerPositions(positions.data());
 }
 
 void DecodeSetup::SetUpTransaural(DecodeOptions const& options) {

@@ -57,7 +57,8 @@ private:
     void SetUpField(DecodeOptions const& options, int samplerate);
     void ChooseOutputs(DecodeOptions const& options);
     void SetUpHarmonics(DecodeOptions const& options);
-    void CheckCondition();
+    void CheckCondition(DecodeOptions const& options);
+    void UseAllRad(DecodeOptions const& options);
     void SetUpTransaural(DecodeOptions const& options);
 
     Field field;
