@@ -31,8 +31,8 @@ constexpr char const* footer =
 
 struct Words {
     program::CommonWords common;
-    std::string audio = "jack", osc, adm, preset, settings, http, inputs;
-    std::vector<std::string> connect, set;
+    std::string audio = "jack", osc, adm, http, inputs;
+    std::vector<std::string> connect;
 };
 
 int ParsePort(std::string const& option, std::string const& word) {
@@ -66,34 +66,6 @@ void TakeConnections(std::vector<std::string> const& words, LiveOptions& options
         else
             throw UsageError("--connect: '" + word + "' is neither in=PREFIX nor out=PREFIX");
     }
-}
-
-void TakeSettings(std::vector<std::string> const& words, program::Options& options) {
-    for (std::string const& word : words) {
-        const std::size_t equals = word.find('=');
-        if (equals == std::string::npos || equals == 0) throw UsageError("--set: '" + word + "' is no NAME=VALUE");
-        options.settings.push_back({word.substr(0, equals), program::SplitWords(word.substr(equals + 1), ",")});
-    }
-}
-
-void AddRoomOptions(CLI::App& app, program::Options& room, Words& words) {
-    app.add_option("--speakers", room.speakers,
-                   "Loudspeakers: a count from 2 to 64 (2 is headphones), or a file with one\n"
-                   "AZIMUTH [ELEVATION [DISTANCE]] a line [2]")
-        ->type_name("COUNT|FILE")
-        ->take_last();
-    program::AddEars(app, room);
-    program::AddPlaces(app, room, words.common);
-    app.add_option("--preset", words.preset, "A room: a name that `orvanverb presets` lists, or a file")
-        ->type_name("NAME|FILE")
-        ->take_last();
-    app.add_option("--set", words.set, "Set a control of the room, over the preset; may be repeated")
-        ->type_name("NAME=VALUE")
-        ->allow_extra_args(false);
-    app.add_option("--state", room.state, "Begin with a saved state of the room")->type_name("FILE")->take_last();
-    app.add_option("--vector", words.common.vector, "Samples of one run of the engine, a power of two from 16 on [64]")
-        ->type_name("COUNT")
-        ->take_last();
 }
 
 void AddAudioOptions(CLI::App& app, LiveOptions& options, Words& words) {
@@ -141,9 +113,7 @@ void AddControlOptions(CLI::App& app, LiveOptions& options, Words& words) {
 void TakeMeaning(Words const& words, LiveOptions& options) {
     TakeAudio(words.audio, options);
     TakeConnections(words.connect, options);
-    TakeSettings(words.set, options.room);
     program::TakeCommonMeaning(words.common, options.room);
-    if (!words.preset.empty()) options.room.preset = words.preset;
     if (!words.osc.empty()) options.osc.own = ParsePortOrOff("--osc", words.osc);
     if (!words.adm.empty()) options.osc.adm = ParsePortOrOff("--adm", words.adm);
     if (!words.http.empty()) options.http = ParsePort("--http", words.http);
@@ -176,7 +146,8 @@ std::optional<LiveOptions> ParseLiveOptions(int argc, char const* const* argv) {
     app.get_formatter()->column_width(36);
     app.footer(footer);
     AddAudioOptions(app, options, words);
-    AddRoomOptions(app, options.room, words);
+    program::AddRoom(app, options.room, words.common);
+    program::AddVector(app, words.common);
     AddControlOptions(app, options, words);
     try {
         app.parse(argc, argv);

@@ -31,13 +31,14 @@ void Run(LiveOptions const& options) {
     if (options.fromFile) recording.emplace(options.room.inputs, options.room.rate, std::nullopt);
     program::RoomSetup setup(options.room, recording ? recording->NumChannels() : options.numInputs,
                              recording ? recording->Samplerate() : JackRate(options.name));
+    if (!setup.form.remark.empty()) program::Say(setup.form.remark);
     SceneTrack scene;
     if (options.room.scene) scene = SceneTrack(*options.room.scene, *setup.MakeRoom());
 
     Desk desk(setup.MakeRoom(), setup.VectorSize(), std::move(scene));
     const OscServer osc(desk, options.osc);
     std::optional<PageServer> page;
-    if (options.http) page.emplace(desk, setup.form.layout, PagePorts{options.osc.bind, *options.http, options.token});
+    if (options.http) page.emplace(desk, setup.form, PagePorts{options.osc.bind, *options.http, options.token});
 
     if (options.fromFile) {
         FileAudio audio;
@@ -47,7 +48,7 @@ void Run(LiveOptions const& options) {
         audio.repeats = !options.once && !options.freeRunning;
         audio.vectorSize = setup.VectorSize();
         if (audio.repeats) program::Say("playing " + options.room.inputs[0] + " again and again; Ctrl-C ends it");
-        PlayFile(audio, *recording, options.room.inputs, setup.form.layout, desk, stop);
+        PlayFile(audio, *recording, options.room.inputs, setup.form, desk, stop);
     } else {
         PlayJack({options.name, options.connectIn, options.connectOut, options.record, setup.form.layout}, desk, stop);
     }

@@ -74,11 +74,12 @@ private:
 }  // namespace
 
 void PlayFile(FileAudio const& audio, program::InputBank& recording, std::vector<std::string> const& inputs,
-              program::SpeakerLayout const& layout, Desk& desk, StopSignal const& stop) {
+              program::RoomForm const& form, Desk& desk, StopSignal const& stop) {
     const int rate = recording.Samplerate();
     const auto begin = Clock::now();
     Endless source(recording, inputs, audio.repeats, stop);
-    const auto numChannels = static_cast<unsigned int>(layout.positions.size());
+    program::SpeakerLayout const& layout = form.layout;
+    const unsigned int numChannels = layout.NumFileChannels();
     program::AudioOutput output(audio.output, audio.format, rate, numChannels, layout.channelMask);
     program::PeakMeter meter(numChannels);
     Player& player = desk.Attach(rate, audio.vectorSize);
@@ -89,7 +90,7 @@ void PlayFile(FileAudio const& audio, program::InputBank& recording, std::vector
     streaming.samplerate = rate;
     streaming.vectorSize = audio.vectorSize;
     streaming.numInputs = desk.NumSources();
-    streaming.numOutputs = numChannels;
+    streaming.numOutputs = desk.NumOutputs();
     streaming.fileOrder = layout.fileOrder;
     streaming.tail = audio.tail;
     streaming.prepare = [&](std::uint64_t beforeFrame) {
@@ -100,8 +101,7 @@ void PlayFile(FileAudio const& audio, program::InputBank& recording, std::vector
     output.Commit();
     desk.Detach();
 
-    const std::vector<std::string> words(numChannels, "output");
-    program::ReportOutput(audio.output, audio.format, output, meter, words, rate,
+    program::ReportOutput(audio.output, audio.format, output, meter, form.ChannelWords(), rate,
                           std::chrono::duration<double>(Clock::now() - begin).count());
 }
 

@@ -7,7 +7,7 @@
 #include "orvanverb/audio/audio_format.h"
 #include "orvanverb/audio/input_bank.h"
 #include "orvanverb/audio/tail.h"
-#include "orvanverb/layout/speaker_layout.h"
+#include "orvanverb/room/room_form.h"
 
 namespace live {
 
@@ -25,6 +25,6 @@ struct FileAudio {
 /// then is written, with its tail.
 /// @throws program::ProgramError
 void PlayFile(FileAudio const& audio, program::InputBank& recording, std::vector<std::string> const& inputs,
-              program::SpeakerLayout const& layout, Desk& desk, StopSignal const& stop);
+              program::RoomForm const& form, Desk& desk, StopSignal const& stop);
 
 }  // namespace live

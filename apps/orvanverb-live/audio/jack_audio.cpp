@@ -45,7 +45,7 @@ public:
         jack_on_shutdown(
             client.get(), [](void* self) { From(self).shutDown = true; }, this);
         Register(inputs, desk.NumSources(), "in_", JackPortIsInput);
-        Register(outputs, static_cast<unsigned int>(options.layout.positions.size()), "out_", JackPortIsOutput);
+        Register(outputs, desk.NumOutputs(), "out_", JackPortIsOutput);
     }
 
     ~JackClient() {

@@ -18,12 +18,11 @@ constexpr unsigned int ringSeconds = 4;  // that a disk may take to come to itse
 
 Recorder::Recorder(std::string const& newPath, int samplerate, program::SpeakerLayout const& layout)
     : path(newPath),
-      numChannels(layout.positions.size()),
+      numOutputs(layout.NumOutputs()),
       capacity(std::bit_ceil(static_cast<std::size_t>(samplerate) * ringSeconds)),
       fileOrder(layout.fileOrder),
-      ring(numChannels * capacity),
-      output(path, program::ChooseFormat({}, path), samplerate, static_cast<unsigned int>(numChannels),
-             layout.channelMask),
+      ring((numOutputs + 1) * capacity),
+      output(path, program::ChooseFormat({}, path), samplerate, layout.NumFileChannels(), layout.channelMask),
       thread([this] { Run(); }) {}
 
 Recorder::~Recorder() {
@@ -38,7 +37,7 @@ void Recorder::Add(float const* const* outputs, std::size_t numSamples) noexcept
         return;
     }
     const std::size_t begin = at % capacity, first = std::min(numSamples, capacity - begin);
-    for (std::size_t c = 0; c < numChannels; ++c) {
+    for (std::size_t c = 0; c < numOutputs; ++c) {
         std::copy_n(outputs[c], first, &ring[c * capacity + begin]);
         std::copy_n(outputs[c] + first, numSamples - first, &ring[c * capacity]);
     }
@@ -46,11 +45,13 @@ void Recorder::Add(float const* const* outputs, std::size_t numSamples) noexcept
 }
 
 void Recorder::WriteWaiting() {
-    std::vector<float const*> channels(numChannels);
+    std::vector<float const*> channels(fileOrder.size());
     for (std::uint64_t at = read; at < written.load(std::memory_order_acquire);) {
         const std::size_t begin = at % capacity;
         const std::size_t count = std::min<std::size_t>(written - at, capacity - begin);
-        for (std::size_t c = 0; c < numChannels; ++c) channels[c] = &ring[fileOrder[c] * capacity + begin];
+        // Behind the outputs stands silence, for channels of the file that nobody plays.
+        for (std::size_t c = 0; c < fileOrder.size(); ++c)
+            channels[c] = &ring[std::min(fileOrder[c], numOutputs) * capacity + begin];
         output.Write(channels.data(), count);
         at += count;
         read.store(at, std::memory_order_release);

@@ -31,9 +31,9 @@ private:
     void WriteWaiting();
 
     std::string path;
-    std::size_t numChannels, capacity;  // frames
+    std::size_t numOutputs, capacity;  // frames
     std::vector<std::size_t> fileOrder;
-    std::vector<float> ring;  // channel after channel
+    std::vector<float> ring;  // output after output, and silence
     std::atomic<std::uint64_t> written = 0, read = 0, lost = 0;
     program::AudioOutput output;
     std::string failure;

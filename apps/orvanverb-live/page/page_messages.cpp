@@ -127,7 +127,7 @@ std::string SnapshotMessage(Desk const& desk, News const& news, std::vector<Outp
     snapshot["status"] = Status(news.status);
     snapshot["table"] = Json::parse(program::ControlJson());
     snapshot["speakers"] = Speakers(news, outputs);
-    snapshot["headphones"] = !outputs.empty() && !outputs.front().hasPlace;
+    snapshot["headphones"] = !desk.EarsNames().empty();
     snapshot["presets"] = Presets();
     if (const std::vector<std::string> ears = desk.EarsNames(); !ears.empty()) {
         snapshot["ears"] = desk.EarsName();

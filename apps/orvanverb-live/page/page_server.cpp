@@ -113,11 +113,11 @@ private:
 
 class PageServer::Impl {
 public:
-    Impl(Desk& newDesk, program::SpeakerLayout const& layout, PagePorts const& newPorts)
+    Impl(Desk& newDesk, program::RoomForm const& form, PagePorts const& newPorts)
         : desk(newDesk), ports(newPorts), isLocal(IsLoopback(newPorts.bind)) {
-        const bool ears = !desk.EarsNames().empty();
-        for (std::size_t i = 0; i < layout.positions.size(); ++i)
-            outputs.push_back({ears ? (i == 0 ? "left" : "right") : std::to_string(i + 1), !ears});
+        for (unsigned int i = 0; i < desk.NumOutputs(); ++i)
+            outputs.push_back({form.HasEars() ? (i == 0 ? "left" : "right") : std::to_string(i + 1),
+                               !form.HasEars() && !form.layout.positions.empty()});
         if (ports.token.empty()) ports.token = MadeUpToken();
         mg_init_library(0);
         Start();
@@ -229,8 +229,8 @@ private:
     mg_context* context = nullptr;
 };
 
-PageServer::PageServer(Desk& desk, program::SpeakerLayout const& layout, PagePorts const& ports)
-    : impl(std::make_unique<Impl>(desk, layout, ports)) {}
+PageServer::PageServer(Desk& desk, program::RoomForm const& form, PagePorts const& ports)
+    : impl(std::make_unique<Impl>(desk, form, ports)) {}
 
 PageServer::~PageServer() = default;
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "orvanverb-live/room/desk.h"
-#include "orvanverb/layout/speaker_layout.h"
+#include "orvanverb/room/room_form.h"
 
 namespace live {
 
@@ -22,7 +22,7 @@ struct PagePorts {
 class PageServer {
 public:
     /// @throws program::WorkError if it can't listen
-    PageServer(Desk& desk, program::SpeakerLayout const& layout, PagePorts const& ports);
+    PageServer(Desk& desk, program::RoomForm const& form, PagePorts const& ports);
     ~PageServer();
 
 private:

@@ -41,12 +41,13 @@ float LinearGain(float gainDb) {
 Desk::Desk(std::unique_ptr<program::RoomObject> newObject, std::size_t newVectorSize, SceneTrack newScene)
     : object(std::move(newObject)),
       numSources(object->Room().NumSources()),
+      numOutputs(object->Room().NumSpeakers()),
       vectorSize(newVectorSize),
       scene(std::move(newScene)),
       known(object->State()),
       strips(numSources),
       sourceLevels(numSources),
-      outputLevels(object->Room().NumSpeakers()),
+      outputLevels(numOutputs),
       controlChanged(Lume::roomControls.size(), now),
       sourceChanged(numSources, now) {
     if (!known.ears.path.empty()) earsFiles.push_back(known.ears.path);

@@ -91,6 +91,7 @@ public:
     std::string StateText(std::filesystem::path const& folder = {}) const;
     Strip StripOf(unsigned int source) const;
     unsigned int NumSources() const noexcept { return numSources; }
+    unsigned int NumOutputs() const noexcept { return numOutputs; }
     std::vector<std::string> EarsNames() const;
     std::string EarsName() const;
     /// @param seen  0 for everything; later what the last call left there
@@ -130,7 +131,7 @@ private:
     mutable std::mutex mutex;
     mutable std::condition_variable ticked;
     const std::unique_ptr<program::RoomObject> object;
-    const unsigned int numSources;
+    const unsigned int numSources, numOutputs;
     const std::size_t vectorSize;
     const SceneTrack scene;
     std::size_t sceneSeen = 0;   // events that the object knows of

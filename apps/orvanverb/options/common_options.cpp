@@ -6,6 +6,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "engine/room_format.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
@@ -34,6 +35,16 @@ std::vector<Options::SourcePlace> ParseSources(std::vector<std::string> const& w
     return places;
 }
 
+std::vector<Options::Setting> ParseSettings(std::vector<std::string> const& words) {
+    std::vector<Options::Setting> settings;
+    for (std::string const& word : words) {
+        const std::size_t equals = word.find('=');
+        if (equals == std::string::npos || equals == 0) throw UsageError("--set: '" + word + "' is no NAME=VALUE");
+        settings.push_back({word.substr(0, equals), SplitWords(word.substr(equals + 1), ",")});
+    }
+    return settings;
+}
+
 double ParseGap(std::string const& word) {
     constexpr float longest = 3600.0f;
     const std::optional<float> seconds = ParseNumber(word);
@@ -59,8 +70,44 @@ void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, cha
         ->type_name("NAME")
         ->take_last();
     command.add_option("--tail", words.tail, tail)->type_name("SECONDS|auto")->take_last();
+    AddVector(command, words);
+}
+
+void AddVector(CLI::App& command, CommonWords& words) {
     command.add_option("--vector", words.vector, "Samples of one run of the engine, a power of two from 16 on [64]")
         ->type_name("COUNT")
+        ->take_last();
+}
+
+void AddRoom(CLI::App& command, Options& options, CommonWords& words) {
+    std::string methods = "Form of the outputs:";
+    for (Lume::RoomFormat const& format : Lume::roomFormats)
+        methods.append(methods.size() - methods.rfind('\n') > 72 ? "\n" : " ").append(format.name);
+    command.add_option("--method", options.method, methods + "\n[binaural, vbap2d, or vbap with heights]")
+        ->type_name("NAME")
+        ->take_last();
+    command.add_flag("--ambix", options.ambix, "Ambisonics as other tools read it: ACN, SN3D, x ahead");
+    AddOrder(command, words, "Of ambisonic methods [3]");
+    command
+        .add_option("--speakers", options.speakers,
+                    "Loudspeakers: a count from 2 to 64 (2 is headphones), a name as 5.1 7.1.4 22.2\n"
+                    "dome24 (a wrong one shows all), or a file with one AZIMUTH [ELEVATION [DISTANCE]]\n"
+                    "a line [2]")
+        ->type_name("COUNT|NAME|FILE")
+        ->take_last();
+    AddEars(command, options);
+    AddPlaces(command, options, words);
+    command
+        .add_option("--preset", words.preset,
+                    "A room: a name that `orvanverb presets` lists, or a file with one NAME VALUE...\n"
+                    "a line")
+        ->type_name("NAME|FILE")
+        ->take_last();
+    command.add_option("--set", words.settings, "Set a control of the room, over the preset; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    command.add_option("--state", options.state, "Begin with a saved state of the room")
+        ->type_name("FILE")
         ->take_last();
 }
 
@@ -118,6 +165,8 @@ void AddEars(CLI::App& command, Options& options) {
 
 void TakeCommonMeaning(CommonWords const& words, Options& options) {
     options.sources = ParseSources(words.sources);
+    options.settings = ParseSettings(words.settings);
+    if (!words.preset.empty()) options.preset = words.preset;
     if (!words.orientation.empty()) {
         try {
             options.orientation = ParseOrientation(std::span(words.orientation).last(3));

@@ -17,6 +17,8 @@ struct CommonWords {
     std::vector<std::string> sources;      // four to a source
     std::vector<std::string> orientation;  // three
     std::string order;
+    std::string preset;
+    std::vector<std::string> settings;  // NAME=VALUE
     std::string rate, format, tail, inTurn, vector;
 };
 
@@ -32,6 +34,12 @@ void AddInputs(CLI::App& command, Options& options, CommonWords& words);
 
 /// Adds places of sources, where the listener looks, and a scene that moves them.
 void AddPlaces(CLI::App& command, Options& options, CommonWords& words);
+
+/// Adds what the outputs are, what the room is and what is in it.
+void AddRoom(CLI::App& command, Options& options, CommonWords& words);
+
+/// Adds how many samples the engine takes at once.
+void AddVector(CLI::App& command, CommonWords& words);
 
 /// Adds ears of one's own.
 void AddEars(CLI::App& command, Options& options);
