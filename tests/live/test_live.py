@@ -1,0 +1,334 @@
+"""orvanverb-live as people and other programs use it: files, OSC of another make, JACK, and those who mean it ill."""
+
+import contextlib
+import math
+import os
+import pathlib
+import random
+import shutil
+import signal
+import socket
+import struct
+import subprocess
+import time
+
+import liblo
+import numpy
+import pytest
+
+LIVE = os.environ["ORVANVERB_LIVE"]
+OFFLINE = os.environ["ORVANVERB"]
+VOICE = "/usr/share/sounds/alsa/Front_Center.wav"
+OFF = ["--osc", "off", "--adm", "off"]
+
+
+def free_port(kind=socket.SOCK_DGRAM):
+    with socket.socket(socket.AF_INET, kind) as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+def samples(path):
+    """The samples of a file of floats, frames x channels."""
+    data = pathlib.Path(path).read_bytes()
+    place, channels = 12, 0
+    while data[place:place + 4] != b"data":
+        if data[place:place + 4] == b"fmt ":
+            channels = struct.unpack_from("<H", data, place + 10)[0]
+        place += 8 + struct.unpack_from("<I", data, place + 4)[0]
+    size = struct.unpack_from("<I", data, place + 4)[0]
+    return numpy.frombuffer(data, "<f4", size // 4, place + 8).reshape(-1, channels)
+
+
+@contextlib.contextmanager
+def program(folder, *words, audio=None, environment=None):
+    """The program while it plays. Afterwards it has ended by Ctrl-C, in good order."""
+    log = folder / "log.txt"
+    with open(log, "w") as file:
+        process = subprocess.Popen([LIVE, "--audio", audio or f"file:{VOICE}:{folder}/out.wav", "--force", *words],
+                                   stderr=file, env={**os.environ, **(environment or {})})
+    process.log = log
+    try:
+        yield process
+    finally:
+        process.send_signal(signal.SIGINT)
+        status = process.wait(30)
+    assert status == 0, log.read_text()
+
+
+class Client:
+    """Speaks OSC by another library, and hears what is answered."""
+
+    def __init__(self, port, hears=None):
+        self.target = liblo.Address("127.0.0.1", port)
+        self.server = liblo.Server(hears)
+        self.heard = []
+        self.server.add_method(None, None, lambda path, values: self.heard.append((path, values)))
+
+    def send(self, path, *values):
+        self.server.send(self.target, path, *values)
+
+    def ask(self, path, *values, seconds=5):
+        """The first answer. Asks again as long as nobody listens yet."""
+        self.heard.clear()
+        end = time.monotonic() + seconds
+        while not self.heard and time.monotonic() < end:
+            self.send(path, *values)
+            self.server.recv(100)
+        assert self.heard, path
+        return self.heard[0]
+
+
+def test_file_is_render_sample_for_sample(tmp_path):
+    scene = tmp_path / "walk.scene"
+    scene.write_text("source 1 ade 45 2 0\n0.1 source 1 azim -60\n0.3 source 1 azim++ 30\n0.31 speaker 1 ade -40 1 0\n0.7 source 1 dist 3\n")
+    for words in (["--preset", "hall"], ["--speakers", "5.1", "--vector", "128"], ["--ambix", "--order", "1"]):
+        words = [*words, "--scene", str(scene), "--force"]
+        if "--speakers" not in words:
+            scene.write_text("".join(line + "\n" for line in scene.read_text().splitlines() if "speaker" not in line))
+        else:
+            scene.write_text(scene.read_text() + "0.31 speaker 1 ade -40 1 0\n")
+        subprocess.run([OFFLINE, "render", VOICE, "-o", f"{tmp_path}/a.wav", *words], check=True, capture_output=True)
+        subprocess.run([LIVE, "--audio", f"file:{VOICE}:{tmp_path}/b.wav", "--free-running", *words, *OFF], check=True,
+                       capture_output=True)
+        assert (tmp_path / "a.wav").read_bytes() == (tmp_path / "b.wav").read_bytes(), words
+
+
+def test_own_tree(tmp_path):
+    port = free_port()
+    autosave = tmp_path / "end.state"
+    with program(tmp_path, "--osc", str(port), "--adm", "off", "--autosave", str(autosave)) as live:
+        client = Client(port)
+        assert client.ask("/orvanverb/tr0") == ("/orvanverb/tr0", [pytest.approx(1.995)])
+        client.send("/orvanverb/tr0", 2.5)
+        client.send("/orvanverb/reverb", "trl", 1.5)           # a message of the object
+        client.send("/orvanverb/source/1/ade", -30.0, 2.0, 10.0)
+        client.send("/orvanverb/early_{start,end}", 20.0)      # as wide as the pattern
+        client.send("/orvanverb/source/*/gain", -6.0)
+        client.send("/orvanverb/orientation", 20.0, 0.0, 0.0)
+        assert client.ask("/orvanverb/get", "tr0")[1] == [2.5]
+        assert client.ask("/orvanverb/trl")[1] == [1.5]
+        assert client.ask("/orvanverb/source/1/ade")[1] == pytest.approx([-30, 2, 10], abs=1e-3)
+        assert client.ask("/orvanverb/source/1/gain")[1] == [-6.0]
+        assert client.ask("/orvanverb/orientation")[1] == [20.0, 0.0, 0.0]
+        # Positive azimuth is to the right.
+        client.send("/orvanverb/source/1/azim", 45.0)
+        x, y, z = client.ask("/orvanverb/source/1/xyz")[1]
+        assert x > 1 and y > 1 and z > 0
+        path, values = client.ask("/orvanverb/source/9/azim", 10.0)
+        assert path == "/orvanverb/error" and "9" in values[0]
+        client.send("/orvanverb/preset", "hall")
+        assert client.ask("/orvanverb/tr0")[1] == [pytest.approx(2.1)]
+        # Somebody who follows hears what others do, and levels.
+        follower = Client(port)
+        follower.ask("/orvanverb/subscribe", 30)
+        follower.heard.clear()
+        client.send("/orvanverb/fl", 300.0)
+        end = time.monotonic() + 5
+        sounds = lambda: any(path == "/orvanverb/levels/outputs" and max(values) > -60 for path, values in follower.heard)
+        while not (("/orvanverb/fl", [300.0]) in follower.heard and sounds()) and time.monotonic() < end:
+            follower.server.recv(50)
+        assert ("/orvanverb/fl", [300.0]) in follower.heard and sounds()
+        assert live.poll() is None
+    assert "\nfl 300\n" in autosave.read_text()
+    # What was saved is what render plays.
+    subprocess.run([OFFLINE, "render", VOICE, "-o", f"{tmp_path}/again.wav", "--state", str(autosave)], check=True,
+                   capture_output=True)
+
+
+def test_adm(tmp_path):
+    port, answers, own = free_port(), 4002, free_port()
+    with program(tmp_path, "--osc", str(own), "--adm", str(port), "--adm-dmax", "10"):
+        client = Client(port, answers)
+        room = Client(own)
+        client.send("/adm/obj/1/dmax", 8.0)
+        for word, told in (("aed", [30.0, 10.0, 0.5]), ("azim", [-120.0]), ("elev", [-20.0]), ("dist", [0.25]),
+                           ("xyz", [-0.5, 0.25, 0.125]), ("x", [0.75]), ("y", [-0.5]), ("z", [0.5]), ("xy", [0.1, 0.2]),
+                           ("w", [20.0]), ("gain", [0.5]), ("mute", [1]), ("name", ["voice"]), ("dref", [0.3]), ("dmax", [6.0])):
+            client.ask(f"/adm/obj/1/{word}")
+            client.send(f"/adm/obj/1/{word}", *told)
+            expected = told if word == "name" else pytest.approx(told, abs=2e-4)
+            for _ in range(3):  # answers to the question before may still come
+                path, values = client.ask(f"/adm/obj/1/{word}")
+            assert (path, values) == (f"/adm/obj/1/{word}", expected), word
+        # Positive azimuth is to the left: in the room x is below 0. Beyond the range is clamped.
+        client.send("/adm/obj/1/aed", 45.0, 0.0, 99.0)
+        for _ in range(3):
+            _, values = room.ask("/orvanverb/source/1/ade")
+        assert values == pytest.approx([-45, 6, 0], abs=1e-3)
+        # A bundle with wildcards, and a head that turns to the left.
+        client.server.send(client.target, liblo.Bundle(liblo.Message("/adm/obj/*/{azim,none}", -90.0),
+                                                       liblo.Message("/adm/lis/ypr", 30.0, 5.0, 0.0)))
+        for _ in range(3):
+            _, values = room.ask("/orvanverb/source/1/azim")
+            _, head = room.ask("/orvanverb/orientation")
+        assert values == pytest.approx([90], abs=1e-3) and head == pytest.approx([-30, 5, 0])
+        client.send("/adm/env/change", "hall")
+        end = time.monotonic() + 5
+        while room.ask("/orvanverb/tr0")[1] != [pytest.approx(2.1)] and time.monotonic() < end:
+            pass
+        assert room.ask("/orvanverb/tr0")[1] == [pytest.approx(2.1)]
+
+
+def test_left_is_left_in_the_sound(tmp_path):
+    """A source at the front left is louder in the left ear, by each front."""
+    port, adm = free_port(), free_port()
+    for path, azimuth, to in (("/orvanverb/source/1/azim", -60.0, port), ("/adm/obj/1/azim", 60.0, adm)):
+        with program(tmp_path, "--osc", str(port), "--adm", str(adm), "--set", "room_gain=-60"):
+            Client(port).ask("/orvanverb/tr0")
+            client = Client(to)
+            client.send(path, azimuth)
+            time.sleep(1.5)
+        left, right = numpy.sum(samples(tmp_path / "out.wav")[24000:] ** 2, axis=0)
+        assert left > 2 * right, path
+
+
+def test_malformed_packets_change_nothing(tmp_path):
+    port, adm = free_port(), free_port()
+    randomly = random.Random(5)
+    with program(tmp_path, "--osc", str(port), "--adm", str(adm)) as live, \
+            socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as sender:
+        client = Client(port)
+        before = client.ask("/orvanverb/source/1/xyz")
+        good = [b"/orvanverb/source/1/xyz\0,fff\0\0\0\0" + struct.pack(">fff", 1, 2, 3),
+                b"#bundle\0" + bytes(8) + struct.pack(">I", 20) + b"/adm/obj/1/x\0\0\0\0,f\0\0" + struct.pack(">f", 0.5)]
+        wrong = [b"", b"/", b"#bundle\0", b"#bundle\0" * 2000, b"/orvanverb/tr0\0\0,f\0\0" + struct.pack(">f", math.nan),
+                 b"/adm/obj/1/azim\0,f\0\0" + struct.pack(">f", math.inf), b"#bundle\0" + bytes(8) + b"\xff\xff\xff\xff",
+                 b"/adm/obj/" + b"*" * 40 + b"/azim\0" + b",f\0\0" + bytes(4), b"/orvanverb/\x1b[31m\0\0\0\0,\0\0\0",
+                 b"/orvanverb/generatexml\0\0,\0\0\0"]
+        for _ in range(3000):
+            packet = bytearray(randomly.choice(good))
+            packet = packet[:randomly.randrange(1, len(packet))]  # always cut
+            if len(packet) > 12 and randomly.random() < 0.5:
+                packet[randomly.randrange(12)] = randomly.randrange(256)
+            wrong.append(bytes(packet))
+        for i, packet in enumerate(wrong):
+            sender.sendto(packet, ("127.0.0.1", port if i % 2 == 0 else adm))
+            if i % 100 == 0:
+                time.sleep(0.01)
+        time.sleep(0.3)
+        assert client.ask("/orvanverb/source/1/xyz") == before
+        assert live.poll() is None
+    assert live.log.read_text().count("OSC:") <= 2
+    assert not pathlib.Path("orvanverb~.maxref.xml").exists()
+
+
+def socket_answer(port, **headers):
+    """The status that a socket of the page opens with; 0 if it is closed without a word."""
+    lines = {"Host": f"localhost:{port}", "Upgrade": "websocket", "Connection": "Upgrade", "Sec-WebSocket-Version": "13",
+             "Sec-WebSocket-Key": "dGhlIHNhbXBsZSBub25jZQ==", **headers}
+    path = lines.pop("path", "/socket")
+    with socket.create_connection(("127.0.0.1", port), 5) as connection:
+        connection.sendall((f"GET {path} HTTP/1.1\r\n" + "".join(f"{k}: {v}\r\n" for k, v in lines.items()) + "\r\n").encode())
+        return int(next(iter(connection.recv(4096).split()[1:]), 0))
+
+
+def await_port(port):
+    end = time.monotonic() + 10
+    while time.monotonic() < end:
+        with contextlib.suppress(OSError), socket.create_connection(("127.0.0.1", port), 1):
+            return
+        time.sleep(0.05)
+
+
+def test_page_is_for_nobody_else(tmp_path):
+    port = free_port(socket.SOCK_STREAM)
+    with program(tmp_path, *OFF, "--http", str(port)):
+        await_port(port)
+        assert socket_answer(port) == 101
+        assert socket_answer(port, Origin=f"http://localhost:{port}") == 101
+        assert socket_answer(port, Origin="http://evil.example") == 0
+        assert socket_answer(port, Origin="http://evil.example", Host="evil.example") == 0
+        # At this machine's loopback alone.
+        others = subprocess.run(["ss", "-tuln"], capture_output=True, text=True).stdout if shutil.which("ss") else ""
+        assert f"0.0.0.0:{port}" not in others and f"*:{port}" not in others
+    with program(tmp_path, *OFF, "--http", str(port), "--bind", "0.0.0.0", "--token", "secret") as live:
+        await_port(port)
+        assert socket_answer(port) == 0
+        assert socket_answer(port, path="/socket?token=secreT") == 0
+        assert socket_answer(port, path="/socket?token=secret") == 101
+    assert "?token=secret" in live.log.read_text()
+
+
+def test_client_that_does_not_read_is_dropped(tmp_path):
+    port, osc = free_port(socket.SOCK_STREAM), free_port()
+    with program(tmp_path, "--osc", str(osc), "--adm", "off", "--http", str(port)) as live:
+        await_port(port)
+        deaf = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
+        deaf.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
+        deaf.connect(("127.0.0.1", port))
+        deaf.sendall(f"GET /socket HTTP/1.1\r\nHost: localhost:{port}\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+                     "Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n".encode())
+        client = Client(osc)
+        end = time.monotonic() + 3
+        while time.monotonic() < end:  # nobody waits for the deaf one
+            client.send("/orvanverb/source/1/azim", random.uniform(-180, 180))
+            client.ask("/orvanverb/tr0", seconds=1)
+        assert live.poll() is None
+        deaf.close()
+
+
+def test_words(tmp_path):
+    def fails(*words, status):
+        done = subprocess.run([LIVE, *words], capture_output=True, text=True, timeout=20)
+        assert done.returncode == status, done.stderr
+        assert len(done.stderr.splitlines()) == 1, done.stderr
+        return done.stderr
+
+    assert "file:IN:OUT" in fails("--audio", "alsa", status=2)
+    assert "missing.wav" in fails("--audio", f"file:missing.wav:{tmp_path}/o.wav", status=1)
+    assert "--force" in fails("--audio", f"file:{VOICE}:{__file__}", status=1)
+    assert "--osc" in fails("--osc", "70000", status=2)
+    assert "is no state" in fails("--audio", f"file:{VOICE}:{tmp_path}/o.wav", "--autosave", __file__, status=1)
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as taken:
+        taken.bind(("127.0.0.1", 0))
+        port = str(taken.getsockname()[1])
+        assert "--osc off" in fails("--audio", f"file:{VOICE}:{tmp_path}/o.wav", "--osc", port, status=1)
+
+
+@contextlib.contextmanager
+def jack(name, *words):
+    """A server that plays to nobody."""
+    server = subprocess.Popen(["jackd", "-r", "-n", name, "-d", "dummy", "-r", "48000", *words], stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL, env={**os.environ, "JACK_NO_AUDIO_RESERVATION": "1"})
+    environment = {**os.environ, "JACK_DEFAULT_SERVER": name}
+    try:
+        if subprocess.run(["jack_wait", "-w", "-t", "10"], env=environment, capture_output=True).returncode != 0:
+            pytest.skip("jackd can't run here")
+        yield environment
+    finally:
+        server.terminate()
+        server.wait(20)
+
+
+@pytest.mark.skipif(shutil.which("jackd") is None, reason="there is no jackd")
+def test_jack_waits_for_its_server_and_keeps_the_room(tmp_path):
+    osc = free_port()
+    name = f"orvan{os.getpid()}"
+    words = ["--osc", str(osc), "--adm", "off", "--record", f"{tmp_path}/record.wav", "--autosave", f"{tmp_path}/end.state"]
+    with contextlib.ExitStack() as end:
+        live = None
+        with jack(name, "-p", "256") as environment:
+            live = end.enter_context(program(tmp_path, *words, audio="jack", environment=environment))
+            client = Client(osc)
+            client.ask("/orvanverb/tr0")
+            client.send("/orvanverb/source/1/azim", 33.0)
+            ports = ""
+            until = time.monotonic() + 10
+            while "orvanverb:out_2" not in ports and time.monotonic() < until:
+                ports = subprocess.run(["jack_lsp"], env=environment, capture_output=True, text=True).stdout
+                time.sleep(0.1)
+            assert {"orvanverb:in_1", "orvanverb:out_1", "orvanverb:out_2"} <= set(ports.split())
+            time.sleep(1)
+        with jack(name, "-p", "128") as environment:  # another one, with other blocks
+            ports = ""
+            until = time.monotonic() + 15
+            while "orvanverb:out_2" not in ports and time.monotonic() < until:
+                ports = subprocess.run(["jack_lsp"], env=environment, capture_output=True, text=True).stdout
+                time.sleep(0.1)
+            assert "orvanverb:out_2" in ports
+            _, values = client.ask("/orvanverb/source/1/azim")
+            assert values == pytest.approx([33], abs=1e-3)
+            end.close()  # by Ctrl-C
+    assert "JACK has gone away" in live.log.read_text()
+    assert len(samples(tmp_path / "record.wav")) > 20000
