@@ -65,6 +65,10 @@ Lume::Room& HostedRoom::Room() const {
     return orvanverb_room(record);
 }
 
+bool HostedRoom::SetOrientation(float yaw, float pitch, float roll) {
+    return Room().SetOrientation({yaw, pitch, roll});
+}
+
 std::size_t HostedRoom::NumInputs() const {
     return Room().NumSources();
 }

@@ -74,6 +74,9 @@ public:
     /// @param inputs, outputs  one pointer per channel; may be the same arrays, in any order
     void Process(float const* const* inputs, float* const* outputs);
 
+    /// Turns the listener [degrees]. Between two blocks. @return false if an angle is not finite
+    bool SetOrientation(float yaw, float pitch, float roll);
+
 private:
     Lume::Room& Room() const;
     void RemarkOnRanges(std::vector<max::t_atom> const& words);

@@ -92,6 +92,8 @@ void PdRoom::Message(t_symbol const* selectorSymbol, std::span<t_atom const> ato
         SetState(atoms);
     } else if (selector == "hrtf") {
         LoadEars(atoms);
+    } else if (selector == "orientation") {
+        Turn(atoms);
     } else if (selector == "help") {
         Help(atoms);
     } else if (selector == "print") {
@@ -103,6 +105,15 @@ void PdRoom::Message(t_symbol const* selectorSymbol, std::span<t_atom const> ato
     } else {
         room.Send(selector.c_str(), FromPd(atoms));
     }
+}
+
+void PdRoom::Turn(std::span<t_atom const> atoms) {
+    float angles[3] = {};
+    for (std::size_t i = 0; i < std::min(atoms.size(), std::size(angles)); ++i) angles[i] = atom_getfloat(&atoms[i]);
+    const bool areNumbers =
+        std::all_of(atoms.begin(), atoms.end(), [](t_atom const& atom) { return atom.a_type == A_FLOAT; });
+    if (atoms.empty() || !areNumbers || !room.SetOrientation(angles[0], angles[1], angles[2]))
+        Line(max::ConsoleLevel::error, "orientation: expected YAW [PITCH [ROLL]] in degrees");
 }
 
 void PdRoom::Help(std::span<t_atom const> atoms) {

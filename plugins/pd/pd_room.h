@@ -43,6 +43,7 @@ private:
     void SetState(std::span<t_atom const> atoms);
     void LoadEars(std::span<t_atom const> atoms);
     void PollEars();
+    void Turn(std::span<t_atom const> atoms);
     void Help(std::span<t_atom const> atoms);
     /// Sends the value of an attribute out of the right outlet.
     void Get(std::span<t_atom const> atoms);
