@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -13,7 +14,9 @@ public:
     TemporaryFile(std::string const& end, std::string const& content) {
         static int number = 0;
         testing::TestInfo const* const test = testing::UnitTest::GetInstance()->current_test_info();
-        name = testing::TempDir() + test->test_suite_name() + test->name() + std::to_string(number++) + end;
+        // With the process's number, as the same test may run several times at once: with each width of the kernels.
+        name = testing::TempDir() + test->test_suite_name() + test->name() + std::to_string(getpid()) + "_" +
+               std::to_string(number++) + end;
         std::ofstream(name, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
     }
     TemporaryFile(TemporaryFile const&) = delete;
