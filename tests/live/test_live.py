@@ -332,3 +332,38 @@ def test_jack_waits_for_its_server_and_keeps_the_room(tmp_path):
             end.close()  # by Ctrl-C
     assert "JACK has gone away" in live.log.read_text()
     assert len(samples(tmp_path / "record.wav")) > 20000
+
+
+PLAY = """
+import sys, numpy
+sys.path.insert(0, sys.argv[1])
+from jack_loop import play
+numpy.save(sys.argv[3], play(numpy.load(sys.argv[2]), 48000))
+"""
+
+
+@pytest.mark.skipif(shutil.which("jackd") is None, reason="there is no jackd")
+def test_jack_plays_what_render_does(tmp_path):
+    """The direct sound to the last bit; behind it fades and the late field depend on how long the room
+    has run, by some 70 dB below the sound."""
+    block, onset = 256, 850
+    noise = numpy.zeros(48000, "<f4")
+    noise[:24000] = numpy.random.default_rng(1).uniform(-0.5, 0.5, 24000)
+    numpy.save(tmp_path / "noise.npy", noise)
+    data = noise.tobytes()
+    (tmp_path / "noise.wav").write_bytes(b"RIFF" + struct.pack("<I", 36 + len(data)) + b"WAVEfmt " + struct.pack(
+        "<IHHIIHH", 16, 3, 1, 48000, 192000, 4, 32) + b"data" + struct.pack("<I", len(data)) + data)
+    words = ["--preset", "hall", "--source", "1", "-40", "0", "2"]
+    subprocess.run([OFFLINE, "render", str(tmp_path / "noise.wav"), "-o", f"{tmp_path}/want.wav", *words], check=True,
+                   capture_output=True)
+    with jack(f"orvan{os.getpid()}b", "-p", str(block)) as environment, \
+            program(tmp_path, *OFF, *words, audio="jack", environment=environment) as live:
+        end = time.monotonic() + 15
+        while "client orvanverb" not in live.log.read_text() and time.monotonic() < end:
+            time.sleep(0.1)
+        time.sleep(1)
+        subprocess.run([shutil.which("python3", path="/usr/bin"), "-c", PLAY, os.path.dirname(__file__), str(tmp_path / "noise.npy"),
+                        str(tmp_path / "got.npy")], check=True, env=environment, timeout=90)
+    got, want = numpy.load(tmp_path / "got.npy")[block:], samples(tmp_path / "want.wav")
+    assert numpy.array_equal(got[:onset], want[:onset])
+    assert numpy.abs(got - want[:len(got)]).max() < 1e-3 * numpy.abs(want).max()
