@@ -193,3 +193,29 @@ TEST_F(Files, SignalsEndWhatWaits) {
 }
 
 }  // namespace
+
+// Red if renderings at once take each other's parts, or if one without a descriptor to spare leaves half a file.
+TEST(Crowds, ManyRenderingsAtOnceAndNoDescriptorsLeaveWholeFiles) {
+    const TemporaryDirectory directory;
+    WriteSound(directory / "in.wav", MakeTone(440.0, 0.05, 48000));
+    const std::string one = directory / "one.wav", many = directory / "many";
+    const std::string start = ORVANVERB_PROGRAM " render " + (directory / "in.wav") + " --tail 0 --force -o ";
+    const RunResult run = RunCommand({"bash", "-c",
+                                      "for i in $(seq 40); do " + start + one + " & p=\"$p $!\"; " + start + many +
+                                          "$i.wav & p=\"$p $!\"; done; for i in $p; do wait $i || exit 3; done"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(directory.NumFiles(), 42u);
+    for (int i = 1; i <= 40; ++i) EXPECT_EQ(ReadText(many + std::to_string(i) + ".wav"), ReadText(one)) << i;
+
+    const std::string before = ReadText(one);
+    bool failed = false;
+    for (char const* const number : {"4", "5", "6", "7", "8"}) {  // some are taken by whoever runs the test
+        const RunResult scarce = RunProgram({"render", directory / "in.wav", "--tail", "0", "-o", one},
+                                            std::string("exec prlimit --nofile=") + number);
+        failed = failed || scarce.status != 0;
+        EXPECT_EQ(scarce.status == 0, scarce.err.find("dBFS") != std::string::npos) << scarce.err;
+        EXPECT_EQ(ReadText(one), before);
+        EXPECT_EQ(directory.NumFiles(), 42u);
+    }
+    EXPECT_TRUE(failed);
+}
