@@ -16,6 +16,7 @@
 #include "orvanverb/presets/presets_command.h"
 #include "orvanverb/proposal/room_command.h"
 #include "orvanverb/room/render_command_line.h"
+#include "orvanverb/scene/scene_command.h"
 
 namespace program {
 
@@ -23,8 +24,9 @@ namespace {
 
 /// Every command, in the order in which --help shows them.
 constexpr void (*commands[])(CLI::App& app, Call& call) = {
-    AddRenderCommand,  AddImpulseResponseCommand, AddPanCommand,  AddDecodeCommand,  AddHrtfCommand,
-    AddMeasureCommand, AddPresetsCommand,         AddRoomCommand, AddObjectCommands, AddManualCommand,
+    AddRenderCommand, AddImpulseResponseCommand, AddPanCommand,     AddDecodeCommand,
+    AddHrtfCommand,   AddMeasureCommand,         AddPresetsCommand, AddRoomCommand,
+    AddSceneCommand,  AddObjectCommands,         AddManualCommand,
 };
 
 /// True for a word that begins another option, and is no negative number.

@@ -179,6 +179,46 @@ TEST_F(Scenes, AVoiceMoves) {
     EXPECT_EQ(Loudest(0.38, 0.48), 2);
 }
 
+// A movement is what one would write step by step; the short way from 170 to -170 degrees leads over 180.
+TEST_F(Scenes, MovementsGoEvenlyFromNumberToNumber) {
+    std::string steps = "source 1 ade 170 2 0\n";
+    for (int i = 0; i <= 10; ++i)
+        steps += std::to_string(0.1 + 0.02 * i) + " source 1 azim " + std::to_string(170 + 2 * i) + "\n";
+    WriteText(directory / "steps.scene", steps);
+    WriteText(directory / "long.scene", "source 1 ade 170 2 0\n0.1..0.3 source 1 azim 170 -> 190\n");
+    WriteText(directory / "short.scene", "source 1 ade 170 2 0\n0:00.1..0:00.3 source 1 azim 170 ~> -170\n");
+    WriteText(directory / "still.scene", "source 1 ade 170 2 0\n");
+    const std::string expected = Render({"--scene", directory / "steps.scene", "--speakers", "4"});
+    EXPECT_FALSE(expected == Render({"--scene", directory / "still.scene", "--speakers", "4"}));
+    EXPECT_TRUE(expected == Render({"--scene", directory / "long.scene", "--speakers", "4"}));
+    EXPECT_TRUE(expected == Render({"--scene", directory / "short.scene", "--speakers", "4"}));
+}
+
+// Red if a fault hides those behind it, if a movement's end isn't looked at, or if the summary is wrong.
+TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
+    WriteText(directory / "bad.scene",
+              "source 1 ade 0 2 0\n1:70 mute 1\n2..1 source 1 azim 0 -> 3\n1..2 source 1 dance -> 3\n"
+              "3 source 1 azim 0 -> 3\n0..1 early_width 20 -> 300\n9 dance\n");
+    const RunResult bad = RunProgram({"scene", "check", directory / "bad.scene"});
+    EXPECT_EQ(bad.status, 1);
+    const std::string at = directory / "bad.scene";
+    const std::string lines =
+        at + ":2: '1:70' is no time: seconds or m:s are expected, or two with .. between\n" + at +
+        ":3: 2..1: the second time must be the later one\n" + at +
+        ":4: a movement goes from a number to a number, as in 0 -> 90\n" + at +
+        ":5: a movement needs two times, as in 0..16\n" + at +
+        ":6: warn: early_width: 300 is not from 10 to 180 degrees, the nearest is taken (said once)\n" + at +
+        ":7: orvanverb~: doesn't understand \"dance\"\n";
+    EXPECT_EQ(bad.out, lines);
+    WriteText(directory / "good.scene", "0..1:02.5 source 3 azim 0 -> 300\n1 tr0 2\n");
+    const RunResult good = RunProgram({"scene", "check", directory / "good.scene"});
+    EXPECT_EQ(good.status, 0) << good.err;
+    EXPECT_EQ(good.out, (directory / "good.scene") + ": 2 lines with a time, until 1:02.5; 3 sources\n");
+    EXPECT_EQ(RunProgram({"scene", "check", directory / "good.scene", "--sources", "2"}).status, 1);
+    ASSERT_EQ(RunProgram({"scene", "plot", directory / "good.scene", "-o", directory / "plan.svg"}).status, 0);
+    EXPECT_NE(ReadText(directory / "plan.svg").find("source 3"), std::string::npos);
+}
+
 TEST_F(Scenes, WrongLinesAreNamedBeforeAnythingIsRendered) {
     const std::pair<char const*, char const*> cases[] = {
         {"1.5", "a message is expected behind the time"},

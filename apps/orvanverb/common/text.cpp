@@ -16,6 +16,14 @@ std::optional<Number> ParseWhole(std::string_view word) {
     return value;
 }
 
+template <typename Number>
+std::optional<Number> ParseFinite(std::string_view word) {
+    // from_chars takes no plus sign, but people write +30 for "to the right".
+    if (word.size() > 1 && word[0] == '+' && word[1] != '-') word.remove_prefix(1);
+    const std::optional<Number> value = ParseWhole<Number>(word);
+    return value && std::isfinite(*value) ? value : std::nullopt;
+}
+
 }  // namespace
 
 std::vector<std::string> SplitWords(std::string_view line, std::string_view alsoSeparators) {
@@ -36,10 +44,11 @@ std::string JoinWords(std::vector<std::string> const& words) {
 }
 
 std::optional<float> ParseNumber(std::string_view word) {
-    // from_chars takes no plus sign, but people write +30 for "to the right".
-    if (word.size() > 1 && word[0] == '+' && word[1] != '-') word.remove_prefix(1);
-    const std::optional<float> value = ParseWhole<float>(word);
-    return value && std::isfinite(*value) ? value : std::nullopt;
+    return ParseFinite<float>(word);
+}
+
+std::optional<double> ParseDouble(std::string_view word) {
+    return ParseFinite<double>(word);
 }
 
 std::optional<unsigned int> ParseCount(std::string_view word) {

@@ -16,6 +16,8 @@ std::string JoinWords(std::vector<std::string> const& words);
 
 /// A whole word as a finite number, with an optional sign; nothing if it is anything else.
 std::optional<float> ParseNumber(std::string_view word);
+/// The same where single precision is too coarse, as for times.
+std::optional<double> ParseDouble(std::string_view word);
 
 /// A whole word as a whole number without sign; nothing if it is anything else.
 std::optional<unsigned int> ParseCount(std::string_view word);

@@ -146,8 +146,8 @@ void AddPlaces(CLI::App& command, Options& options, CommonWords& words) {
         ->allow_extra_args(false);
     command
         .add_option("--scene", options.scene,
-                    "What happens meanwhile: a file with one [SECONDS] MESSAGE a line, as\n"
-                    "\"2.5 source 1 azim 30\"")
+                    "What happens meanwhile: a file with one [TIME] MESSAGE a line, as\n"
+                    "\"2.5 source 1 azim 30\" or \"0..16 source 1 azim 0 -> 360\"")
         ->type_name("FILE")
         ->take_last();
 }

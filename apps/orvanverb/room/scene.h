@@ -1,40 +1,61 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <queue>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "orvanverb/common/line_file.h"
+
 namespace program {
 
-/// What happens while a recording plays: messages, each with the time at which it is due.
+/// What happens while a recording plays: messages, each with the time at which it is due, and movements.
 ///
-///     # seconds, then a message as the object takes it
-///     source 1 ade -90 3 0          no time: before the first sample
+///     # seconds or m:s, then a message as the object takes it
+///     source 1 ade -90 3 0              no time: before the first sample
 ///     0.5 source 1 azim -60
-///     2.25 reverb tr0 4
-///     4 hrtf my ears.hrtf           a file beside the scene
+///     1:02.25 reverb tr0 4
+///     4 hrtf my ears.hrtf               a file beside the scene
+///     0..16 source 1 azim 0 -> 360      a movement: the number goes evenly from one value to the other
+///     20..24 source 1 azim 170 ~> -170  the same for an angle, by the shorter way around the circle: over 180
 class Scene {
 public:
+    /// Time from one message of a movement to the next [s].
+    static constexpr double stepSeconds = 0.02;
+
     /// Whoever the messages are for. Throws std::invalid_argument for one that is wrong.
     /// @param folder  of the scene
     /// @return lines to be shown
     using Listener =
         std::function<std::vector<std::string>(std::string_view message, std::filesystem::path const& folder)>;
 
+    /// What was said of a line.
+    struct Remark {
+        int line;
+        std::string text;  // names file and line
+    };
+
     Scene() = default;
-    /// @throws WorkError that names file and line: unreadable, a time that is none, a time without a message
-    explicit Scene(std::string const& newPath);
+    /// @param faults  if given, takes what is wrong with lines, which are left out; else the first one is thrown
+    /// @throws WorkError that names file and line: unreadable, a time that is none, a time without a message, half a
+    /// movement
+    explicit Scene(std::string const& newPath, std::vector<Remark>* faults = nullptr);
+
+    /// Tells everything in one go, of movements both ends, and goes on after complaints.
+    /// @return all that the listener had to say, complaints or not
+    std::vector<Remark> Try(Listener const& listener) const;
 
     /// Tells what has no time.
     /// @return lines to be shown
     /// @throws WorkError that names file and line, if the listener complains
     std::vector<std::string> Begin(Listener const& listener) const;
 
-    /// Tells everything else in one go, to find out whether somebody would complain.
+    /// Tells everything else in one go, to find out whether somebody would complain. Of movements both ends.
     /// @throws WorkError as Begin
     void Rehearse(Listener const& listener) const;
 
@@ -47,21 +68,48 @@ public:
     /// When the next of what has a time and wasn't told yet is due [s]; nothing behind the last one.
     std::optional<double> NextSeconds() const;
     /// Tells it, whenever that is. @throws WorkError as Begin
-    std::vector<std::string> PlayNext(Listener const& listener) { return Tell(listener, timed.at(next++)); }
+    std::vector<std::string> PlayNext(Listener const& listener);
+
+    /// Lines with a time.
+    std::size_t NumTimed() const noexcept { return timed.size(); }
+    /// The greatest number of a source that a message "source" names; 0 if there is none.
+    unsigned int HighestSource() const;
+    /// When the last of them has happened [s].
+    double EndSeconds() const noexcept;
 
 private:
-    struct Event {
-        double seconds;
-        int line;
-        std::string message;
+    /// A number of a message that moves.
+    struct Glide {
+        std::size_t word;
+        double from, to;
     };
 
-    std::vector<std::string> Tell(Listener const& listener, Event const& event) const;
+    struct Event {
+        double seconds = 0.0, end = 0.0;  // the same unless something moves
+        int line = 0;
+        std::vector<std::string> words = {};
+        std::vector<Glide> glides = {};
+
+        std::string Message(double at) const;
+    };
+
+    /// When an event is to be told next.
+    struct Due {
+        double seconds;
+        std::size_t event, step;
+
+        bool operator>(Due const& other) const noexcept {
+            return seconds > other.seconds || (seconds == other.seconds && event > other.event);
+        }
+    };
+
+    void Add(Line line);
+    std::vector<std::string> Tell(Listener const& listener, Event const& event, double at) const;
 
     std::string path;
     std::filesystem::path folder;
-    std::vector<Event> start, timed;  // timed: by their times, and in the order of the file where they are equal
-    std::size_t next = 0;
+    std::vector<Event> start, timed;
+    std::priority_queue<Due, std::vector<Due>, std::greater<>> queue;  // as the file has them where times are equal
 };
 
 }  // namespace program
