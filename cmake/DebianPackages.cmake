@@ -50,7 +50,11 @@ if(TARGET orvan_c)
     orvan_package(library liborvan-c1 libs "room reverberator and spatialiser, for C and other languages" "${about}
 .
 This is the shared library of the C interface.")
-    set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
+    # By hand: CPack makes them for all packages or for none.
+    set(place ${PROJECT_BINARY_DIR}/debian/liborvan-c1/control)
+    file(WRITE ${place}/shlibs "liborvan_c 1 liborvan-c1 (>= ${PROJECT_VERSION})\n")
+    file(WRITE ${place}/triggers "activate-noawait ldconfig\n")
+    set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${place}/shlibs ${place}/triggers)
     set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "liborvan-c1 (= ${PROJECT_VERSION})")
 endif()
 if(TARGET orvan_pd)
