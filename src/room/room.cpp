@@ -9,6 +9,7 @@
 #include "dsp/constants.h"
 #include "dsp/denormals.h"
 #include "dsp/floating_point_mode.h"
+#include "geometry/keep_azimuth.h"
 #include "geometry/named_layout.h"
 #include "geometry/speakers.h"
 #include "room/control_range.h"
@@ -177,7 +178,7 @@ CartesianVector Room::Limited(CartesianVector const& p) noexcept {
 bool Room::PlaceSource(unsigned int source, CartesianVector const& position) {
     if (source >= NumSources() || !HasNumbers(position)) return false;
     const FloatingPointMode unchanged;
-    engine->SetSourcePosition(source, Limited(position));
+    engine->SetSourcePosition(source, KeepAzimuth(Limited(position), SourcePosition(source)));
     return true;
 }
 

@@ -219,6 +219,19 @@ TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
     EXPECT_NE(ReadText(directory / "plan.svg").find("source 3"), std::string::npos);
 }
 
+// Red if a rendering keeps quiet about loudspeakers that can't play, or tells of places that they pass; or if a source
+// that rises to above the listener falls behind.
+TEST_F(Scenes, LayoutsAreLookedAtWhenTheyHaveChanged) {
+    WriteText(directory / "layout.scene",
+              "speaker 1 az 10\nspeaker 1 az -60\nsource 1 azim 60\nsource 1 elev 90\nroom -60 0 0 0 177 5657\n"
+              "0.1 speakers az 0 0 0\n0.3 speakers az -60 60 180\n");
+    const RunResult run = RunProgram({"render", directory / "a.wav", "-o", directory / "out.wav", "--speakers", "3",
+                                      "--scene", directory / "layout.scene", "--tail", "0"});
+    EXPECT_TRUE(run.err.starts_with("at 0.10 s: warning: loudspeakers 1 and 2 stand at one azimuth")) << run.err;
+    EXPECT_EQ(run.err.find("-60"), run.err.find("(azimuth -60)") + 9) << run.err;
+    EXPECT_EQ(Loudest(0.0, 0.1), 1);
+}
+
 TEST_F(Scenes, WrongLinesAreNamedBeforeAnythingIsRendered) {
     const std::pair<char const*, char const*> cases[] = {
         {"1.5", "a message is expected behind the time"},

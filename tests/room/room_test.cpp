@@ -6,7 +6,9 @@
 #include <limits>
 #include <stdexcept>
 
+#include "geometry/vector_algebra.h"
 #include "pan/set_file.h"
+#include "room/layout_remarks.h"
 #include "room/room_rig.h"
 #include "support/allocation_count.h"
 #include "support/lock_count.h"
@@ -123,6 +125,46 @@ TEST(Room, RefusesWhatNoRoomHas) {
     EXPECT_EQ(room.VectorSize(), 64u);
     room.Configure(48000.0f, 1u << 15);
     EXPECT_EQ(Lume::RoomState::Parse(room.SaveState().Text()).vectorSize, Room::maxVectorSize);
+}
+
+// Red if rounding at a right angle decides on which side of a ring a source is heard.
+TEST(Room, ASourceAboveKeepsItsAzimuth) {
+    Room room(1, 8);
+    for (const Lume::CartesianVector& above : {Lume::CartesianVector{0.0f, -1e-7f, 2.0f}, {0.0f, 0.0f, -3.0f}}) {
+        room.PlaceSource(0, {0.5f, -0.5f, 0.0f});
+        room.PlaceSource(0, above);
+        const Lume::CartesianVector heard = room.SourcePosition(0);
+        EXPECT_EQ(heard.z, above.z);
+        EXPECT_FLOAT_EQ(heard.x, -heard.y);
+        EXPECT_GT(heard.x, 0.0f);
+        EXPECT_LT(heard.x, 1e-5f);
+        room.PlaceSource(0, heard);
+        EXPECT_TRUE(room.SourcePosition(0) == heard) << "restored";
+    }
+    room.PlaceSource(0, {0.0f, 0.0f, 0.0f});
+    EXPECT_TRUE(room.SourcePosition(0) == Lume::CartesianVector());
+}
+
+// Red if a room keeps quiet about what pan warns of, or looks at loudspeakers that its format doesn't have.
+TEST(Room, TellsWhatItsLoudspeakersCannotPlay) {
+    const auto remarks = [](char const* format, std::vector<Lume::CartesianVector> const& speakers) {
+        std::string text;
+        for (std::string const& line : LayoutRemarks(Room(1, speakers, 8, Lume::FindRoomFormat(format)))) text += line;
+        return text;
+    };
+    const Lume::CartesianVector left{-1.0f, 0.0f, 0.0f}, right{1.0f, 0.0f, 0.0f}, ahead{0.0f, 1.0f, 0.0f},
+        behind{0.0f, -1.0f, 0.0f}, high{0.0f, 1.0f, 1.0f}, top{0.0f, 0.0f, 1.0f};
+    EXPECT_EQ(remarks("", {left, ahead, right, behind}), "");
+    EXPECT_NE(remarks("", {left, ahead, right}).find("between the azimuths 90 and -90"), std::string::npos);
+    EXPECT_NE(remarks("", {left, left, right, behind}).find("loudspeakers 1 and 2"), std::string::npos);
+    EXPECT_NE(remarks("", {left, high, right, behind}).find("above or below"), std::string::npos);
+    EXPECT_EQ(remarks("", {left, right}), "") << "headphones";
+    EXPECT_EQ(remarks("stereo", {left, right}), "");
+    EXPECT_EQ(remarks("ambix", {left, right, ahead, behind}), "");
+    for (char const* format : {"vbap", "dome"}) {
+        EXPECT_EQ(remarks(format, {left, top, right, ahead, behind}), "");
+        EXPECT_NE(remarks(format, {left, right, ahead, behind}).find("one plane"), std::string::npos);
+    }
 }
 
 // A single one of them makes an engine silent or deafening for good. Red if the room hears it, or doesn't count it.

@@ -62,7 +62,9 @@ Lume::CartesianVector ToCartesian(ListenerPosition const& position) {
     Lume::SphericalVector spherical;
     spherical.azimuth = Lume::SwapAzimuthConvention(position.azimuthDeg) * Lume::DegreesToRadians;
     spherical.distance = position.distanceM;
-    spherical.elevation = position.elevationDeg * Lume::DegreesToRadians;
+    // Not quite to the vertical, where rounding would choose the azimuth.
+    constexpr float steepestRad = 1.5707942f;
+    spherical.elevation = std::clamp(position.elevationDeg * Lume::DegreesToRadians, -steepestRad, steepestRad);
     Lume::CartesianVector cartesian;
     cartesian = spherical;
     return cartesian;

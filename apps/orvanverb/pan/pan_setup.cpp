@@ -15,11 +15,11 @@
 #include "orvanverb/hrtf/ears_cache.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/layout/channel_words.h"
-#include "orvanverb/pan/layout_check.h"
 #include "pan/ambisonic/hoa2d_panning.h"
 #include "pan/ambisonic/hoa3d_panning.h"
 #include "pan/binaural/binaural_panning_direct.h"
 #include "pan/binaural/binaural_panning_nearfield.h"
+#include "room/layout_check.h"
 
 namespace program {
 
@@ -55,7 +55,7 @@ PanSetup::PanSetup(PanOptions const& options, std::vector<Lume::CartesianVector>
     if (method.outputs == Outputs::loudspeakers) {
         panner->SetLoudspeakerPositions(layout.positions.data());
         channels = LoudspeakerWords(layout);
-        warnings = CheckLayout(method, layout.positions);
+        warnings = Lume::CheckLayout(method, layout.positions);
     } else if (method.outputs == Outputs::two) {
         channels = TwoWords(method.type);
     } else {

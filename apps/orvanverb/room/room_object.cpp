@@ -5,12 +5,14 @@
 #include <utility>
 
 #include "engine/room_controls.h"
+#include "geometry/keep_azimuth.h"
 #include "geometry/vector_algebra.h"
 #include "object/orvanverb_class.h"
 #include "object/room_exchange.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/layout/listener_position.h"
 #include "patcher/atom.h"
+#include "room/layout_remarks.h"
 
 namespace program {
 
@@ -104,9 +106,11 @@ void RoomObject::Tell(std::string_view message, std::filesystem::path const& fol
     } else {
         const std::vector<max::t_atom> atoms = max::ParseAtoms(message);
         RemarkRange(selector, std::span(atoms).subspan(1));
+        const Positions sources = SourcePositions(), speakers = Room().SpeakerPositions();
         box.Send(message);
         ThrowComplaint();
-        LimitPositions();
+        LimitPositions(sources);
+        speakersMoved = speakersMoved || speakers != Room().SpeakerPositions();
     }
 }
 
@@ -115,21 +119,28 @@ void RoomObject::RemarkRange(std::string const& selector, std::span<max::t_atom 
         remarks.push_back("warn: " + text);
 }
 
-/// The engine limits what it gets; the record, which a state of the object is made from, is to agree.
-void RoomObject::LimitPositions() {
+RoomObject::Positions RoomObject::SourcePositions() const {
+    Positions positions;
+    for (unsigned int i = 0; i < Room().NumSources(); ++i) positions.push_back(Room().SourcePosition(i));
+    return positions;
+}
+
+/// The room limits what it gets; the record, which a state of the object is made from, is to agree.
+void RoomObject::LimitPositions(Positions const& before) {
     const auto positions = [](float const* xyz, unsigned int number) {
-        std::vector<Lume::CartesianVector> list;
+        Positions list;
         for (unsigned int i = 0; i < number; ++i) list.push_back({xyz[3 * i], xyz[3 * i + 1], xyz[3 * i + 2]});
         return list;
     };
     bool limited = false;
-    const std::vector<Lume::CartesianVector> sources = positions(Record().sourcespositions, Record().numsources);
+    const Positions sources = positions(Record().sourcespositions, Record().numsources);
     for (unsigned int i = 0; i < sources.size(); ++i) {
-        if (!IsTooFar(sources[i])) continue;
-        PlaceSource(i, Lume::Room::Limited(sources[i]));
-        limited = true;
+        const Lume::CartesianVector wanted = Lume::KeepAzimuth(Lume::Room::Limited(sources[i]), before[i]);
+        if (wanted == sources[i]) continue;
+        PlaceSource(i, wanted);
+        limited = limited || IsTooFar(sources[i]);
     }
-    std::vector<Lume::CartesianVector> speakers = positions(Record().speakerspositions, Record().numspeakers);
+    Positions speakers = positions(Record().speakerspositions, Record().numspeakers);
     if (std::any_of(speakers.begin(), speakers.end(), IsTooFar)) {
         std::transform(speakers.begin(), speakers.end(), speakers.begin(), Lume::Room::Limited);
         PlaceSpeakers(speakers);
@@ -137,6 +148,12 @@ void RoomObject::LimitPositions() {
     }
     if (limited && !std::exchange(positionsRemarked, true))
         remarks.push_back("warn: positions are limited to " + NumberText(Lume::Room::maxCoordinate) + " m");
+}
+
+void RoomObject::RemarkSpeakers() {
+    speakersMoved = false;
+    for (std::string const& line : Lume::LayoutRemarks(Room()))
+        if (layoutRemarked.insert(line).second) remarks.push_back("warning: " + line);
 }
 
 void RoomObject::Set(std::string const& name, std::vector<std::string> const& values) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -49,6 +50,11 @@ public:
     void PlaceSource(unsigned int index, Lume::CartesianVector const& position);
     void PlaceSpeakers(std::span<Lume::CartesianVector const> positions);
 
+    /// Whether a message has moved loudspeakers since RemarkSpeakers.
+    bool SpeakersMoved() const noexcept { return speakersMoved; }
+    /// Adds to the remarks what the loudspeakers can't do where they stand, once.
+    void RemarkSpeakers();
+
     /// Loads ears for the headphones: a set of filters, or measurements.
     /// @throws std::invalid_argument that names the file, the field and the reason; the present ones stay
     void LoadHrtf(std::filesystem::path const& path);
@@ -75,18 +81,23 @@ public:
     Lume::Room& Room() const { return orvanverb_room(&Record()); }
 
 private:
+    using Positions = std::vector<Lume::CartesianVector>;
+
     orvanverb_t& Record() const { return *orvanverb_record(box.Object()); }
     void Hear(max::ConsoleLevel level, std::string const& text);
     void ThrowComplaint();
     void Send(char const* selector, std::vector<max::t_atom> atoms);
     void RemarkRange(std::string const& selector, std::span<max::t_atom const> atoms);
-    void LimitPositions();
+    Positions SourcePositions() const;
+    void LimitPositions(Positions const& before);
 
     EarsCache& ears;
     std::string complaint;  // the first line that is an error, not thrown yet
     std::vector<std::string> remarks;
     Lume::RangeRemarks rangeRemarks;
     bool positionsRemarked = false;
+    std::set<std::string> layoutRemarked;
+    bool speakersMoved = false;  // since RemarkSpeakers
     max::Box box;
 };
 

@@ -186,6 +186,8 @@ void RoomSetup::Arrange(Options const& options, RoomObject& room) {
     for (Options::Setting const& setting : attributes) Set(room, setting, "@" + setting.name);
     for (std::string const& remark : room.TakeRemarks()) Say(remark);
     for (std::string const& line : scene.Begin(ListenerFor(room))) Say(line);
+    room.RemarkSpeakers();
+    for (std::string const& remark : room.TakeRemarks()) Say(remark);
 }
 
 std::unique_ptr<RoomObject> RoomSetup::MakeRoom() {
@@ -199,7 +201,13 @@ std::unique_ptr<RoomObject> RoomSetup::MakeRoom() {
 }
 
 std::vector<std::string> RoomSetup::Play(RoomObject& room, std::uint64_t beforeFrame) {
-    return scene.Play(ListenerFor(room), static_cast<int>(room.Room().Samplerate()), beforeFrame);
+    const auto rate = static_cast<int>(room.Room().Samplerate());
+    std::vector<std::string> lines = scene.Play(ListenerFor(room), rate, beforeFrame);
+    if (!room.SpeakersMoved()) return lines;
+    room.RemarkSpeakers();
+    for (std::string const& remark : room.TakeRemarks())
+        lines.push_back("at " + FixedText(static_cast<double>(beforeFrame) / rate, 2) + " s: " + remark);
+    return lines;
 }
 
 void RoomSetup::SaveState() {

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "geometry/keep_azimuth.h"
 #include "geometry/speakers.h"
 #include "object/coordinates_from_atoms.h"
 #include "object/orvanverb_class.h"
@@ -93,10 +94,11 @@ void SourceMotion::Move(std::vector<max::t_atom> const& atoms) {
     if (number < 1 || number > static_cast<long>(positions.size()))
         throw std::invalid_argument("invalid source index " + std::to_string(number));
     Lume::CartesianVector& position = positions[static_cast<std::size_t>(number) - 1];
+    const Lume::CartesianVector before = position;
     unsigned int index = 0;
     get_source_coordinates_from_atoms(box.BoxObject(), static_cast<unsigned int>(positions.size()),
                                       static_cast<long>(atoms.size()), atoms.data(), index, position);
-    position = Lume::Room::Limited(position);
+    position = Lume::KeepAzimuth(Lume::Room::Limited(position), before);
     if (!complaint.empty()) throw std::invalid_argument(std::exchange(complaint, {}));
 }
 

@@ -1,19 +1,18 @@
-#include "orvanverb/pan/layout_check.h"
+#include "room/layout_check.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "geometry/azimuth.h"
 #include "geometry/vector_algebra.h"
-#include "orvanverb/common/text.h"
 #include "pan/amplitude/vbap_panning.h"
 
-namespace program {
+namespace Lume {
 
 namespace {
 
-using Choice = Lume::PanKind::Choice;
-using Positions = std::vector<Lume::CartesianVector>;
+using Choice = PanKind::Choice;
+using Positions = std::vector<CartesianVector>;
 
 constexpr float sameAngleDeg = 0.5f;
 constexpr float samePlace = 0.01f;  // [m]
@@ -21,13 +20,13 @@ constexpr float samePlace = 0.01f;  // [m]
 /// Azimuths as the listener has them, of one loudspeaker after the other [degrees].
 std::vector<float> Azimuths(Positions const& positions) {
     std::vector<float> azimuths;
-    for (Lume::CartesianVector const& p : positions)
-        azimuths.push_back(Lume::SwapAzimuthConvention(std::atan2(p.y, p.x) * Lume::RadiansToDegrees));
+    for (CartesianVector const& p : positions)
+        azimuths.push_back(SwapAzimuthConvention(std::atan2(p.y, p.x) * RadiansToDegrees));
     return azimuths;
 }
 
-float AngleDeg(Lume::CartesianVector const& a, Lume::CartesianVector const& b) {
-    return std::atan2(Length(Cross(a, b)), Dot(a, b)) * Lume::RadiansToDegrees;
+float AngleDeg(CartesianVector const& a, CartesianVector const& b) {
+    return std::atan2(Length(Cross(a, b)), Dot(a, b)) * RadiansToDegrees;
 }
 
 std::string Names(std::size_t a, std::size_t b) {
@@ -47,7 +46,7 @@ void CheckPairs(Positions const& positions, AreSame&& areSame, char const* what,
 
 void CheckHeights(Positions const& positions, std::vector<std::string>& warnings) {
     const auto high = std::find_if(positions.begin(), positions.end(),
-                                   [](Lume::CartesianVector const& p) { return std::abs(p.z) > 0.01f * Length(p); });
+                                   [](CartesianVector const& p) { return std::abs(p.z) > 0.01f * Length(p); });
     if (high != positions.end())
         warnings.push_back("loudspeaker " + std::to_string(high - positions.begin() + 1) +
                            " stands above or below the listener; this method only looks at its azimuth");
@@ -60,15 +59,14 @@ void CheckRing(Positions const& positions, std::vector<std::string>& warnings) {
     for (std::size_t i = 0; i < sorted.size(); ++i) {
         const float next = i + 1 < sorted.size() ? sorted[i + 1] : sorted[0] + 360.0f;
         if (next - sorted[i] < widest - 0.01f) continue;
-        warnings.push_back("no loudspeaker stands between the azimuths " +
-                           FixedText(static_cast<double>(sorted[i]), 0) + " and " +
-                           FixedText(static_cast<double>(next > 180.0f ? next - 360.0f : next), 0) +
+        warnings.push_back("no loudspeaker stands between the azimuths " + std::to_string(std::lround(sorted[i])) +
+                           " and " + std::to_string(std::lround(next > 180.0f ? next - 360.0f : next)) +
                            ": sources in a gap of 180 degrees or more can be silent");
     }
 }
 
 void CheckTriplets(Positions const& positions, std::vector<std::string>& warnings) {
-    Lume::VbapPanning panner(1, static_cast<unsigned int>(positions.size()));
+    VbapPanning panner(1, static_cast<unsigned int>(positions.size()));
     panner.SetLoudspeakerPositions(positions.data());
     if (panner.GetNumTriplets() > 0) return;
     warnings.push_back(
@@ -78,8 +76,8 @@ void CheckTriplets(Positions const& positions, std::vector<std::string>& warning
 /// Whether all stand on one line through the plane.
 bool AreInLine(Positions const& positions) {
     for (std::size_t i = 2; i < positions.size(); ++i) {
-        Lume::CartesianVector first = positions[1] - positions[0];
-        Lume::CartesianVector here = positions[i] - positions[0];
+        CartesianVector first = positions[1] - positions[0];
+        CartesianVector here = positions[i] - positions[0];
         first.z = here.z = 0.0f;
         if (Length(Cross(first, here)) > 0.001f * Length(first) * Length(here)) return false;
     }
@@ -88,14 +86,14 @@ bool AreInLine(Positions const& positions) {
 
 }  // namespace
 
-std::vector<std::string> CheckLayout(Lume::PanKind const& method, Positions const& positions) {
+std::vector<std::string> CheckLayout(PanKind const& method, Positions const& positions) {
     std::vector<std::string> warnings;
     if (!method.inSpace) CheckHeights(positions, warnings);
     if (method.choice == Choice::distances) {
         CheckPairs(
             positions,
             [&](std::size_t a, std::size_t b) {
-                Lume::CartesianVector apart = positions[a] - positions[b];
+                CartesianVector apart = positions[a] - positions[b];
                 if (!method.inSpace) apart.z = 0.0f;
                 return Length(apart) < samePlace;
             },
@@ -123,4 +121,4 @@ std::vector<std::string> CheckLayout(Lume::PanKind const& method, Positions cons
     return warnings;
 }
 
-}  // namespace program
+}  // namespace Lume
