@@ -10,7 +10,7 @@ trap 'rm -rf "$place"' EXIT
 cp -r "$source/src" "$source/apps" "$place"
 
 # The first place: the row. The second one: setter and getter.
-sed -i '/rows\[\] = {/a {"shimmer", nullptr, 0, "shimmer", "shimmer", "", "an octave above the tail", 0.0f, 1.0f, 0.25f, linear, late, ramps, taken, Set<E, \&E::SetShimmer>, Get<E, \&E::GetShimmer>},' \
+sed -i '/rows\[\] = {/a {"shimmer", nullptr, 0, "shimmer", "shimmer", "", "an octave above the tail", 0.0f, 1.0f, 0.25f, linear, late, ramps, nearest, Set<E, \&E::SetShimmer>, Get<E, \&E::GetShimmer>},' \
     "$place/src/parameters/controls.h"
 sed -i '/^class OrvanVerb /,/^public:/ s/^public:/public: void SetShimmer(float v) { shimmer = v; } float GetShimmer() const { return shimmer; } static inline float shimmer = 0.5f;/' \
     "$place/src/engine/orvan_verb.h"
