@@ -170,4 +170,30 @@ TEST_F(Rendering, MemoryDoesNotGrowWithTheInput) {
     EXPECT_LT(memoryKb[1] - memoryKb[0], 4000);
 }
 
+// Red if the gain isn't the output's, if it isn't seen by what clips, or if what is told against clipping doesn't help.
+TEST_F(Rendering, AGainKeepsAnOutputFromClipping) {
+    const Sound usual = ImpulseResponse("4", "-45"), softer = ImpulseResponse("4", "-45", "1", {"--gain", "-6.0206"});
+    for (std::size_t i = 0; i < usual.NumFrames(); ++i)
+        ASSERT_NEAR(softer.samples[0][i], 0.5f * usual.samples[0][i], 1e-6f);
+    const std::vector<std::string> loud{"ir", "-o", directory / "loud.wav", "--format", "pcm16", "--gain"};
+    const RunResult clipped = RunProgram(Joined(loud, {"20"}));
+    const std::size_t advice = clipped.err.find("lower by ");
+    ASSERT_NE(advice, std::string::npos) << clipped.err;
+    const RunResult mended =
+        RunProgram(Joined(loud, {std::to_string(20.0 - std::stod(clipped.err.substr(advice + 9)))}));
+    EXPECT_EQ(mended.err.find("clipped"), std::string::npos) << mended.err;
+    EXPECT_NE(mended.err.find("peak -0."), std::string::npos) << mended.err;
+    ExpectComplaint(RunProgram(Joined(loud, {"loud"})), 2, "--gain: 'loud' is no level from -120 to 60 dB");
+}
+
+// Two places in a file were headphones without a word.
+TEST_F(Rendering, APairInAFileIsNoHeadphones) {
+    WriteText(directory / "pair", "-30\n30\n");
+    ExpectComplaint(RunProgram({"ir", "-o", directory / "ir.wav", "--speakers", directory / "pair"}), 2,
+                    "a pair by --method stereo");
+    EXPECT_EQ(
+        RunProgram({"ir", "-o", directory / "ir.wav", "--speakers", directory / "pair", "--method", "stereo"}).status,
+        0);
+}
+
 }  // namespace

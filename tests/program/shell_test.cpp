@@ -39,6 +39,10 @@ TEST(Shell, RunsAsAProgram) {
     const std::string version = RunProgram({"--version"}).out;  // "orvanverb 4.2.6"
     EXPECT_TRUE(RunProgram({"shell"}, {}, "version\n")
                     .out.starts_with("post: Version " + version.substr(10, version.size() - 11) + " (Build "));
+    const RunResult strict = RunProgram({"shell", "--strict"}, {}, "tr0 2\n# a comment\ndance\n:get tr0\n");
+    ExpectComplaint(strict, 1, "line 3: error: ");
+    EXPECT_EQ(strict.out.find("tr0 2"), std::string::npos);
+    EXPECT_EQ(RunProgram({"shell", "--strict"}, {}, "tr0 2\n:get tr0\n").status, 0);
     const RunResult refused = RunProgram({"shell", "@numspeakers", "1"}, {}, "version\n");
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.out, "error: Configuration not supported\nerror: couldnt create object\n");

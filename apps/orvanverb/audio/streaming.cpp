@@ -1,6 +1,8 @@
 #include "orvanverb/audio/streaming.h"
 
 #include <algorithm>
+#include <cmath>
+#include <span>
 
 #include "orvanverb/audio/vector_channels.h"
 #include "orvanverb/common/messages.h"
@@ -35,6 +37,9 @@ StreamEnd Stream(SignalSource& source, Streaming const& streaming, AudioOutput& 
         if (streaming.prepare) streaming.prepare(frames);
         streaming.process(outputs.Pointers(), inputs.Pointers());
         if (guard.Check(outputs.Pointers(), streaming.numOutputs, vectorSize) && streaming.clear) streaming.clear();
+        if (streaming.gain != 1.0f)
+            for (std::size_t c = 0; c < streaming.numOutputs; ++c)
+                for (float& sample : std::span(outputs.Pointers()[c], vectorSize)) sample *= streaming.gain;
 
         const auto ofTail = static_cast<std::size_t>(std::min<std::uint64_t>(vectorSize - fresh, maxTail - tailFrames));
         tailFrames += ofTail;
@@ -57,9 +62,12 @@ void ReportOutput(std::string const& path, AudioFormat const& format, AudioOutpu
     for (std::size_t c = 0; c < channels.size(); ++c)
         Say("  channel " + std::to_string(c + 1) + " (" + channels[c] + "): peak " + DecibelText(meter.Peaks()[c]) +
             " dBFS");
-    if (output.NumClipped() > 0)
+    if (output.NumClipped() > 0) {
+        const float tenths = std::floor(200.0f * std::log10(meter.Loudest()) + 1.0f);
         Say(path + ": " + std::to_string(output.NumClipped()) +
-            " samples went beyond full scale and were clipped; 32-bit float keeps them");
+            " samples went beyond full scale and were clipped; 32-bit float keeps them, or a --gain lower by " +
+            FixedText(static_cast<double>(tenths) / 10.0, 1) + " dB");
+    }
 }
 
 void RequireSound(std::string const& path, std::uint64_t numBad) {

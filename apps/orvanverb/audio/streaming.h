@@ -20,6 +20,7 @@ struct Streaming {
     std::size_t numInputs = 0, numOutputs = 0;
     std::vector<std::size_t> fileOrder;  // output of each channel of the file; beyond all outputs: silence
     Tail tail{std::nullopt};
+    float gain = 1.0f;  // of the output
     /// Called before each vector with the number of frames at its end: what is due before them happens now.
     std::function<void(std::uint64_t beforeFrame)> prepare;
     std::function<void(float** outputs, float** inputs)> process;

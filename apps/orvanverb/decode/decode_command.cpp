@@ -34,6 +34,7 @@ void RunDecode(DecodeOptions const& options) {
     streaming.numInputs = setup.NumInputs();
     streaming.numOutputs = setup.NumOutputs();
     streaming.fileOrder = setup.layout.fileOrder;
+    streaming.gain = options.gain;
     streaming.tail = options.tailGiven ? options.tail : Tail(usualTailSeconds);
     streaming.prepare = [&](std::uint64_t beforeFrame) {
         for (std::string const& line : setup.Advance(beforeFrame)) Say(line);

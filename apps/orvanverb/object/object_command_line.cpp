@@ -37,7 +37,11 @@ void AddObjectCommands(CLI::App& app, Call& call) {
         "The object is made with the attributes that follow the command: shell @numsources 2 @tr0 3\n"
         "Each line is a message to the object. Lines that begin with a colon are for the shell: :get NAME, :state,\n"
         ":restore VALUES, :preset, :recall, :assist in|out INDEX, :dsp RATE BLOCK, :notifications, :quit.");
-    shell->callback([&call] { call.run = [words = JoinWords(call.attributes)] { return RunShell(words); }; });
+    const auto strict = std::make_shared<bool>(false);
+    shell->add_flag("--strict", *strict, "End with status 1 at the first error, and tell it on standard error, too");
+    shell->callback([&call, strict] {
+        call.run = [words = JoinWords(call.attributes), strict] { return RunShell(words, *strict); };
+    });
     AddListing(app, call, "attributes", "List the attributes of orvanverb~", AttributeTable, AttributeJson);
     AddListing(app, call, "controls", "List the controls of the room, as --set and files name them", ControlTable,
                ControlJson);

@@ -4,6 +4,7 @@
 
 #include "object/orvanverb_class.h"
 #include "orvanverb/common/limits.h"
+#include "orvanverb/common/program_error.h"
 #include "patcher/atom.h"
 
 namespace program {
@@ -95,6 +96,7 @@ void Shell::StartAudio(std::vector<max::t_atom> const& arguments) {
 }
 
 void Shell::Write(std::string const& line) {
+    if (firstError.empty() && (line.starts_with("error: ") || line.starts_with("bug: "))) firstError = line;
     out << line << std::endl;  // at once: a script may wait for it
 }
 
@@ -104,13 +106,18 @@ void Shell::WriteValues(std::string const& head, std::vector<max::t_atom> const&
     Write(line);
 }
 
-int RunShell(std::string const& attributes) {
+int RunShell(std::string const& attributes, bool strict) {
     Shell shell(attributes, std::cout);
     if (!shell.HasObject()) return 1;
     std::string line;
-    while (std::cout && std::getline(std::cin, line) && shell.Handle(line)) {
+    const auto failed = [&] { return strict && !shell.FirstError().empty(); };
+    int number = 0;
+    while (!failed() && std::cout && std::getline(std::cin, line)) {
+        ++number;
+        if (!shell.Handle(line)) break;
     }
-    return 0;
+    if (!failed()) return 0;
+    throw WorkError("line " + std::to_string(number) + ": " + shell.FirstError());
 }
 
 }  // namespace program

@@ -31,6 +31,9 @@ public:
     /// False if the class refused to make the object.
     bool HasObject() const { return box.Object() != nullptr; }
 
+    /// The first line that was an error; empty if there was none yet.
+    std::string const& FirstError() const { return firstError; }
+
     /// Does what a line asks for. False if it asks to quit.
     bool Handle(std::string const& line);
 
@@ -43,12 +46,14 @@ private:
     void StartAudio(std::vector<max::t_atom> const& arguments);
 
     std::ostream& out;
+    std::string firstError;
     long notifications = 0;
     std::vector<max::t_atom> preset;
     max::Box box;
 };
 
 /// Runs a shell on standard input and output. Returns the exit status.
-int RunShell(std::string const& attributes);
+/// @param strict  ends with status 1 at the first error, which is told on standard error, too
+int RunShell(std::string const& attributes, bool strict);
 
 }  // namespace program

@@ -3,6 +3,7 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <cmath>
 #include <optional>
 #include <stdexcept>
 
@@ -45,6 +46,15 @@ std::vector<Options::Setting> ParseSettings(std::vector<std::string> const& word
     return settings;
 }
 
+float ParseGain(std::string const& word) {
+    constexpr float least = -120.0f, greatest = 60.0f;
+    const std::optional<float> decibels = ParseNumber(word);
+    if (!decibels || *decibels < least || *decibels > greatest)
+        throw UsageError("--gain: '" + word + "' is no level from " + NumberText(least) + " to " +
+                         NumberText(greatest) + " dB");
+    return std::pow(10.0f, *decibels / 20.0f);
+}
+
 double ParseGap(std::string const& word) {
     constexpr float longest = 3600.0f;
     const std::optional<float> seconds = ParseNumber(word);
@@ -69,6 +79,7 @@ void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, cha
                     "Samples: pcm16, pcm24 or float [float, pcm24 for .flac]; or the format of a name\nthat tells none")
         ->type_name("NAME")
         ->take_last();
+    command.add_option("--gain", words.gain, "Make the output louder or softer [0]")->type_name("DB")->take_last();
     command.add_option("--tail", words.tail, tail)->type_name("SECONDS|auto")->take_last();
     AddVector(command, words);
 }
@@ -181,6 +192,7 @@ void TakeCommonMeaning(CommonWords const& words, Options& options) {
     }
     if (!words.rate.empty()) options.rate = ParseRate(words.rate);
     if (!words.format.empty()) options.format = ParseFormat(words.format);
+    if (!words.gain.empty()) options.gain = ParseGain(words.gain);
     if (!words.tail.empty()) {
         options.tail = Tail::Parse(words.tail);
         options.tailGiven = true;

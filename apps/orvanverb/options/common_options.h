@@ -19,7 +19,7 @@ struct CommonWords {
     std::string order;
     std::string preset;
     std::vector<std::string> settings;  // NAME=VALUE
-    std::string rate, format, tail, inTurn, vector;
+    std::string rate, format, gain, tail, inTurn, vector;
 };
 
 /// Adds output, rate, format, tail and vector.

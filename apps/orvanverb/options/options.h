@@ -56,6 +56,7 @@ struct Options {
     bool report = false, reportJson = false;  // of the room, measured
     std::vector<Setting> settings;
     Tail tail{std::nullopt};
+    float gain = 1.0f;       // of the output
     bool tailGiven = false;  // otherwise the command's own default
     std::optional<double> inTurnSeconds;
     unsigned int vectorSize = defaultVectorSize;

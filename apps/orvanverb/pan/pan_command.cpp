@@ -47,6 +47,7 @@ void Render(PanOptions const& options) {
     streaming.numInputs = inputs.NumChannels();
     streaming.numOutputs = setup.NumOutputs();
     streaming.fileOrder = setup.layout.fileOrder;
+    streaming.gain = options.gain;
     streaming.tail = options.tailGiven ? options.tail : Tail(setup.HasTail() ? usualTailSeconds : 0.0);
     if (options.scene)
         streaming.prepare = [&](std::uint64_t beforeFrame) {

@@ -39,6 +39,7 @@ void Render(Options const& options, SignalSource& source, int samplerate, std::c
     streaming.numInputs = room->Room().NumSources();
     streaming.numOutputs = room->Room().NumSpeakers();
     streaming.fileOrder = layout.fileOrder;
+    streaming.gain = options.gain;
     streaming.tail = options.tail;
     streaming.prepare = [&](std::uint64_t beforeFrame) {
         for (std::string const& line : setup.Play(*room, beforeFrame)) Say(line);

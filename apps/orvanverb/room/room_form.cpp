@@ -92,6 +92,9 @@ RoomForm RoomForm::Choose(Options const& options, std::string const& number,
     }
     const std::string usual = form.format != nullptr ? UsualLayout(*form.format) : defaultSpeakers;
     form.layout = ChooseLayout(options, number, usual, saved);
+    if (form.format == nullptr && options.speakers && !ParseCount(*options.speakers) && form.layout.NumOutputs() == 2)
+        throw UsageError("--speakers " + *options.speakers +
+                         ": two loudspeakers are a pair by --method stereo; headphones are --speakers 2");
     if (form.format == nullptr && !saved && form.layout.HasHeights()) {
         form.format = Lume::FindRoomFormat("vbap");
         form.remark = "loudspeakers stand above or below the ears: --method vbap is taken";
