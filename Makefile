@@ -13,8 +13,9 @@
 # make web    puts the page with the engine in it into out/web, for any server of static files
 # make test-web  tests it in a browser
 # make bench  builds and runs the benchmarks
-# make gate   before a hand-over: asan, docs, and the tests as clang builds them
-# make check  layout, layers, quirks and static analysis
+# make gate   before a hand-over: asan, docs, tidy, and the tests as clang builds them
+# make check  layout, layers, quirks: seconds
+# make tidy   static analysis: a quarter of an hour, or TIDY="FILE..."
 # make docs   the pages of the library's interface, into out/docs (doxygen)
 # make format lays out every file
 BUILD := build/release
@@ -22,7 +23,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow soak asan gate tsan fuzz bench web test-web check docs format pd-package lv2 lv2-package python deb clean
+.PHONY: all setup configure build demo test slow soak asan gate tsan fuzz bench web test-web check tidy docs format pd-package lv2 lv2-package python deb clean
 all: build
 
 setup:
@@ -54,7 +55,7 @@ asan: setup
 	@cmake --build --preset asan -j$(JOBS)
 	ctest --preset asan
 
-gate: asan docs
+gate: asan docs tidy
 	@tools/setup fuzz
 	@cmake --preset clang >/dev/null
 	@cmake --build --preset clang -j$(JOBS)
@@ -126,13 +127,16 @@ test-web: build web
 bench: build
 	$(BUILD)/bench/orvan_bench
 
-# Files for clang-tidy, which takes a quarter of an hour for all of them.
-TIDY ?=
-check: build
+check:
 	@tools/setup check
 	tools/format --check
 	tools/check_layers
 	tools/check_quirks
+
+# Files for clang-tidy, which takes a quarter of an hour for all of them.
+TIDY ?=
+tidy: build
+	@tools/setup check
 	tools/tidy $(TIDY)
 
 docs:
