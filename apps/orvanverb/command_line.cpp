@@ -75,9 +75,10 @@ Call ParseCommandLine(int argc, char const* const* argv) {
         return {};
     } catch (CLI::RequiredError const& error) {
         if (app.get_subcommands().empty() && argc > 1) {
-            std::string names;
-            for (CLI::App const* command : app.get_subcommands({})) names.append(" ").append(command->get_name());
-            throw UsageError("'" + std::string(argv[1]) + "' is no command; there are" + names);
+            std::vector<std::string> names;
+            for (CLI::App const* command : app.get_subcommands({})) names.push_back(command->get_name());
+            throw UsageError("'" + std::string(argv[1]) + "' is no command" + DidYouMean(argv[1], names) +
+                             "; there are " + JoinWords(names));
         }
         throw UsageError(OneLine(error));
     } catch (CLI::ParseError const& error) {

@@ -150,6 +150,30 @@ TEST_F(Scenes, NumbersOutOfRangeAreRefusedInOptionsAndToldInScenes) {
     EXPECT_EQ(run.err.find(at + ":4"), std::string::npos);
 }
 
+// Red if the front keeps quiet about what can't be meant: bands and times in reverse, lines that no longer happen.
+TEST_F(Scenes, WhatCanNotBeMeantIsSaidOnce) {
+    WriteText(directory / "late.scene", "0.1 tr0 2\n0.2..9 source 1 azim 0 -> 90\n12 mute 1\n");
+    const std::vector<std::string> words{"render",  directory / "a.wav",
+                                         "-o",      directory / "out.wav",
+                                         "--scene", directory / "late.scene",
+                                         "--set",   "fl=5000",
+                                         "--set",   "fh=2000",
+                                         "--set",   "early_start=90"};
+    const RunResult run = RunProgram(Joined(words, {"--tail", "0.3"}));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_NE(run.err.find("warning: fl 5000 lies above fh 2000 Hz\n"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("warning: early_start 90 lies above early_end 39.71 ms\n"), std::string::npos) << run.err;
+    EXPECT_EQ(run.err.find("cluster_start"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("late.scene: 2 lines are due behind the end, the last at 12.00 s"), std::string::npos)
+        << run.err;
+    EXPECT_EQ(RunProgram(Joined(words, {"--tail", "12"})).err.find("behind the end"), std::string::npos);
+    ExpectComplaint(RunProgram({"ir", "-o", directory / "ir.wav", "--set", "reverb_strat=50"}), 2,
+                    "'reverb_strat' is no control (did you mean reverb_start?); there are: ");
+    ExpectComplaint(RunProgram({"rendr", "x"}), 2, "'rendr' is no command (did you mean render?); there are ");
+    ExpectComplaint(RunProgram({"ir", "-o", directory / "ir.wav", "--preset", "cathedrla"}), 1,
+                    "(did you mean cathedral?)");
+}
+
 // A message acts from the first sample of the vector in which it falls due, and not one vector earlier or later.
 TEST_F(Scenes, MessagesTakeEffectAtTheirVector) {
     for (auto const& [seconds, vector, firstSilent] :

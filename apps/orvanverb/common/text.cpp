@@ -1,8 +1,11 @@
 #include "orvanverb/common/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <numeric>
+#include <utility>
 
 namespace program {
 
@@ -53,6 +56,28 @@ std::optional<double> ParseDouble(std::string_view word) {
 
 std::optional<unsigned int> ParseCount(std::string_view word) {
     return ParseWhole<unsigned int>(word);
+}
+
+std::string DidYouMean(std::string_view word, std::vector<std::string> const& names) {
+    constexpr std::size_t mostSlips = 2;
+    std::string nearest;
+    std::size_t least = std::min(mostSlips, word.size() / 2) + 1;
+    for (std::string const& name : names) {
+        // Levenshtein's distance, row by row.
+        std::vector<std::size_t> row(name.size() + 1);
+        std::iota(row.begin(), row.end(), std::size_t{0});
+        for (std::size_t i = 0; i < word.size(); ++i) {
+            std::size_t diagonal = std::exchange(row[0], i + 1);
+            for (std::size_t j = 0; j < name.size(); ++j) {
+                const std::size_t change = diagonal + (word[i] == name[j] ? 0 : 1);
+                diagonal = std::exchange(row[j + 1], std::min({change, row[j] + 1, row[j + 1] + 1}));
+            }
+        }
+        if (row.back() >= least) continue;
+        least = row.back();
+        nearest = name;
+    }
+    return nearest.empty() ? "" : " (did you mean " + nearest + "?)";
 }
 
 std::string NumberText(float value) {

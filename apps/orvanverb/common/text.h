@@ -22,6 +22,10 @@ std::optional<double> ParseDouble(std::string_view word);
 /// A whole word as a whole number without sign; nothing if it is anything else.
 std::optional<unsigned int> ParseCount(std::string_view word);
 
+/// What somebody who wrote a word may have meant: the nearest of the names, at most two slips of a key away and with
+/// most letters right; empty if there is none. " (did you mean tr0?)"
+std::string DidYouMean(std::string_view word, std::vector<std::string> const& names);
+
 /// The shortest text that reads back as the same number: 0.1, 30, -7.5.
 std::string NumberText(float value);
 

@@ -70,6 +70,7 @@ void Render(PanOptions const& options) {
     ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
                  std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
     if (setup.method.outputs == Lume::PanKind::Outputs::harmonics) Say(AxesRemark(options.ambix));
+    if (const std::string remark = motion.PendingRemark(); !remark.empty()) Say(remark);
     for (std::string const& remark : inputs.Remarks()) Say(remark);
     RequireSound(options.output, end.numBad);
 }

@@ -110,13 +110,14 @@ std::vector<std::filesystem::path> AllPresets() {
 std::string FindPreset(std::string const& word) {
     std::error_code error;
     if (std::filesystem::exists(word, error) && !std::filesystem::is_directory(word, error)) return word;
-    std::string names;
+    std::vector<std::string> names;
     for (std::filesystem::path const& path : AllPresets()) {
         if (path.stem() == word || path.filename() == word) return path.string();
-        names.append(" ").append(path.stem().string());
+        names.push_back(path.stem().string());
     }
-    std::string message = "--preset " + word + ": there is no such file, and no preset of this name";
-    if (!names.empty()) message.append("; there are").append(names);
+    std::string message =
+        "--preset " + word + ": there is no such file, and no preset of this name" + DidYouMean(word, names);
+    if (!names.empty()) message.append("; there are ").append(JoinWords(names));
     throw WorkError(message);
 }
 

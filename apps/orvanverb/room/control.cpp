@@ -45,14 +45,14 @@ std::vector<Range> RangesOf(std::string const& name) {
     return ranges;
 }
 
-std::string AllNames() {
+std::vector<std::string> AllNames() {
     std::vector<std::string> names;
     for (Range const& other : others) names.push_back(other.name);
     for (Lume::RoomControl const& row : Lume::roomControls) {
         const std::string name = row.attribute != nullptr ? row.attribute : row.name;
         if (names.back() != name) names.push_back(name);
     }
-    return JoinWords(names);
+    return names;
 }
 
 void RequireInRange(std::string const& name, std::string const& word, Range const& range) {
@@ -73,7 +73,12 @@ bool IsControl(std::string const& name) {
 
 void CheckControl(std::string const& name, std::span<std::string const> values) {
     const std::vector<Range> ranges = RangesOf(name);
-    if (ranges.empty()) throw std::invalid_argument("'" + name + "' is no control; there are: " + AllNames());
+    if (ranges.empty()) {
+        std::vector<std::string> names = AllNames();
+        const std::string there = JoinWords(names);
+        for (Lume::RoomControl const& row : Lume::roomControls) names.emplace_back(row.name);
+        throw std::invalid_argument("'" + name + "' is no control" + DidYouMean(name, names) + "; there are: " + there);
+    }
     if (values.size() != ranges.size())
         throw std::invalid_argument(name + ": takes " + std::to_string(ranges.size()) +
                                     (ranges.size() == 1 ? " value, " : " values, ") + std::to_string(values.size()) +

@@ -61,6 +61,7 @@ void Render(Options const& options, SignalSource& source, int samplerate, std::c
     if (!end.diedAway)
         Say("--tail auto: ended at its bound of " + FixedText(Tail::maxAutoSeconds, 0) +
             " s, the room still sounds at " + DecibelText(meter.LastBlock()) + " dBFS");
+    if (const std::string remark = setup.PendingRemark(); !remark.empty()) Say(remark);
     for (std::string const& remark : source.Remarks()) Say(remark);
     if (options.report) std::fputs(report->Text().c_str(), stderr);
     if (options.reportJson) std::fputs(report->Json().c_str(), stdout);

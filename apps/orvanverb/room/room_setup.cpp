@@ -70,6 +70,21 @@ void CheckAttributes(std::vector<Options::Setting> const& attributes) {
     }
 }
 
+/// Controls of which the first one is meant to lie below the second one, and what is said where it doesn't.
+std::vector<std::string> OrderRemarks(Lume::Room const& room) {
+    constexpr std::pair<char const*, char const*> ordered[] = {
+        {"fl", "fh"}, {"early_start", "early_end"}, {"cluster_start", "cluster_end"}};
+    std::vector<std::string> remarks;
+    for (auto const& [low, high] : ordered) {
+        const std::size_t index = *Lume::FindControl(low);
+        const float least = room.Get(index), greatest = room.Get(*Lume::FindControl(high));
+        if (least > greatest)
+            remarks.push_back(std::string("warning: ") + low + " " + NumberText(least) + " lies above " + high + " " +
+                              NumberText(greatest) + " " + Lume::roomControls[index].unit);
+    }
+    return remarks;
+}
+
 /// Sets what an option says.
 void Set(RoomObject& room, Options::Setting const& setting, std::string const& option) {
     if (setting.name == "numinternals") return;  // it was part of the shape
@@ -186,6 +201,7 @@ void RoomSetup::Arrange(Options const& options, RoomObject& room) {
     for (Options::Setting const& setting : attributes) Set(room, setting, "@" + setting.name);
     for (std::string const& remark : room.TakeRemarks()) Say(remark);
     for (std::string const& line : scene.Begin(ListenerFor(room))) Say(line);
+    for (std::string const& remark : OrderRemarks(room.Room())) Say(remark);
     room.RemarkSpeakers();
     for (std::string const& remark : room.TakeRemarks()) Say(remark);
 }

@@ -33,6 +33,9 @@ public:
     /// @return lines to be shown
     std::vector<std::string> Play(RoomObject& room, std::uint64_t beforeFrame);
 
+    /// What to say of a scene that goes on behind the end; empty if it doesn't.
+    std::string PendingRemark() const { return scene.PendingRemark(); }
+
     /// Samples of one run of the engine.
     unsigned int VectorSize() const noexcept { return static_cast<unsigned int>(state.vectorSize); }
 

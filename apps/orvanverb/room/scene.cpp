@@ -187,6 +187,12 @@ unsigned int Scene::HighestSource() const {
     return highest;
 }
 
+std::string Scene::PendingRemark() const {
+    if (queue.empty()) return {};
+    return path + ": " + (NumPending() == 1 ? "1 line is" : std::to_string(NumPending()) + " lines are") +
+           " due behind the end, the last at " + FixedText(EndSeconds(), 2) + " s; a longer --tail reaches them";
+}
+
 double Scene::EndSeconds() const noexcept {
     double end = 0.0;
     for (Event const& event : timed) end = std::max(end, event.end);

@@ -70,6 +70,10 @@ public:
     /// Tells it, whenever that is. @throws WorkError as Begin
     std::vector<std::string> PlayNext(Listener const& listener);
 
+    /// Lines with a time that have not happened yet, or not to their end.
+    std::size_t NumPending() const noexcept { return queue.size(); }
+    /// What to say of them at the end of a rendering; empty if everything has happened.
+    std::string PendingRemark() const;
     /// Lines with a time.
     std::size_t NumTimed() const noexcept { return timed.size(); }
     /// The greatest number of a source that a message "source" names; 0 if there is none.

@@ -24,6 +24,9 @@ public:
     /// @return lines to be shown
     std::vector<std::string> Advance(std::uint64_t beforeFrame);
 
+    /// What to say of a scene that goes on behind the end; empty if it doesn't.
+    std::string PendingRemark() const { return scene.PendingRemark(); }
+
     std::vector<Lume::CartesianVector> const& Positions() const { return positions; }
     Lume::Orientation const& Orientation() const { return orientation; }
 
