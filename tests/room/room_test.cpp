@@ -109,7 +109,7 @@ TEST(Room, RefusesWhatNoRoomHas) {
     EXPECT_THROW(Room(1, 2, 17), std::invalid_argument);
     EXPECT_THROW(Room(1, 5, 8, Lume::FindRoomFormat("ambix")), std::invalid_argument);
     EXPECT_THROW(Room(std::make_unique<Lume::OrvanVerb>(8)), std::invalid_argument);
-    for (auto const& [sources, speakers] : {std::pair{65u, 6u}, {1u, 1u}, {0u, 6u}}) {
+    for (auto const& [sources, speakers] : {std::pair{1u, 1u}, {0u, 6u}}) {
         auto engine = std::make_unique<Lume::OrvanVerb>(8);
         engine->Configure(48000.0f, 64, sources, speakers);
         EXPECT_THROW(Room(std::move(engine)), std::invalid_argument) << sources << " " << speakers;
