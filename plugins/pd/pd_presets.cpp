@@ -13,6 +13,7 @@
 #include "engine/room_controls.h"
 #include "room/control_range.h"
 #include "room/room.h"
+#include "room/user_rooms.h"
 
 namespace pd {
 
@@ -30,14 +31,7 @@ std::filesystem::path OwnFolder() {
 
 std::vector<std::filesystem::path> Folders(std::filesystem::path const& patch) {
     std::vector<std::filesystem::path> folders{patch};
-    const auto variable = [](char const* name) {
-        char const* const value = std::getenv(name);
-        return std::filesystem::path(value != nullptr ? value : "");
-    };
-    if (const std::filesystem::path data = variable("XDG_DATA_HOME"); data.is_absolute())
-        folders.push_back(data / "orvanverb/rooms");
-    else if (const std::filesystem::path home = variable("HOME"); home.is_absolute())
-        folders.push_back(home / ".local/share/orvanverb/rooms");
+    if (const std::filesystem::path own = Lume::UserRooms(); !own.empty()) folders.push_back(own);
     folders.push_back(OwnFolder() / "rooms");
     folders.push_back(OwnFolder() / "../../../../examples/rooms");  // of the tree that it was built in
     return folders;

@@ -1,7 +1,6 @@
 #include "orvanverb/presets/preset.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -11,6 +10,7 @@
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "room/user_rooms.h"
 
 namespace program {
 
@@ -21,14 +21,7 @@ constexpr char const* measuredWord = "measured:";
 
 std::vector<std::filesystem::path> Folders() {
     std::vector<std::filesystem::path> folders;
-    const auto variable = [](char const* name) {
-        char const* const value = std::getenv(name);
-        return std::filesystem::path(value != nullptr ? value : "");
-    };
-    if (const std::filesystem::path data = variable("XDG_DATA_HOME"); data.is_absolute())
-        folders.push_back(data / "orvanverb/rooms");
-    else if (const std::filesystem::path home = variable("HOME"); home.is_absolute())
-        folders.push_back(home / ".local/share/orvanverb/rooms");
+    if (const std::filesystem::path own = Lume::UserRooms(); !own.empty()) folders.push_back(own);
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
     if (!error) {
