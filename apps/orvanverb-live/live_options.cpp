@@ -85,6 +85,11 @@ void AddAudioOptions(CLI::App& app, LiveOptions& options, Words& words) {
     app.add_option("--record", options.record, "JACK: also write what is played to a file")
         ->type_name("FILE")
         ->take_last();
+    app.add_option("--record-inputs", options.recordInputs,
+                   "JACK: also write what comes in, one channel a source; from it render plays\n"
+                   "again what --record holds, sample for sample")
+        ->type_name("FILE")
+        ->take_last();
     program::AddForce(app, options.room);
 }
 
@@ -127,12 +132,14 @@ void TakeMeaning(Words const& words, LiveOptions& options) {
     if (options.fromFile) {
         for (auto const& [given, name] : {std::pair{!words.inputs.empty(), "--inputs"},
                                           {!words.connect.empty(), "--connect"},
-                                          {options.record.has_value(), "--record"}})
+                                          {options.record.has_value(), "--record"},
+                                          {options.recordInputs.has_value(), "--record-inputs"}})
             if (given) throw UsageError(std::string(name) + ": is for JACK, not for files");
     } else if (options.once || options.freeRunning) {
         throw UsageError("--once and --free-running are for --audio file:IN:OUT");
     }
     options.room.AlsoWrites("--record", options.record);
+    options.room.AlsoWrites("--record-inputs", options.recordInputs);
     program::RequireSafeOutputs(options.room);
 }
 

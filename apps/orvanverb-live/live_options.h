@@ -17,7 +17,7 @@ struct LiveOptions {
     std::string name = "orvanverb";                  ///< of the JACK client
     unsigned int numInputs = 1;                      ///< of the JACK client
     std::vector<std::string> connectIn, connectOut;  ///< how the names of ports begin that are connected
-    std::optional<std::string> record;
+    std::optional<std::string> record, recordInputs;
     bool fromFile = false;  ///< room.inputs into room.output, instead of JACK
     bool freeRunning = false, once = false;
     OscPorts osc;

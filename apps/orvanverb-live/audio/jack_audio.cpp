@@ -8,10 +8,11 @@
 #include <chrono>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "dsp/constants.h"
 #include "orvanverb-live/audio/recorder.h"
-#include "orvanverb/common/messages.h"
+#include "orvanverb/common/program_error.h"
 
 namespace live {
 
@@ -28,12 +29,39 @@ void KeepQuiet() {
 struct ClientCloser {
     void operator()(jack_client_t* client) const { jack_client_close(client); }
 };
+using OwnedClient = std::unique_ptr<jack_client_t, ClientCloser>;
+
+/// What is written of all that sounds: both begin with the first block that the room plays.
+struct Recorders {
+    std::optional<Recorder> inputs, outputs;
+    int rate = 0;  // of the files [Hz]; 0: there are none yet
+};
+
+void Begin(Recorders& recorders, JackOptions const& options, unsigned int numSources, int rate) {
+    recorders.rate = rate;
+    if (options.recordInputs)
+        recorders.inputs.emplace(*options.recordInputs, rate, program::SpeakerLayout::Channels(numSources, 0));
+    if (options.record) recorders.outputs.emplace(*options.record, rate, options.layout);
+}
+
+/// @throws program::WorkError for what couldn't be written; the other one is whole all the same
+void Finish(Recorders& recorders) {
+    std::optional<program::WorkError> failure;
+    for (std::optional<Recorder>* const recorder : {&recorders.inputs, &recorders.outputs}) {
+        try {
+            if (*recorder) (*recorder)->Finish();
+        } catch (program::WorkError const& error) {
+            failure = error;
+        }
+    }
+    if (failure) throw *failure;
+}
 
 /// A client as long as its server lives.
 class JackClient {
 public:
-    JackClient(jack_client_t* opened, JackOptions const& newOptions, Desk& newDesk, Recorder* newRecorder)
-        : options(newOptions), desk(newDesk), recorder(newRecorder), client(opened) {
+    JackClient(OwnedClient opened, JackOptions const& newOptions, Desk& newDesk, Recorders& newRecorders)
+        : options(newOptions), desk(newDesk), recorders(newRecorders), client(std::move(opened)) {
         jack_set_process_callback(
             client.get(), [](jack_nframes_t frames, void* self) { return From(self).Process(frames); }, this);
         jack_set_xrun_callback(
@@ -87,12 +115,15 @@ private:
         }
     }
 
-    /// Anew whenever the blocks have another size. The audio thread plays silence meanwhile.
+    /// Anew whenever the blocks have another size; JACK also tells the one that they begin with. The audio thread plays
+    /// silence meanwhile.
     void MakePlayer() {
+        const std::size_t wanted = jack_get_buffer_size(client.get());
+        if (wanted == std::exchange(blockSize, wanted)) return;
         player = nullptr;
         while (busy) std::this_thread::sleep_for(1ms);
         desk.Detach();
-        player = &desk.Attach(static_cast<int>(jack_get_sample_rate(client.get())), jack_get_buffer_size(client.get()));
+        player = &desk.Attach(static_cast<int>(jack_get_sample_rate(client.get())), blockSize);
     }
 
     int Process(jack_nframes_t frames) {
@@ -102,14 +133,21 @@ private:
             in[i] = static_cast<float const*>(jack_port_get_buffer(inputs[i], frames));
         for (std::size_t i = 0; i < outputs.size(); ++i)
             out[i] = static_cast<float*>(jack_port_get_buffer(outputs[i], frames));
+        Record(recorders.inputs, in.data(), frames);
         busy = true;
         if (Player* const now = player)
             now->Process(out.data(), in.data(), frames);
         else
             for (std::size_t i = 0; i < outputs.size(); ++i) std::fill_n(out[i], frames, 0.0f);
         busy = false;
-        if (recorder != nullptr) recorder->Add(out.data(), frames);
+        Record(recorders.outputs, out.data(), frames);
         return 0;
+    }
+
+    void Record(std::optional<Recorder>& recorder, float const* const* channels, jack_nframes_t frames) {
+        if (!recorder) return;
+        if (freewheels) recorder->WaitForPlace(frames);
+        recorder->Add(channels, frames);
     }
 
     /// Port after port with those of others whose names begin so, in the server's order.
@@ -135,9 +173,10 @@ private:
 
     JackOptions const& options;
     Desk& desk;
-    Recorder* recorder;
-    std::unique_ptr<jack_client_t, ClientCloser> client;
+    Recorders& recorders;
+    OwnedClient client;
     std::vector<jack_port_t*> inputs, outputs;
+    std::size_t blockSize = 0;  // of the player
     std::atomic<Player*> player = nullptr;
     std::atomic<bool> busy = false, resized = false, freewheels = false, shutDown = false;
     std::atomic<long> xruns = 0;
@@ -148,32 +187,34 @@ private:
 int JackRate(std::string const& name) {
     constexpr int usual = 48000;
     KeepQuiet();
-    const std::unique_ptr<jack_client_t, ClientCloser> client(
-        jack_client_open(name.c_str(), JackNoStartServer, nullptr));
+    const OwnedClient client(jack_client_open(name.c_str(), JackNoStartServer, nullptr));
     return client ? static_cast<int>(jack_get_sample_rate(client.get())) : usual;
 }
 
 void PlayJack(JackOptions const& options, Desk& desk, StopSignal const& stop) {
     KeepQuiet();
-    std::optional<Recorder> recorder;
+    Recorders recorders, none;
     for (bool told = false; !stop.IsRequested();) {
-        jack_client_t* const opened = jack_client_open(options.name.c_str(), JackNoStartServer, nullptr);
-        if (opened == nullptr) {
+        OwnedClient opened(jack_client_open(options.name.c_str(), JackNoStartServer, nullptr));
+        if (!opened) {
             if (!told) desk.Remark("waiting for a JACK server; --audio file:IN:OUT needs none");
             told = true;
             desk.SetStatus("waiting for JACK", -1);
             stop.WaitFor(500ms);
             continue;
         }
-        const auto rate = static_cast<int>(jack_get_sample_rate(opened));
-        if (options.record && !recorder) recorder.emplace(*options.record, rate, options.layout);
-        desk.Remark("JACK: client " + std::string(jack_get_client_name(opened)) + ", " + std::to_string(rate) +
-                    " Hz, blocks of " + std::to_string(jack_get_buffer_size(opened)));
-        JackClient(opened, options, desk, recorder ? &*recorder : nullptr).Run(stop);
+        const auto rate = static_cast<int>(jack_get_sample_rate(opened.get()));
+        desk.Remark("JACK: client " + std::string(jack_get_client_name(opened.get())) + ", " + std::to_string(rate) +
+                    " Hz, blocks of " + std::to_string(jack_get_buffer_size(opened.get())));
+        if (recorders.rate == 0) Begin(recorders, options, desk.NumSources(), rate);
+        const bool records = recorders.rate == rate;
+        if (!records && (options.record || options.recordInputs))
+            desk.Remark("the recording has " + std::to_string(recorders.rate) + " Hz: it goes on when JACK has, too");
+        JackClient(std::move(opened), options, desk, records ? recorders : none).Run(stop);
         told = false;
         if (!stop.IsRequested()) desk.Remark("JACK has gone away");
     }
-    if (recorder) recorder->Finish();
+    Finish(recorders);
 }
 
 }  // namespace live

@@ -14,6 +14,7 @@ struct JackOptions {
     std::string name;                                ///< of the client
     std::vector<std::string> connectIn, connectOut;  ///< beginnings of the names of ports to connect with
     std::optional<std::string> record;               ///< a file that gets what is played
+    std::optional<std::string> recordInputs;         ///< one that gets what comes in
     program::SpeakerLayout const& layout;
 };
 

@@ -13,15 +13,16 @@ namespace live {
 namespace {
 
 constexpr unsigned int ringSeconds = 4;  // that a disk may take to come to itself
+constexpr std::chrono::milliseconds pause{50};
 
 }  // namespace
 
 Recorder::Recorder(std::string const& newPath, int samplerate, program::SpeakerLayout const& layout)
     : path(newPath),
-      numOutputs(layout.NumOutputs()),
+      numChannels(layout.NumOutputs()),
       capacity(std::bit_ceil(static_cast<std::size_t>(samplerate) * ringSeconds)),
       fileOrder(layout.fileOrder),
-      ring((numOutputs + 1) * capacity),
+      ring((numChannels + 1) * capacity),
       output(path, program::ChooseFormat({}, path), samplerate, layout.NumFileChannels(), layout.channelMask),
       thread([this] { Run(); }) {}
 
@@ -30,18 +31,22 @@ Recorder::~Recorder() {
     if (thread.joinable()) thread.join();
 }
 
-void Recorder::Add(float const* const* outputs, std::size_t numSamples) noexcept {
+void Recorder::Add(float const* const* channels, std::size_t numSamples) noexcept {
     const std::uint64_t at = written.load(std::memory_order_relaxed);
     if (at + numSamples - read.load(std::memory_order_acquire) > capacity) {
         lost.fetch_add(numSamples, std::memory_order_relaxed);
         return;
     }
     const std::size_t begin = at % capacity, first = std::min(numSamples, capacity - begin);
-    for (std::size_t c = 0; c < numOutputs; ++c) {
-        std::copy_n(outputs[c], first, &ring[c * capacity + begin]);
-        std::copy_n(outputs[c] + first, numSamples - first, &ring[c * capacity]);
+    for (std::size_t c = 0; c < numChannels; ++c) {
+        std::copy_n(channels[c], first, &ring[c * capacity + begin]);
+        std::copy_n(channels[c] + first, numSamples - first, &ring[c * capacity]);
     }
     written.store(at + numSamples, std::memory_order_release);
+}
+
+void Recorder::WaitForPlace(std::size_t numSamples) const {
+    while (written + numSamples - read > capacity) std::this_thread::sleep_for(pause);
 }
 
 void Recorder::WriteWaiting() {
@@ -49,9 +54,9 @@ void Recorder::WriteWaiting() {
     for (std::uint64_t at = read; at < written.load(std::memory_order_acquire);) {
         const std::size_t begin = at % capacity;
         const std::size_t count = std::min<std::size_t>(written - at, capacity - begin);
-        // Behind the outputs stands silence, for channels of the file that nobody plays.
+        // Behind the channels stands silence, for channels of the file that nobody plays.
         for (std::size_t c = 0; c < fileOrder.size(); ++c)
-            channels[c] = &ring[std::min(fileOrder[c], numOutputs) * capacity + begin];
+            channels[c] = &ring[std::min(fileOrder[c], numChannels) * capacity + begin];
         output.Write(channels.data(), count);
         at += count;
         read.store(at, std::memory_order_release);
@@ -62,7 +67,7 @@ void Recorder::Run() {
     try {
         while (!ends) {
             WriteWaiting();
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            std::this_thread::sleep_for(pause);
         }
         WriteWaiting();
     } catch (program::ProgramError const& error) {
@@ -70,7 +75,7 @@ void Recorder::Run() {
         program::Say(failure + "; the recording has ended, the sound goes on");
         while (!ends) {
             read.store(written);
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            std::this_thread::sleep_for(pause);
         }
     }
 }
