@@ -50,8 +50,9 @@ void Run(LiveOptions const& options) {
         if (audio.repeats) program::Say("playing " + options.room.inputs[0] + " again and again; Ctrl-C ends it");
         PlayFile(audio, *recording, options.room.inputs, setup.form, desk, stop);
     } else {
-        PlayJack({options.name, options.connectIn, options.connectOut, options.record, options.recordInputs, setup.form.layout}, desk,
-                 stop);
+        PlayJack({options.name, options.connectIn, options.connectOut, options.record, options.recordInputs,
+                  setup.form.layout},
+                 desk, stop);
     }
     desk.Close();
     Autosave(options.autosave, desk);

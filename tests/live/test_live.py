@@ -94,6 +94,16 @@ def test_file_is_render_sample_for_sample(tmp_path):
         assert (tmp_path / "a.wav").read_bytes() == (tmp_path / "b.wav").read_bytes(), words
 
 
+def test_signals_that_come_together_are_one_wish(tmp_path):
+    """A terminal that closes sends several: what was played is written all the same, and said."""
+    with program(tmp_path, *OFF) as live:
+        time.sleep(0.5)
+        for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
+            live.send_signal(number)
+    assert len(samples(tmp_path / "out.wav")) > 4800
+    assert "out.wav: 2 channels" in live.log.read_text()
+
+
 def test_own_tree(tmp_path):
     port = free_port()
     autosave = tmp_path / "end.state"

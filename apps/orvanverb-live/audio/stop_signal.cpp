@@ -5,15 +5,30 @@
 
 #include <csignal>
 
+#include "orvanverb/common/interrupt.h"
+#include "orvanverb/common/messages.h"
+
 namespace live {
 
 namespace {
+
+// A terminal that closes, or a machine that goes down, sends several kinds.
+constexpr std::chrono::seconds sameWish{1};
 
 sigset_t StopSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, number);
     return signals;
+}
+
+/// The usual course of a signal, which says what becomes of files.
+[[noreturn]] void EndAtOnce(int number, sigset_t const& signals) {
+    program::Say("orvanverb-live: ended at once, by a second signal");
+    program::CatchSignals();
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    raise(number);
+    _exit(128 + number);  // whoever started the program has it ignore the signal
 }
 
 }  // namespace
@@ -26,7 +41,9 @@ StopSignal::StopSignal() {
         for (int number = 0; sigwait(&signals, &number) == 0;) {
             const std::lock_guard lock(mutex);
             if (leaving) return;
-            if (requested) _exit(128 + number);
+            const auto now = std::chrono::steady_clock::now();
+            if (!requested) since = now;
+            if (now - since > sameWish) EndAtOnce(number, signals);
             requested = true;
             changed.notify_all();
         }

@@ -7,7 +7,8 @@
 
 namespace live {
 
-/// Tells when the program is to end: Ctrl-C, a request from the system, or by Request. A second signal ends it at once.
+/// Tells when the program is to end: Ctrl-C, a request from the system, or by Request. A signal
+/// that comes later ends it at once.
 class StopSignal {
 public:
     /// Before any other thread is made: they inherit that these signals don't interrupt them.
@@ -24,6 +25,7 @@ private:
     mutable std::condition_variable changed;
     bool requested = false;
     bool leaving = false;
+    std::chrono::steady_clock::time_point since;  // of the first signal
     std::thread listener;
 };
 
