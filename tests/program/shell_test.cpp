@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "orvanverb/object/shell_words.h"
 #include "program/run_program.h"
 #include "program/sound_files.h"
 
@@ -46,6 +47,36 @@ TEST(Shell, RunsAsAProgram) {
     const RunResult refused = RunProgram({"shell", "@numspeakers", "1"}, {}, "version\n");
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.out, "error: Configuration not supported\nerror: couldnt create object\n");
+}
+
+// Words that the shell offers at a terminal are words that its object knows.
+TEST(Shell, OffersWhatThereIs) {
+    std::ostringstream out;
+    program::Shell shell("", out);
+    const std::vector<std::string> first = program::WordsThatFit("", "");
+    EXPECT_GT(first.size(), 45u);
+    for (std::string const& word : first) {
+        if (word == ":quit" || word == "help") continue;
+        const std::string answer = Type(shell, out, word);
+        EXPECT_EQ(answer.find("understand"), std::string::npos) << answer;
+        EXPECT_EQ(answer.find("no command"), std::string::npos) << answer;
+    }
+    for (std::string const& word : program::WordsThatFit("source 1 ", "")) {
+        const std::string answer = Type(shell, out, "source 1 " + word + " 10 20 30");
+        EXPECT_EQ(answer.find("unknown coordinate type"), std::string::npos) << answer;
+    }
+    for (std::string const& word : program::WordsThatFit("reverb ", ""))
+        EXPECT_EQ(Type(shell, out, "reverb " + word + " 1"), "");
+    using Words = std::vector<std::string>;
+    EXPECT_EQ(program::WordsThatFit(":get ", "tr"), (Words{"tr0", "trh", "trl", "trm"}));
+    EXPECT_EQ(program::WordsThatFit("\t:assist ", "i"), Words{"in"});
+    EXPECT_EQ(program::WordsThatFit("source ", ""), Words{});
+    EXPECT_EQ(program::WordsThatFit("speakers az 30 ", ""), Words{});
+    for (std::string const& word : first) {
+        const std::string help = program::ShellHelp(word);
+        EXPECT_TRUE(help.starts_with(word)) << help;
+    }
+    EXPECT_NE(program::ShellHelp("sorce").find("did you mean source?"), std::string::npos);
 }
 
 TEST(Listing, ShowsTheAttributesToPeopleAndPrograms) {

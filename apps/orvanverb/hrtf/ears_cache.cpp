@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
@@ -13,6 +12,7 @@
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/progress_line.h"
+#include "orvanverb/common/user_folder.h"
 #include "orvanverb/common/whole_file.h"
 #include "orvanverb/design/set_conversion.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
@@ -27,15 +27,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char const* ending = ".hrtf";
-
-/// Empty if nothing says where it is.
-fs::path CacheFolder() {
-    // The variables count only if they hold absolute paths.
-    for (auto const& [variable, rest] : {std::pair{"XDG_CACHE_HOME", "orvanverb"}, {"HOME", ".cache/orvanverb"}})
-        if (char const* const value = std::getenv(variable); value != nullptr && fs::path(value).is_absolute())
-            return fs::path(value) / rest;
-    return {};
-}
 
 std::string Digits(std::uint64_t checksum) {
     char digits[17];
@@ -136,7 +127,7 @@ fs::path EarsCache::FittedFor(Lume::EarsFile const& measurements) {
 fs::path EarsCache::Fit(Lume::EarsFile const& measurements) {
     const std::string name =
         Digits(measurements.checksum) + "-" + std::to_string(samplerate) + "-" ORVANVERB_VERSION "-";
-    const fs::path folder = keep ? CacheFolder() : fs::path();
+    const fs::path folder = keep ? UserFolder("XDG_CACHE_HOME", ".cache") : fs::path();
     if (!folder.empty())
         if (const std::optional<fs::path> kept = FindKept(folder, name)) return *kept;
     const std::string bytes = FittedBytes(measurements.path, samplerate);
@@ -144,7 +135,7 @@ fs::path EarsCache::Fit(Lume::EarsFile const& measurements) {
         std::error_code error;
         fs::create_directories(folder, error);
         try {
-            const fs::path file = folder / (name + Digits(Lume::Checksum(bytes)) + ending);
+            fs::path file = folder / (name + Digits(Lume::Checksum(bytes)) + ending);
             WholeFile(file.string()).Write(bytes);
             return file;
         } catch (WorkError const& failure) {  // the set is there all the same

@@ -36,7 +36,10 @@ void AddObjectCommands(CLI::App& app, Call& call) {
     shell->footer(
         "The object is made with the attributes that follow the command: shell @numsources 2 @tr0 3\n"
         "Each line is a message to the object. Lines that begin with a colon are for the shell: :get NAME, :state,\n"
-        ":restore VALUES, :preset, :recall, :assist in|out INDEX, :dsp RATE BLOCK, :notifications, :quit.");
+        ":restore VALUES, :preset, :recall, :assist in|out INDEX, :dsp RATE BLOCK, :notifications, :quit.\n"
+        "On a terminal help explains all of them, Tab completes words, and the arrows find earlier lines, which are "
+        "kept in\n"
+        "~/.local/state/orvanverb.");
     const auto strict = std::make_shared<bool>(false);
     shell->add_flag("--strict", *strict, "End with status 1 at the first error, and tell it on standard error, too");
     shell->callback([&call, strict] {

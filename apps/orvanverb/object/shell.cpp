@@ -5,6 +5,9 @@
 #include "object/orvanverb_class.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/object/shell_words.h"
+#include "orvanverb/object/typed_lines.h"
 #include "patcher/atom.h"
 
 namespace program {
@@ -109,12 +112,20 @@ void Shell::WriteValues(std::string const& head, std::vector<max::t_atom> const&
 int RunShell(std::string const& attributes, bool strict) {
     Shell shell(attributes, std::cout);
     if (!shell.HasObject()) return 1;
+    const bool typed = IsTyped();
+    if (typed) std::cout << "help tells what there is to type; Ctrl-D ends" << std::endl;
+    TypedLines lines;
     std::string line;
     const auto failed = [&] { return strict && !shell.FirstError().empty(); };
     int number = 0;
-    while (!failed() && std::cout && std::getline(std::cin, line)) {
+    while (!failed() && lines.Next(line)) {
         ++number;
-        if (!shell.Handle(line)) break;
+        // Scripts go on to hear of the object that it doesn't know this word.
+        const std::vector<std::string> words = SplitWords(line);
+        if (typed && !words.empty() && words.size() < 3 && words[0] == "help")
+            std::cout << ShellHelp(words.size() == 2 ? words[1] : "") << std::flush;
+        else if (!shell.Handle(line))
+            break;
     }
     if (!failed()) return 0;
     throw WorkError("line " + std::to_string(number) + ": " + shell.FirstError());
