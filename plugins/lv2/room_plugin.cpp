@@ -50,8 +50,9 @@ void Release(LV2_Feature const* const* features, char* path) {
 }
 
 /// Whether a value is another one than was heard, beyond what writing it down and reading it again costs.
-bool Differs(float value, float heard) {
-    return !(std::abs(value - heard) <= 1e-5f * std::max(std::abs(value), 1e-3f));
+/// @param small  what is smaller counts as this
+bool Differs(float value, float heard, float small = 1e-3f) {
+    return !(std::abs(value - heard) <= 1e-5f * std::max(std::abs(value), small));
 }
 
 }  // namespace
@@ -113,7 +114,9 @@ void RoomPlugin::Connect(std::uint32_t port, void* newData) {
 void RoomPlugin::Activate() {
     const std::lock_guard lock(besideAudio);
     active = true;
-    if (configured) Renew(room->SaveState());
+    // What ports say before the first block is how the room begins, and not where it glides to.
+    if (!configured) ReadPorts();
+    Renew(room->SaveState());
     Configure();
 }
 
@@ -122,9 +125,15 @@ void RoomPlugin::Deactivate() {
 }
 
 /// A new room in that state, in which there is no trace of what the former one played or was told.
-void RoomPlugin::Renew(Lume::RoomState const& state) {
+void RoomPlugin::Renew(Lume::RoomState state) {
     auto restored = std::make_unique<Lume::Room>(room->NumSources(), room->NumSpeakers(), state.numInternals);
-    restored->RestoreState(state);
+    try {
+        restored->RestoreState(state);
+    } catch (std::runtime_error const& error) {  // the file of the ears has gone
+        lv2_log_error(&logger, "orvanverb: the built-in ears are used: %s\n", error.what());
+        state.ears = {};
+        restored->RestoreState(state);
+    }
     room = std::move(restored);
     configured = false;
 }
@@ -267,7 +276,8 @@ void RoomPlugin::ReadSource(unsigned int number, float azimuthDeg, float elevati
     const float azimuth = std::clamp(azimuthDeg, -180.0f, 180.0f);
     const float elevation = std::clamp(elevationDeg, -maxElevationDeg, maxElevationDeg);
     const float metres = std::clamp(distance, minDistance, maxDistance);
-    if (!Differs(azimuth, source.azimuthDeg) && !Differs(elevation, source.elevationDeg) &&
+    constexpr float smallAngle = 1.0f;  // a source straight ahead, told by its coordinates, is off by 1e-6 degrees
+    if (!Differs(azimuth, source.azimuthDeg, smallAngle) && !Differs(elevation, source.elevationDeg, smallAngle) &&
         !Differs(metres, source.distance))
         return;
     source.azimuthDeg = azimuth;

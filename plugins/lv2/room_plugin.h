@@ -65,7 +65,7 @@ private:
     };
 
     void Configure();
-    void Renew(Lume::RoomState const& state);
+    void Renew(Lume::RoomState state);
     float const* Value(std::size_t port) const { return static_cast<float const*>(data[port]); }
     void ReadEvents();
     void TellFiles();
