@@ -1,7 +1,6 @@
 /// The module _orvanverb: Room and the measures of responses for Python. The package orvanverb gives them units, names
 /// and shapes that people expect.
 
-#include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
@@ -13,17 +12,20 @@
 #include <string>
 #include <vector>
 
+#include "dsp/console.h"
 #include "engine/room_controls.h"
 #include "geometry/azimuth_distance_elevation.h"
 #include "measure/room_measurement.h"
+#include "orvanverb/hrtf/ears_cache.h"
 #include "room/control_range.h"
 #include "room/room.h"
+#include "samples.h"
 
 namespace py = pybind11;
 
 namespace {
 
-using Samples = py::array_t<float, py::array::c_style | py::array::forcecast>;
+using orvanpython::Samples;
 
 constexpr std::size_t vectorSize = 64;  // the program's, so that both sound the same to the last bit
 
@@ -46,10 +48,7 @@ private:
 class PythonRoom {
 public:
     PythonRoom(unsigned int sources, unsigned int speakers, unsigned int internals, float newRate)
-        : room(sources, speakers, internals), rate(newRate) {
-        if (!(rate >= 1000.0f && rate <= 768000.0f))
-            throw py::value_error("rate: " + Lume::NumberText(rate) + " is not from 1000 to 768000 Hz");
-    }
+        : room(sources, speakers, internals), rate(Checked(newRate)), ears(static_cast<int>(rate), true) {}
 
     void Set(std::string const& name, float value) {
         const Use use(busy);
@@ -82,20 +81,14 @@ public:
     /// @param inputs  (sources, frames)
     Samples Process(Samples const& inputs) {
         const Use use(busy);
-        if (inputs.ndim() != 2 || inputs.shape(0) != static_cast<py::ssize_t>(room.NumSources())) {
-            std::string shape;
-            for (py::ssize_t i = 0; i < inputs.ndim(); ++i)
-                shape.append(i > 0 ? ", " : "").append(std::to_string(inputs.shape(i)));
+        if (inputs.ndim() != 2 || inputs.shape(0) != static_cast<py::ssize_t>(room.NumSources()))
             throw py::value_error("a room with " + std::to_string(room.NumSources()) +
                                   " sources takes an array of the shape (" + std::to_string(room.NumSources()) +
-                                  ", frames), channels first, not (" + shape + ")");
-        }
+                                  ", frames), channels first, not " + orvanpython::ShapeText(inputs));
         const auto numFrames = static_cast<std::size_t>(inputs.shape(1));
         Samples outputs({static_cast<py::ssize_t>(room.NumSpeakers()), inputs.shape(1)});
-        std::vector<float const*> in;
-        std::vector<float*> out;
-        for (py::ssize_t i = 0; i < inputs.shape(0); ++i) in.push_back(inputs.data(i, 0));
-        for (py::ssize_t i = 0; i < outputs.shape(0); ++i) out.push_back(outputs.mutable_data(i, 0));
+        std::vector<float const*> in = orvanpython::Channels(inputs);
+        const std::vector<float*> out = orvanpython::MutableChannels(outputs);
         const py::gil_scoped_release released;
         Begin();
         room.Process(out.data(), in.data(), numFrames);
@@ -108,12 +101,13 @@ public:
     }
     void LoadEars(std::string const& path) {
         const Use use(busy);
-        room.LoadEars(path);
+        room.LoadEars(ears.Playable(path));
     }
 
     std::string State() const {
         Lume::RoomState state = room.SaveState();
         state.vectorSize = vectorSize;
+        state.ears = ears.Original(state.ears);
         return state.Text();
     }
     void Restore(std::string const& text) {
@@ -122,6 +116,7 @@ public:
         if (state.numSources == 0) state.numSources = room.NumSources();
         if (state.numSpeakers == 0) state.numSpeakers = room.NumSpeakers();
         if (state.numInternals == 0) state.numInternals = room.NumInternals();
+        state.ears = ears.Playable(state.ears);
         room.RestoreState(state);
     }
 
@@ -137,13 +132,20 @@ private:
         configured = true;
     }
 
+    static float Checked(float rate) {
+        if (!(rate >= 1000.0f && rate <= 768000.0f))
+            throw py::value_error("rate: " + Lume::NumberText(rate) + " is not from 1000 to 768000 Hz");
+        return rate;
+    }
+
     static std::size_t Find(std::string const& name) {
         const auto control = Lume::FindControl(name);
         if (!control) throw py::key_error(name + ": is no control of a room");
         return *control;
     }
 
-    float rate;
+    float rate;  // [Hz]
+    program::EarsCache ears;
     bool configured = false;
     std::atomic<bool> busy = false;
 };
@@ -221,6 +223,8 @@ py::dict Measure(Samples const& response, double rate, bool thirds) {
 
 PYBIND11_MODULE(_orvanverb, m) {
     m.doc() = "The engine of the package orvanverb.";
+    orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const&) {});  // exceptions say it
+    orvanpython::AddProgram(m);
     py::class_<PythonRoom>(m, "Room")
         .def(py::init<unsigned int, unsigned int, unsigned int, float>())
         .def("set", &PythonRoom::Set)

@@ -18,7 +18,8 @@ class CMakeBuild(build_ext):
         subprocess.run(
             ["cmake", "-S", str(here.parent.parent), "-B", str(build), "-DCMAKE_BUILD_TYPE=Release",
              "-DORVAN_BUILD_PYTHON=ON", "-DORVAN_BUILD_TESTS=OFF", "-DORVAN_BUILD_BENCH=OFF",
-             "-DORVAN_BUILD_PROGRAM=OFF", "-DORVAN_BUILD_PLUGINS=OFF", f"-DPython3_EXECUTABLE={sys.executable}"],
+             "-DORVAN_BUILD_PROGRAM=ON", "-DORVAN_BUILD_PLUGINS=OFF", "-DORVAN_BUILD_SHARED=OFF",
+             f"-DPython3_EXECUTABLE={sys.executable}"],
             check=True)
         subprocess.run(["cmake", "--build", str(build), "--target", "orvan_python", "-j", str(os.cpu_count() or 2)],
                        check=True)

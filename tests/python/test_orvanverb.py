@@ -35,6 +35,7 @@ def furnished(speakers, **options):
 
 def test_documentation_runs():
     assert doctest.testmod(orvanverb).failed == 0
+    assert doctest.testmod(orvanverb._formats).failed == 0
 
 
 @pytest.mark.parametrize("speakers", ["headphones", 6])
@@ -50,18 +51,17 @@ def test_impulse_responses_are_what_process_answers(speakers):
     numpy.testing.assert_allclose(played[:, 128:], 0.5 * responses[1, :, :-128], atol=1e-4)
 
 
-def rendered(room, x, tail, tmp_path):
-    """What the program makes of a recording and the room's state."""
-    header = b".snd" + b"".join(n.to_bytes(4, "big") for n in (24, x.nbytes, 6, 48000, 2))  # AU, float
+def played(command, x, words, tmp_path):
+    """What the program makes of a recording."""
+    header = b".snd" + b"".join(n.to_bytes(4, "big") for n in (24, x.nbytes, 6, 48000, x.shape[0]))  # AU, float
     (tmp_path / "in.au").write_bytes(header + x.T.astype(">f4").tobytes())
-    (tmp_path / "room.state").write_text(room._room.state())
-    subprocess.run([PROGRAM, "render", tmp_path / "in.au", "-o", tmp_path / "out.wav", "--state", tmp_path / "room.state",
-                    "--speakers", str(room.outputs), "--set", f"numinternals={room.internals}", "--tail", tail,
-                    "--format", "float"], check=True, capture_output=True)
+    subprocess.run([PROGRAM, command, tmp_path / "in.au", "-o", tmp_path / "out.wav", "--format", "float", "-f", *words],
+                   check=True, capture_output=True)
     data = (tmp_path / "out.wav").read_bytes()
-    start = data.index(b"data") + 8
+    form, start = data.index(b"fmt "), data.index(b"data") + 8
+    channels = int.from_bytes(data[form + 10:form + 12], "little")
     length = int.from_bytes(data[start - 4:start], "little")
-    return numpy.frombuffer(data[start:start + length], "<f4").reshape(-1, room.outputs).T
+    return numpy.frombuffer(data[start:start + length], "<f4").reshape(-1, channels).T
 
 
 @pytest.mark.parametrize("speakers, frames, tail", [("headphones", 9600, 0.1), (6, 9600, 0.1), (6, 9637, "auto"),
@@ -71,7 +71,62 @@ def test_render_is_the_programs(speakers, frames, tail, tmp_path):
     room = furnished(speakers, internals=16)
     room.decay_s = 0.4
     x = noise(2, frames)
-    numpy.testing.assert_array_equal(room.render(x, tail=tail), rendered(room, x, str(tail), tmp_path))
+    (tmp_path / "room.state").write_text(room._room.state())
+    words = ["--state", tmp_path / "room.state", "--speakers", str(room.outputs), "--set", "numinternals=16",
+             "--tail", str(tail)]
+    numpy.testing.assert_array_equal(room.render(x, tail=tail), played("render", x, words, tmp_path))
+
+
+PANNED = [
+    (dict(method="binaural", sources=[-45, (100, 30, 1.5)]), "--source 1 -45 0 1 --source 2 100 30 1.5"),
+    (dict(method="binaural", model="snowman", orientation=(30, 0, 0), tail=0.25),
+     "--model snowman --orientation 30 0 0 --tail 0.25"),
+    (dict(method="vbap2d", speakers="5.1"), "--speakers 5.1"),  # a silent channel, and the order of the file
+    (dict(method="vbap2d", speakers=[-30, 30, 110, -110.5]), "--speakers FOLDER/layout"),
+    (dict(method="ambix", order=2, scene="FOLDER/scene"), "--order 2 --scene FOLDER/scene"),
+    (dict(method="hoa2d", outputs=5, convention="n2d", tail="auto"), "--outputs 5 --convention n2d --tail auto"),
+    (dict(method="ab"), ""),
+]
+
+
+@pytest.mark.parametrize("given, words", PANNED)
+def test_pan_is_the_programs(given, words, tmp_path):
+    (tmp_path / "layout").write_text("-30\n30\n110\n-110.5\n")
+    (tmp_path / "scene").write_text("0..0.05 source 1 azim 0 -> 90\n0.1 orientation 20\n")
+    given = {name: value.replace("FOLDER", str(tmp_path)) if isinstance(value, str) else value
+             for name, value in given.items()}
+    words = ["--method", given["method"], *words.replace("FOLDER", str(tmp_path)).split()]
+    x = noise(2, 9637)
+    x[0, 5] = numpy.nan
+    numpy.testing.assert_array_equal(orvanverb.pan(x, **given), played("pan", x, words, tmp_path))
+
+
+@pytest.mark.parametrize("channels, given, words", [
+    (16, dict(type="hoa3d", ambix=True, speakers="7.1.4"), "--ambix --speakers 7.1.4"),
+    (9, dict(type="binaural", orientation=(-40, 10, 0)), "--orientation -40 10 0"),
+    (5, dict(type="hoa2d", speakers=6, weights="basicmaxre", crossover_hz=500, tail=0),
+     "--speakers 6 --weights basicmaxre --crossover 500 --tail 0"),
+    (2, dict(type="transaural"), ""),
+    (2, dict(type="uhj2bformat"), ""),
+])
+def test_decode_is_the_programs(channels, given, words, tmp_path):
+    x = noise(channels, 6400)
+    words = ["--type", given["type"], *words.split()]
+    numpy.testing.assert_array_equal(orvanverb.decode(x, **given), played("decode", x, words, tmp_path))
+
+
+def test_measured_ears(tmp_path):
+    sofa, ours = "/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa", tmp_path / "ours.hrtf"
+    orvanverb.convert_hrtf(sofa, ours, 48000, fir=True, length=64)
+    with pytest.raises(FileExistsError):
+        orvanverb.convert_hrtf(sofa, ours)
+    x = noise(1, 4800)
+    words = ["--method", "binaural", "--source", "1", "-60", "0", "1", "--hrtf", ours]
+    heard = orvanverb.pan(x, "binaural", sources=[-60], hrtf=ours)
+    numpy.testing.assert_array_equal(heard, played("pan", x, words, tmp_path))
+    room = orvanverb.Room(speakers="headphones")
+    room.load_ears(ours)
+    assert str(ours) in str(room.state["ears"])
 
 
 def test_streaming_remembers():
@@ -121,6 +176,15 @@ def test_mistakes_are_named():
         room.place(2, 0)
     with pytest.raises(ValueError, match="headphones"):
         orvanverb.Room(speakers=2)
+    for words, complaint in [(dict(method="vbap3"), "method: 'vbap3' is none"), (dict(method="ambix", order=9), "1 to 7"),
+                             (dict(method="vbap", speakers="9.9"), "7.1.4"), (dict(method="xy", tail=-1), "tail: '-1'"),
+                             (dict(method="xy", rate=5), "8000 to 384000"), (dict(method="xy", sources=[900]), "-360 to 360")]:
+        with pytest.raises(ValueError, match=complaint):
+            orvanverb.pan(noise(2, 64), **words)
+    with pytest.raises(ValueError, match=r"channels first, not \(640, 2\)"):
+        orvanverb.decode(numpy.zeros((640, 2)), "bformat")
+    with pytest.raises(FileNotFoundError, match="none.sofa"):
+        orvanverb.pan(noise(1, 64), "binaural", hrtf="none.sofa")
     bad = noise(2, 640)
     bad[0, 7], bad[1, 9] = numpy.nan, 3e38
     assert numpy.isfinite(room.process(bad)).all()
@@ -226,11 +290,13 @@ room = orvanverb.Room(sources=2)
 room.decay_s = 1.5
 room.early.gain_db = -3
 x = room.render([[0.0]], tail=0.5)
+y = orvanverb.pan([[0.0]], "vbap2d", speakers=[-30, 30])
 room.decay = 1
 room.place("a", 3)
+orvanverb.decode(y, type=3)
 """)
     run = subprocess.run([sys.executable, "-m", "mypy", "--no-incremental", "--cache-dir", os.devnull, "user.py"],
                          cwd=tmp_path, capture_output=True, text=True,
                          env={**os.environ, "MYPYPATH": str(pathlib.Path(orvanverb.__file__).parents[1])})
     wrong = [line for line in run.stdout.splitlines() if "error:" in line]
-    assert len(wrong) == 2 and "user.py:6" in wrong[0] and "user.py:7" in wrong[1], run.stdout + run.stderr
+    assert [line.split(":")[1] for line in wrong] == ["7", "8", "9"], run.stdout + run.stderr

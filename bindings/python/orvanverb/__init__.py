@@ -9,6 +9,8 @@
 >>> wet.shape
 (2, 24480)
 
+`pan`, `decode` and `convert_hrtf` do without a room what the program's commands of these names do.
+
 Arrays are float32 and (channels, frames). Azimuths are positive to the right; sources count from 0. A room belongs to
 one thread at a time, and says so otherwise; rooms on several threads run at once.
 """
@@ -21,8 +23,9 @@ from typing import Any, Iterable, Mapping, Sequence
 import numpy
 
 from . import _orvanverb
+from ._formats import convert_hrtf, decode, decoders, pan, pan_methods, places
 
-__all__ = ["Room", "controls", "measure"]
+__all__ = ["Room", "controls", "convert_hrtf", "decode", "decoders", "measure", "pan", "pan_methods"]
 
 #: The controls of the late field, by what people call them.
 _LATE_NAMES = {
@@ -94,17 +97,6 @@ class _Cluster(_Group):
     __slots__ = ()
 
 
-def _places(speakers: Any) -> list[tuple[float, float, float]]:
-    """Azimuths, or rows of azimuth, elevation [degrees] and distance [m]."""
-    places = []
-    for row in speakers:
-        row = [float(value) for value in numpy.atleast_1d(row)]
-        if not 1 <= len(row) <= 3:
-            raise ValueError("a loudspeaker is an azimuth, with an elevation [degrees] and a distance [m] if need be")
-        places.append((row[0], row[1] if len(row) > 1 else 0.0, row[2] if len(row) > 2 else 1.0))
-    return places
-
-
 class Room:
     """A room with sources and loudspeakers in it.
 
@@ -119,7 +111,7 @@ class Room:
 
     def __init__(self, sources: int = 1, speakers: int | str | Iterable[Any] = "headphones", rate: float = 48000,
                  internals: int = 8) -> None:
-        places = None
+        rows = None
         if isinstance(speakers, str):
             if speakers != "headphones":
                 raise ValueError(f"speakers: '{speakers}' is no number, no list of places and not 'headphones'")
@@ -129,12 +121,12 @@ class Room:
             if not 3 <= number <= 64:
                 raise ValueError(f"speakers: {number} is not from 3 to 64; two ears are 'headphones'")
         else:
-            places = _places(speakers)
-            number = len(places)
+            rows = places(speakers, "speakers")
+            number = len(rows)
         self._rate = float(rate)
         object.__setattr__(self, "_room", _orvanverb.Room(sources, number, internals, rate))
-        if places is not None:
-            self._room.place_speakers(places)
+        if rows is not None:
+            self._room.place_speakers(rows)
         self.direct = _Direct(self._room)
         self.room = _Shelf(self._room)
         self.early = _Early(self._room)
@@ -184,7 +176,8 @@ class Room:
         self._room.place(source, azimuth_deg, elevation_deg, distance_m)
 
     def load_ears(self, path: str) -> None:
-        """Takes the filters of a .hrtf or .coll file for headphones."""
+        """Takes ears of your own for headphones: a .hrtf or .coll file, or measurements (.sofa), which are fitted once
+        for each rate."""
         self._room.load_ears(str(path))
 
     # Sound
