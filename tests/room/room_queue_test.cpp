@@ -49,6 +49,13 @@ TEST(RoomQueue, TheLastMessageForAControlCounts) {
     room.Set(tr0, 2.0f);
     queue.Deliver(room);
     EXPECT_EQ(room.Get(tr0), 2.0f) << "delivered twice";
+    for (const bool on : {true, false}) {
+        queue.SetMuted(on);
+        queue.SetBypassed(!on);
+        queue.Deliver(room);
+        EXPECT_EQ(room.SaveState().mute, on);
+        EXPECT_EQ(room.SaveState().bypass, !on);
+    }
 }
 
 // Red if a full queue blocks, overwrites what waits, or says nothing; or if it doesn't take any more once it is read.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <limits>
 #include <stdexcept>
 
 #include "pan/set_file.h"
@@ -155,7 +156,7 @@ TEST(RoomState, SaysWhatIsWrongAndWhere) {
 }
 
 // Red if a room changes although its new state can't be had.
-TEST(RoomState, LeavesTheRoomAsItWasIfTheEarsAreOthers) {
+TEST(RoomState, LeavesTheRoomAsItWasIfItCannotBeHad) {
     SetDescription description;
     description.positions = {{0.0f, 1.0f, 0.0f}};
     const TemporaryFile file(".hrtf", SetFile(description, [](std::uint32_t, std::uint32_t) { return 0.4f; }));
@@ -167,6 +168,17 @@ TEST(RoomState, LeavesTheRoomAsItWasIfTheEarsAreOthers) {
     Room other(1, 2);
     EXPECT_THROW(other.RestoreState(state), std::runtime_error);
     EXPECT_NE(other.Get(ControlIndex("tr0")), 7.0f);
+    state.ears.checksum += 1;  // of that very path
+    EXPECT_THROW(room.RestoreState(state), std::runtime_error);
+    state.ears = {};
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    for (const Lume::CartesianVector& nowhere :
+         {Lume::CartesianVector{infinity, 0.0f, 0.0f}, {0.0f, infinity, 0.0f}, {0.0f, 0.0f, infinity}}) {
+        state.sources = {nowhere};
+        EXPECT_THROW(room.RestoreState(state), std::invalid_argument);
+    }
+    state.sources = {};
     state.numSources = 2;
     EXPECT_THROW(room.RestoreState(state), std::invalid_argument);
+    EXPECT_NE(room.Get(ControlIndex("tr0")), 7.0f);
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -98,6 +99,7 @@ TEST(Room, LimitsValuesAndRefusesWhatIsNoNumber) {
     EXPECT_FALSE(room.PlaceSource(1, {1.0f, 1.0f, 0.0f}));
     EXPECT_EQ(room.SourcePosition(0).x, Room::maxCoordinate);
     EXPECT_FALSE(room.PlaceSpeaker(2, {0.0f, notANumber, 0.0f}));
+    EXPECT_FALSE(room.PlaceSpeaker(4, {1.0f, 1.0f, 0.0f}));
     EXPECT_FALSE(room.SetOrientation({notANumber, 0.0f, 0.0f}));
     EXPECT_EQ(room.GetOrientation(), Lume::Orientation{});
 }
@@ -164,6 +166,7 @@ TEST(Room, TellsWhatItsLoudspeakersCannotPlay) {
     for (char const* format : {"vbap", "dome"}) {
         EXPECT_EQ(remarks(format, {left, top, right, ahead, behind}), "");
         EXPECT_NE(remarks(format, {left, right, ahead, behind}).find("one plane"), std::string::npos);
+        EXPECT_TRUE(LayoutRemarks(Room(1, 24, 8, Lume::FindRoomFormat(format))).empty()) << "as it comes";
     }
 }
 
@@ -205,6 +208,21 @@ TEST(Room, EmptiesARoomThatRunsAwayAndFadesItIn) {
     const Recording back = Play(room, 48000, 48000);
     EXPECT_LT(LevelDb(std::span(back[0]).first(240)), LevelDb(std::span(back[0]).last(4800)) - 10.0);
     EXPECT_GT(LevelDb(std::span(back[0]).last(4800)), -40.0);
+
+    // By itself: a tenth of a second from silence to all.
+    Lume::OutputGuard guard;
+    guard.Configure(48000.0f);
+    std::vector<float> vector(48, 1e7f);
+    float* const outputs[] = {vector.data()};
+    EXPECT_TRUE(guard.Check(outputs, 1, 48));
+    for (int i = 0; i < 4896; ++i) {
+        if (i % 48 == 0) {
+            std::ranges::fill(vector, 1.0f);
+            EXPECT_FALSE(guard.Check(outputs, 1, 48));
+        }
+        ASSERT_NEAR(vector[static_cast<std::size_t>(i % 48)], std::min(static_cast<float>(i) / 4800.0f, 1.0f), 1e-4f)
+            << i;
+    }
 }
 
 // Red if clearing leaves a tail, as the engine's own does in the air filters.
