@@ -12,7 +12,7 @@
 
 // Red if a triangle of the hull is missing (a direction is then lost or played elsewhere), if degrees are weighted
 // wrongly, or if a layout makes large gains: energy vectors of waves within the layout point at them, their power
-// stays.
+// stays, from below too, where an imaginary loudspeaker stands for half the sphere.
 TEST(AllRadDecoder, IrregularLayoutsPlayWavesWhereTheyComeFrom) {
     for (char const* name : {"5.0.4", "7.0.4", "9.1.6", "22.2", "dome12", "dome24", "dome48"}) {
         const std::vector<Lume::CartesianVector> speakers = Lume::FindNamedLayout(name).positions;
@@ -22,7 +22,7 @@ TEST(AllRadDecoder, IrregularLayoutsPlayWavesWhereTheyComeFrom) {
             decoder.SetLoudspeakerPositions(speakers.data());
             double sumDegrees = 0.0, count = 0.0, least = 1e9, most = 0.0;
             for (double azimuth = 0.0; azimuth < 360.0; azimuth += 15.0) {
-                for (const double elevation : {0.0, 20.0, 45.0}) {
+                for (const double elevation : {-90.0, -45.0, 0.0, 20.0, 45.0}) {
                     const double a = azimuth * M_PI / 180.0, e = elevation * M_PI / 180.0;
                     const Lume::CartesianVector d{static_cast<float>(std::cos(a) * std::cos(e)),
                                                   static_cast<float>(std::sin(a) * std::cos(e)),
@@ -38,17 +38,19 @@ TEST(AllRadDecoder, IrregularLayoutsPlayWavesWhereTheyComeFrom) {
                         power += gain * gain;
                         vector = vector + speakers[j] * static_cast<float>(gain * gain);
                     }
+                    least = std::min(least, power);
+                    most = std::max(most, power);
+                    if (elevation < 0.0) continue;
                     sumDegrees +=
                         std::acos(static_cast<double>(std::clamp(Dot(vector, d) / Length(vector), -1.0f, 1.0f))) *
                         180.0 / M_PI;
                     count += 1.0;
-                    least = std::min(least, power);
-                    most = std::max(most, power);
                 }
             }
-            // Measured: 2 to 10 degrees on average, at most 4.6 dB.
-            EXPECT_LT(sumDegrees / count, order == 1 ? 11.0 : 8.0) << name << " " << order;
-            EXPECT_LT(10.0 * std::log10(most / least), 5.0) << name << " " << order;
+            // Measured: 2 to 12 degrees on average; on domes at most 1.9 dB, elsewhere 5.7.
+            EXPECT_LT(sumDegrees / count, order == 1 ? 12.5 : 8.0) << name << " " << order;
+            EXPECT_LT(10.0 * std::log10(most / least), std::string(name).starts_with("dome") ? 2.0 : 6.0)
+                << name << " " << order;
         }
     }
 }

@@ -13,9 +13,9 @@ namespace Lume {
 /// Frank, "All-round ambisonic panning and decoding", J. Audio Eng. Soc. 60(10), 2012).
 ///
 /// Where no loudspeaker stands within 60 degrees above or below the listener an imaginary one does, whose signal its
-/// neighbours share. The mean power over the directions of a
-/// wave that are no lower than the loudspeakers is 1. Unlike an inversion of the layout this has no
-/// large gains, whatever the layout and the order.
+/// neighbours play, as loud as gives a wave from there the mean power. The mean over the directions of a wave that are
+/// no lower than the loudspeakers is 1. Unlike an inversion of the layout this has no large gains, whatever the layout
+/// and the order.
 class AllRadDecoder : public Decoder {
 public:
     /// Silent until the loudspeakers are set.
