@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 
 #include "program/run_program.h"
@@ -36,6 +37,36 @@ TEST(Proposal, DecaysAsAsked) {
         EXPECT_NEAR(0.5 * (DecayAt(json, "500") + DecayAt(json, "1000")), decay, 0.05 * decay);
         EXPECT_NEAR(DecayAt(json, "4000"), high, 0.05 * high);
     }
+}
+
+// Red if a time is forgotten, or if the level of the room doesn't fall with the surface: of a room of a half and of
+// twice the size, reflections come at half and twice the time, and the room is 6 dB louder and softer at the same
+// distance.
+TEST(Proposal, ChangesTheSizeOfARoom) {
+    const TemporaryDirectory directory;
+    const auto figures = [&](std::string const& preset) {
+        RunProgram({"ir", "-o", directory / "a.wav", "--speakers", "8", "--source", "1", "0", "0", "3", "--preset",
+                    preset, "--tail", "6", "--set", "air=0"});
+        return RunProgram({"measure", directory / "a.wav", "--json"}).out;
+    };
+    const auto figure = [](std::string const& json, std::string const& key) {
+        return std::stod(json.substr(json.find("\"" + key + "\": ") + key.size() + 4));
+    };
+    const std::string usual = figures("church");
+    for (const double size : {0.5, 2.0}) {
+        SCOPED_TRACE(size);
+        const RunResult run = RunProgram({"room", "--preset", "church", "--size", std::to_string(size)});
+        ASSERT_EQ(run.status, 0) << run.err;
+        WriteText(directory / "b.room", run.out);
+        const std::string other = figures(directory / "b.room");
+        EXPECT_NEAR(DecayAt(other, "500") / DecayAt(usual, "500"), size, 0.05 * size);
+        EXPECT_NEAR(figure(other, "to_rest_db") - figure(usual, "to_rest_db"), 20.0 * std::log10(size), 1.0);
+        EXPECT_NE(run.out.find(size > 1.0 ? "early_start 44\n" : "early_start 11\n"), std::string::npos);
+    }
+    ExpectComplaint(RunProgram({"room", "--size", "2"}), 2, "goes with --preset");
+    ExpectComplaint(RunProgram({"room", "--preset", "church", "--rt60", "2"}), 2, "only --size");
+    ExpectComplaint(RunProgram({"room", "--preset", "church", "--size", "0"}), 2, "no number from 0.1 to 10");
+    ExpectComplaint(RunProgram({"room", "--volume", "60"}), 2, "--volume and --rt60");
 }
 
 TEST(Proposal, TakesOtherForms) {

@@ -87,9 +87,15 @@ void DrawEchoes(std::ostream& out, ResponseFile const& response, RoomMeasurement
         out << 1000.0 * (echoes.startSeconds + static_cast<double>(i) * echoes.stepSeconds) << ' '
             << std::max(echoes.levels[i], -60.0f) << '\n';
     out << "EOD\n$marks << EOD\n";
-    for (std::size_t i = 0; i < echoes.reflections.size(); ++i)
-        out << 1000.0 * echoes.reflections[i].seconds << ' ' << echoes.reflections[i].levelDb << " \""
-            << FixedText(1000.0 * echoes.reflections[i].seconds, 1) << "\"\n";
+    constexpr double legible = 4.0;  // [ms] from one text to the next
+    double written = -legible;
+    for (std::size_t i = 0; i < echoes.reflections.size(); ++i) {
+        const double milliseconds = 1000.0 * echoes.reflections[i].seconds;
+        const bool named = milliseconds >= written + legible;
+        if (named) written = milliseconds;
+        out << milliseconds << ' ' << echoes.reflections[i].levelDb << " \""
+            << (named ? FixedText(milliseconds, 1) : "") << "\"\n";
+    }
     out << "EOD\nset title 'First echoes: energy of 0.25 ms; clear reflections with their times in ms'\n"
         << "set xlabel 'ms behind the direct sound'\nset ylabel 'dB'\nset xrange [-3:" << 1000.0 * shownSeconds
         << "]\nset yrange [-60:9]\nset ytics -60,10,0\nset label 1 'direct' at -2,6.5 left textcolor rgb '" << ink

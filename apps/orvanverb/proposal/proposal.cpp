@@ -7,7 +7,9 @@
 
 #include "engine/room_controls.h"
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/measure/asked_decay.h"
+#include "orvanverb/presets/preset.h"
 #include "reverb/recommended_delays_distribution.h"
 
 namespace program {
@@ -101,7 +103,7 @@ Proposal ProposeRoom(RoomOptions const& wanted) {
         RoomReport report = ReportRoom(room->Engine(), position, sampleRate);
         if (const double fault = Fault(report); fault < leastFault) {
             leastFault = fault;
-            best = {std::move(room), std::move(report)};
+            best = {std::move(room), std::move(report), {}, {}};
         }
     }
     const double absorption = 0.161 * static_cast<double>(wanted.volume / wanted.decaySeconds);  // [m^2]
@@ -111,7 +113,34 @@ Proposal ProposeRoom(RoomOptions const& wanted) {
     Set(*best.room, "room_gain", static_cast<float>(std::clamp(roomDb, -60.0, 10.0)));
     if (roomDb > 10.0) Set(*best.room, "direct_gain", static_cast<float>(std::max(-60.0, 10.0 - roomDb)));
     best.report = ReportRoom(best.room->Engine(), position, sampleRate);
+    best.title =
+        "A room of " + NumberText(wanted.volume) + " m3 that decays in " + NumberText(wanted.decaySeconds) + " s";
     return best;
+}
+
+Proposal ResizeRoom(RoomOptions const& wanted) {
+    const Preset preset = ReadPreset(FindPreset(*wanted.preset));
+    Proposal proposal;
+    proposal.room = MakeRoom(preset);
+    Lume::Room& room = *proposal.room;
+    const auto change = [&](char const* name, auto how) {
+        const std::size_t index = *Lume::FindControl(name);
+        Lume::RoomControl const& control = Lume::roomControls[index];
+        const float value = how(room.Get(index)), possible = std::clamp(value, control.least, control.greatest);
+        room.Set(index, possible);
+        if (possible != value)
+            proposal.remarks.push_back(std::string(name) + ": " + NumberText(value) + " " + control.unit +
+                                       " is not possible, " + NumberText(possible) + " is taken");
+    };
+    for (char const* const name :
+         {"early_start", "early_end", "cluster_start", "cluster_end", "reverb_start", "modaldensity", "tr0"})
+        change(name, [&](float value) { return wanted.size * value; });
+    change("room_gain", [&](float decibels) { return decibels - 20.0f * std::log10(wanted.size); });
+    const Lume::CartesianVector position{0.0f, wanted.distance, 0.0f};
+    room.PlaceSource(0, position);
+    proposal.report = ReportRoom(room.Engine(), position, sampleRate);
+    proposal.title = preset.name + ", " + NumberText(wanted.size) + " times as large";
+    return proposal;
 }
 
 }  // namespace program

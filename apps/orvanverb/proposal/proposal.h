@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "orvanverb/measure/room_report.h"
 #include "orvanverb/proposal/room_options.h"
@@ -12,6 +14,8 @@ namespace program {
 struct Proposal {
     std::unique_ptr<Lume::Room> room;
     RoomReport report;
+    std::string title;
+    std::vector<std::string> remarks;  // on what could not be
 };
 
 /// Proposes all controls of a room.
@@ -22,5 +26,11 @@ struct Proposal {
 /// room's level is that of a statistical sound field: direct over reverberant energy 0.161 V / T / (16 pi r^2) at the
 /// distance r (H. Kuttruff, Room Acoustics).
 Proposal ProposeRoom(RoomOptions const& wanted);
+
+/// The room of a preset, of the same walls, at another size: all ways become longer by the factor, and with them times
+/// and decay (after Sabine volume over surface); the room's level falls with the surface that swallows sound, 6 dB for
+/// twice the size. What would leave the range of its control stays at its end, and is remarked.
+/// @throws WorkError for a preset that isn't there or isn't one
+Proposal ResizeRoom(RoomOptions const& wanted);
 
 }  // namespace program

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/room_controls.h"
+#include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/proposal/proposal.h"
@@ -17,13 +18,16 @@ namespace program {
 namespace {
 
 struct Words {
-    std::string volume, decay, low, high, distance, form = "preset";
+    std::string preset, size, volume, decay, low, high, distance, form = "preset";
 };
 
 constexpr char const* footer =
-    "The proposal is rendered and measured before it is printed. Decay times are T30; low is 125 Hz, high 4 kHz.\n"
+    "The proposal is rendered and measured before it is printed. Decay times are T30; low is 125 Hz, high 4 kHz. Of "
+    "another\n"
+    "size a room's walls stay as they are: twice as large it decays twice as long, less what the air takes.\n"
     "  orvanverb room --volume 12000 --rt60 2 --rt60-low 2.3 --rt60-high 1.4 > hall.room\n"
-    "  orvanverb render voice.wav -o wet.wav --preset hall.room";
+    "  orvanverb room --preset church --size 2 > minster.room\n"
+    "  orvanverb render voice.wav -o wet.wav --preset minster.room";
 
 float Parse(char const* option, std::string const& word, float least, float most, char const* unit) {
     const std::optional<float> value = ParseNumber(word);
@@ -35,10 +39,6 @@ float Parse(char const* option, std::string const& word, float least, float most
 
 void TakeMeaning(Words const& words, RoomOptions& room) {
     constexpr float shortest = 0.15f, longest = 9.0f;
-    room.volume = Parse("--volume", words.volume, 10.0f, 15000.0f, " m3");
-    room.decaySeconds = Parse("--rt60", words.decay, shortest, longest, " s");
-    if (!words.low.empty()) room.lowSeconds = Parse("--rt60-low", words.low, shortest, longest, " s");
-    if (!words.high.empty()) room.highSeconds = Parse("--rt60-high", words.high, shortest, longest, " s");
     if (!words.distance.empty()) room.distance = Parse("--distance", words.distance, 0.3f, 100.0f, " m");
     if (words.form == "preset")
         room.form = RoomOptions::Form::Preset;
@@ -48,6 +48,20 @@ void TakeMeaning(Words const& words, RoomOptions& room) {
         room.form = RoomOptions::Form::State;
     else
         throw UsageError("--as: '" + words.form + "' is none of preset, words and state");
+    if (!words.preset.empty()) {
+        for (std::string const* const other : {&words.volume, &words.decay, &words.low, &words.high})
+            if (!other->empty()) throw UsageError("--preset: has its own volume and decay, only --size changes them");
+        room.preset = words.preset;
+        if (!words.size.empty()) room.size = Parse("--size", words.size, 0.1f, 10.0f, "");
+        return;
+    }
+    if (!words.size.empty()) throw UsageError("--size: which room's? It goes with --preset");
+    if (words.volume.empty() || words.decay.empty())
+        throw UsageError("room: takes --volume and --rt60, or --preset and --size");
+    room.volume = Parse("--volume", words.volume, 10.0f, 15000.0f, " m3");
+    room.decaySeconds = Parse("--rt60", words.decay, shortest, longest, " s");
+    if (!words.low.empty()) room.lowSeconds = Parse("--rt60-low", words.low, shortest, longest, " s");
+    if (!words.high.empty()) room.highSeconds = Parse("--rt60-high", words.high, shortest, longest, " s");
 }
 
 /// The object's attributes with their values, each as one text, in the table's order.
@@ -67,7 +81,8 @@ std::vector<std::pair<std::string, std::string>> Attributes(Lume::Room const& ro
 }
 
 void RunRoom(RoomOptions const& wanted) {
-    const Proposal proposal = ProposeRoom(wanted);
+    const Proposal proposal = wanted.preset ? ResizeRoom(wanted) : ProposeRoom(wanted);
+    for (std::string const& remark : proposal.remarks) Say("warning: " + remark);
     const std::string report = proposal.report.Text();
     if (wanted.form == RoomOptions::Form::State) {
         std::fputs(proposal.room->SaveState().Text().c_str(), stdout);
@@ -83,8 +98,7 @@ void RunRoom(RoomOptions const& wanted) {
                 .append(value)
                 .append(preset ? "\n" : "");
         if (preset) {
-            std::string head = "# A room of " + NumberText(wanted.volume) + " m3 that decays in " +
-                               NumberText(wanted.decaySeconds) + " s. Made by orvanverb room.\n";
+            std::string head = "# " + proposal.title + ". Made by orvanverb room.\n";
             if (const orvanmeasure::Figure mid = proposal.report.measured.Mid(&orvanmeasure::BandFigures::t30);
                 mid.IsThere())
                 head += "# measured: T30 " + FixedText(mid.value, 2) + " s\n";
@@ -101,14 +115,17 @@ void RunRoom(RoomOptions const& wanted) {
 
 void AddRoomCommand(CLI::App& app, Call& call) {
     const auto words = std::make_shared<Words>();
-    CLI::App* command = app.add_subcommand("room", "Propose a room from its volume and decay times");
+    CLI::App* command =
+        app.add_subcommand("room", "Propose a room from its volume and decay times, or another one's size");
     const auto add = [&](char const* name, std::string& word, char const* unit, char const* help) {
         return command->add_option(name, word, help)->type_name(unit)->take_last();
     };
-    add("--volume", words->volume, "M3", "Its volume, 10 to 15000")->required();
-    add("--rt60", words->decay, "SECONDS", "How long it takes to fall by 60 dB at 500 and 1000 Hz")->required();
+    add("--volume", words->volume, "M3", "Its volume, 10 to 15000");
+    add("--rt60", words->decay, "SECONDS", "How long it takes to fall by 60 dB at 500 and 1000 Hz");
     add("--rt60-low", words->low, "SECONDS", "The same at 125 Hz [as --rt60]");
     add("--rt60-high", words->high, "SECONDS", "The same at 4 kHz [as --rt60]");
+    add("--preset", words->preset, "NAME|FILE", "Instead of these: another room, at another size");
+    add("--size", words->size, "FACTOR", "How many times as long, wide and high that one is to be, 0.1 to 10 [1]");
     add("--distance", words->distance, "M", "How far the source is, for the room's level [3]");
     add("--as", words->form, "FORM", "preset, words (@NAME VALUE...) or state [preset]");
     command->footer(footer);

@@ -29,7 +29,8 @@ char const* Colour(std::size_t source) {
     return colours[source % std::size(colours)];
 }
 
-/// A block of data with a path, and one with the moments that bear their times.
+/// A block of data with a path, and one with the moments that bear their times. Where a path comes back to a place,
+/// that bears all of them.
 /// @param labelSeconds, labelMetres  least way from one label to the next
 void WritePath(std::ostream& out, Plan const& plan, std::size_t source, double labelSeconds, double labelMetres) {
     out << "$path" << source << " << EOD\n";
@@ -38,16 +39,30 @@ void WritePath(std::ostream& out, Plan const& plan, std::size_t source, double l
         out << p.x << ' ' << p.y << ' ' << moment.seconds << ' ' << Lume::Length(p) << '\n';
     }
     out << "EOD\n$times" << source << " << EOD\n";
+    struct Label {
+        Lume::CartesianVector place;
+        std::string times;
+    };
+    std::vector<Label> labels;
     Plan::Moment const* labelled = nullptr;
     for (Plan::Moment const& moment : plan.moments) {
         Lume::CartesianVector const& p = moment.positions[source];
-        if (labelled != nullptr && (moment.seconds < labelled->seconds + labelSeconds ||
-                                    double{Lume::Length(p - labelled->positions[source])} < labelMetres))
+        const auto isNear = [&](Lume::CartesianVector const& place) {
+            return double{Lume::Length(p - place)} < labelMetres;
+        };
+        if (labelled != nullptr &&
+            (moment.seconds < labelled->seconds + labelSeconds || isNear(labelled->positions[source])))
             continue;
         labelled = &moment;
-        out << p.x << ' ' << p.y << " \"" << NumberText(static_cast<float>(std::round(moment.seconds * 10.0) / 10.0))
-            << " s\"\n";
+        const std::string time = NumberText(static_cast<float>(std::round(moment.seconds * 10.0) / 10.0)) + " s";
+        const auto known =
+            std::find_if(labels.begin(), labels.end(), [&](Label const& label) { return isNear(label.place); });
+        if (known == labels.end())
+            labels.push_back({p, time});
+        else
+            known->times.append(", ").append(time);
     }
+    for (Label const& label : labels) out << label.place.x << ' ' << label.place.y << " \"" << label.times << "\"\n";
     out << "EOD\n";
 }
 
@@ -79,11 +94,13 @@ void DrawPlan(std::string const& path, Plan const& plan) {
         << "set label 1 'ahead' at 0," << reach << " center offset 0,0.5 textcolor rgb '#888888'\n"
         << "set label 2 'left' at " << -reach << ",0 right offset -0.5,0 textcolor rgb '#888888'\n"
         << "set label 3 'right' at " << reach << ",0 left offset 0.5,0 textcolor rgb '#888888'\n";
+    // What rings say stands where few loudspeakers do: 157.5 degrees to the right.
+    constexpr double besideX = 0.383, besideY = -0.924;
     int tag = 10;
     for (double radius = ring; radius < reach; radius += ring, ++tag)
         out << "set object " << tag << " circle at 0,0 size " << radius << " lw 1 fs empty border lc rgb '#dddddd'\n"
-            << "set label " << tag << " '" << NumberText(static_cast<float>(radius)) << " m' at " << radius * 0.707
-            << ',' << -radius * 0.707 << " left offset 0.2,-0.2 font ',9' textcolor rgb '#888888'\n";
+            << "set label " << tag << " '" << NumberText(static_cast<float>(radius)) << " m' at " << radius * besideX
+            << ',' << radius * besideY << " left offset 0.2,-0.2 font ',9' textcolor rgb '#888888'\n";
     // The head, which looks ahead.
     const double head = 0.035 * reach;
     out << "set object 1 circle at 0,0 size " << head << " fc rgb '#bbbbbb' fs solid border lc rgb '#666666'\n"
