@@ -42,7 +42,7 @@ const melody = [196, 246.94, 293.66, 392, 293.66, 246.94, 220, 261.63, 329.63, 4
 /** What can be chosen for a source. */
 export const sounds = {
   voice: async (context) => {
-    const response = await fetch("voice.wav");
+    const response = await fetch("voice.mp3");
     const voice = await context.decodeAudioData(await response.arrayBuffer());
     // A moment of silence behind it, in which the room is heard.
     const loop = new AudioBuffer({ length: voice.length + context.sampleRate, sampleRate: voice.sampleRate });

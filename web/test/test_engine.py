@@ -31,6 +31,8 @@ const samples = new Float32Array(bytes.buffer);
 const frames = samples.length / 2;
 const context = new OfflineAudioContext(speakers, frames, rate);
 const room = await OrvanRoom.create(context, { state });
+if (head) room.turn(head);
+await room.sync();
 for (let i = 0; i < 2; ++i) {
   const buffer = new AudioBuffer({ length: frames, sampleRate: rate });
   buffer.copyToChannel(samples.subarray(i * frames, (i + 1) * frames), 0);
@@ -79,11 +81,11 @@ def render(x, state, speakers, rate, folder):
     return numpy.frombuffer(data[start:start + 4 * speakers * frames], "<f4").reshape(-1, speakers).T
 
 
-@pytest.mark.parametrize("rate", [44100, 48000])
-@pytest.mark.parametrize("speakers", [2, 6])
-def test_plays_what_the_program_renders(page, speakers, rate, tmp_path):
+@pytest.mark.parametrize("speakers, rate, head", [(2, 44100, None), (2, 48000, dict(yaw=40, pitch=-20, roll=10)),
+                                                  (6, 44100, dict(yaw=-70)), (6, 48000, None)])
+def test_plays_what_the_program_renders(page, speakers, rate, head, tmp_path):
     x = numpy.random.default_rng(3).uniform(-0.3, 0.3, (2, 128 * 300)).astype(numpy.float32)
-    result = page.run(OFFLINE, x=base64.b64encode(x.tobytes()).decode(), speakers=speakers, rate=rate,
+    result = page.run(OFFLINE, x=base64.b64encode(x.tobytes()).decode(), speakers=speakers, rate=rate, head=head,
                       state=STATE.format(speakers=speakers))
     played = numpy.frombuffer(base64.b64decode(result["samples"]), "<f4").reshape(speakers, -1)
     rendered = render(x, result["state"], speakers, rate, tmp_path)

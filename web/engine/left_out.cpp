@@ -1,5 +1,5 @@
-/// What stands in for the readers of files: a page has none, and they would be a third of what it downloads. The linker
-/// takes these instead of the engine's.
+/// What stands in for parts of the engine that a page can't reach: readers of files, as it has none, and panners that
+/// no room chooses. They would be a third of what it downloads. The linker takes these instead of the engine's.
 
 #include <cstdint>
 #include <filesystem>
@@ -9,6 +9,11 @@
 #include "dsp/orvan_dsp_exception.h"
 #include "hrtf/max_msp_coll_file_parser.h"
 #include "hrtf/sdif_set.h"
+#include "pan/binaural/binaural_panning_nearfield.h"
+#include "pan/binaural/binaural_panning_snowman_model.h"
+#include "pan/binaural/binaural_panning_spherical_harmonics.h"
+#include "pan/binaural/binaural_panning_spherical_head_model.h"
+#include "pan/null_panning.h"
 #include "room/file_checksum.h"
 
 namespace {
@@ -49,6 +54,19 @@ SdifSet ReadSdifSet(std::string const& fileName, unsigned int /*numPositions*/) 
 
 std::uint64_t FileChecksum(std::filesystem::path const& file) {
     Refuse(file.string());
+}
+
+Pan* BinauralPanningNearfield::Create(unsigned int /*numInputs*/, unsigned int /*numOutputs*/) {
+    return new NullPanning;
+}
+Pan* BinauralPanningSnowmanModel::Create(unsigned int /*numInputs*/, unsigned int /*numOutputs*/) {
+    return new NullPanning;
+}
+Pan* BinauralPanningSphericalHarmonics::Create(unsigned int /*numInputs*/, unsigned int /*numOutputs*/) {
+    return new NullPanning;
+}
+Pan* BinauralPanningSphericalHeadModel::Create(unsigned int /*numInputs*/, unsigned int /*numOutputs*/) {
+    return new NullPanning;
 }
 
 }  // namespace Lume
