@@ -322,6 +322,9 @@ public:
     void SetReverbModalDensity(float seconds);
     /// Holds the tail for ever (air absorption, if on, still takes its highs). Default false; at once.
     void SetInfinite(bool newInfinite);
+    /// Whether a late field that is emptied because its gain jumps loses what the air filters hold, too, which an
+    /// infinite room gives back 20 dB too loud and more. Default false.
+    void SilenceAirOnRestart(bool silence);
     /// Whether the late field loses highs to the air. Default true; at once.
     void UseAirAbsorption(bool use);
     /// Frequency from which on the air absorbs [Hz], 20 to 20000, default 10000; at once.

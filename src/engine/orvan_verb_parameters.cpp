@@ -279,6 +279,10 @@ void OrvanVerb::SetInfinite(bool newInfinite) {
     reverb->SetInfinite(newInfinite);
 }
 
+void OrvanVerb::SilenceAirOnRestart(bool silence) {
+    reverb->SilenceAirOnRestart(silence);
+}
+
 void OrvanVerb::UseAirAbsorption(bool use) {
     useAirAbsorption = use;
     reverb->UseAirAbsorption(use);

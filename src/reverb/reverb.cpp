@@ -223,6 +223,7 @@ void Reverb::update() {
 
     if (std::abs(Decibels(PresentInputGain()) - Decibels(target)) > maxGainStepDb) {
         Clear();
+        if (silencesAirOnRestart) ClearAirFilters();
         inputGain.Start(target, 0.0f);
     } else {
         inputGain.Start(target, gainRampMs);

@@ -59,6 +59,9 @@ public:
     void Clear() override;
     /// Silences the air filters.
     void ClearAirFilters();
+    /// Whether a gain that jumps silences the air filters as well. They hold what came in at the old gain; an infinite
+    /// room gives it back at the new one, 20 dB too loud and more. Default false.
+    void SilenceAirOnRestart(bool silence) noexcept { silencesAirOnRestart = silence; }
 
     void SetDecayTime(float seconds);
     void SetRelativeDecayLow(float ratio);
@@ -121,6 +124,7 @@ private:
     float crossoverFrequencyHigh;  // [Hz]
     bool infinite;
     bool airAbsorptionOn;
+    bool silencesAirOnRestart = false;
     std::vector<std::unique_ptr<Delay>> lines;
     std::vector<std::unique_ptr<TapOut>> taps;  // tap i reads line i
     std::vector<UnitaryHLShelf> absorbentFilters;

@@ -46,6 +46,7 @@ std::unique_ptr<OrvanVerb> MakeEngine(unsigned int numSources, unsigned int numS
     RequireShape(numSources, numSpeakers, numInternals, format);
     auto engine = std::make_unique<OrvanVerb>(numInternals);
     engine->SetRandomSeed(randomSeed);
+    engine->SilenceAirOnRestart(true);
     if (format != nullptr) engine->SetFormat(*format);
     engine->Configure(orvandsp::SignalProcessing::DefaultSampleRate, provisionalBlockSize, numSources, numSpeakers);
     return engine;

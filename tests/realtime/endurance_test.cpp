@@ -213,7 +213,8 @@ TEST(Endurance, SLOW_CostIsSteady) {
     }
 }
 
-// ORVAN_SOAK_SECONDS of sound, 30 unless it says otherwise. Red if memory or cost creep, or the room runs away.
+// ORVAN_SOAK_SECONDS of sound, 30 unless it says otherwise. Red if memory or cost creep, or if the room gets so loud
+// that its guard has work.
 TEST(Endurance, SLOW_Soak) {
     char const* const wanted = std::getenv("ORVAN_SOAK_SECONDS");
     const double seconds = wanted != nullptr ? std::atof(wanted) : 30.0;
@@ -249,9 +250,9 @@ TEST(Endurance, SLOW_Soak) {
             "tenth's\n",
             numSources, numOutputs, seconds, static_cast<double>(loudest), Lume::roomControls[loudestAfter].name,
             static_cast<unsigned long long>(room.NumBadOutputs()), grown / 1024, Median(last) / Median(first));
-        // Crossovers that jump to 20 Hz in the loops of the late field thump, and thumps add up: the guard's limit is
-        // theirs.
-        EXPECT_LE(loudest, 1e6f);
+        // Filters whose crossovers jump thump, those of the late field into a tail that may be infinite.
+        EXPECT_LE(loudest, 1e4f);
+        EXPECT_EQ(room.NumBadOutputs(), 0u);
         EXPECT_LE(grown, std::size_t{1} << 20);
         EXPECT_LE(Median(last), 1.3 * Median(first));
     }

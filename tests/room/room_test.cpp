@@ -236,6 +236,17 @@ TEST(Room, IsSilentWhenCleared) {
         for (const float sample : channel) ASSERT_EQ(sample, 0.0f);
 }
 
+// Red if a frozen room bangs when its decay jumps: what the air filters held of it is then no longer turned down.
+TEST(Room, IsSilentWhenAFrozenTailIsGivenAnotherDecay) {
+    Room room(1, 6);
+    room.Configure(48000.0f, 64);
+    for (auto const& [name, value] : {std::pair{"air", 1.0f}, {"infinite", 1.0f}, {"tr0", 0.1f}})
+        room.Set(*Lume::FindControl(name), value);
+    EXPECT_GT(LevelDb(std::span(Play(room, 48000, 96000)[0]).last(4800)), -40.0);
+    room.Set(ControlIndex("tr0"), 2.0f);
+    EXPECT_LT(LevelDb(Play(room, 0, 9600)[0]), -120.0);
+}
+
 // Red if an output that stands on another input is written before that is read.
 TEST(Room, BypassCopiesAcrossSharedArrays) {
     Room room(2, 3);
