@@ -9,6 +9,7 @@
 # make python builds the Python package into build/release/python
 # make lv2    installs the LV2 plug-ins for this user, or into LV2_FOLDER
 # make lv2-package  puts them into out/
+# make test-ardour  opens and exports a session of Ardour with a plug-in in it
 # make deb    makes Debian packages, into out/
 # make web    puts the page with the engine in it into out/web, for any server of static files
 # make test-web  tests it in a browser
@@ -23,7 +24,7 @@ WERROR ?= $(if $(CI),ON,OFF)
 # Compilers take up to 1 GB each; a machine without nproc gets two.
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: all setup configure build demo test slow soak asan gate tsan fuzz bench web test-web check tidy docs format pd-package lv2 lv2-package python deb clean
+.PHONY: all setup configure build demo test slow soak asan gate tsan fuzz bench web test-web check tidy docs format pd-package lv2 lv2-package test-ardour python deb clean
 all: build
 
 setup:
@@ -106,6 +107,11 @@ lv2-package: LV2_FOLDER := out/lv2/package
 lv2-package: lv2
 	@tar -czf $(LV2_PACKAGE) --owner=0 --group=0 -C $(LV2_FOLDER) orvanverb.lv2
 	@echo "$(LV2_PACKAGE) unpacks into a folder of LV2 plug-ins, such as ~/.lv2"
+
+test-ardour: configure
+	@tools/setup ardour
+	@cmake --build --preset release -j$(JOBS) --target orvanverb orvan_lv2 orvan_lv2_texts
+	tests/lv2/ardour.sh $(CURDIR)/$(BUILD)/lv2/orvanverb.lv2 $(CURDIR)/$(BUILD)/apps/orvanverb/orvanverb
 
 deb: build
 	@tools/setup deb
