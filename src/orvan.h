@@ -182,6 +182,8 @@
 #include "room/room_queue.h"
 #include "room/room_state.h"
 #include "room/sample_guard.h"
+#include "room/source_gains.h"
+#include "room/source_strip.h"
 #include "room/steady_vectors.h"
 
 // decoders

@@ -24,7 +24,7 @@ void RequireAutosave(std::optional<std::string> const& path) {
 
 void Autosave(std::optional<std::string> const& path, Desk const& desk) {
     if (!path) return;
-    program::WholeFile(*path).Write(program::StateText(desk.State(), *path));
+    program::WholeFile(*path).Write(program::StateText(desk.StateToKeep(), *path));
     program::Say(*path + ": the state was saved");
 }
 

@@ -93,6 +93,8 @@ Room::Room(std::unique_ptr<OrvanVerb> configured) : engine(RequireRoom(std::move
                       engine->GetBuffersize());
     guard.Configure(NumSources(), VectorSize());
     outputGuard.Configure(Samplerate());
+    gains.Configure(NumSources(), Samplerate(), VectorSize());
+    strips.resize(NumSources());
     bypassCopies.resize(NumSources() * VectorSize());
 }
 
@@ -105,6 +107,7 @@ void Room::Configure(float samplerate, std::size_t blockSize, std::size_t vector
     guard.Configure(NumSources(), VectorSize());
     bypassCopies.resize(NumSources() * VectorSize());
     outputGuard.Configure(samplerate);
+    gains.Configure(NumSources(), samplerate, VectorSize());
     engine->Configure(samplerate, static_cast<unsigned int>(VectorSize()), NumSources(), NumSpeakers());
     MatchBuiltinEars();
     if (earsWait) nextEars->Configure(samplerate, static_cast<unsigned int>(VectorSize()), true);
@@ -133,6 +136,7 @@ void Room::ProcessVector(float* const* outputs, float const** inputs) {
     runs = true;
     if (earsWait && engine->ExchangeEars(nextEars)) earsWait = false;
     guard.Check(inputs);
+    gains.Apply(inputs);
     const auto out = const_cast<float**>(outputs);  // the engine changes no pointer
     if (muted) {
         engine->Mute(out, VectorSize());
@@ -180,6 +184,33 @@ bool Room::PlaceSource(unsigned int source, CartesianVector const& position) {
     if (source >= NumSources() || !HasNumbers(position)) return false;
     const FloatingPointMode unchanged;
     engine->SetSourcePosition(source, KeepAzimuth(Limited(position), SourcePosition(source)));
+    return true;
+}
+
+bool Room::SetSourceGain(unsigned int source, float gainDb) noexcept {
+    if (source >= NumSources() || std::isnan(gainDb)) return false;
+    strips[source].gainDb = std::clamp(gainDb, SourceStrip::silentDb, SourceStrip::greatestDb);
+    AimGain(source);
+    return true;
+}
+
+bool Room::SetSourceMuted(unsigned int source, bool newMuted) noexcept {
+    if (source >= NumSources()) return false;
+    strips[source].muted = newMuted;
+    AimGain(source);
+    return true;
+}
+
+void Room::AimGain(unsigned int source) noexcept {
+    if (runs)
+        gains.Set(source, strips[source].Gain());
+    else
+        gains.Jump(source, strips[source].Gain());
+}
+
+bool Room::SetSourceName(unsigned int source, std::string_view name) {
+    if (source >= NumSources()) return false;
+    strips[source].name = LimitedName(name);
     return true;
 }
 

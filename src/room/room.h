@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/orvan_verb.h"
@@ -14,6 +15,8 @@
 #include "room/ears.h"
 #include "room/room_state.h"
 #include "room/sample_guard.h"
+#include "room/source_gains.h"
+#include "room/source_strip.h"
 #include "room/steady_vectors.h"
 
 namespace Lume {
@@ -128,6 +131,14 @@ public:
     /// @return false, and nothing has changed, if there is no such source or a coordinate is not a number
     bool PlaceSource(unsigned int source, CartesianVector const& position);
     CartesianVector SourcePosition(unsigned int source) const { return engine->GetSourcePosition(source); }
+    /// Level of a source ahead of the room, from the next block on in a ramp of 20 ms.
+    /// @param gainDb  brought into SourceStrip::silentDb to greatestDb
+    /// @return false, and nothing has changed, if there is no such source or the gain is not a number
+    bool SetSourceGain(unsigned int source, float gainDb) noexcept;
+    bool SetSourceMuted(unsigned int source, bool newMuted) noexcept;
+    /// Control characters become blanks, and what is beyond 64 bytes goes. Allocates.
+    bool SetSourceName(unsigned int source, std::string_view name);
+    std::vector<SourceStrip> const& SourceStrips() const noexcept { return strips; }
     /// Turns the listener's head: OrvanVerb::SetOrientation.
     /// @return false, and nothing has changed, if an angle is not finite
     bool SetOrientation(Orientation const& orientation);
@@ -178,6 +189,7 @@ public:
     /// @}
 
 private:
+    void AimGain(unsigned int source) noexcept;
     void PlaceBuiltInSpeakers();
     void ProcessVector(float* const* outputs, float const** inputs);
     void Bypass(float* const* outputs, float const** inputs);
@@ -187,6 +199,8 @@ private:
     SteadyVectors vectors;
     SampleGuard guard;
     OutputGuard outputGuard;
+    SourceGains gains;
+    std::vector<SourceStrip> strips;
     bool muted = false, bypassed = false;
     bool runs = false;                          // since it was made
     float fadeIn = 1.0f;                        // gain of the outputs: below 1 after the room was emptied

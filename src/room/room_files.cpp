@@ -162,6 +162,7 @@ RoomState Room::SaveState() const {
     for (unsigned int i = 0; i < NumSources(); ++i) state.sources.push_back(SourcePosition(i));
     if (Format() == nullptr || Format()->outputs != RoomFormat::Outputs::harmonics) state.speakers = SpeakerPositions();
     for (std::size_t i = 0; i < roomControls.size(); ++i) state.controls[i] = Get(i);
+    state.strips = strips;
     state.unknown = unknownState;
     return state;
 }
@@ -195,6 +196,12 @@ void Room::RestoreState(RoomState const& state) {
     std::vector<CartesianVector> sources = state.sources;
     if (sources.empty()) Speakers::GetDefaultForChannels(sources, NumSources());
     for (unsigned int i = 0; i < NumSources(); ++i) PlaceSource(i, sources[i]);
+    for (unsigned int i = 0; i < NumSources(); ++i) {
+        const SourceStrip strip = i < state.strips.size() ? state.strips[i] : SourceStrip{};
+        SetSourceGain(i, strip.gainDb);
+        SetSourceMuted(i, strip.muted);
+        SetSourceName(i, strip.name);
+    }
     unknownState = state.unknown;
 }
 

@@ -8,10 +8,12 @@ namespace Lume {
 
 namespace {
 
-// What messages are for: first the controls, then every source and loudspeaker, then what there is one of.
+// What messages are for: first the controls, then what every source and loudspeaker has, then what there is one of.
 constexpr auto firstSource = static_cast<std::uint32_t>(roomControls.size());
 constexpr std::uint32_t firstSpeaker = firstSource + orvandsp::MaxNumChannels;
-constexpr std::uint32_t muting = firstSpeaker + orvandsp::MaxNumChannels;
+constexpr std::uint32_t firstGain = firstSpeaker + orvandsp::MaxNumChannels;
+constexpr std::uint32_t firstSourceMute = firstGain + orvandsp::MaxNumChannels;
+constexpr std::uint32_t muting = firstSourceMute + orvandsp::MaxNumChannels;
 constexpr std::uint32_t bypassing = muting + 1;
 constexpr std::uint32_t clearing = muting + 2;
 constexpr std::uint32_t turning = muting + 3;
@@ -48,6 +50,14 @@ bool RoomQueue::PlaceSource(unsigned int source, CartesianVector const& position
 
 bool RoomQueue::PlaceSpeaker(unsigned int speaker, CartesianVector const& position) noexcept {
     return speaker < orvandsp::MaxNumChannels && Send(firstSpeaker + speaker, position);
+}
+
+bool RoomQueue::SetSourceGain(unsigned int source, float gainDb) noexcept {
+    return source < orvandsp::MaxNumChannels && Send(firstGain + source, {gainDb, 0.0f, 0.0f});
+}
+
+bool RoomQueue::SetSourceMuted(unsigned int source, bool muted) noexcept {
+    return source < orvandsp::MaxNumChannels && Send(firstSourceMute + source, {muted ? 1.0f : 0.0f, 0.0f, 0.0f});
 }
 
 bool RoomQueue::SetMuted(bool muted) noexcept {
@@ -98,8 +108,12 @@ void RoomQueue::Apply(Room& room, Message const& message) {
         room.Set(target, message.value.x);
     else if (target < firstSpeaker)
         room.PlaceSource(target - firstSource, message.value);
-    else if (target < muting)
+    else if (target < firstGain)
         room.PlaceSpeaker(target - firstSpeaker, message.value);
+    else if (target < firstSourceMute)
+        room.SetSourceGain(target - firstGain, message.value.x);
+    else if (target < muting)
+        room.SetSourceMuted(target - firstSourceMute, on);
     else if (target == muting)
         room.SetMuted(on);
     else if (target == bypassing)

@@ -39,6 +39,8 @@ public:
     bool Set(std::size_t control, float value) noexcept;
     bool PlaceSource(unsigned int source, CartesianVector const& position) noexcept;
     bool PlaceSpeaker(unsigned int speaker, CartesianVector const& position) noexcept;
+    bool SetSourceGain(unsigned int source, float gainDb) noexcept;
+    bool SetSourceMuted(unsigned int source, bool muted) noexcept;
     bool SetOrientation(Orientation const& orientation) noexcept;
     bool SetMuted(bool muted) noexcept;
     bool SetBypassed(bool bypassed) noexcept;

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "dsp/constants.h"
 #include "engine/room_controls.h"
 #include "room/control_range.h"
 #include "room/room.h"
@@ -110,6 +111,50 @@ Orientation ParseOrientation(std::string_view& values) {
     return orientation;
 }
 
+SourceStrip& StripOf(RoomState& state, std::size_t source) {
+    if (source >= orvandsp::MaxNumChannels)
+        throw std::invalid_argument("there are up to " + NumberText(orvandsp::MaxNumChannels) + " sources");
+    if (source >= state.strips.size()) state.strips.resize(source + 1);
+    return state.strips[source];
+}
+
+void ParseSourceGains(RoomState& state, std::string_view values) {
+    std::size_t source = 0;
+    for (std::string_view word = TakeWord(values); !word.empty(); word = TakeWord(values)) {
+        const float gain = ParseFloat(word);
+        if (!(gain >= SourceStrip::silentDb && gain <= SourceStrip::greatestDb))
+            throw std::invalid_argument(std::string(word) + " is not from " + NumberText(SourceStrip::silentDb) +
+                                        " to " + NumberText(SourceStrip::greatestDb) + " dB");
+        StripOf(state, source++).gainDb = gain;
+    }
+}
+
+void ParseSourceMutes(RoomState& state, std::string_view values) {
+    std::size_t source = 0;
+    for (std::string_view word = TakeWord(values); !word.empty(); word = TakeWord(values))
+        StripOf(state, source++).muted = ParseAll<unsigned int>(word) != 0;
+}
+
+void ParseSourceName(RoomState& state, std::string_view values) {
+    const auto number = ParseAll<unsigned int>(TakeWord(values));
+    if (number == 0) throw std::invalid_argument("sources count from 1");
+    StripOf(state, number - 1).name = LimitedName(values);  // which is all the rest: it may hold blanks
+}
+
+/// Lines of what isn't as it is in a new state.
+std::string StripsText(std::vector<SourceStrip> const& strips) {
+    std::string gains, mutes, names;
+    bool hasGain = false, hasMute = false;
+    for (std::size_t i = 0; i < strips.size(); ++i) {
+        hasGain = hasGain || strips[i].gainDb != 0.0f;
+        hasMute = hasMute || strips[i].muted;
+        gains.append(" ").append(NumberText(strips[i].gainDb));
+        mutes.append(strips[i].muted ? " 1" : " 0");
+        if (!strips[i].name.empty()) names += "sourcename " + NumberText(i + 1) + " " + strips[i].name + "\n";
+    }
+    return (hasGain ? "sourcesgains" + gains + "\n" : "") + (hasMute ? "sourcesmutes" + mutes + "\n" : "") + names;
+}
+
 /// Takes a line into a state.
 /// @return false if nobody knows the name
 bool TakeLine(RoomState& state, std::string_view name, std::string_view values, std::filesystem::path const& folder) {
@@ -121,6 +166,9 @@ bool TakeLine(RoomState& state, std::string_view name, std::string_view values, 
         (name == "sourcespositions" ? state.sources : state.speakers) = ParsePositions(values);
         return true;
     }
+    if (name == "sourcesgains") return ParseSourceGains(state, values), true;
+    if (name == "sourcesmutes") return ParseSourceMutes(state, values), true;
+    if (name == "sourcename") return ParseSourceName(state, values), true;
     if (name == "orientation") {
         state.orientation = ParseOrientation(values);
         return true;
@@ -230,6 +278,9 @@ RoomState RoomState::Parse(std::string_view text, std::filesystem::path const& f
     }
     CheckCount("sources", state.numSources, state.sources.size());
     CheckCount("speakers", state.numSpeakers, state.speakers.size());
+    if (state.numSources != 0 && state.strips.size() > state.numSources)
+        throw std::invalid_argument("sourcesgains, sourcesmutes, sourcename: there are " +
+                                    NumberText(state.numSources) + " sources");
     return state;
 }
 
@@ -258,6 +309,7 @@ std::string RoomState::Text(std::filesystem::path const& folder) const {
     line("bypass", bypass ? "1" : "0");
     if (!sources.empty()) text.append("sourcespositions").append(PositionsText(sources)).append("\n");
     if (!speakers.empty()) text.append("speakerspositions").append(PositionsText(speakers)).append("\n");
+    text += StripsText(strips);
     for (std::size_t i = 0; i < controls.size(); ++i) line(roomControls[i].name, NumberText(controls[i]));
     for (std::string const& kept : unknown) text.append(kept).append("\n");
     return text;

@@ -9,6 +9,7 @@
 
 #include "geometry/cartesian_vector.h"
 #include "geometry/orientation.h"
+#include "room/source_strip.h"
 
 namespace Lume {
 
@@ -34,6 +35,9 @@ bool IsText(std::string_view text) noexcept;
 ///     mute 0
 ///     bypass 0
 ///     sourcespositions 0 1 0
+///     sourcesgains -6
+///     sourcesmutes 0
+///     sourcename 1 lead voice
 ///     speakerspositions -0.5 0.8660254 0 0.5 0.8660254 0
 ///     gain -3
 ///     tr0 2.5
@@ -64,6 +68,7 @@ struct RoomState {
     Orientation orientation;  // of the listener
     bool mute = false, bypass = false;
     std::vector<CartesianVector> sources, speakers;  // [m]; empty: the built-in layout
+    std::vector<SourceStrip> strips;                 // one for each source; fewer: the others pass as they are
     std::vector<float> controls;                     // one for each of roomControls
     std::vector<std::string> unknown;                // lines with names of a later version, as they stood
 };

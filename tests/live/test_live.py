@@ -115,6 +115,7 @@ def test_own_tree(tmp_path):
         client.send("/orvanverb/source/1/ade", -30.0, 2.0, 10.0)
         client.send("/orvanverb/early_{start,end}", 20.0)      # as wide as the pattern
         client.send("/orvanverb/source/*/gain", -6.0)
+        client.send("/orvanverb/source/1/name", "lead\n voice")
         client.send("/orvanverb/orientation", 20.0, 0.0, 0.0)
         assert client.ask("/orvanverb/get", "tr0")[1] == [2.5]
         assert client.ask("/orvanverb/trl")[1] == [1.5]
@@ -140,10 +141,47 @@ def test_own_tree(tmp_path):
             follower.server.recv(50)
         assert ("/orvanverb/fl", [300.0]) in follower.heard and sounds()
         assert live.poll() is None
-    assert "\nfl 300\n" in autosave.read_text()
-    # What was saved is what render plays.
-    subprocess.run([OFFLINE, "render", VOICE, "-o", f"{tmp_path}/again.wav", "--state", str(autosave)], check=True,
-                   capture_output=True)
+    assert {"fl 300", "sourcesgains -6", "sourcename 1 lead  voice"} <= set(autosave.read_text().splitlines())
+    # What was saved is what plays, here and by render.
+    words = ["--state", str(autosave)]
+    subprocess.run([OFFLINE, "render", VOICE, "-o", f"{tmp_path}/a.wav", *words], check=True, capture_output=True)
+    subprocess.run([LIVE, "--audio", f"file:{VOICE}:{tmp_path}/b.wav", "--free-running", *words, *OFF], check=True, capture_output=True)
+    assert (tmp_path / "a.wav").read_bytes() == (tmp_path / "b.wav").read_bytes()
+
+
+def checksum(data):
+    total = 14695981039346656037
+    for byte in data:
+        total = (total ^ byte) * 1099511628211 % 2**64
+    return f"{total:016x}"
+
+
+def test_measured_ears_come_beside_the_sound(tmp_path):
+    """Measurements that somebody names while it plays are fitted, here found in the cache, and saved under their name."""
+    port, autosave, sofa = free_port(), tmp_path / "end.state", tmp_path / "my head.sofa"
+    shutil.copy("/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa", sofa)
+    shutil.copy(pathlib.Path(__file__).parents[2] / "src/hrtf/data/hrtf_2b_KEMAR_48000.coll", tmp_path / "a-head-48000.coll")
+    subprocess.run([OFFLINE, "hrtf", "convert", tmp_path / "a-head-48000.coll", tmp_path / "set.hrtf"], check=True, capture_output=True)
+    fitted = (tmp_path / "set.hrtf").read_bytes()
+    version = subprocess.run([OFFLINE, "--version"], capture_output=True, text=True).stdout.split()[1]
+    cache = tmp_path / "orvanverb" / f"{checksum(sofa.read_bytes())}-48000-{version}-{checksum(fitted)}.hrtf"
+    cache.parent.mkdir()
+    cache.write_bytes(fitted)
+    (tmp_path / "no.sofa").write_text("no measurements")
+    with program(tmp_path, "--osc", str(port), "--adm", "off", "--autosave", str(autosave),
+                 environment={"XDG_CACHE_HOME": str(tmp_path)}) as live:
+        client = Client(port)
+        assert client.ask("/orvanverb/ears")[1] == ["built-in"]
+        client.send("/orvanverb/hrtf", f"{tmp_path}/no.sofa")
+        client.send("/orvanverb/hrtf", str(sofa))
+        end = time.monotonic() + 20
+        while client.ask("/orvanverb/ears")[1] != ["my head.sofa"] and time.monotonic() < end:
+            time.sleep(0.1)
+        client.send("/orvanverb/ears", "built-in")
+        client.send("/orvanverb/ears", "my head.sofa")
+        assert client.ask("/orvanverb/ears")[1] == ["my head.sofa"]
+        assert "no.sofa: is no SOFA file" in live.log.read_text()
+    assert f"ears {checksum(sofa.read_bytes())} my head.sofa" in autosave.read_text().splitlines()
 
 
 def test_adm(tmp_path):

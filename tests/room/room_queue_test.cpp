@@ -37,6 +37,8 @@ TEST(RoomQueue, TheLastMessageForAControlCounts) {
     queue.PlaceSource(1, {1.0f, 1.0f, 0.0f});
     queue.Set(tr0, 3.0f);
     queue.PlaceSource(0, {0.0f, -2.0f, 0.0f});
+    queue.SetSourceGain(1, -3.0f);
+    queue.SetSourceMuted(0, true);
     EXPECT_EQ(room.Get(tr0), wanted.Get(tr0));
     const long allocations = AllocationCount(), locks = LockCount();
     queue.Deliver(room);
@@ -46,6 +48,8 @@ TEST(RoomQueue, TheLastMessageForAControlCounts) {
     EXPECT_EQ(room.Get(gain), -6.0f);
     EXPECT_EQ(room.SourcePosition(0).y, -2.0f);
     EXPECT_EQ(room.SourcePosition(1).x, 1.0f);
+    EXPECT_EQ(room.SourceStrips()[1], (Lume::SourceStrip{-3.0f, false, ""}));
+    EXPECT_EQ(room.SourceStrips()[0], (Lume::SourceStrip{0.0f, true, ""}));
     room.Set(tr0, 2.0f);
     queue.Deliver(room);
     EXPECT_EQ(room.Get(tr0), 2.0f) << "delivered twice";

@@ -56,6 +56,9 @@ TEST(RoomState, BringsBackWhatWasHeardToTheLastBit) {
         room.Engine().SetEarlyStart(500.0f);
         room.PlaceSource(1, {0.1f, -1.0f / 3.0f, 1e-3f});
         room.PlaceSpeaker(1, {2.0f, 3.0f, 0.0f});
+        room.SetSourceGain(0, -4.5f);
+        room.SetSourceMuted(0, speakers == 5);
+        room.SetSourceName(1, "lead \n voice ");
         room.Configure(48000.0f, 256, 32);
 
         const std::string text = room.SaveState().Text();
@@ -65,6 +68,8 @@ TEST(RoomState, BringsBackWhatWasHeardToTheLastBit) {
         EXPECT_GT(LevelDb(first[1]), -70.0);
         EXPECT_TRUE(first == second) << speakers << " loudspeakers";
         EXPECT_EQ(again.SaveState().Text(), text);
+        EXPECT_NE(text.find("\nsourcesgains -4.5 0\n"), std::string::npos);
+        EXPECT_EQ(again.SourceStrips()[1].name, "lead   voice");
     }
 }
 

@@ -62,6 +62,41 @@ TEST(Room, BlocksOfAnySizeGiveTheSameSamples) {
     }
 }
 
+// Red if a source's gain acts behind the room or on another source, jumps while it plays, or costs bits where it is 1.
+TEST(Room, ASourceHasALevelAheadOfTheRoom) {
+    Room plain(2, 5), room(2, 5);
+    EXPECT_TRUE(room.SetSourceGain(0, -6.0f));
+    EXPECT_FALSE(room.SetSourceGain(2, 0.0f) || room.SetSourceGain(0, notANumber) || room.SetSourceMuted(2, true));
+    constexpr std::size_t block = 64, numFrames = 4096;
+    std::vector<float> left(numFrames), right(numFrames), quieter(numFrames);
+    for (std::size_t n = 0; n < numFrames; ++n) {
+        left[n] = std::sin(0.1f * static_cast<float>(n));
+        right[n] = n == 0 ? 1.0f : 0.0f;
+        quieter[n] = std::pow(10.0f, -0.3f) * left[n];
+    }
+    const auto play = [&](Room& played, std::vector<float> const& first) {
+        std::vector<std::vector<float>> sound(5, std::vector<float>(numFrames));
+        for (std::size_t at = 0; at < numFrames; at += block) {
+            float const* const inputs[] = {&first[at], &right[at]};
+            float* outputs[5];
+            for (std::size_t c = 0; c < 5; ++c) outputs[c] = &sound[c][at];
+            played.Process(outputs, inputs, block);
+        }
+        return sound;
+    };
+    plain.Configure(48000.0f, block);
+    room.Configure(48000.0f, block);
+    EXPECT_EQ(play(plain, quieter), play(room, left));
+    // A muted source dies away in 20 ms.
+    room.SetBypassed(true);
+    room.SetSourceMuted(0, true);
+    std::fill(left.begin(), left.end(), 1.0f);
+    const std::vector<float> passed = play(room, left)[0];
+    for (std::size_t n = 1; n < numFrames; ++n) ASSERT_NEAR(passed[n], passed[n - 1], 1.1f / 960.0f);
+    EXPECT_GT(passed[0], 0.49f);
+    EXPECT_EQ(passed[960], 0.0f);
+}
+
 // Red if any of what is promised to be so allocates, locks, or leaves the processor without denormal numbers.
 TEST(Room, ListenerAndEarsChangeWithoutMemoryAndLeaveTheFloatingPointMode) {
     const TemporaryFile file(".hrtf", FlatSetFile(0.5f));

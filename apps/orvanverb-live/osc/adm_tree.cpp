@@ -134,8 +134,8 @@ void AdmTree::TakeListener(std::string const& word, OscMessage const& message) {
 
 std::vector<OscMessage::Argument> AdmTree::ObjectValues(unsigned int object, std::string const& word) const {
     Object const& own = objects[object];
-    const Strip strip = desk.StripOf(object);
-    if (word == "gain") return {LinearGain(strip.gainDb)};
+    const Lume::SourceStrip strip = desk.StripOf(object);
+    if (word == "gain") return {Lume::LinearGain(strip.gainDb)};
     if (word == "mute") return {strip.muted ? 1 : 0};
     if (word == "name") return {strip.name};
     if (word == "w") return {own.width};

@@ -98,7 +98,7 @@ void OwnTree::TakeSource(unsigned int source, std::string const& word, OscMessag
 void OwnTree::AnswerSource(unsigned int source, std::string const& word, Answer const& answer) {
     const Lume::CartesianVector position = desk.State().sources[source];
     const Direction d = DirectionOf(position);
-    const Strip strip = desk.StripOf(source);
+    const Lume::SourceStrip strip = desk.StripOf(source);
     OscMessage message{SourceAddress(source, word), {}};
     if (word == "xyz")
         message.arguments = {position.x, position.y, position.z};
@@ -177,8 +177,8 @@ std::vector<OscMessage> OwnTree::Messages(News const& news) {
     for (const unsigned int i : news.sources) {
         const Direction d = DirectionOf(news.state.sources[i]);
         messages.push_back({SourceAddress(i, "ade"), {d.azimuth, d.distance, d.elevation}});
-        messages.push_back({SourceAddress(i, "gain"), {news.strips[i].gainDb}});
-        messages.push_back({SourceAddress(i, "mute"), {Flag(news.strips[i].muted)}});
+        messages.push_back({SourceAddress(i, "gain"), {news.state.strips[i].gainDb}});
+        messages.push_back({SourceAddress(i, "mute"), {Flag(news.state.strips[i].muted)}});
     }
     if (news.turning) messages.push_back(OrientationMessage(news.state.orientation));
     if (news.muting) messages.push_back({std::string(root) + "mute", {Flag(news.state.mute)}});

@@ -35,8 +35,9 @@ Json Place(Lume::CartesianVector const& position) {
 Json Source(News const& news, unsigned int i) {
     Json source{{"index", i}};
     source.update(Place(news.state.sources[i]));
-    source.update(
-        {{"gain", Number(news.strips[i].gainDb)}, {"mute", news.strips[i].muted}, {"name", news.strips[i].name}});
+    source.update({{"gain", Number(news.state.strips[i].gainDb)},
+                   {"mute", news.state.strips[i].muted},
+                   {"name", news.state.strips[i].name}});
     return source;
 }
 
@@ -185,7 +186,7 @@ std::vector<std::string> TakePageMessage(std::string_view text, Desk& desk) {
     take("bypass", [&](Json const& wish) { desk.SetBypass(wish.get<bool>()); });
     take("ears", [&](Json const& wish) { desk.UseEars(wish.get<std::string>()); });
     take("clear", [&](Json const&) { desk.Tell("clear"); });
-    take("save", [&](Json const&) { answers.push_back(Text({{"state", desk.StateText()}})); });
+    take("save", [&](Json const&) { answers.push_back(Text({{"state", desk.StateToKeep().Text()}})); });
     return answers;
 }
 

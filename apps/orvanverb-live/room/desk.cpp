@@ -9,6 +9,7 @@
 #include "engine/room_controls.h"
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/presets/preset.h"
 #include "orvanverb/room/control.h"
 
@@ -23,9 +24,9 @@ constexpr std::size_t maxRemarks = 20;
 constexpr char const* builtinName = "built-in";
 
 /// Levels rise at once and fall by 30 dB a second.
-void Follow(std::vector<float>& levels, LevelMeter& meter) {
+void Follow(std::vector<float>& levels, LevelMeter& meter, auto const& gainOf) {
     constexpr float fall = 0.87f;  // of a tick
-    for (std::size_t i = 0; i < levels.size(); ++i) levels[i] = std::max(meter.Take(i), fall * levels[i]);
+    for (std::size_t i = 0; i < levels.size(); ++i) levels[i] = std::max(gainOf(i) * meter.Take(i), fall * levels[i]);
 }
 
 bool IsSameThing(RoomChange const& a, RoomChange const& b) {
@@ -34,23 +35,23 @@ bool IsSameThing(RoomChange const& a, RoomChange const& b) {
 
 }  // namespace
 
-float LinearGain(float gainDb) {
-    return gainDb <= Desk::silentDb ? 0.0f : gainDb == 0.0f ? 1.0f : std::pow(10.0f, gainDb / 20.0f);
-}
-
-Desk::Desk(std::unique_ptr<program::RoomObject> newObject, std::size_t newVectorSize, SceneTrack newScene)
+Desk::Desk(std::unique_ptr<program::RoomObject> newObject, program::EarsCache& newCache, std::size_t newVectorSize,
+           SceneTrack newScene)
     : object(std::move(newObject)),
       numSources(object->Room().NumSources()),
       numOutputs(object->Room().NumSpeakers()),
       vectorSize(newVectorSize),
       scene(std::move(newScene)),
       known(object->State()),
-      strips(numSources),
       sourceLevels(numSources),
       outputLevels(numOutputs),
-      controlChanged(Lume::roomControls.size(), now),
-      sourceChanged(numSources, now) {
-    if (!known.ears.path.empty()) earsFiles.push_back(known.ears.path);
+      cache(newCache) {
+    for (std::vector<std::uint64_t>& times : changed) times.assign(1, now);
+    Changes(Kind::control).resize(Lume::roomControls.size(), now);
+    Changes(Kind::source).resize(numSources, now);
+    if (!known.ears.path.empty()) Know(cache.Original(known.ears), known.ears.path);
+    for (SceneTrack::Event const& event : scene.Events())
+        if (!event.ears.path.empty()) Know(cache.Original(event.ears), event.ears.path);
     ticker = std::thread([this] {
         while (true) {
             Lock lock(mutex);
@@ -84,9 +85,12 @@ void Desk::Tell(std::string_view message) {
     if (words.empty()) return;
     if (words.front() == "generatexml")
         throw std::invalid_argument("generatexml: writes a file; orvanverb reference does it");
-    // Everybody would have to wait for the fit.
-    if (words.front() == "hrtf" && (message.ends_with(".sofa") || message.ends_with(".SOFA")))
-        throw std::invalid_argument("hrtf: measurements are fitted at the beginning, by --hrtf");
+    if (words.front() == "hrtf" && program::IsSofa(words.back())) {
+        // All the rest is the file's name, which may hold blanks.
+        std::string file(message.substr(message.find("hrtf") + 4));
+        file.erase(0, file.find_first_not_of(" \t"));
+        return LoadMeasurements(file);
+    }
     const Lock lock(mutex);
     object->Tell(message);
     if (words.front() == "clear") Take({Kind::clearing});
@@ -115,30 +119,22 @@ void Desk::PlaceSource(unsigned int source, Lume::CartesianVector const& positio
 void Desk::SetGain(unsigned int source, float gainDb) {
     const Lock lock(mutex);
     RequireSource(source);
-    if (std::isnan(gainDb)) throw std::invalid_argument("a gain is not a number");
-    strips[source].gainDb = std::clamp(gainDb, silentDb, greatestDb);
-    SendGain(source);
+    if (!object->Room().SetSourceGain(source, gainDb)) throw std::invalid_argument("a gain is not a number");
+    Reconcile();
 }
 
 void Desk::SetSourceMute(unsigned int source, bool muted) {
     const Lock lock(mutex);
     RequireSource(source);
-    strips[source].muted = muted;
-    SendGain(source);
+    object->Room().SetSourceMuted(source, muted);
+    Reconcile();
 }
 
-void Desk::SendGain(unsigned int source) {
-    sourceChanged[source] = ++now;
-    if (player) player->Gains().Set(source, strips[source].muted ? 0.0f : LinearGain(strips[source].gainDb));
-}
-
-void Desk::SetName(unsigned int source, std::string name) {
+void Desk::SetName(unsigned int source, std::string const& name) {
     const Lock lock(mutex);
     RequireSource(source);
-    constexpr std::size_t longest = 64;
-    name.resize(std::min(name.size(), longest));
-    strips[source].name = std::move(name);
-    sourceChanged[source] = ++now;
+    object->Room().SetSourceName(source, name);
+    Reconcile();
 }
 
 void Desk::SetMute(bool muted) {
@@ -185,10 +181,65 @@ void Desk::LoadState(std::string const& text) {
     } catch (std::invalid_argument const& error) {
         throw std::invalid_argument(std::string("the state, line ") + error.what());
     }
+    if (program::IsSofa(state.ears.path.string())) {
+        LoadBeside(state.ears.path.string(), [this, state = std::move(state)]() mutable {
+            const Lume::EarsFile told = state.ears;
+            state.ears = cache.Playable(told);
+            const Lock lock(mutex);
+            Know(told, state.ears.path);
+            RestoreState(state);
+        });
+        return;
+    }
     const Lock lock(mutex);
+    RestoreState(state);
+}
+
+void Desk::RestoreState(Lume::RoomState const& state) {
     object->Restore(state);
     TakeRemarks();
     Reconcile();
+}
+
+void Desk::LoadMeasurements(std::string const& file) {
+    if (!object->Room().HasEars()) throw std::invalid_argument("hrtf: is for headphones");
+    LoadBeside(file, [this, file] {
+        const std::filesystem::path played = cache.Playable(std::filesystem::path(file));
+        const Lume::EarsFile told = cache.Original({played, 0});
+        const Lock lock(mutex);
+        Know(told, played);
+        object->LoadHrtf(played);
+        TakeRemarks();
+        Reconcile();
+    });
+}
+
+/// Ears may have to be fitted, for which nobody else waits. Whether they are known is soon found out.
+void Desk::LoadBeside(std::string const& what, std::function<void()> load) {
+    if (std::error_code none; !std::filesystem::is_regular_file(what, none))
+        throw std::invalid_argument(what + ": there is no such file");
+    worker.Do([this, what, load = std::move(load)] {
+        Remark(what + ": the ears are made ready, which takes up to minutes if they are new");
+        try {
+            load();
+            Remark(what + ": the ears are there");
+        } catch (std::exception const& error) {
+            Remark(error.what());
+        }
+    });
+}
+
+void Desk::Know(Lume::EarsFile const& told, std::filesystem::path const& played) {
+    const bool isKnown =
+        std::any_of(knownEars.begin(), knownEars.end(), [&](KnownEars const& ears) { return ears.played == played; });
+    if (!isKnown) knownEars.push_back({told, played});
+}
+
+/// What people named, of ears that play.
+Lume::EarsFile Desk::ToldOf(Lume::EarsFile const& ears) const {
+    for (KnownEars const& some : knownEars)
+        if (some.played == ears.path && some.told.path != some.played) return some.told;
+    return ears;
 }
 
 std::vector<std::string> Desk::EarsNames() const {
@@ -196,13 +247,13 @@ std::vector<std::string> Desk::EarsNames() const {
     std::vector<std::string> names;
     if (!object->Room().HasEars()) return names;
     names.emplace_back(builtinName);
-    for (std::filesystem::path const& file : earsFiles) names.push_back(file.filename().string());
+    for (KnownEars const& ears : knownEars) names.push_back(ears.told.path.filename().string());
     return names;
 }
 
 std::string Desk::EarsName() const {
     const Lock lock(mutex);
-    return known.ears.path.empty() ? builtinName : known.ears.path.filename().string();
+    return known.ears.path.empty() ? builtinName : ToldOf(known.ears).path.filename().string();
 }
 
 void Desk::UseEars(std::string const& name) {
@@ -212,10 +263,10 @@ void Desk::UseEars(std::string const& name) {
         state.ears = {};
         RestoreKnown(state);
     } else {
-        const auto found =
-            std::find_if(earsFiles.begin(), earsFiles.end(), [&](auto const& file) { return file.filename() == name; });
-        if (found == earsFiles.end()) throw std::invalid_argument("'" + name + "' are no ears that were loaded");
-        object->LoadHrtf(*found);
+        const auto found = std::find_if(knownEars.begin(), knownEars.end(),
+                                        [&](KnownEars const& ears) { return ears.told.path.filename() == name; });
+        if (found == knownEars.end()) throw std::invalid_argument("'" + name + "' are no ears that were loaded");
+        object->LoadHrtf(found->played);
     }
     Reconcile();
 }
@@ -256,38 +307,20 @@ void Desk::Flush() {
 }
 
 void Desk::SendEars(Lume::EarsFile const& file) {
-    if (!file.path.empty() && std::find(earsFiles.begin(), earsFiles.end(), file.path) == earsFiles.end())
-        earsFiles.push_back(file.path);
+    if (!file.path.empty()) Know(file, file.path);
     if (player) player->Queue().SendEars(PrepareEars(player->Room(), file));
 }
 
+std::vector<std::uint64_t>& Desk::Changes(Kind kind) {
+    return changed[static_cast<std::size_t>(kind)];
+}
+
 void Desk::Mark(RoomChange const& change) {
-    ++now;
-    switch (change.kind) {
-        case Kind::control:
-            controlChanged[change.index] = now;
-            break;
-        case Kind::source:
-            sourceChanged[change.index] = now;
-            break;
-        case Kind::speaker:
-            speakersChanged = now;
-            break;
-        case Kind::muting:
-            mutingChanged = now;
-            break;
-        case Kind::bypassing:
-            bypassingChanged = now;
-            break;
-        case Kind::turning:
-            turningChanged = now;
-            break;
-        case Kind::ears:
-            earsChanged = now;
-            break;
-        case Kind::clearing:
-            break;
-    }
+    // What a source has of its own is told together.
+    const bool isStrip =
+        change.kind == Kind::sourceGain || change.kind == Kind::sourceMute || change.kind == Kind::sourceName;
+    std::vector<std::uint64_t>& times = Changes(isStrip ? Kind::source : change.kind);
+    times[times.size() > 1 ? change.index : 0] = ++now;
 }
 
 // How things are
@@ -299,30 +332,34 @@ Lume::RoomState Desk::State() const {
     return state;
 }
 
-std::string Desk::StateText(std::filesystem::path const& folder) const {
-    return State().Text(folder);
+Lume::RoomState Desk::StateToKeep() const {
+    Lume::RoomState state = State();
+    const Lock lock(mutex);
+    state.ears = ToldOf(state.ears);
+    return state;
 }
 
-Strip Desk::StripOf(unsigned int source) const {
+Lume::SourceStrip Desk::StripOf(unsigned int source) const {
     const Lock lock(mutex);
     RequireSource(source);
-    return strips[source];
+    return known.strips[source];
 }
 
 News Desk::NewsSince(std::uint64_t& seen) const {
     const Lock lock(mutex);
     News news;
     news.state = known;
-    news.strips = strips;
-    for (unsigned int i = 0; i < controlChanged.size(); ++i)
-        if (controlChanged[i] > seen) news.controls.push_back(i);
+    const auto hasChanged = [&](Kind kind, std::size_t index = 0) {
+        return changed[static_cast<std::size_t>(kind)][index] > seen;
+    };
+    for (unsigned int i = 0; i < Lume::roomControls.size(); ++i)
+        if (hasChanged(Kind::control, i)) news.controls.push_back(i);
     for (unsigned int i = 0; i < numSources; ++i)
-        if (sourceChanged[i] > seen) news.sources.push_back(i);
-    news.speakers = speakersChanged > seen;
-    news.muting = mutingChanged > seen;
-    news.bypassing = bypassingChanged > seen;
-    news.turning = turningChanged > seen;
-    news.ears = earsChanged > seen;
+        if (hasChanged(Kind::source, i)) news.sources.push_back(i);
+    news.muting = hasChanged(Kind::muting);
+    news.bypassing = hasChanged(Kind::bypassing);
+    news.turning = hasChanged(Kind::turning);
+    news.ears = hasChanged(Kind::ears);
     for (RemarkLine const& line : remarks)
         if (line.changed > seen && seen > 0) news.remarks.push_back(line.text);
     news.status = status;
@@ -361,8 +398,6 @@ Player& Desk::Attach(int samplerate, std::size_t blockSize) {
     auto made = std::make_unique<Player>(begin, samplerate, blockSize, vectorSize, scene, sceneSeen, secondsPlayed);
     const Lock lock(mutex);
     player = std::move(made);
-    for (unsigned int i = 0; i < numSources; ++i)
-        player->Gains().Begin(i, strips[i].muted ? 0.0f : LinearGain(strips[i].gainDb));
     // What came meanwhile.
     for (RoomChange const& change : Difference(begin, known)) Take(change);
     status.rate = samplerate;
@@ -398,31 +433,7 @@ void Desk::FollowScene() {
         Lume::RoomState state = known;
         for (RoomChange const& change : event.changes) {
             Mark(change);
-            switch (change.kind) {
-                case Kind::control:
-                    state.controls[change.index] = change.value.x;
-                    break;
-                case Kind::source:
-                    state.sources[change.index] = change.value;
-                    break;
-                case Kind::speaker:
-                    state.speakers[change.index] = change.value;
-                    break;
-                case Kind::muting:
-                    state.mute = change.value.x != 0.0f;
-                    break;
-                case Kind::bypassing:
-                    state.bypass = change.value.x != 0.0f;
-                    break;
-                case Kind::turning:
-                    state.orientation = event.after.orientation;
-                    break;
-                case Kind::ears:
-                    state.ears = event.ears;
-                    break;
-                case Kind::clearing:
-                    break;
-            }
+            Apply(state, change, event.after);
         }
         RestoreKnown(state);
         known = std::move(state);
@@ -434,8 +445,8 @@ void Desk::Tick() {
     if (player) {
         FollowScene();
         Flush();
-        Follow(sourceLevels, player->SourceLevels());
-        Follow(outputLevels, player->OutputLevels());
+        Follow(sourceLevels, player->SourceLevels(), [this](std::size_t i) { return known.strips[i].Gain(); });
+        Follow(outputLevels, player->OutputLevels(), [](std::size_t) { return 1.0f; });
         status.load = player->TakeLoad();
         status.numBad = player->NumBadSamples();
     }

@@ -24,7 +24,6 @@ Lume::Room& Begin(Lume::Room& room, Lume::RoomState const& state, int samplerate
 Player::Player(Lume::RoomState const& state, int newSamplerate, std::size_t blockSize, std::size_t vectorSize,
                SceneTrack const& track, std::size_t from, double newFromSeconds)
     : room(state.numSources, state.numSpeakers, state.numInternals, Lume::FindRoomFormat(state.format)),
-      gains(state.numSources, static_cast<float>(newSamplerate), blockSize),
       sourceLevels(state.numSources),
       outputLevels(state.numSpeakers),
       scene(track, from, Begin(room, state, newSamplerate, blockSize, vectorSize)),
@@ -49,7 +48,6 @@ void Player::Process(float* const* outputs, float const* const* inputs, std::siz
         scene.Advance(room, fromSeconds + (static_cast<double>(at) - 0.5) / samplerate);
         for (std::size_t i = 0; i < room.NumSources(); ++i) in[i] = inputs[i] + done;
         for (std::size_t i = 0; i < room.NumSpeakers(); ++i) out[i] = outputs[i] + done;
-        gains.Apply(in.data(), step);
         sourceLevels.Add(in.data(), step);
         room.Process(out.data(), in.data(), step);
         outputLevels.Add(out.data(), step);

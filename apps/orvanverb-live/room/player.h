@@ -7,13 +7,12 @@
 
 #include "orvanverb-live/room/level_meter.h"
 #include "orvanverb-live/room/scene_track.h"
-#include "orvanverb-live/room/source_gains.h"
 #include "room/room.h"
 #include "room/room_queue.h"
 
 namespace live {
 
-/// What an audio thread runs: gains of the sources, the room with its messages and its scene, and meters.
+/// What an audio thread runs: the room with its messages and its scene, and meters.
 class Player {
 public:
     /// Makes a room and lets its settings come to rest.
@@ -29,7 +28,7 @@ public:
 
     Lume::Room& Room() noexcept { return room; }
     Lume::RoomQueue& Queue() noexcept { return queue; }
-    SourceGains& Gains() noexcept { return gains; }
+    /// Ahead of the sources' own gains.
     LevelMeter& SourceLevels() noexcept { return sourceLevels; }
     LevelMeter& OutputLevels() noexcept { return outputLevels; }
     /// @name Any thread
@@ -44,7 +43,6 @@ public:
 private:
     Lume::Room room;
     Lume::RoomQueue queue;
-    SourceGains gains;
     LevelMeter sourceLevels, outputLevels;
     ScenePlayer scene;
     double samplerate, fromSeconds;

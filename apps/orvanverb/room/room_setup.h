@@ -36,6 +36,9 @@ public:
     /// What to say of a scene that goes on behind the end; empty if it doesn't.
     std::string PendingRemark() const { return scene.PendingRemark(); }
 
+    /// Where the files of ears are found, of all rooms that are made here.
+    EarsCache& Ears() noexcept { return ears; }
+
     /// Samples of one run of the engine.
     unsigned int VectorSize() const noexcept { return static_cast<unsigned int>(state.vectorSize); }
 
