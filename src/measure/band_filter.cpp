@@ -1,5 +1,6 @@
 #include "measure/band_filter.h"
 
+#include <array>
 #include <cmath>
 #include <complex>
 #include <numbers>
@@ -10,16 +11,22 @@ namespace {
 
 constexpr int order = 6;  // of the low-pass prototype; the band-pass has twice as many poles
 
-/// Runs one section over samples in an order of time that the iterator tells.
-template <typename Iterator>
-void Run(Iterator begin, Iterator end, double gain, double a1, double a2) {
-    double s1 = 0.0, s2 = 0.0;
+/// Runs all sections over samples in an order of time that the iterator tells: side by side, as each waits for its own
+/// last sample only.
+template <typename Iterator, typename Sections>
+void Run(Iterator begin, Iterator end, double gain, Sections const& sections) {
+    if (sections.empty()) return;
+    std::array<double, order> s1{}, s2{};
     for (Iterator at = begin; at != end; ++at) {
-        const double x = gain * *at;
-        const double y = x + s1;
-        s1 = s2 - a1 * y;
-        s2 = -x - a2 * y;
-        *at = y;
+        double x = *at;
+        for (std::size_t k = 0; k < order; ++k) {
+            x *= gain;
+            const double y = x + s1[k];
+            s1[k] = s2[k] - sections[k].a1 * y;
+            s2[k] = -x - sections[k].a2 * y;
+            x = y;
+        }
+        *at = x;
     }
 }
 
@@ -56,11 +63,11 @@ BandFilter::BandFilter(Band const& band, double sampleRate) {
 }
 
 void BandFilter::Forward(std::span<double> signal) const {
-    for (Section const& section : sections) Run(signal.begin(), signal.end(), gain, section.a1, section.a2);
+    Run(signal.begin(), signal.end(), gain, sections);
 }
 
 void BandFilter::Backward(std::span<double> signal) const {
-    for (Section const& section : sections) Run(signal.rbegin(), signal.rend(), gain, section.a1, section.a2);
+    Run(signal.rbegin(), signal.rend(), gain, sections);
 }
 
 void BandFilter::ZeroPhase(std::span<double> signal) const {
