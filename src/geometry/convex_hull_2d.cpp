@@ -25,10 +25,6 @@ void ConvexHull2D::SetPoints(std::vector<CartesianVector> const& newPoints) {
     SetPoints(newPoints.data(), static_cast<unsigned int>(newPoints.size()));
 }
 
-void ConvexHull2D::GetHullVertex(std::vector<CartesianVector>& vertices) const {
-    vertices = hull;
-}
-
 bool ConvexHull2D::IsHullVertex(unsigned int i) const {
     if (i >= numPoints) return false;
     return std::any_of(hull.begin(), hull.end(), [&point = points[i]](CartesianVector const& vertex) {

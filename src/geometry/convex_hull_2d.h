@@ -33,7 +33,7 @@ public:
 
     /// Copies the hull: its vertices in clockwise order, z 0, the lowest one (the rightmost of those) last. Fewer than
     /// two points are their own hull.
-    void GetHullVertex(std::vector<CartesianVector>& vertices) const;
+    void GetHullVertex(std::vector<CartesianVector>& vertices) const { vertices = hull; }
 
     /// Whether point i has exactly the x and y of a vertex.
     bool IsHullVertex(unsigned int i) const;

@@ -25,10 +25,6 @@ void HrtfFiltering::PrepareBiquads() {
     delay.SetInterpolationTime(DefaultInterpolationTimeForDelayLines);
 }
 
-void HrtfFiltering::PrepareFir() {
-    fir.SetOrder(firOrder);
-}
-
 void HrtfFiltering::SetFilterType(HRTFFilterType newType) {
     if (newType == filterType) return;
     filterType = newType;

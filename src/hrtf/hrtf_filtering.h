@@ -68,7 +68,7 @@ public:
 
 private:
     void PrepareBiquads();
-    void PrepareFir();
+    void PrepareFir() { fir.SetOrder(firOrder); }
 
     HRTFFilterType filterType;
     unsigned int numStages = 6;

@@ -20,10 +20,6 @@ void NearfieldCompensationFilters::LoadFromFile(std::string const& fileName) {
         throw orvandsp::OrvanDspException("invalid file extension " + fileName, __FILE__, __LINE__);
 }
 
-void NearfieldCompensationFilters::LoadFromNear(std::string const& fileName) {
-    LoadFromHRTF(fileName);
-}
-
 float NearfieldCompensationFilters::GetMaxDistance() const {
     float greatest = 0.0f;
     for (HrtfPoint const& point : points) greatest = std::max(greatest, point.position.radius());

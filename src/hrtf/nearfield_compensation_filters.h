@@ -15,7 +15,7 @@ public:
 
     /// As the constructor; an empty name leaves the set as it is.
     void LoadFromFile(std::string const& fileName) override;
-    void LoadFromNear(std::string const& fileName);
+    void LoadFromNear(std::string const& fileName) { LoadFromHRTF(fileName); }
 
     /// The greatest distance of a point from the centre [m], 0 without points.
     float GetMaxDistance() const;

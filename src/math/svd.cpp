@@ -279,14 +279,6 @@ MatrixDouble SVD::GetS() const {
     return result;
 }
 
-double SVD::GetNorm2() const {
-    return s.empty() ? 0.0 : s.front();
-}
-
-double SVD::GetCond() const {
-    return s.empty() ? std::numeric_limits<double>::quiet_NaN() : s.front() / s.back();
-}
-
 double SVD::GetHilbertSchmidtNorm() const {
     double sum = 0.0;
     for (const double value : s) sum += value * value;

@@ -29,9 +29,9 @@ public:
     std::vector<double> const& GetSingularValues() const noexcept { return s; }
 
     /// The largest singular value; 0 for an empty matrix.
-    double GetNorm2() const;
+    double GetNorm2() const { return s.empty() ? 0.0 : s.front(); }
     /// The largest singular value divided by the smallest; not a number for an empty or zero matrix.
-    double GetCond() const;
+    double GetCond() const { return s.empty() ? std::numeric_limits<double>::quiet_NaN() : s.front() / s.back(); }
     /// The root of the sum of the squared singular values (the Frobenius norm).
     double GetHilbertSchmidtNorm() const;
     /// The number of singular values above max(rows, columns) times the largest one times 2^-23.

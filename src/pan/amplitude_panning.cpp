@@ -43,24 +43,12 @@ void AmplitudePanning::SetNumInputs(unsigned int newNumInputs) {
     sourcePositions.resize(numInputs);
 }
 
-void AmplitudePanning::SetNumOutputs(unsigned int newNumOutputs) {
-    numOutputs = newNumOutputs;
-}
-
-void AmplitudePanning::SetInterpolationTime(float milliseconds) {
-    cycle.SetLength(0.001f * samplerate * milliseconds);
-}
-
 void AmplitudePanning::SetSamplerate(float newSamplerate) {
     const float lengthMs = static_cast<float>(cycle.GetLength()) * 1000.0f / samplerate;
     const float elapsedMs = static_cast<float>(cycle.GetPosition()) * 1000.0f / samplerate;
     samplerate = newSamplerate;
     SetInterpolationTime(lengthMs);
     cycle.SetPosition(elapsedMs * newSamplerate * 0.001f);
-}
-
-void AmplitudePanning::SetMaxBlockSize(unsigned int blockSize) {
-    buffersize = blockSize;
 }
 
 void AmplitudePanning::Clear() {}

@@ -37,12 +37,12 @@ public:
     /// The numbers of channels may be lowered, and raised again up to those of the constructor: the gains keep their
     /// room.
     void SetNumInputs(unsigned int newNumInputs) override;
-    void SetNumOutputs(unsigned int newNumOutputs) override;
+    void SetNumOutputs(unsigned int newNumOutputs) override { numOutputs = newNumOutputs; }
 
-    void SetInterpolationTime(float milliseconds) override;
+    void SetInterpolationTime(float milliseconds) override { cycle.SetLength(0.001f * samplerate * milliseconds); }
     /// Keeps the interpolation time, and how much of the running one has passed.
     void SetSamplerate(float newSamplerate) override;
-    void SetMaxBlockSize(unsigned int blockSize) override;
+    void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
     /// Does nothing: gains and slides are no audio memory.
     void Clear() override;
 

@@ -28,4 +28,11 @@ public:
     static Pan* Create(unsigned int /*requestedInputs*/, unsigned int /*requestedOutputs*/) { return new NullPanning; }
 };
 
+/// A panner for numbers of channels, or the stand-in where they don't suit it.
+template <typename Panner>
+Pan* CreateIf(bool suits, unsigned int numInputs, unsigned int numOutputs) {
+    if (!suits) return new NullPanning;
+    return new Panner(numInputs, numOutputs);
+}
+
 }  // namespace Lume

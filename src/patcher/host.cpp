@@ -29,10 +29,6 @@ t_symbol* Host::Symbol(std::string const& text) {
     return &symbol;
 }
 
-t_class* Host::NewClass() {
-    return classes.emplace_back(std::make_unique<t_class>()).get();
-}
-
 t_max_err Host::Register(t_symbol* nameSpace, t_class* c) {
     if (nameSpace == nullptr || c == nullptr) return MAX_ERR_INVALID_PTR;
     if (FindClass(nameSpace, c->c_sym) != nullptr) return MAX_ERR_DUPLICATE;

@@ -32,7 +32,7 @@ public:
 
     t_symbol* Symbol(std::string const& text);
 
-    t_class* NewClass();
+    t_class* NewClass() { return classes.emplace_back(std::make_unique<t_class>()).get(); }
     t_max_err Register(t_symbol* nameSpace, t_class* c);
     t_class* FindClass(t_symbol const* nameSpace, t_symbol const* name) const;
 

@@ -36,10 +36,6 @@ void AmbisonicDecoder::SetMaxBlockSize(unsigned int blockSize) {
     matrix.SetMaxBlockSize(blockSize);
 }
 
-void AmbisonicDecoder::Clear() {
-    matrix.Clear();
-}
-
 void AmbisonicDecoder::SetLoudspeakerPositions(CartesianVector const* positions) {
     std::vector<float> gains(numInputs);
     for (unsigned int j = 0; j < numOutputs; ++j) {

@@ -20,7 +20,7 @@ public:
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void Clear() override { matrix.Clear(); }
     void SetLoudspeakerPositions(CartesianVector const* positions) override;
 
     /// The gains of one loudspeaker. @param gains  one per input

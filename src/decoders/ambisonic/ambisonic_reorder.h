@@ -2,25 +2,19 @@
 
 #include <vector>
 
-#include "decoders/decoder.h"
+#include "decoders/fixed_decoder.h"
 #include "harmonics/ambisonic_channels.h"
 
 namespace Lume {
 
 /// Brings ambisonic channels from the order and weights of one format to those of another.
-class AmbisonicReorder : public Decoder {
+class AmbisonicReorder : public FixedDecoder {
 public:
     /// Both lists hold the same harmonics.
     AmbisonicReorder(std::vector<AmbisonicChannel> const& from, std::vector<AmbisonicChannel> const& to);
 
     /// Real-time safe. Outputs must not be inputs.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
-    void SetSamplerate(float newSamplerate) override { samplerate = newSamplerate; }
-    void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
-    /// Does nothing: there is no memory.
-    void Clear() override {}
-    /// Does nothing: there are no loudspeakers.
-    void SetLoudspeakerPositions(CartesianVector const* /*positions*/) override {}
 
 private:
     struct Source {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "decoders/decoder.h"
+#include "decoders/fixed_decoder.h"
 #include "geometry/orientation.h"
 #include "mix/signal_matrix.h"
 
@@ -10,7 +10,7 @@ namespace Lume {
 
 /// Turns a sound field in ambisonic channels as a listener's head turns: what was ahead is heard on the left once the
 /// head has turned to the right. SN3D and N3D, in the order of ACN.
-class AmbisonicRotation : public Decoder {
+class AmbisonicRotation : public FixedDecoder {
 public:
     /// @param ambixAxes  whether the channels' x axis points ahead and their y axis to the left; otherwise x points to
     ///                   the right, as in the engine
@@ -23,11 +23,6 @@ public:
     /// Real-time safe. Works in place.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
-    void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
-    /// Does nothing: gains and slides are no audio memory.
-    void Clear() override {}
-    /// Does nothing: there are no loudspeakers.
-    void SetLoudspeakerPositions(CartesianVector const* /*positions*/) override {}
 
 private:
     std::vector<SignalMatrix> degrees;  // the channels of one degree each

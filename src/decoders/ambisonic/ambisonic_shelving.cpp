@@ -61,12 +61,4 @@ void AmbisonicShelving::SetSamplerate(float newSamplerate) {
     ComputeCoefficients();
 }
 
-void AmbisonicShelving::SetMaxBlockSize(unsigned int blockSize) {
-    buffersize = blockSize;
-}
-
-void AmbisonicShelving::Clear() {
-    allpassState = lowpassState1 = lowpassState2 = 0.0f;
-}
-
 }  // namespace Lume

@@ -22,8 +22,8 @@ public:
     /// Output 0 is the low band, output 1 the high one.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
-    void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
+    void Clear() override { allpassState = lowpassState1 = lowpassState2 = 0.0f; }
 
 private:
     void ComputeCoefficients();

@@ -61,10 +61,6 @@ void HOADecoder::SetLoudspeakerPositions(CartesianVector const* positions) {
     }
 }
 
-void HOADecoder::forceUpdate() {
-    SetLoudspeakerPositions(speakerPositions.data());
-}
-
 void HOADecoder::ComputeMatrices(std::vector<std::vector<double>> const& encodings) {
     for (unsigned int j = 0; j < numOutputs; ++j)
         for (unsigned int i = 0; i < numInputs; ++i) encodingMatrix[i][j] = encodings[j][i];
@@ -98,24 +94,8 @@ void HOADecoder::SetSphericalHarmonicsSorting(SphericalHarmonicsSorting newSorti
     forceUpdate();
 }
 
-void HOADecoder::SetDecoderMethod(char const* name) {
-    SetDecoderMethod(GetHOADecoderMethod(name));
-}
-
-void HOADecoder::SetDecoderType(char const* name) {
-    SetDecoderType(GetHOADecoderType(name));
-}
-
-void HOADecoder::SetDecodingConvention(char const* name) {
-    SetDecodingConvention(GetHOADecodingConvention(name));
-}
-
 void HOADecoder::SetSphericalHarmonicsSorting(char const* name) {
     SetSphericalHarmonicsSorting(GetSphericalHarmonicsSorting(name));
-}
-
-void HOADecoder::SetCrossover(float frequency) {
-    shelving.SetCrossover(frequency);
 }
 
 void HOADecoder::GetDecoderMatrix(orvandsp::MatrixDouble& matrix) const {

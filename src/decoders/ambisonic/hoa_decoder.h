@@ -63,20 +63,20 @@ public:
     virtual void getSpeakerGains(unsigned int speaker, double* gains) const;
 
     /// Computes the matrix anew, for the present positions.
-    void forceUpdate();
+    void forceUpdate() { SetLoudspeakerPositions(speakerPositions.data()); }
 
     /// Each computes the matrix anew; a value that is none changes nothing. New gains slide, weights jump.
     void SetDecoderMethod(HOADecoderMethod method);
     void SetDecoderType(HOADecoderType type);
     void SetSphericalHarmonicsSorting(SphericalHarmonicsSorting newSorting);
     /// By names; an unknown one counts as the value 0.
-    void SetDecoderMethod(char const* name);
-    void SetDecoderType(char const* name);
-    void SetDecodingConvention(char const* name);
+    void SetDecoderMethod(char const* name) { SetDecoderMethod(GetHOADecoderMethod(name)); }
+    void SetDecoderType(char const* name) { SetDecoderType(GetHOADecoderType(name)); }
+    void SetDecodingConvention(char const* name) { SetDecodingConvention(GetHOADecodingConvention(name)); }
     void SetSphericalHarmonicsSorting(char const* name);
 
     /// The crossover of the types with two bands [Hz].
-    void SetCrossover(float frequency);
+    void SetCrossover(float frequency) { shelving.SetCrossover(frequency); }
 
     /// The matrix in use: a row per channel, a column per loudspeaker.
     void GetDecoderMatrix(orvandsp::MatrixDouble& matrix) const;

@@ -7,10 +7,6 @@ MultiAmbisonicShelving::MultiAmbisonicShelving(unsigned int numChannels) : chann
     numOutputs = 2 * numChannels;
 }
 
-void MultiAmbisonicShelving::SetCrossover(float frequency) {
-    for (AmbisonicShelving& channel : channels) channel.SetCrossover(frequency);
-}
-
 void MultiAmbisonicShelving::Process(float** low, float** high, float** inputs, unsigned long numSamples) {
     for (std::size_t i = 0; i < channels.size(); ++i) channels[i].Process(inputs[i], low[i], high[i], numSamples);
 }
@@ -28,10 +24,6 @@ void MultiAmbisonicShelving::SetSamplerate(float newSamplerate) {
 void MultiAmbisonicShelving::SetMaxBlockSize(unsigned int blockSize) {
     buffersize = blockSize;
     for (AmbisonicShelving& channel : channels) channel.SetMaxBlockSize(blockSize);
-}
-
-void MultiAmbisonicShelving::Clear() {
-    for (AmbisonicShelving& channel : channels) channel.Clear();
 }
 
 }  // namespace Lume

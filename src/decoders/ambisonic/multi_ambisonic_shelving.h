@@ -12,7 +12,9 @@ public:
     explicit MultiAmbisonicShelving(unsigned int numChannels);
 
     /// [Hz], all channels.
-    void SetCrossover(float frequency);
+    void SetCrossover(float frequency) {
+        for (AmbisonicShelving& channel : channels) channel.SetCrossover(frequency);
+    }
 
     /// Splits every channel. Real-time safe.
     /// @param low, high, inputs  one array per channel
@@ -22,7 +24,9 @@ public:
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void Clear() override {
+        for (AmbisonicShelving& channel : channels) channel.Clear();
+    }
 
 private:
     std::vector<AmbisonicShelving> channels;

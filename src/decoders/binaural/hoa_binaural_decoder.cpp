@@ -44,8 +44,4 @@ void HOABinauralDecoder::SetMaxBlockSize(unsigned int blockSize) {
     for (FIRFilter& filter : filters) filter.SetMaxBlockSize(blockSize);
 }
 
-void HOABinauralDecoder::Clear() {
-    for (FIRFilter& filter : filters) filter.Clear();
-}
-
 }  // namespace Lume

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "decoders/decoder.h"
+#include "decoders/fixed_decoder.h"
 #include "dsp/audio_buffer.h"
 #include "filters/fir_filter.h"
 #include "hrtf/ambisonic_ears.h"
@@ -10,7 +10,7 @@
 namespace Lume {
 
 /// Ambisonic channels to the two ears of a headphone listener: one filter for each channel and ear.
-class HOABinauralDecoder : public Decoder {
+class HOABinauralDecoder : public FixedDecoder {
 public:
     /// Silent until it is given ears.
     /// @param numChannels  (order + 1)^2
@@ -23,11 +23,10 @@ public:
 
     /// Blocks are a power of two long, always the same one (FIRFilter). Real-time safe.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
-    void SetSamplerate(float newSamplerate) override { samplerate = newSamplerate; }
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
-    /// Does nothing: there are no loudspeakers.
-    void SetLoudspeakerPositions(CartesianVector const* /*positions*/) override {}
+    void Clear() override {
+        for (FIRFilter& filter : filters) filter.Clear();
+    }
 
 private:
     std::vector<FIRFilter> filters;  // of all channels for the left ear, then for the right one

@@ -44,10 +44,6 @@ void MatrixDecoder::SetMaxBlockSize(unsigned int blockSize) {
     if (chain) chain->ForEach([=](auto& stage) { stage.SetMaxBlockSize(blockSize); });
 }
 
-void MatrixDecoder::Clear() {
-    if (chain) chain->ForEach([](auto& stage) { stage.Clear(); });
-}
-
 Decoder* CreateSurroundDecoder(unsigned int numInputs, unsigned int numOutputs) {
     // Each makes itself for its own pair of counts, and null for any other.
     for (auto* create : {LtRt2LRSDecoder::Create, LtRt2LCRSDecoder::Create, LRS2LtRtDecoder::Create,

@@ -42,7 +42,9 @@ public:
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void Clear() override {
+        if (chain) chain->ForEach([](auto& stage) { stage.Clear(); });
+    }
 
 private:
     MatrixFormat const& table;

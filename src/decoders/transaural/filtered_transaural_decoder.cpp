@@ -51,10 +51,6 @@ unsigned int FilteredTransauralDecoder::getExpectedNumberOfFiltersInHrtfFiles() 
     return static_cast<unsigned int>(filters.size());
 }
 
-HrtfHeaderInfos const* FilteredTransauralDecoder::GetHrtfHeaderInfos() const {
-    return set ? &set->GetHrtfHeaderInfos() : nullptr;
-}
-
 void FilteredTransauralDecoder::updateFiltersCoefficients() {
     if (!set) return;
     for (unsigned int number = 1; number <= filters.size(); ++number) {
@@ -100,10 +96,6 @@ void FilteredTransauralDecoder::SetMaxBlockSize(unsigned int blockSize) {
     buffersize = blockSize;
     blocks.Resize(numNetworkBlocks + 1, blockSize);
     for (auto const& filter : filters) filter->SetMaxBlockSize(blockSize);
-}
-
-void FilteredTransauralDecoder::Clear() {
-    for (auto const& filter : filters) filter->Clear();
 }
 
 void FilteredTransauralDecoder::Process(float** outputs, float** inputs, unsigned long numSamples,

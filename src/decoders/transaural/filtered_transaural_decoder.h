@@ -24,7 +24,7 @@ public:
     bool CanProcessThisTypeOfFilter(HrtfFilterType type) const override;
     unsigned int getExpectedNumberOfFiltersInHrtfFiles() const override;
     HrtfType getExpectedHrtfTypeInHrtfFiles() const override { return expectedType; }
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
+    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override { return set ? &set->GetHrtfHeaderInfos() : nullptr; }
     void updateFiltersCoefficients() override;
 
     /// Replaces filters of another kind by new ones, which hold nothing of the set until it is loaded again.
@@ -39,7 +39,9 @@ public:
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) final;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void Clear() override {
+        for (auto const& filter : filters) filter->Clear();
+    }
 
 protected:
     /// @param type  what a set must be made for

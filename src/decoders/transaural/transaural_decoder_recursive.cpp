@@ -33,10 +33,6 @@ void TransauralDecoderRecursive::Clear() {
     for (auto* const buffer : {&m, &n, &a, &b}) std::fill(buffer->begin(), buffer->end(), 0.0f);
 }
 
-void TransauralDecoderRecursive::resize(unsigned int numSamples) {
-    for (auto* const buffer : {&m, &n, &a, &b}) buffer->resize(numSamples);
-}
-
 bool TransauralDecoderRecursive::isRunaway() const noexcept {
     return IsOutOfHand(m) || IsOutOfHand(n);
 }

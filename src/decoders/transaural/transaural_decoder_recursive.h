@@ -36,7 +36,9 @@ protected:
     TransauralDecoderRecursive(unsigned int numInputs, unsigned int numOutputs, HrtfType type, SpeakerPair pair);
 
     /// Gives the buffers another length; what they held stays.
-    void resize(unsigned int numSamples);
+    void resize(unsigned int numSamples) {
+        for (auto* const buffer : {&m, &n, &a, &b}) buffer->resize(numSamples);
+    }
     /// Whether the loop has run away, by what is about to go around.
     bool isRunaway() const noexcept;
     /// Silences the outputs and the loop.

@@ -92,10 +92,6 @@ bool TransauralDecoderRecursiveSymmetricBiquads::LoadFromFile(char const* path) 
     return true;
 }
 
-HrtfHeaderInfos const* TransauralDecoderRecursiveSymmetricBiquads::GetHrtfHeaderInfos() const {
-    return hrtf ? &hrtf->GetHrtfHeaderInfos() : nullptr;
-}
-
 void TransauralDecoderRecursiveSymmetricBiquads::updateFiltersCoefficients() {
     if (!hrtf) return;
     HrtfPoint const& first = hrtf->GetNearestHrtfPoint(leftSpeaker);

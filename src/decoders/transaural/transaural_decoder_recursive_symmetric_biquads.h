@@ -49,7 +49,7 @@ public:
     bool CanProcessThisTypeOfFilter(HrtfFilterType type) const override { return type == hrtfBiquadCells; }
     unsigned int getExpectedNumberOfFiltersInHrtfFiles() const override { return 2; }
     HrtfType getExpectedHrtfTypeInHrtfFiles() const override { return hrtfBinaural; }
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
+    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override { return hrtf ? &hrtf->GetHrtfHeaderInfos() : nullptr; }
     void updateFiltersCoefficients() override;
 
     /// Gain of the loops, 0 (crosstalk stays) to 1 (the ears' ratio as the set has it); slides there in 30 ms.

@@ -3,14 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "pan/null_panning.h"
-
 namespace Lume {
-
-Pan* AmbisonicPanning::Create(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
-    if (numberOfOutputs != 3 && numberOfOutputs != 4) return new NullPanning;
-    return new AmbisonicPanning(numberOfInputs, numberOfOutputs);
-}
 
 void AmbisonicPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
     const float a = std::atan2(position.y, position.x);

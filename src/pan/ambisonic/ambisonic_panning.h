@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pan/amplitude_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -15,7 +16,10 @@ public:
     using AmplitudePanning::AmplitudePanning;
 
     /// A NullPanning unless there are 3 or 4 outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<AmbisonicPanning>(requestedOutputs == 3 || requestedOutputs == 4, requestedInputs,
+                                          requestedOutputs);
+    }
 
     void convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) override;
 };

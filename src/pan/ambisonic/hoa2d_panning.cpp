@@ -3,18 +3,12 @@
 #include <algorithm>
 
 #include "harmonics/spherical_harmonics.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
 HOA2DPanning::HOA2DPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : HOAPanning(numberOfInputs, numberOfOutputs, (std::max(numberOfOutputs, 1u) - 1) / 2, SN2D,
                  SortedCylindricalHarmonics) {}
-
-Pan* HOA2DPanning::Create(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
-    if (numberOfOutputs % 2 == 0) return new NullPanning;
-    return new HOA2DPanning(numberOfInputs, numberOfOutputs);
-}
 
 void HOA2DPanning::SetEncodingConvention(HOAEncodingConvention convention) {
     infos.encodingConvention = convention == N2D ? N2D : SN2D;

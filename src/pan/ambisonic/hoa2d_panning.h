@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pan/ambisonic/hoa_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -12,7 +13,9 @@ public:
     HOA2DPanning(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for an even number of outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<HOA2DPanning>(requestedOutputs % 2 != 0, requestedInputs, requestedOutputs);
+    }
 
     using HOAPanning::SetEncodingConvention;
     /// SN2D or N2D; any other becomes SN2D.

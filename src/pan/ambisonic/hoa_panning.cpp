@@ -7,10 +7,6 @@
 
 namespace Lume {
 
-void HOAPanning::SetEncodingConvention(char const* name) {
-    SetEncodingConvention(GetHOAPannerConvention(name));
-}
-
 void HOAPanning::SetSphericalHarmonicsSorting(SphericalHarmonicsSorting sorting) {
     infos.sorting = sorting;
     channels = harmonics(infos.order, sorting);

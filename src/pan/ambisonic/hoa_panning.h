@@ -25,7 +25,7 @@ public:
     /// Stores the convention as far as the panner's dimension has it, and places every source again.
     virtual void SetEncodingConvention(HOAEncodingConvention convention) = 0;
     /// By one of the names of GetHOAPannerConvention.
-    void SetEncodingConvention(char const* name);
+    void SetEncodingConvention(char const* name) { SetEncodingConvention(GetHOAPannerConvention(name)); }
     HOAEncodingConvention GetEncodingConvention() const noexcept { return infos.encodingConvention; }
 
     /// Stores the order of the channels and places every source again.

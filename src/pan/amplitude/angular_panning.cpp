@@ -15,10 +15,6 @@ AngularPanning::AngularPanning(unsigned int numberOfInputs, unsigned int numberO
     AngularPanning::SetLoudspeakerPositions(ring.data());
 }
 
-Pan* AngularPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    return new AngularPanning(numInputs, numOutputs);
-}
-
 void AngularPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
     speakerPositions.assign(positions, positions + numOutputs);
     speakersByAngle.clear();

@@ -14,7 +14,9 @@ public:
     /// Starts with a regular ring.
     AngularPanning(unsigned int numInputs, unsigned int numOutputs);
 
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return new AngularPanning(requestedInputs, requestedOutputs);
+    }
 
     /// Of loudspeakers with exactly the same azimuth only the last one sounds.
     void SetLoudspeakerPositions(CartesianVector const* positions) override;

@@ -35,10 +35,6 @@ void DbapPanning::SetSpreadMode(SpreadingMode mode) {
     forceUpdate(false);
 }
 
-void DbapPanning::SetSpreadMode(char const* name) {
-    SetSpreadMode(GetSpreadMode(name));
-}
-
 char const* DbapPanning::GetSpreadModeName(SpreadingMode mode) {
     switch (mode) {
         case omni:

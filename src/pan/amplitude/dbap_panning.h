@@ -21,7 +21,7 @@ public:
 
     void SetSpreadMode(SpreadingMode mode);
     /// An unknown name counts as "omni".
-    void SetSpreadMode(char const* name);
+    void SetSpreadMode(char const* name) { SetSpreadMode(GetSpreadMode(name)); }
     SpreadingMode GetCurrentSpreadMode() const noexcept { return spreadMode; }
     /// "omni" or "directional"; the empty string for any other value.
     static char const* GetSpreadModeName(SpreadingMode mode);

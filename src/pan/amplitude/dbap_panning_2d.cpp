@@ -8,7 +8,6 @@
 #include "geometry/reach.h"
 #include "geometry/space_geometry.h"
 #include "geometry/vector_algebra.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -26,11 +25,6 @@ DbapPanning2D::DbapPanning2D(unsigned int numberOfInputs, unsigned int numberOfO
     : DbapPanning(numberOfInputs, numberOfOutputs) {
     const std::vector<CartesianVector> ring = speakerPositions;
     DbapPanning2D::SetLoudspeakerPositions(ring.data());
-}
-
-Pan* DbapPanning2D::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs == 0) return new NullPanning;
-    return new DbapPanning2D(numInputs, numOutputs);
 }
 
 void DbapPanning2D::SetLoudspeakerPositions(CartesianVector const* positions) {

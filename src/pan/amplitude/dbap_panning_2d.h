@@ -4,6 +4,7 @@
 
 #include "geometry/convex_hull_2d.h"
 #include "pan/amplitude/dbap_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -14,7 +15,9 @@ public:
     DbapPanning2D(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning without outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<DbapPanning2D>(requestedOutputs != 0, requestedInputs, requestedOutputs);
+    }
 
     void SetLoudspeakerPositions(CartesianVector const* positions) override;
     void convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) override;

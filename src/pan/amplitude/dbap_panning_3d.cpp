@@ -5,7 +5,6 @@
 #include "geometry/reach.h"
 #include "geometry/space_geometry.h"
 #include "geometry/vector_algebra.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -13,11 +12,6 @@ DbapPanning3D::DbapPanning3D(unsigned int numberOfInputs, unsigned int numberOfO
     : DbapPanning(numberOfInputs, numberOfOutputs) {
     const std::vector<CartesianVector> ring = speakerPositions;
     DbapPanning3D::SetLoudspeakerPositions(ring.data());
-}
-
-Pan* DbapPanning3D::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs == 0) return new NullPanning;
-    return new DbapPanning3D(numInputs, numOutputs);
 }
 
 void DbapPanning3D::SetLoudspeakerPositions(CartesianVector const* positions) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pan/amplitude/dbap_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -11,7 +12,9 @@ public:
     DbapPanning3D(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning without outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<DbapPanning3D>(requestedOutputs != 0, requestedInputs, requestedOutputs);
+    }
 
     void SetLoudspeakerPositions(CartesianVector const* positions) override;
     void convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) override;

@@ -5,7 +5,6 @@
 
 #include "geometry/azimuth.h"
 #include "geometry/reach.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -32,11 +31,6 @@ Vbap2DPanning::Vbap2DPanning(unsigned int numberOfInputs, unsigned int numberOfO
         speakers[i] = {x, y, ListenerAzimuth(x, y), i};
     }
     FillPairs();
-}
-
-Pan* Vbap2DPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs < 2) return new NullPanning;
-    return new Vbap2DPanning(numInputs, numOutputs);
 }
 
 void Vbap2DPanning::SetLoudspeakerPositions(CartesianVector const* positions) {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "pan/amplitude_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -26,7 +27,9 @@ public:
     Vbap2DPanning(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning below two outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<Vbap2DPanning>(requestedOutputs >= 2, requestedInputs, requestedOutputs);
+    }
 
     /// Loudspeakers may come in any order.
     void SetLoudspeakerPositions(CartesianVector const* positions) override;

@@ -6,7 +6,6 @@
 #include "geometry/azimuth.h"
 #include "geometry/spherical_vector.h"
 #include "geometry/vector_algebra.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -77,11 +76,6 @@ VbapPanning::VbapPanning(unsigned int numberOfInputs, unsigned int numberOfOutpu
         speakers[i].position = SphericalVector{azimuth, 1.0f, i % 2 == 0 ? elevation : -elevation};
         speakers[i].index = i;
     }
-}
-
-Pan* VbapPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs < 3) return new NullPanning;
-    return new VbapPanning(numInputs, numOutputs);
 }
 
 void VbapPanning::SetLoudspeakerPositions(CartesianVector const* positions) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "pan/amplitude_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -41,7 +42,9 @@ public:
     VbapPanning(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning below three outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<VbapPanning>(requestedOutputs >= 3, requestedInputs, requestedOutputs);
+    }
 
     /// Chooses the triplets anew. Takes the fourth power of the number of loudspeakers in time.
     void SetLoudspeakerPositions(CartesianVector const* positions) override;

@@ -6,7 +6,6 @@
 #include "geometry/space_geometry.h"
 #include "geometry/speakers.h"
 #include "geometry/vector_algebra.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -19,11 +18,6 @@ VDbapPanning::VDbapPanning(unsigned int numberOfInputs, unsigned int numberOfOut
     std::vector<CartesianVector> ring;
     Speakers::GetRegularlySpaced(ring, numOutputs);
     VDbapPanning::SetLoudspeakerPositions(ring.data());
-}
-
-Pan* VDbapPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs < 3) return new NullPanning;
-    return new VDbapPanning(numInputs, numOutputs);
 }
 
 void VDbapPanning::SetLoudspeakerPositions(CartesianVector const* positions) {

@@ -6,6 +6,7 @@
 #include "pan/amplitude/dbap_panning_3d.h"
 #include "pan/amplitude/vbap_panning.h"
 #include "pan/amplitude_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -17,7 +18,9 @@ public:
     VDbapPanning(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning below three outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<VDbapPanning>(requestedOutputs >= 3, requestedInputs, requestedOutputs);
+    }
 
     void SetLoudspeakerPositions(CartesianVector const* positions) override;
     void convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) override;

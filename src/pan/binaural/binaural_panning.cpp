@@ -103,10 +103,6 @@ void BinauralPanning::SetNumInputs(unsigned int newNumInputs) {
     relativePositions.resize(numInputs);
 }
 
-void BinauralPanning::SetNumOutputs(unsigned int newNumOutputs) {
-    numOutputs = newNumOutputs;
-}
-
 void BinauralPanning::SetFIRFiltersImplementationMethod(char const* name) {
     SetFIRFiltersImplementationMethod(orvandsp::Filter::GetFIRImplementation(name));
 }
@@ -146,14 +142,6 @@ void BinauralPanning::SetITDType(ITDType type) {
     if (type == itdType) return;
     itdType = type;
     forceUpdate(false);
-}
-
-void BinauralPanning::SetITDType(char const* name) {
-    SetITDType(GetITDType(name));
-}
-
-void BinauralPanning::GetCurrentITDType(std::string& name) const {
-    name = GetITDTypeName(itdType);
 }
 
 char const* BinauralPanning::GetITDTypeName(ITDType type) {

@@ -15,6 +15,7 @@ struct HrtfPoint;
 
 /// Frame of the panners whose two outputs are the ears of a headphone listener.
 ///
+/// Panners without filters to load or to set leave that to the frame, which does nothing and has nothing to tell.
 /// It keeps the listener's position, orientation and head radius, turns each source's position into one relative to the
 /// listener, and holds the models of the interaural time difference (ITD) that set the delays to the two ears.
 /// Everything but processing belongs to the control thread.
@@ -36,14 +37,14 @@ public:
     BinauralPanning(unsigned int numInputs, unsigned int numOutputs);
 
     /// Loads other filters. @return whether the file was taken; if not, everything stays
-    virtual bool LoadFromFile(char const* path) = 0;
+    virtual bool LoadFromFile(char const* /*path*/) { return false; }
     /// Time over which a source's filters go over to new ones [ms].
-    virtual void SetFilterCrossFadeTime(float milliseconds) = 0;
-    virtual void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) = 0;
+    virtual void SetFilterCrossFadeTime(float /*milliseconds*/) {}
+    virtual void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation /*implementation*/) {}
     /// [m]; reaches each source with its next position.
-    virtual void SetListenerHeadRadius(float metres) = 0;
+    virtual void SetListenerHeadRadius(float metres) { headRadius = metres; }
     /// The header of the loaded data, or null. It lives until the next LoadFromFile.
-    virtual HrtfHeaderInfos const* GetHrtfHeaderInfos() const = 0;
+    virtual HrtfHeaderInfos const* GetHrtfHeaderInfos() const { return nullptr; }
     /// Computes delays and filters of a source.
     /// @param position  relative to the listener and to where he looks
     /// @param flag      passed on: delays and gains jump instead of gliding, and new filters wait
@@ -59,7 +60,7 @@ public:
     void SetLoudspeakerPositions(CartesianVector const* positions) override;
     /// New sources have the default position and aren't placed yet.
     void SetNumInputs(unsigned int newNumInputs) override;
-    void SetNumOutputs(unsigned int newNumOutputs) override;
+    void SetNumOutputs(unsigned int newNumOutputs) override { numOutputs = newNumOutputs; }
 
     /// Each of these places every source again.
     void SetListenerPosition(CartesianVector const& position);
@@ -67,13 +68,12 @@ public:
     void SetListenerYaw(float degrees);
     /// Does nothing for the present type.
     void SetITDType(ITDType type);
-    void SetITDType(char const* name);
+    void SetITDType(char const* name) { SetITDType(GetITDType(name)); }
 
     ITDType GetCurrentITDType() const noexcept { return itdType; }
-    void GetCurrentITDType(std::string& name) const;
+    void GetCurrentITDType(std::string& name) const { name = GetITDTypeName(itdType); }
 
-    /// Name of a model. Two of the names are none that GetITDType knows ("larchetjot", "none"): scripts have come to
-    /// read them so.
+    /// Name of a model. Two of the names are none that GetITDType knows ("larchetjot", "none").
     static char const* GetITDTypeName(ITDType type);
     /// The model of a name or one of its synonyms; measurement for an unknown name.
     static ITDType GetITDType(char const* name);

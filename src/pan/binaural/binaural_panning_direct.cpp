@@ -4,7 +4,6 @@
 
 #include "dsp/batch.h"
 #include "dsp/constants.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -23,11 +22,6 @@ BinauralPanningDirect::BinauralPanningDirect(unsigned int numberOfInputs, unsign
     BinauralPanningDirect::SetNumInputs(numberOfInputs);
 }
 
-Pan* BinauralPanningDirect::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-    if (requestedOutputs != 2) return new NullPanning;
-    return new BinauralPanningDirect(requestedInputs, requestedOutputs);
-}
-
 void BinauralPanningDirect::SetNumInputs(unsigned int newNumInputs) {
     BinauralPanning::SetNumInputs(newNumInputs);
     const auto prepare = [this](HrtfFiltering& ear) {
@@ -36,10 +30,6 @@ void BinauralPanningDirect::SetNumInputs(unsigned int newNumInputs) {
         ear.Configure(samplerate, buffersize, false);
     };
     voices.Resize(newNumInputs, prepare, HrtfFiltering::DefaultHrtfFilterType, true);
-}
-
-bool BinauralPanningDirect::LoadFromFile(char const* path) {
-    return SetHrtf(std::make_unique<Hrtf>(path));
 }
 
 bool BinauralPanningDirect::SetHrtf(std::unique_ptr<Hrtf> newHrtf) {
@@ -59,10 +49,6 @@ bool BinauralPanningDirect::SetHrtf(std::unique_ptr<Hrtf> newHrtf) {
     return true;
 }
 
-HrtfHeaderInfos const* BinauralPanningDirect::GetHrtfHeaderInfos() const {
-    return &hrtf->GetHrtfHeaderInfos();
-}
-
 void BinauralPanningDirect::SetFilterCrossFadeTime(float milliseconds) {
     voices.ForEach([=](HrtfFiltering& ear) { ear.SetCrossFadeTime(milliseconds); });
 }
@@ -70,10 +56,6 @@ void BinauralPanningDirect::SetFilterCrossFadeTime(float milliseconds) {
 void BinauralPanningDirect::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) {
     voices.ForEach([=](HrtfFiltering& ear) { ear.SetFIRFiltersImplementationMethod(implementation); });
     forceUpdate(false);
-}
-
-void BinauralPanningDirect::SetListenerHeadRadius(float metres) {
-    headRadius = metres;
 }
 
 void BinauralPanningDirect::setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) {
@@ -85,10 +67,6 @@ void BinauralPanningDirect::setSourceRelativePosition(unsigned int index, Cartes
     voice.right.SetDelay(rightDelay, flag);
     voice.left.SetCoefficients(EarCoefficients(point, 0), flag);
     voice.right.SetCoefficients(EarCoefficients(point, 1), flag);
-}
-
-void BinauralPanningDirect::updateFiltersCoefficients() {
-    forceUpdate(false);
 }
 
 void BinauralPanningDirect::setHrtfFilterType(HRTFFilterType type) {
@@ -148,10 +126,6 @@ void BinauralPanningDirect::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
     earBuffers.Resize(orvandsp::kernels::maxLanes, blockSize);
     voices.ForEach([=](HrtfFiltering& ear) { ear.SetMaxBlockSize(blockSize); });
-}
-
-void BinauralPanningDirect::Clear() {
-    voices.ForEach([](HrtfFiltering& ear) { ear.Clear(); });
 }
 
 void BinauralPanningDirect::SetInterpolationTime(float milliseconds) {

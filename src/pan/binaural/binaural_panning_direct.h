@@ -8,6 +8,7 @@
 #include "hrtf/hrtf_filtering.h"
 #include "pan/binaural/binaural_panning.h"
 #include "pan/binaural/ear_pairs.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -21,24 +22,25 @@ public:
     BinauralPanningDirect(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<BinauralPanningDirect>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
     /// Takes a set of binaural filters in biquad or FIR form ("kemar" or an empty name: the built-in one). Reconfigures
     /// filters that may be running, which can be heard.
     /// @return whether the set suits; if not, the old one stays
     /// @throws orvandsp::OrvanDspException for a file that can't be read; the old set stays then, too
-    bool LoadFromFile(char const* path) override;
+    bool LoadFromFile(char const* path) override { return SetHrtf(std::make_unique<Hrtf>(path)); }
     /// The same with a set that is loaded.
     bool SetHrtf(std::unique_ptr<Hrtf> newHrtf);
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
+    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override { return &hrtf->GetHrtfHeaderInfos(); }
 
     void SetFilterCrossFadeTime(float milliseconds) override;
     using BinauralPanning::SetFIRFiltersImplementationMethod;
     void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
-    void SetListenerHeadRadius(float metres) override;
     void setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) override;
     /// Gives every source the delays and filters of its position again.
-    void updateFiltersCoefficients();
+    void updateFiltersCoefficients() { forceUpdate(false); }
     /// Changes how every ear is filtered.
     void setHrtfFilterType(HRTFFilterType type);
 
@@ -46,7 +48,9 @@ public:
     void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void Clear() override {
+        voices.ForEach([](HrtfFiltering& ear) { ear.Clear(); });
+    }
     void SetNumInputs(unsigned int newNumInputs) override;
     /// Glide time of the delays [ms].
     void SetInterpolationTime(float milliseconds) override;

@@ -6,7 +6,6 @@
 #include "dsp/constants.h"
 #include "dsp/vector_operations.h"
 #include "filters/cascade_batch.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -32,24 +31,9 @@ BinauralPanningIACC::BinauralPanningIACC(unsigned int numberOfInputs, unsigned i
     LoadTables();
 }
 
-Pan* BinauralPanningIACC::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-    if (requestedOutputs != 2 || requestedInputs < 2) return new NullPanning;
-    return new BinauralPanningIACC(requestedInputs, requestedOutputs);
-}
-
 void BinauralPanningIACC::LoadTables() {
     sumFilter.SetCoefficients(ISCC_4_4_KEMAR_diffuse_44, false);
     differenceFilter.SetCoefficients(IDCC_4_4_KEMAR_diffuse_44, false);
-}
-
-bool BinauralPanningIACC::LoadFromFile(char const* /*path*/) {
-    return false;
-}
-
-void BinauralPanningIACC::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation /*implementation*/) {}
-
-HrtfHeaderInfos const* BinauralPanningIACC::GetHrtfHeaderInfos() const {
-    return nullptr;
 }
 
 void BinauralPanningIACC::setSourceRelativePosition(unsigned int /*index*/, CartesianVector const& /*position*/,
@@ -62,10 +46,6 @@ void BinauralPanningIACC::SetNumInputs(unsigned int /*newNumInputs*/) {}
 void BinauralPanningIACC::SetFilterCrossFadeTime(float milliseconds) {
     sumFilter.SetCrossFadeTime(milliseconds);
     differenceFilter.SetCrossFadeTime(milliseconds);
-}
-
-void BinauralPanningIACC::SetListenerHeadRadius(float metres) {
-    headRadius = metres;
 }
 
 void BinauralPanningIACC::FitBuffers(unsigned long numSamples) {

@@ -4,6 +4,7 @@
 
 #include "filters/faded_biquad_cascade.h"
 #include "pan/binaural/binaural_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -14,20 +15,17 @@ public:
     BinauralPanningIACC(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two, and below two inputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<BinauralPanningIACC>(requestedOutputs == 2 && requestedInputs >= 2, requestedInputs,
+                                             requestedOutputs);
+    }
 
-    /// The filters are fixed: false, null, and nothing happens.
-    bool LoadFromFile(char const* path) override;
-    using BinauralPanning::SetFIRFiltersImplementationMethod;
-    void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
     void setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) override;
     void SetInterpolationTime(float milliseconds) override;
     /// Does nothing: the number of inputs is that of the constructor.
     void SetNumInputs(unsigned int newNumInputs) override;
 
     void SetFilterCrossFadeTime(float milliseconds) override;
-    void SetListenerHeadRadius(float metres) override;
 
     /// Reads the first two inputs, whatever their number, as they are.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;

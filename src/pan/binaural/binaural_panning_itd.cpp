@@ -7,7 +7,6 @@
 #include "dsp/batch.h"
 #include "filters/delay_batch.h"
 #include "geometry/vector_algebra.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -29,27 +28,6 @@ void MultiplyAdding(float* out, float const* signal, float const* gain, unsigned
 BinauralPanningITD::BinauralPanningITD(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs) {
     BinauralPanningITD::SetNumInputs(numberOfInputs);
-}
-
-Pan* BinauralPanningITD::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-    if (requestedOutputs != 2) return new NullPanning;
-    return new BinauralPanningITD(requestedInputs, requestedOutputs);
-}
-
-bool BinauralPanningITD::LoadFromFile(char const* /*path*/) {
-    return false;
-}
-
-void BinauralPanningITD::SetFilterCrossFadeTime(float /*milliseconds*/) {}
-
-void BinauralPanningITD::SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation /*implementation*/) {}
-
-HrtfHeaderInfos const* BinauralPanningITD::GetHrtfHeaderInfos() const {
-    return nullptr;
-}
-
-void BinauralPanningITD::SetListenerHeadRadius(float metres) {
-    headRadius = metres;
 }
 
 void BinauralPanningITD::setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) {

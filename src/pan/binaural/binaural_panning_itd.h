@@ -7,6 +7,7 @@
 #include "kernels/kernels.h"
 #include "mix/delay_gain_pair.h"
 #include "pan/binaural/binaural_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -20,16 +21,10 @@ public:
     BinauralPanningITD(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<BinauralPanningITD>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
-    /// Without filters there is nothing to load or to set: false, null, and nothing happens.
-    bool LoadFromFile(char const* path) override;
-    void SetFilterCrossFadeTime(float milliseconds) override;
-    using BinauralPanning::SetFIRFiltersImplementationMethod;
-    void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
-
-    void SetListenerHeadRadius(float metres) override;
     void setSourceRelativePosition(unsigned int index, CartesianVector const& position, bool flag) override;
 
     /// With a single input that isn't active the outputs stay as they are.

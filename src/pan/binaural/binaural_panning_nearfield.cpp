@@ -6,7 +6,6 @@
 #include "dsp/constants.h"
 #include "geometry/vector_algebra.h"
 #include "pan/binaural/head_shadow.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -45,11 +44,6 @@ BinauralPanningNearfield::BinauralPanningNearfield(unsigned int numberOfInputs, 
     BinauralPanningNearfield::SetNumInputs(numberOfInputs);
 }
 
-Pan* BinauralPanningNearfield::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-    if (requestedOutputs != 2) return new NullPanning;
-    return new BinauralPanningNearfield(requestedInputs, requestedOutputs);
-}
-
 void BinauralPanningNearfield::SetNumInputs(unsigned int newNumInputs) {
     BinauralPanning::SetNumInputs(newNumInputs);
     const auto prepareHrtf = [this](HrtfFiltering& chain) {
@@ -76,10 +70,6 @@ void BinauralPanningNearfield::SetNumInputs(unsigned int newNumInputs) {
     rightDelays.resize(newNumInputs);
 }
 
-bool BinauralPanningNearfield::LoadFromFile(char const* path) {
-    return SetHrtf(std::make_unique<Hrtf>(path));
-}
-
 bool BinauralPanningNearfield::SetHrtf(std::unique_ptr<Hrtf> newHrtf) {
     if (!Suits(newHrtf->GetHrtfHeaderInfos(), hrtfBinaural)) return false;
     setHrtfFilterType(FilteringOf(newHrtf->GetHrtfHeaderInfos()), false);
@@ -101,41 +91,9 @@ bool BinauralPanningNearfield::LoadCompensationFilters(char const* path) {
     return true;
 }
 
-HrtfHeaderInfos const* BinauralPanningNearfield::GetHrtfHeaderInfos() const {
-    return &hrtf->GetHrtfHeaderInfos();
-}
-
-HrtfHeaderInfos const* BinauralPanningNearfield::GetCompensationFiltersInfo() const {
-    return compensationFilters ? &compensationFilters->GetHrtfHeaderInfos() : nullptr;
-}
-
 void BinauralPanningNearfield::Enable(Option option, bool enabled) {
     options = enabled ? options | option : options & ~static_cast<unsigned int>(option);
     forceUpdate(false);
-}
-
-void BinauralPanningNearfield::EnableHrtfFilters(bool enabled) {
-    Enable(hrtfFilters, enabled);
-}
-
-void BinauralPanningNearfield::EnableNearfieldFilters(bool enabled) {
-    Enable(nearfieldFilters, enabled);
-}
-
-void BinauralPanningNearfield::EnableDistanceAttenuation(bool enabled) {
-    Enable(distanceAttenuation, enabled);
-}
-
-void BinauralPanningNearfield::EnableCrossEarsHrtfSelection(bool enabled) {
-    Enable(crossEarsSelection, enabled);
-}
-
-void BinauralPanningNearfield::EnableDelaysCorrection(bool enabled) {
-    Enable(delaysCorrection, enabled);
-}
-
-void BinauralPanningNearfield::EnableGainsCorrection(bool enabled) {
-    Enable(gainsCorrection, enabled);
 }
 
 void BinauralPanningNearfield::SetEars() {
@@ -151,10 +109,6 @@ void BinauralPanningNearfield::SetListenerHeadRadius(float metres) {
 void BinauralPanningNearfield::SetMinimumRadiusAroundListener(float metres) {
     minimumRadius = std::max(metres, headRadius);
     forceUpdate(false);
-}
-
-void BinauralPanningNearfield::SetHRTFMeasurementSphereRadius(float metres) {
-    measurementSphereRadius = metres;
 }
 
 void BinauralPanningNearfield::setHrtfFilterType(HRTFFilterType type, bool update) {

@@ -10,6 +10,7 @@
 #include "hrtf/nearfield_compensation_filters.h"
 #include "pan/binaural/binaural_panning.h"
 #include "pan/binaural/ear_pairs.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -25,27 +26,39 @@ public:
     BinauralPanningNearfield(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<BinauralPanningNearfield>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
     /// Takes a set of binaural filters in biquad or FIR form ("kemar" or an empty name: the built-in one).
     /// @return whether the set suits; if not, the old one stays
     /// @throws orvandsp::OrvanDspException for a file that can't be read; the old set stays then, too
-    bool LoadFromFile(char const* path) override;
+    bool LoadFromFile(char const* path) override { return SetHrtf(std::make_unique<Hrtf>(path)); }
     /// The same with a set that was loaded.
     bool SetHrtf(std::unique_ptr<Hrtf> newHrtf);
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
+    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override { return &hrtf->GetHrtfHeaderInfos(); }
     /// The same for a set of near-field compensation filters.
     bool LoadCompensationFilters(char const* path);
     /// The header of the compensation filters, or null.
-    HrtfHeaderInfos const* GetCompensationFiltersInfo() const;
+    HrtfHeaderInfos const* GetCompensationFiltersInfo() const {
+        return compensationFilters ? &compensationFilters->GetHrtfHeaderInfos() : nullptr;
+    }
 
     /// What is done to the sources. Each of these places every source again.
-    void EnableHrtfFilters(bool enabled);             // on at first
-    void EnableNearfieldFilters(bool enabled);        // on at first
-    void EnableDistanceAttenuation(bool enabled);     // level by 1 / distance; on at first
-    void EnableCrossEarsHrtfSelection(bool enabled);  // a direction for each ear; on at first
-    void EnableDelaysCorrection(bool enabled);        // delays by the ears' distances from their directions' points
-    void EnableGainsCorrection(bool enabled);         // level by 1 / distance from each ear
+    void EnableHrtfFilters(bool enabled) { Enable(hrtfFilters, enabled); }            // on at first
+    void EnableNearfieldFilters(bool enabled) { Enable(nearfieldFilters, enabled); }  // on at first
+    void EnableDistanceAttenuation(bool enabled) {
+        Enable(distanceAttenuation, enabled);
+    }  // level by 1 / distance; on at first
+    void EnableCrossEarsHrtfSelection(bool enabled) {
+        Enable(crossEarsSelection, enabled);
+    }  // a direction for each ear; on at first
+    void EnableDelaysCorrection(bool enabled) {
+        Enable(delaysCorrection, enabled);
+    }  // delays by the ears' distances from their directions' points
+    void EnableGainsCorrection(bool enabled) {
+        Enable(gainsCorrection, enabled);
+    }  // level by 1 / distance from each ear
 
     /// Kept between 0 and the radius of the measurement. Reaches each source with its next position.
     void SetListenerHeadRadius(float metres) override;
@@ -53,7 +66,7 @@ public:
     void SetMinimumRadiusAroundListener(float metres);
     /// Radius of the sphere on which the filters were measured, where the level is 1. Reaches each source with its next
     /// position.
-    void SetHRTFMeasurementSphereRadius(float metres);
+    void SetHRTFMeasurementSphereRadius(float metres) { measurementSphereRadius = metres; }
 
     /// Change how the ears are filtered. @param update  places every source again
     void setHrtfFilterType(HRTFFilterType type, bool update);

@@ -6,7 +6,6 @@
 #include "dsp/orvan_dsp_exception.h"
 #include "geometry/vector_algebra.h"
 #include "pan/binaural/head_shadow.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -59,21 +58,9 @@ BinauralPanningSnowmanModel::BinauralPanningSnowmanModel(unsigned int numberOfIn
     BinauralPanningSnowmanModel::SetNumInputs(numberOfInputs);
 }
 
-Pan* BinauralPanningSnowmanModel::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-    if (requestedOutputs != 2) return new NullPanning;
-    return new BinauralPanningSnowmanModel(requestedInputs, requestedOutputs);
-}
-
 bool BinauralPanningSnowmanModel::LoadFromFile(char const* /*path*/) {
     throw orvandsp::OrvanDspException("snowman model : no hrtf to load", __FILE__, __LINE__);
 }
-
-HrtfHeaderInfos const* BinauralPanningSnowmanModel::GetHrtfHeaderInfos() const {
-    return nullptr;
-}
-
-void BinauralPanningSnowmanModel::SetFIRFiltersImplementationMethod(
-    orvandsp::Filter::FIRImplementation /*implementation*/) {}
 
 void BinauralPanningSnowmanModel::SetListenerHeadRadius(float metres) {
     headRadius = std::max(metres, minHeadRadius);
@@ -188,7 +175,7 @@ void BinauralPanningSnowmanModel::computeTorsoReflectionSubModel(SnowmanProcessi
     const auto headCoefficients =
         HeadShadowCoefficients(directAngle, modelSpeedOfSound / (geometry.headRadius * samplerate));
     ear.SetDirectPath(HeadShadowDelay(directAngle, geometry.headRadius), passThrough, headCoefficients.data(), flag);
-    // With the torso's radius, though it is the head that the reflection goes around: what the model has always done.
+    // With the torso's radius, though it is the head that the reflection goes around: part of how the model sounds.
     const auto reflectionCoefficients =
         HeadShadowCoefficients(reflectedAngle, modelSpeedOfSound / (torso * samplerate));
     ear.SetReflectionPath(HeadShadowDelay(reflectedAngle, torso) + detour, reflectionCoefficients.data(), flag);
@@ -232,10 +219,6 @@ void BinauralPanningSnowmanModel::SetMaxBlockSize(unsigned int blockSize) {
     leftBuffer.resize(blockSize);
     rightBuffer.resize(blockSize);
     voices.ForEach([=](SnowmanProcessing& ear) { ear.SetMaxBlockSize(blockSize); });
-}
-
-void BinauralPanningSnowmanModel::Clear() {
-    voices.ForEach([](SnowmanProcessing& ear) { ear.Clear(); });
 }
 
 void BinauralPanningSnowmanModel::SetNumInputs(unsigned int newNumInputs) {

@@ -5,6 +5,7 @@
 #include "pan/binaural/binaural_panning.h"
 #include "pan/binaural/ear_pairs.h"
 #include "pan/binaural/snowman_processing.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -20,13 +21,12 @@ public:
     BinauralPanningSnowmanModel(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<BinauralPanningSnowmanModel>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
     /// Always throws orvandsp::OrvanDspException: there is nothing to load.
     bool LoadFromFile(char const* path) override;
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
-    using BinauralPanning::SetFIRFiltersImplementationMethod;
-    void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
 
     /// The following three place every source again. The torso's centre stays where the default sizes put it: a longer
     /// neck or a bigger head changes nothing there (kept: quirks.md 24).
@@ -44,7 +44,9 @@ public:
     void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void Clear() override {
+        voices.ForEach([](SnowmanProcessing& ear) { ear.Clear(); });
+    }
     void SetNumInputs(unsigned int newNumInputs) override;
 
 private:

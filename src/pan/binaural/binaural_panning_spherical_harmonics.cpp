@@ -5,7 +5,6 @@
 #include "dsp/constants.h"
 #include "dsp/orvan_dsp_exception.h"
 #include "harmonics/spherical_harmonics.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -21,15 +20,6 @@ BinauralPanningSphericalHarmonics::BinauralPanningSphericalHarmonics(unsigned in
                                                                      unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs), data(std::make_unique<SphericalHarmonicManager>("")) {
     BinauralPanningSphericalHarmonics::SetNumInputs(numberOfInputs);
-}
-
-Pan* BinauralPanningSphericalHarmonics::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-    if (requestedOutputs != 2) return new NullPanning;
-    return new BinauralPanningSphericalHarmonics(requestedInputs, requestedOutputs);
-}
-
-bool BinauralPanningSphericalHarmonics::LoadFromFile(char const* path) {
-    return Take(std::make_unique<SphericalHarmonicManager>(path));
 }
 
 bool BinauralPanningSphericalHarmonics::Take(std::unique_ptr<SphericalHarmonicManager> loaded) {
@@ -57,25 +47,13 @@ bool BinauralPanningSphericalHarmonics::Take(std::unique_ptr<SphericalHarmonicMa
     return true;
 }
 
-HrtfHeaderInfos const* BinauralPanningSphericalHarmonics::GetHrtfHeaderInfos() const {
-    return nullptr;
-}
-
 SphericalHarmonicBasisXmlInfo const& BinauralPanningSphericalHarmonics::GetSphericalHarmonicInfo() const noexcept {
     return data->GetSphericalHarmonicInfo();
-}
-
-void BinauralPanningSphericalHarmonics::updateFiltersCoefficients() {
-    forceUpdate(false);
 }
 
 void BinauralPanningSphericalHarmonics::SetFIRFiltersImplementationMethod(
     orvandsp::Filter::FIRImplementation /*implementation*/) {
     forceUpdate(false);
-}
-
-void BinauralPanningSphericalHarmonics::SetListenerHeadRadius(float metres) {
-    headRadius = metres;
 }
 
 void BinauralPanningSphericalHarmonics::SetFilterCrossFadeTime(float milliseconds) {
@@ -148,10 +126,6 @@ void BinauralPanningSphericalHarmonics::SetSamplerate(float newSamplerate) {
 void BinauralPanningSphericalHarmonics::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
     voices.ForEach([=](FadedFIRTimeDomainFilter& ear) { ear.SetMaxBlockSize(blockSize); });
-}
-
-void BinauralPanningSphericalHarmonics::Clear() {
-    voices.ForEach([](FadedFIRTimeDomainFilter& ear) { ear.Clear(); });
 }
 
 void BinauralPanningSphericalHarmonics::SetNumInputs(unsigned int newNumInputs) {

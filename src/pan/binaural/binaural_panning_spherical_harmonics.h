@@ -8,6 +8,7 @@
 #include "math/fft.h"
 #include "pan/binaural/binaural_panning.h"
 #include "pan/binaural/ear_pairs.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -20,21 +21,21 @@ public:
     BinauralPanningSphericalHarmonics(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<BinauralPanningSphericalHarmonics>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
     /// @return false, and nothing changes, for a set that isn't one of spherical harmonics for two ears or has no
     /// length
     /// @throws orvandsp::OrvanDspException for unnormalised harmonics, and for a length that is no power of two
-    bool LoadFromFile(char const* path) override;
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
+    bool LoadFromFile(char const* path) override { return Take(std::make_unique<SphericalHarmonicManager>(path)); }
     SphericalHarmonicBasisXmlInfo const& GetSphericalHarmonicInfo() const noexcept;
     /// Gives every source the filters of its position again.
-    void updateFiltersCoefficients();
+    void updateFiltersCoefficients() { forceUpdate(false); }
 
     using BinauralPanning::SetFIRFiltersImplementationMethod;
     /// Places every source again; the filters are always in direct form.
     void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
-    void SetListenerHeadRadius(float metres) override;
     void SetFilterCrossFadeTime(float milliseconds) override;
     /// Does nothing: there are no delays.
     void SetInterpolationTime(float milliseconds) override;
@@ -46,7 +47,9 @@ public:
     void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void Clear() override {
+        voices.ForEach([](FadedFIRTimeDomainFilter& ear) { ear.Clear(); });
+    }
     void SetNumInputs(unsigned int newNumInputs) override;
 
 protected:

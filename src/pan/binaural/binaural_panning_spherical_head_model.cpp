@@ -6,7 +6,6 @@
 #include "dsp/orvan_dsp_exception.h"
 #include "geometry/vector_algebra.h"
 #include "pan/binaural/head_shadow.h"
-#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -48,21 +47,9 @@ BinauralPanningSphericalHeadModel::BinauralPanningSphericalHeadModel(unsigned in
     SetITDType(larcherjot);
 }
 
-Pan* BinauralPanningSphericalHeadModel::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-    if (requestedOutputs != 2) return new NullPanning;
-    return new BinauralPanningSphericalHeadModel(requestedInputs, requestedOutputs);
-}
-
 bool BinauralPanningSphericalHeadModel::LoadFromFile(char const* /*path*/) {
     throw orvandsp::OrvanDspException("head model : no hrtf to load", __FILE__, __LINE__);
 }
-
-HrtfHeaderInfos const* BinauralPanningSphericalHeadModel::GetHrtfHeaderInfos() const {
-    return nullptr;
-}
-
-void BinauralPanningSphericalHeadModel::SetFIRFiltersImplementationMethod(
-    orvandsp::Filter::FIRImplementation /*implementation*/) {}
 
 void BinauralPanningSphericalHeadModel::SetListenerHeadRadius(float metres) {
     headRadius = std::max(metres, 0.01f);

@@ -6,6 +6,7 @@
 #include "filters/faded_iir_filter.h"
 #include "pan/binaural/binaural_panning.h"
 #include "pan/binaural/ear_pairs.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -16,13 +17,12 @@ public:
     BinauralPanningSphericalHeadModel(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<BinauralPanningSphericalHeadModel>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
     /// Always throws orvandsp::OrvanDspException: there is nothing to load.
     bool LoadFromFile(char const* path) override;
-    HrtfHeaderInfos const* GetHrtfHeaderInfos() const override;
-    using BinauralPanning::SetFIRFiltersImplementationMethod;
-    void SetFIRFiltersImplementationMethod(orvandsp::Filter::FIRImplementation implementation) override;
 
     /// Places every source again. @param metres  at least 0.01 m
     void SetListenerHeadRadius(float metres) override;

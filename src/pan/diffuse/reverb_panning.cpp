@@ -13,10 +13,6 @@ ReverbPanning::ReverbPanning(unsigned int numberOfInputs, unsigned int numberOfO
     update();
 }
 
-Pan* ReverbPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    return new ReverbPanning(numInputs, numOutputs);
-}
-
 void ReverbPanning::Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) {
     mixer->Process(outputs, inputs, numSamples, orvandsp::allActiveInputs);
 }
@@ -42,10 +38,6 @@ void ReverbPanning::SetNumOutputs(unsigned int newNumOutputs) {
     update();
 }
 
-void ReverbPanning::SetInterpolationTime(float milliseconds) {
-    mixer->SetRampTime(milliseconds);
-}
-
 void ReverbPanning::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
     mixer->SetSamplerate(newSamplerate);
@@ -54,14 +46,6 @@ void ReverbPanning::SetSamplerate(float newSamplerate) {
 void ReverbPanning::SetMaxBlockSize(unsigned int blockSize) {
     buffersize = blockSize;
     mixer->SetMaxBlockSize(blockSize);
-}
-
-void ReverbPanning::Clear() {
-    mixer->Clear();
-}
-
-void ReverbPanning::SetGains(orvandsp::Matrix<float> const& gains) {
-    mixer->SetGains(gains);
 }
 
 void ReverbPanning::update() {

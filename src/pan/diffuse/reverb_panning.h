@@ -14,7 +14,9 @@ class ReverbPanning : public Pan {
 public:
     /// @param numInputs  at most 64
     ReverbPanning(unsigned int numInputs, unsigned int numOutputs);
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return new ReverbPanning(requestedInputs, requestedOutputs);
+    }
 
     /// The caller's activeInputs make no difference: a reverberator rings on without input.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
@@ -27,14 +29,14 @@ public:
     /// Every change of the number of channels makes a new mixer, which fades in from silence over the default time.
     void SetNumInputs(unsigned int newNumInputs) override;
     void SetNumOutputs(unsigned int newNumOutputs) override;
-    void SetInterpolationTime(float milliseconds) override;
+    void SetInterpolationTime(float milliseconds) override { mixer->SetRampTime(milliseconds); }
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void Clear() override { mixer->Clear(); }
 
     /// Mixes by other gains than those of ComputeReverbMixingMatrix, until a number of channels changes.
     /// @param gains  inputs x outputs
-    void SetGains(orvandsp::Matrix<float> const& gains);
+    void SetGains(orvandsp::Matrix<float> const& gains) { mixer->SetGains(gains); }
 
 private:
     void update();

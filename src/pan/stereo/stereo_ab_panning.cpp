@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "pan/null_panning.h"
 #include "pan/stereo/stereo_law.h"
 
 namespace Lume {
@@ -11,11 +10,6 @@ namespace Lume {
 StereoABPanning::StereoABPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs) {
     numOutputs = numberOfOutputs;
     StereoABPanning::SetNumInputs(numberOfInputs);
-}
-
-Pan* StereoABPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs != 2) return new NullPanning;
-    return new StereoABPanning(numInputs, numOutputs);
 }
 
 void StereoABPanning::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
@@ -75,10 +69,6 @@ void StereoABPanning::SetMaxBlockSize(unsigned int blockSize) {
     buffersize = blockSize;
     ResizeBuffers(blockSize);
     for (Voice& voice : voices) voice.SetMaxBlockSize(blockSize);
-}
-
-void StereoABPanning::Clear() {
-    for (Voice& voice : voices) voice.Clear();
 }
 
 void StereoABPanning::ResizeBuffers(std::size_t numSamples) {

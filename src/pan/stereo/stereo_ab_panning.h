@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "mix/delay_gain_pair.h"
+#include "pan/null_panning.h"
 #include "pan/pan.h"
 
 namespace Lume {
@@ -20,7 +21,9 @@ public:
     explicit StereoABPanning(unsigned int numInputs, unsigned int numOutputs = 2);
 
     /// A NullPanning unless there are two outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<StereoABPanning>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
     /// With exactly one source that is inactive the outputs stay as they are. Allocates when the number of samples is
     /// larger than it was.
@@ -40,7 +43,9 @@ public:
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
     /// Silences the delays; gains and slides stay.
-    void Clear() override;
+    void Clear() override {
+        for (Voice& voice : voices) voice.Clear();
+    }
 
 private:
     void ResizeBuffers(std::size_t numSamples);

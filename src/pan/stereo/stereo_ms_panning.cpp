@@ -2,18 +2,12 @@
 
 #include <cmath>
 
-#include "pan/null_panning.h"
 #include "pan/stereo/stereo_law.h"
 
 namespace Lume {
 
 StereoMSPanning::StereoMSPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : AmplitudePanning(numberOfInputs, numberOfOutputs) {}
-
-Pan* StereoMSPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs != 2) return new NullPanning;
-    return new StereoMSPanning(numInputs, numOutputs);
-}
 
 void StereoMSPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
     const float a = std::atan2(position.y, position.x);

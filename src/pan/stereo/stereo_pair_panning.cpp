@@ -4,18 +4,12 @@
 #include <cmath>
 
 #include "geometry/azimuth.h"
-#include "pan/null_panning.h"
 #include "pan/stereo/stereo_law.h"
 
 namespace Lume {
 
 StereoPairPanning::StereoPairPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : AmplitudePanning(numberOfInputs, numberOfOutputs), halfAngleRad(30.0f * DegreesToRadians) {}
-
-Pan* StereoPairPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs != 2) return new NullPanning;
-    return new StereoPairPanning(numInputs, numOutputs);
-}
 
 void StereoPairPanning::SetLoudspeakerPositions(CartesianVector const* positions) {
     const float left = std::atan2(positions[0].x, positions[0].y);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pan/amplitude_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -17,7 +18,9 @@ public:
     StereoPairPanning(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning unless there are two outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<StereoPairPanning>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
     /// Pairs narrower than 2 or wider than 178 degrees count as that wide.
     /// @param positions  the left loudspeaker, then the right one

@@ -2,18 +2,12 @@
 
 #include <cmath>
 
-#include "pan/null_panning.h"
 #include "pan/stereo/stereo_law.h"
 
 namespace Lume {
 
 StereoXYPanning::StereoXYPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : AmplitudePanning(numberOfInputs, numberOfOutputs) {}
-
-Pan* StereoXYPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs != 2) return new NullPanning;
-    return new StereoXYPanning(numInputs, numOutputs);
-}
 
 void StereoXYPanning::convert(CartesianVector const& position, float* gains, unsigned int /*sourceIndex*/) {
     constexpr float scale = 0.41421f;  // power 1 straight ahead, nearly: tan(pi / 8)

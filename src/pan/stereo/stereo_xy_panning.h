@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pan/amplitude_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -11,7 +12,9 @@ public:
     explicit StereoXYPanning(unsigned int numInputs, unsigned int numOutputs = 2);
 
     /// A NullPanning unless there are two outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<StereoXYPanning>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+    }
 
     void convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) override;
 };

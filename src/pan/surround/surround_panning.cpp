@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "geometry/azimuth.h"
-#include "pan/null_panning.h"
 #include "pan/surround/panr.h"
 
 namespace Lume {
@@ -20,11 +19,6 @@ float ListenerAzimuth(CartesianVector const& position) {
 SurroundPanning::SurroundPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : AmplitudePanning(numberOfInputs, numberOfOutputs) {
     for (unsigned int i = 0; i < numInputs; ++i) SetSourcePosition(i, {0.0f, 1.0f, 0.0f}, false);
-}
-
-Pan* SurroundPanning::Create(unsigned int numInputs, unsigned int numOutputs) {
-    if (numOutputs != 3 && numOutputs != 4) return new NullPanning;
-    return new SurroundPanning(numInputs, numOutputs);
 }
 
 void SurroundPanning::SetLoudspeakerPositions(CartesianVector const* positions) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pan/amplitude_panning.h"
+#include "pan/null_panning.h"
 
 namespace Lume {
 
@@ -11,7 +12,10 @@ public:
     SurroundPanning(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning unless there are three or four outputs.
-    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
+    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+        return CreateIf<SurroundPanning>(requestedOutputs == 3 || requestedOutputs == 4, requestedInputs,
+                                         requestedOutputs);
+    }
 
     /// Only the azimuths of the left and the right loudspeaker matter; the surround is always behind.
     void SetLoudspeakerPositions(CartesianVector const* positions) override;
