@@ -31,40 +31,12 @@ constexpr float largestAngle = 1.0e6f;  // [degrees], bounds the time that wrapp
 constexpr float radiansRoundTrip = 0.99999994f;
 
 /// What each atom of a format is, in order: a an angle, l a length.
-char const* Shape(CoordinatesFormat format) {
-    switch (format) {
-        case coordinates_xyz:
-            return "lll";
-        case coordinates_xy:
-            return "ll";
-        case coordinates_dx:
-        case coordinates_dy:
-        case coordinates_dz:
-        case coordinates_dist:
-        case coordinates_ddist:
-        case coordinates_x:
-        case coordinates_y:
-        case coordinates_z:
-            return "l";
-        case coordinates_ade:
-        case coordinates_lume3:
-            return "ala";
-        case coordinates_aed:
-            return "aal";
-        case coordinates_ae:
-            return "aa";
-        case coordinates_ad:
-        case coordinates_wfs:
-            return "al";
-        case coordinates_az:
-        case coordinates_azim:
-        case coordinates_dazim:
-        case coordinates_elev:
-        case coordinates_delev:
-            return "a";
-    }
-    return nullptr;
-}
+constexpr char const* shapes[] = {
+    "lll", "ll",  "l",  "l",  "l",       // xyz, xy, x++, y++, z++
+    "ala", "aal", "aa", "al", "a",       // ade, aed, ae, ad, az
+    "a",   "a",   "a",  "a",  "l", "l",  // azim, azim++, elev, elev++, dist, dist++
+    "ala", "al",  "l",  "l",  "l",       // lume3, wfs, x, y, z
+};
 
 bool IsCoordinate(t_atom const& atom, char kind) {
     if (!orvanmax::CheckAtomsFormat("n", &atom, 1)) return false;
@@ -74,8 +46,9 @@ bool IsCoordinate(t_atom const& atom, char kind) {
 
 /// Reads the numbers of a format; false if they aren't all there.
 bool ReadNumbers(CoordinatesFormat format, long count, t_atom const* atoms, float (&numbers)[3]) {
-    char const* const shape = Shape(format);
-    if (shape == nullptr) return false;
+    const auto index = static_cast<unsigned int>(format);
+    if (index >= std::size(shapes)) return false;
+    char const* const shape = shapes[index];
     for (long i = 0; shape[i] != '\0'; ++i) {
         if (i >= count || !IsCoordinate(atoms[i], shape[i])) return false;
         numbers[i] = atom_getfloat(&atoms[i]);
@@ -157,7 +130,7 @@ void ChangeOne(CartesianVector& position, CoordinatesFormat format, float value)
             spherical.elevation = FoldElevationDegrees(value) * DegreesToRadians;
             break;
         case coordinates_delev:
-            // A positive step lowers, unlike the steps of the other formats: patches rely on it.
+            // A positive step lowers, unlike the steps of the other formats.
             spherical.elevation = ElevationOf(position) - FoldElevationDegrees(value) * DegreesToRadians;
             break;
         case coordinates_dist:
