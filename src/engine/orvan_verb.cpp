@@ -67,10 +67,10 @@ OrvanVerb::OrvanVerb(unsigned int newNumInternals)
       early(std::make_unique<Early>(numInternals, 1, DefaultSampleRate)),
       cluster(std::make_unique<Cluster>(numInternals, DefaultSampleRate)),
       reverb(Reverb::Create(numInternals, DefaultSampleRate)),
-      directShelf(StructuralChannels),
-      roomShelf(1),
-      earlyShelf(2),
-      clusterShelf(numInternals),
+      directLayer(StructuralChannels),
+      roomLayer(1, Layer::gainInShelf),
+      earlyLayer(2),
+      clusterLayer(numInternals),
       sourceBus(MakeBus(StructuralChannels)),
       roomBus(MakeBus(1)),
       earlyMixBus(MakeBus(2)),
@@ -145,10 +145,10 @@ void OrvanVerb::Configure(float newSamplerate, unsigned int maxBlockSize, unsign
             Speakers::GetDefaultForChannels(positions, numSpeakers);
             SetSpeakersPositions(positions.data());
         }
-        directShelf.SetNumChannels(numSources);
-        roomShelf.SetNumChannels(1);
-        earlyShelf.SetNumChannels(2);
-        clusterShelf.SetNumChannels(numInternals);
+        directLayer.shelf.SetNumChannels(numSources);
+        roomLayer.shelf.SetNumChannels(1);
+        earlyLayer.shelf.SetNumChannels(2);
+        clusterLayer.shelf.SetNumChannels(numInternals);
         UpdateEarlyGains();
         initialized = true;
     }
@@ -181,12 +181,12 @@ void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSample
     const float internalScale = std::sqrt(1.0f / static_cast<float>(numInternals));
     const float sourceScale = std::sqrt(static_cast<float>(numInputs));
     // The gains are constant within a block and step from block to block along their ramps.
-    const float directGain = directGainRamp.Advance(numSamples);
-    const float earlyGain = earlyGainRamp.Advance(numSamples);
-    const float clusterGain = clusterGainRamp.Advance(numSamples);
+    const float directGain = directLayer.gainRamp.Advance(numSamples);
+    const float earlyGain = earlyLayer.gainRamp.Advance(numSamples);
+    const float clusterGain = clusterLayer.gainRamp.Advance(numSamples);
     const float reverbLayerGain = reverbGainRamp.Advance(numSamples);
 
-    directShelf.Process(sourceBus->GetChannels(), AtTheDoor(inputs, numSamples), numSamples, allActiveInputs);
+    directLayer.shelf.Process(sourceBus->GetChannels(), AtTheDoor(inputs, numSamples), numSamples, allActiveInputs);
     ProcessRoom(numSamples);
 
     AudioBuffer(outputs, numOutputs, static_cast<unsigned int>(numSamples), 0).Clear();
@@ -219,7 +219,7 @@ void OrvanVerb::ProcessRoom(unsigned long numSamples) {
     BlockOf(*roomBus, numSamples).Clear();
     orvandsp::kernels::Get().mix(roomBus->GetChannel(0), {sourceBus->GetChannels(), 0, nullptr}, sends, numInputs,
                                  numSamples, false);
-    roomShelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
+    roomLayer.shelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
     early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
     cluster->Process(clusterBus->GetChannels(), earlyBus->GetChannels(), numSamples, allActiveInputs);
     reverb->Process(reverbBus->GetChannels(), clusterBus->GetChannels(), numSamples, allActiveInputs);
@@ -240,7 +240,7 @@ void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float g
     for (unsigned int c = 0; c < numInternals; ++c) reflections.ApplyGain(c, earlyGains[c]);
     // Even taps to the first virtual source, odd ones to the second.
     orvandsp::Merge(mixed, reflections, gain);
-    earlyShelf.Process(earlyMixBus->GetChannels(), earlyMixBus->GetChannels(), numSamples, allActiveInputs);
+    earlyLayer.shelf.Process(earlyMixBus->GetChannels(), earlyMixBus->GetChannels(), numSamples, allActiveInputs);
     earlyPan->ProcessAdding(outputs, earlyMixBus->GetChannels(), numSamples, allActiveInputs);
 }
 
@@ -248,7 +248,7 @@ void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float g
 void OrvanVerb::AddLateLayer(float** outputs, unsigned long numSamples, float clusterScale, float reverbScale) {
     AudioBuffer mixed = BlockOf(*lateMixBus, numSamples);
     mixed.CopyFrom(*clusterBus, clusterScale);
-    clusterShelf.Process(lateMixBus->GetChannels(), lateMixBus->GetChannels(), numSamples, allActiveInputs);
+    clusterLayer.shelf.Process(lateMixBus->GetChannels(), lateMixBus->GetChannels(), numSamples, allActiveInputs);
     mixed.AddFrom(*reverbBus, reverbScale);
     diffusePan->ProcessAdding(outputs, lateMixBus->GetChannels(), numSamples, allActiveInputs);
 }
@@ -260,12 +260,12 @@ void OrvanVerb::SetSamplerate(float newSamplerate) {
         roomSendRamps[i].SetSamplerate(newSamplerate);
         directDistanceRamps[i].SetSamplerate(newSamplerate);
     }
-    for (orvandsp::Ramp* ramp : {&directGainRamp, &earlyGainRamp, &clusterGainRamp, &reverbGainRamp})
+    for (orvandsp::Ramp* ramp : {&directLayer.gainRamp, &earlyLayer.gainRamp, &clusterLayer.gainRamp, &reverbGainRamp})
         ramp->SetSamplerate(newSamplerate);
     early->SetSamplerate(newSamplerate);
     cluster->SetSamplerate(newSamplerate);
     reverb->SetSamplerate(newSamplerate);
-    for (MultiFadedHLShelf* shelf : {&directShelf, &earlyShelf, &clusterShelf, &roomShelf})
+    for (MultiFadedHLShelf* shelf : {&directLayer.shelf, &earlyLayer.shelf, &clusterLayer.shelf, &roomLayer.shelf})
         shelf->SetSamplerate(newSamplerate);
     for (Pan* pan : {directPan.get(), earlyPan.get(), diffusePan.get()}) pan->SetSamplerate(newSamplerate);
     MakeRoom();
@@ -300,10 +300,10 @@ void OrvanVerb::Clear() {
     if (formerPan) formerPan->Clear();
     earlyPan->Clear();
     diffusePan->Clear();
-    directShelf.Clear();
-    earlyShelf.Clear();
-    clusterShelf.Clear();
-    roomShelf.Clear();
+    directLayer.shelf.Clear();
+    earlyLayer.shelf.Clear();
+    clusterLayer.shelf.Clear();
+    roomLayer.shelf.Clear();
 }
 
 void OrvanVerb::Silence() {

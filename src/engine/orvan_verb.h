@@ -198,49 +198,59 @@ public:
     /// layer takes 5 ms for the seventh source and later ones.
     /// @{
     /// All six at once, gain included.
-    void SetDirectParameters(HLShelfParameters const& parameters);
+    void SetDirectParameters(HLShelfParameters const& parameters) { SetParameters(directLayer, parameters); }
     /// Level of the direct sound, -60 to 10 dB, in 100 ms.
-    void SetDirectGain(float gainDb);
+    void SetDirectGain(float gainDb) { SetGain(directLayer, gainDb); }
     /// Band below the low crossover, -30 to 30 dB.
-    void SetDirectGainLow(float gainDb);
+    void SetDirectGainLow(float gainDb) { Set(directLayer.parameters.gainLow, gainDb, directLayer); }
     /// Band between the crossovers, -30 to 30 dB.
-    void SetDirectGainMedium(float gainDb);
+    void SetDirectGainMedium(float gainDb) { Set(directLayer.parameters.gainMed, gainDb, directLayer); }
     /// Band above the high crossover, -30 to 30 dB.
-    void SetDirectGainHigh(float gainDb);
+    void SetDirectGainHigh(float gainDb) { Set(directLayer.parameters.gainHigh, gainDb, directLayer); }
     /// 20 to 20000 Hz, default 250.
-    void SetDirectCrossoverFrequencyLow(float frequencyHz);
+    void SetDirectCrossoverFrequencyLow(float frequencyHz) {
+        Set(directLayer.parameters.freqLow, frequencyHz, directLayer);
+    }
     /// 20 to 20000 Hz, default 4000.
-    void SetDirectCrossoverFrequencyHigh(float frequencyHz);
-    HLShelfParameters const& GetDirectParameters() const noexcept { return directParameters; }
+    void SetDirectCrossoverFrequencyHigh(float frequencyHz) {
+        Set(directLayer.parameters.freqHigh, frequencyHz, directLayer);
+    }
+    HLShelfParameters const& GetDirectParameters() const noexcept { return directLayer.parameters; }
     /// @}
 
     /// @name Room
     /// Colours all that the room answers: early, cluster and late field. Ranges as for the direct sound.
     /// @{
-    void SetRoomParameters(HLShelfParameters const& parameters);
+    void SetRoomParameters(HLShelfParameters const& parameters) { SetParameters(roomLayer, parameters); }
     /// Level of the whole room, -60 to 10 dB. A part of the shelf, and so in 30 ms.
-    void SetRoomGain(float gainDb);
-    void SetRoomGainLow(float gainDb);
-    void SetRoomGainMedium(float gainDb);
-    void SetRoomGainHigh(float gainDb);
-    void SetRoomCrossoverFrequencyLow(float frequencyHz);
-    void SetRoomCrossoverFrequencyHigh(float frequencyHz);
-    HLShelfParameters const& GetRoomParameters() const noexcept { return roomParameters; }
+    void SetRoomGain(float gainDb) { SetGain(roomLayer, gainDb); }
+    void SetRoomGainLow(float gainDb) { Set(roomLayer.parameters.gainLow, gainDb, roomLayer); }
+    void SetRoomGainMedium(float gainDb) { Set(roomLayer.parameters.gainMed, gainDb, roomLayer); }
+    void SetRoomGainHigh(float gainDb) { Set(roomLayer.parameters.gainHigh, gainDb, roomLayer); }
+    void SetRoomCrossoverFrequencyLow(float frequencyHz) { Set(roomLayer.parameters.freqLow, frequencyHz, roomLayer); }
+    void SetRoomCrossoverFrequencyHigh(float frequencyHz) {
+        Set(roomLayer.parameters.freqHigh, frequencyHz, roomLayer);
+    }
+    HLShelfParameters const& GetRoomParameters() const noexcept { return roomLayer.parameters; }
     /// @}
 
     /// @name Early reflections
     /// Gain and shelf act on what is heard of the early reflections, not on what they feed into the cluster. Ranges as
     /// for the direct sound.
     /// @{
-    void SetEarlyParameters(HLShelfParameters const& parameters);
+    void SetEarlyParameters(HLShelfParameters const& parameters) { SetParameters(earlyLayer, parameters); }
     /// Level of the early reflections, -60 to 10 dB, in 100 ms.
-    void SetEarlyGain(float gainDb);
-    void SetEarlyGainLow(float gainDb);
-    void SetEarlyGainMedium(float gainDb);
-    void SetEarlyGainHigh(float gainDb);
-    void SetEarlyCrossoverFrequencyLow(float frequencyHz);
-    void SetEarlyCrossoverFrequencyHigh(float frequencyHz);
-    HLShelfParameters const& GetEarlyParameters() const noexcept { return earlyParameters; }
+    void SetEarlyGain(float gainDb) { SetGain(earlyLayer, gainDb); }
+    void SetEarlyGainLow(float gainDb) { Set(earlyLayer.parameters.gainLow, gainDb, earlyLayer); }
+    void SetEarlyGainMedium(float gainDb) { Set(earlyLayer.parameters.gainMed, gainDb, earlyLayer); }
+    void SetEarlyGainHigh(float gainDb) { Set(earlyLayer.parameters.gainHigh, gainDb, earlyLayer); }
+    void SetEarlyCrossoverFrequencyLow(float frequencyHz) {
+        Set(earlyLayer.parameters.freqLow, frequencyHz, earlyLayer);
+    }
+    void SetEarlyCrossoverFrequencyHigh(float frequencyHz) {
+        Set(earlyLayer.parameters.freqHigh, frequencyHz, earlyLayer);
+    }
+    HLShelfParameters const& GetEarlyParameters() const noexcept { return earlyLayer.parameters; }
 
     /// Time of the first early reflection [ms], clamped to 1 to 120, default 22.22. Delays glide in 50 ms, which shifts
     /// their pitch; the cluster, whose times are absolute, is moved along. So do the next two.
@@ -269,15 +279,19 @@ public:
     /// Gain and shelf act on what is heard of the cluster, not on what it feeds into the late field. Ranges as for the
     /// direct sound.
     /// @{
-    void SetClusterParameters(HLShelfParameters const& parameters);
+    void SetClusterParameters(HLShelfParameters const& parameters) { SetParameters(clusterLayer, parameters); }
     /// Level of the cluster, -60 to 10 dB, in 100 ms.
-    void SetClusterGain(float gainDb);
-    void SetClusterGainLow(float gainDb);
-    void SetClusterGainMedium(float gainDb);
-    void SetClusterGainHigh(float gainDb);
-    void SetClusterCrossoverFrequencyLow(float frequencyHz);
-    void SetClusterCrossoverFrequencyHigh(float frequencyHz);
-    HLShelfParameters const& GetClusterParameters() const noexcept { return clusterParameters; }
+    void SetClusterGain(float gainDb) { SetGain(clusterLayer, gainDb); }
+    void SetClusterGainLow(float gainDb) { Set(clusterLayer.parameters.gainLow, gainDb, clusterLayer); }
+    void SetClusterGainMedium(float gainDb) { Set(clusterLayer.parameters.gainMed, gainDb, clusterLayer); }
+    void SetClusterGainHigh(float gainDb) { Set(clusterLayer.parameters.gainHigh, gainDb, clusterLayer); }
+    void SetClusterCrossoverFrequencyLow(float frequencyHz) {
+        Set(clusterLayer.parameters.freqLow, frequencyHz, clusterLayer);
+    }
+    void SetClusterCrossoverFrequencyHigh(float frequencyHz) {
+        Set(clusterLayer.parameters.freqHigh, frequencyHz, clusterLayer);
+    }
+    HLShelfParameters const& GetClusterParameters() const noexcept { return clusterLayer.parameters; }
 
     /// Time of the first cluster reflection [ms], 1 to 300, default 42.47. What counts is its distance from the early
     /// start, clamped to 1 to 300. Delays glide in 50 ms, here and in the next two; the late field, whose start is
@@ -341,6 +355,22 @@ public:
     /// @}
 
 protected:
+    /// A shelf over some channels, and a level: a ramp of its own unless the shelf does it.
+    struct Layer {
+        enum Level { ramped, gainInShelf };
+        explicit Layer(unsigned int numChannels, Level newLevel = ramped) : shelf(numChannels), level(newLevel) {}
+
+        MultiFadedHLShelf shelf;
+        HLShelfParameters parameters;
+        Level level;
+        orvandsp::Ramp gainRamp;
+    };
+    void SetParameters(Layer& layer, HLShelfParameters const& parameters);
+    void SetGain(Layer& layer, float gainDb);
+    /// Stores a value among the layer's parameters.
+    void Set(float& stored, float value, Layer& layer);
+    static void UpdateShelf(Layer& layer);
+
     bool CreatePanners(unsigned int numSources, unsigned int numSpeakers);
     std::unique_ptr<Pan> MakePan(unsigned int numInputs, unsigned int numSpeakers, Pan::SubType role) const;
     void PlaceInPanner(unsigned int source);
@@ -360,25 +390,17 @@ protected:
     float ReverbDistribution() const noexcept;
     /// Takes the memory for the longest delays that setters can ask for.
     void MakeRoom();
-    void UpdateDirectShelf();
-    void UpdateRoomShelf();
-    void UpdateEarlyShelf();
-    void UpdateClusterShelf();
 
     std::uint32_t numInternals;
-    RoomFormat const* format = nullptr;  // asked for
-    HLShelfParameters directParameters;
-    HLShelfParameters roomParameters;
+    RoomFormat const* format = nullptr;                           // asked for
     float earlyStart = LumeDefaultParameters::DefaultEarlyStart;  // [ms]
     float earlyEnd = LumeDefaultParameters::DefaultEarlyEnd;      // [ms]
     float earlyDistribution = LumeDefaultParameters::DefaultEarlyDistr;
     float earlyWidth = LumeDefaultParameters::DefaultEarlyWidth;  // [degrees]
     float earlyShape = LumeDefaultParameters::DefaultEarlyShape;
-    HLShelfParameters earlyParameters;
     float clusterStart = LumeDefaultParameters::DefaultClusterStart;  // absolute [ms]
     float clusterEnd = LumeDefaultParameters::DefaultClusterEnd;      // absolute [ms]
     float clusterDistribution = LumeDefaultParameters::DefaultClusterDistr;
-    HLShelfParameters clusterParameters;
     float decayTime = LumeDefaultParameters::DefaultDecayTime;      // [s]
     float reverbStart = LumeDefaultParameters::DefaultReverbStart;  // absolute [ms]
     float modalDensity = LumeDefaultParameters::DefaultReverbModalDensity;
@@ -402,13 +424,10 @@ protected:
     unsigned long earsFadeTime = 0;   // [samples]
     std::unique_ptr<Pan> earlyPan;    // 2 to M
     std::unique_ptr<Pan> diffusePan;  // C to M
-    MultiFadedHLShelf directShelf;
-    MultiFadedHLShelf roomShelf;
-    MultiFadedHLShelf earlyShelf;
-    MultiFadedHLShelf clusterShelf;
-    orvandsp::Ramp directGainRamp;
-    orvandsp::Ramp earlyGainRamp;
-    orvandsp::Ramp clusterGainRamp;
+    Layer directLayer;
+    Layer roomLayer;
+    Layer earlyLayer;
+    Layer clusterLayer;
     orvandsp::Ramp reverbGainRamp;
     std::unique_ptr<orvandsp::AudioBuffer> sourceBus;    // N channels
     std::unique_ptr<orvandsp::AudioBuffer> roomBus;      // 1 channel

@@ -68,165 +68,27 @@ void Take(HLShelfParameters& stored, HLShelfParameters const& values) {
 
 }  // namespace
 
-// The layer gains of these three run through their ramps alone, so that their shelves get 0 dB.
-void OrvanVerb::UpdateDirectShelf() {
-    SetShelf(directShelf, directParameters, 0.0f);
+void OrvanVerb::UpdateShelf(Layer& layer) {
+    const bool inShelf = layer.level == Layer::gainInShelf;
+    SetShelf(layer.shelf, layer.parameters, inShelf ? layer.parameters.gain : 0.0f);
 }
 
-void OrvanVerb::UpdateEarlyShelf() {
-    SetShelf(earlyShelf, earlyParameters, 0.0f);
+void OrvanVerb::SetParameters(Layer& layer, HLShelfParameters const& parameters) {
+    Take(layer.parameters, parameters);
+    if (layer.level == Layer::ramped) SetGain(layer, layer.parameters.gain);
+    UpdateShelf(layer);
 }
 
-void OrvanVerb::UpdateClusterShelf() {
-    SetShelf(clusterShelf, clusterParameters, 0.0f);
+void OrvanVerb::SetGain(Layer& layer, float gainDb) {
+    if (!TakeLevel(layer.parameters.gain, gainDb)) return;
+    if (layer.level == Layer::ramped)
+        layer.gainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
+    else
+        UpdateShelf(layer);
 }
 
-// The room has no ramp.
-void OrvanVerb::UpdateRoomShelf() {
-    SetShelf(roomShelf, roomParameters, roomParameters.gain);
-}
-
-void OrvanVerb::SetDirectParameters(HLShelfParameters const& parameters) {
-    Take(directParameters, parameters);
-    SetDirectGain(directParameters.gain);
-    UpdateDirectShelf();
-}
-
-void OrvanVerb::SetDirectGain(float gainDb) {
-    if (!TakeLevel(directParameters.gain, gainDb)) return;
-    directGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
-}
-
-void OrvanVerb::SetDirectGainLow(float gainDb) {
-    if (!Take(directParameters.gainLow, gainDb)) return;
-    UpdateDirectShelf();
-}
-
-void OrvanVerb::SetDirectGainMedium(float gainDb) {
-    if (!Take(directParameters.gainMed, gainDb)) return;
-    UpdateDirectShelf();
-}
-
-void OrvanVerb::SetDirectGainHigh(float gainDb) {
-    if (!Take(directParameters.gainHigh, gainDb)) return;
-    UpdateDirectShelf();
-}
-
-void OrvanVerb::SetDirectCrossoverFrequencyLow(float frequencyHz) {
-    if (!Take(directParameters.freqLow, frequencyHz)) return;
-    UpdateDirectShelf();
-}
-
-void OrvanVerb::SetDirectCrossoverFrequencyHigh(float frequencyHz) {
-    if (!Take(directParameters.freqHigh, frequencyHz)) return;
-    UpdateDirectShelf();
-}
-
-void OrvanVerb::SetRoomParameters(HLShelfParameters const& parameters) {
-    Take(roomParameters, parameters);
-    UpdateRoomShelf();
-}
-
-void OrvanVerb::SetRoomGain(float gainDb) {
-    if (!TakeLevel(roomParameters.gain, gainDb)) return;
-    UpdateRoomShelf();
-}
-
-void OrvanVerb::SetRoomGainLow(float gainDb) {
-    if (!Take(roomParameters.gainLow, gainDb)) return;
-    UpdateRoomShelf();
-}
-
-void OrvanVerb::SetRoomGainMedium(float gainDb) {
-    if (!Take(roomParameters.gainMed, gainDb)) return;
-    UpdateRoomShelf();
-}
-
-void OrvanVerb::SetRoomGainHigh(float gainDb) {
-    if (!Take(roomParameters.gainHigh, gainDb)) return;
-    UpdateRoomShelf();
-}
-
-void OrvanVerb::SetRoomCrossoverFrequencyLow(float frequencyHz) {
-    if (!Take(roomParameters.freqLow, frequencyHz)) return;
-    UpdateRoomShelf();
-}
-
-void OrvanVerb::SetRoomCrossoverFrequencyHigh(float frequencyHz) {
-    if (!Take(roomParameters.freqHigh, frequencyHz)) return;
-    UpdateRoomShelf();
-}
-
-void OrvanVerb::SetEarlyParameters(HLShelfParameters const& parameters) {
-    Take(earlyParameters, parameters);
-    SetEarlyGain(earlyParameters.gain);
-    UpdateEarlyShelf();
-}
-
-void OrvanVerb::SetEarlyGain(float gainDb) {
-    if (!TakeLevel(earlyParameters.gain, gainDb)) return;
-    earlyGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
-}
-
-void OrvanVerb::SetEarlyGainLow(float gainDb) {
-    if (!Take(earlyParameters.gainLow, gainDb)) return;
-    UpdateEarlyShelf();
-}
-
-void OrvanVerb::SetEarlyGainMedium(float gainDb) {
-    if (!Take(earlyParameters.gainMed, gainDb)) return;
-    UpdateEarlyShelf();
-}
-
-void OrvanVerb::SetEarlyGainHigh(float gainDb) {
-    if (!Take(earlyParameters.gainHigh, gainDb)) return;
-    UpdateEarlyShelf();
-}
-
-void OrvanVerb::SetEarlyCrossoverFrequencyLow(float frequencyHz) {
-    if (!Take(earlyParameters.freqLow, frequencyHz)) return;
-    UpdateEarlyShelf();
-}
-
-void OrvanVerb::SetEarlyCrossoverFrequencyHigh(float frequencyHz) {
-    if (!Take(earlyParameters.freqHigh, frequencyHz)) return;
-    UpdateEarlyShelf();
-}
-
-void OrvanVerb::SetClusterParameters(HLShelfParameters const& parameters) {
-    Take(clusterParameters, parameters);
-    SetClusterGain(clusterParameters.gain);
-    UpdateClusterShelf();
-}
-
-void OrvanVerb::SetClusterGain(float gainDb) {
-    if (!TakeLevel(clusterParameters.gain, gainDb)) return;
-    clusterGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
-}
-
-void OrvanVerb::SetClusterGainLow(float gainDb) {
-    if (!Take(clusterParameters.gainLow, gainDb)) return;
-    UpdateClusterShelf();
-}
-
-void OrvanVerb::SetClusterGainMedium(float gainDb) {
-    if (!Take(clusterParameters.gainMed, gainDb)) return;
-    UpdateClusterShelf();
-}
-
-void OrvanVerb::SetClusterGainHigh(float gainDb) {
-    if (!Take(clusterParameters.gainHigh, gainDb)) return;
-    UpdateClusterShelf();
-}
-
-void OrvanVerb::SetClusterCrossoverFrequencyLow(float frequencyHz) {
-    if (!Take(clusterParameters.freqLow, frequencyHz)) return;
-    UpdateClusterShelf();
-}
-
-void OrvanVerb::SetClusterCrossoverFrequencyHigh(float frequencyHz) {
-    if (!Take(clusterParameters.freqHigh, frequencyHz)) return;
-    UpdateClusterShelf();
+void OrvanVerb::Set(float& stored, float value, Layer& layer) {
+    if (Take(stored, value)) UpdateShelf(layer);
 }
 
 void OrvanVerb::SetReverbParameters(ReverbDspParameters const& parameters) {
@@ -240,38 +102,31 @@ void OrvanVerb::SetReverbParameters(ReverbDspParameters const& parameters) {
 }
 
 void OrvanVerb::SetReverbGain(float gainDb) {
-    if (!TakeLevel(reverbGain, gainDb)) return;
-    reverbGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
+    if (TakeLevel(reverbGain, gainDb)) reverbGainRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
 }
 
 void OrvanVerb::SetDecayTime(float seconds) {
-    if (!Take(decayTime, seconds)) return;
-    reverb->SetDecayTime(Clamped(seconds, ShortestDecay, LongestDecay));
+    if (Take(decayTime, seconds)) reverb->SetDecayTime(Clamped(seconds, ShortestDecay, LongestDecay));
 }
 
 void OrvanVerb::SetRelativeDecayLow(float factor) {
-    if (!Take(relativeDecayLow, factor)) return;
-    reverb->SetRelativeDecayLow(factor);
+    if (Take(relativeDecayLow, factor)) reverb->SetRelativeDecayLow(factor);
 }
 
 void OrvanVerb::SetRelativeDecayMedium(float factor) {
-    if (!Take(relativeDecayMedium, factor)) return;
-    reverb->SetRelativeDecayMedium(factor);
+    if (Take(relativeDecayMedium, factor)) reverb->SetRelativeDecayMedium(factor);
 }
 
 void OrvanVerb::SetRelativeDecayHigh(float factor) {
-    if (!Take(relativeDecayHigh, factor)) return;
-    reverb->SetRelativeDecayHigh(factor);
+    if (Take(relativeDecayHigh, factor)) reverb->SetRelativeDecayHigh(factor);
 }
 
 void OrvanVerb::SetReverbCrossoverFrequencyLow(float frequencyHz) {
-    if (!Take(crossoverLow, frequencyHz)) return;
-    reverb->SetCrossoverFrequencyLow(frequencyHz);
+    if (Take(crossoverLow, frequencyHz)) reverb->SetCrossoverFrequencyLow(frequencyHz);
 }
 
 void OrvanVerb::SetReverbCrossoverFrequencyHigh(float frequencyHz) {
-    if (!Take(crossoverHigh, frequencyHz)) return;
-    reverb->SetCrossoverFrequencyHigh(frequencyHz);
+    if (Take(crossoverHigh, frequencyHz)) reverb->SetCrossoverFrequencyHigh(frequencyHz);
 }
 
 void OrvanVerb::SetInfinite(bool newInfinite) {
@@ -289,8 +144,7 @@ void OrvanVerb::UseAirAbsorption(bool use) {
 }
 
 void OrvanVerb::SetAirAbsorptionRolloffFrequency(float frequencyHz) {
-    if (!Take(airAbsorptionRolloffFrequency, frequencyHz)) return;
-    reverb->SetAirAbsorptionRolloffFrequency(frequencyHz);
+    if (Take(airAbsorptionRolloffFrequency, frequencyHz)) reverb->SetAirAbsorptionRolloffFrequency(frequencyHz);
 }
 
 // Users give absolute times, but the blocks stand in series: the delays of each are measured from those of the block
@@ -383,18 +237,15 @@ void OrvanVerb::SetClusterDistribution(float distribution) {
 }
 
 void OrvanVerb::SetReverbStart(float milliseconds) {
-    if (!Take(reverbStart, milliseconds)) return;
-    UpdateReverbDelays();
+    if (Take(reverbStart, milliseconds)) UpdateReverbDelays();
 }
 
 void OrvanVerb::SetReverbModalDensity(float seconds) {
-    if (!Take(modalDensity, seconds)) return;
-    UpdateReverbDelays();
+    if (Take(modalDensity, seconds)) UpdateReverbDelays();
 }
 
 void OrvanVerb::SetEarlyShape(float shape) {
-    if (!Take(earlyShape, shape)) return;
-    UpdateEarlyGains();
+    if (Take(earlyShape, shape)) UpdateEarlyGains();
 }
 
 void OrvanVerb::SetEarlyWidth(float degrees) {
