@@ -28,7 +28,7 @@ void AmbisonicShelving::ComputeCoefficients() {
     lowpass = (1.0f - allpass) / 2.0f;
 }
 
-void AmbisonicShelving::Process(float const* input, float* low, float* high, unsigned long numSamples) {
+void AmbisonicShelving::Process(float const* input, float* low, float* high, unsigned long numSamples) noexcept {
     orvandsp::FlushDenormals();
     const float a = allpass;
     const float b = lowpass;

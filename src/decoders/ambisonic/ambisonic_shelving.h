@@ -17,7 +17,7 @@ public:
 
     /// Splits one channel. Real-time safe.
     /// @param low, high  either may be the input's array
-    void Process(float const* input, float* low, float* high, unsigned long numSamples);
+    void Process(float const* input, float* low, float* high, unsigned long numSamples) noexcept;
 
     /// Output 0 is the low band, output 1 the high one.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;

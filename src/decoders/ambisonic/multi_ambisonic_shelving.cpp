@@ -7,7 +7,7 @@ MultiAmbisonicShelving::MultiAmbisonicShelving(unsigned int numChannels) : chann
     numOutputs = 2 * numChannels;
 }
 
-void MultiAmbisonicShelving::Process(float** low, float** high, float** inputs, unsigned long numSamples) {
+void MultiAmbisonicShelving::Process(float** low, float** high, float** inputs, unsigned long numSamples) noexcept {
     for (std::size_t i = 0; i < channels.size(); ++i) channels[i].Process(inputs[i], low[i], high[i], numSamples);
 }
 

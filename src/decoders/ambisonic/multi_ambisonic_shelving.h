@@ -18,7 +18,7 @@ public:
 
     /// Splits every channel. Real-time safe.
     /// @param low, high, inputs  one array per channel
-    void Process(float** low, float** high, float** inputs, unsigned long numSamples);
+    void Process(float** low, float** high, float** inputs, unsigned long numSamples) noexcept;
 
     /// The first half of the outputs are the low bands, the second half the high ones.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
