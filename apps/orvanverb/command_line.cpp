@@ -60,6 +60,10 @@ Call ParseCommandLine(int argc, char const* const* argv) {
     CLI::App app("Puts recordings into a room and writes what loudspeakers or headphones play.", "orvanverb");
     app.set_version_flag("--version", "orvanverb " ORVANVERB_VERSION);
     app.require_subcommand(1);
+    app.footer(
+        "orvanverb COMMAND --help tells the options of one, with examples.\n"
+        "  orvanverb render voice.wav -o wet.wav --preset church\n"
+        "  orvanverb ir -o church.wav --preset church && orvanverb measure church.wav");
     app.get_formatter()->column_width(36);
 
     Call call;

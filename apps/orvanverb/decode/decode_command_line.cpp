@@ -110,6 +110,10 @@ void AddDecodeCommand(CLI::App& app, Call& call) {
     AddFileOptions(*command, decode, words->common, "Time behind the end of the input [0.1]");
     command->add_flag("--list", decode.list, "Show the types and what each takes");
     command->add_flag("--matrix", decode.matrix, "Print the ambisonic decoder's gains, condition and regularity");
+    command->footer(
+        "  orvanverb decode field.wav -o feeds.wav --type hoa3d --ambix --speakers dome24\n"
+        "  orvanverb decode ears.wav -o pair.wav --type transaural\n"
+        "  orvanverb decode --list");
     command->callback([&call, options, words] {
         TakeMeaning(*words, *options);
         RequireSafeOutputs(*options);

@@ -148,6 +148,9 @@ void AddTransauralCommand(CLI::App& hrtf, Call& call, std::shared_ptr<HrtfOption
                      "[diffuse for .sofa, none for the others]")
         ->type_name("HOW")
         ->take_last();
+    command->footer(
+        "  orvanverb hrtf transaural kemar pair.bin2trans --network shufflersymmetric --pair -28 28\n"
+        "  orvanverb hrtf transaural me.sofa mine.bin2trans --network shufflersymmetric --pair -30 30 --max-gain 12");
     command->callback([&call, shared, words] {
         TakeTransauralMeaning(*words, *shared);
         WillRun(call, shared, MakeTransaural);
@@ -163,7 +166,13 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
         app.add_subcommand("hrtf", "Look at sets of filters for headphones and loudspeaker pairs, and make them");
     hrtf->require_subcommand(1);
 
+    hrtf->footer(
+        "  orvanverb hrtf convert me.sofa me.hrtf --fir\n"
+        "  orvanverb hrtf info me.hrtf");
     CLI::App* info = hrtf->add_subcommand("info", "Show what a set says about itself, and check it");
+    info->footer(
+        "  orvanverb hrtf info kemar\n"
+        "  orvanverb hrtf info kemar --rate 96000");
     info->add_option("file", options.input, "A .hrtf, .near, .bin2trans or .coll file, or kemar: the built-in set")
         ->required()
         ->type_name("FILE");
@@ -177,6 +186,9 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
     });
 
     CLI::App* convert = hrtf->add_subcommand("convert", "Make a .hrtf file, for your own ears or another sample rate");
+    convert->footer(
+        "  orvanverb hrtf convert me.sofa me.hrtf --rate 48000\n"
+        "  orvanverb hrtf convert me.sofa long.hrtf --fir --length 256");
     const auto words = std::make_shared<Words>();
     convert->add_option("input", options.input, "A .sofa, .coll or .hrtf file, or kemar")->required()->type_name("IN");
     convert

@@ -19,6 +19,7 @@ namespace {
 void AddListing(CLI::App& app, Call& call, char const* name, char const* description, std::string (*table)(),
                 std::string (*json)()) {
     CLI::App* const command = app.add_subcommand(name, description);
+    command->footer(std::string("  orvanverb ").append(name).append("\n  orvanverb ").append(name).append(" --json"));
     const auto asJson = std::make_shared<bool>(false);
     command->add_flag("--json", *asJson, "As JSON, for programs");
     command->callback([&call, asJson, table, json] {
@@ -39,7 +40,9 @@ void AddObjectCommands(CLI::App& app, Call& call) {
         ":restore VALUES, :preset, :recall, :assist in|out INDEX, :dsp RATE BLOCK, :notifications, :quit.\n"
         "On a terminal help explains all of them, Tab completes words, and the arrows find earlier lines, which are "
         "kept in\n"
-        "~/.local/state/orvanverb.");
+        "~/.local/state/orvanverb.\n"
+        "  orvanverb shell @numsources 2 @numspeakers 8\n"
+        "  echo postattributes | orvanverb shell --strict @tr0 3");
     const auto strict = std::make_shared<bool>(false);
     shell->add_flag("--strict", *strict, "End with status 1 at the first error, and tell it on standard error, too");
     shell->callback([&call, strict] {
@@ -50,6 +53,10 @@ void AddObjectCommands(CLI::App& app, Call& call) {
                ControlJson);
     CLI::App* reference =
         app.add_subcommand("reference", "Write the reference page of orvanverb~, and its style sheet, where you are");
+    reference->footer(
+        "orvanverb~.ref.xml and orvan.xsl; browsers, and xsltproc, make a page of the two.\n"
+        "  orvanverb reference\n"
+        "  orvanverb reference && xsltproc orvan.xsl 'orvanverb~.ref.xml' > reference.html");
     reference->callback([&call] {
         call.run = [] {
             WriteReference();

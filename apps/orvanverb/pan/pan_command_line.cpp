@@ -23,7 +23,10 @@ struct Words {
 
 constexpr char const* footer =
     "Angles are the listener's: azimuth 0 is ahead, +90 right, -90 left; elevation 90 is above. Distances are in\n"
-    "metres. Without --source and --scene, sources stand at the built-in places for their number.";
+    "metres. Without --source and --scene, sources stand at the built-in places for their number.\n"
+    "  orvanverb pan voice.wav -o five.wav --method vbap2d --speakers 5 --source 1 20 0 2\n"
+    "  orvanverb pan voice.wav -o walk.amb.wav --method hoa3d --order 3 --ambix --scene walk.scene\n"
+    "  orvanverb pan --list";
 
 void TakeMeaning(Words const& words, PanOptions& pan) {
     TakeCommonMeaning(words.common, pan);

@@ -66,6 +66,7 @@ void AddPresetsCommand(CLI::App& app, Call& call) {
         "T30 (500 and 1000 Hz) and C80 were measured with the source 3 m ahead, on a ring of eight loudspeakers.\n"
         "Rooms of your own, NAME.room, are looked for in ~/.local/share/orvanverb/rooms.\n"
         "  orvanverb presets\n"
+        "  orvanverb presets --json\n"
         "  orvanverb render voice.wav -o wet.wav --preset church");
     command->callback([&call, json] {
         call.run = [json] {

@@ -60,6 +60,10 @@ void AddRenderCommand(CLI::App& app, Call& call) {
     AddInputs(*render, *options, *words);
     render->get_option("inputs")->required();
     AddRoomOptions(*render, *options, *words);
+    render->footer(render->get_footer() +
+                   "\n  orvanverb render voice.wav -o wet.wav --preset church --source 1 -45 0 2"
+                   "\n  orvanverb render voice.wav -o ring.flac --preset hall --speakers 8 --scene walk.scene"
+                   "\n  orvanverb render voice.wav -o mine.wav --set tr0=1.2 --set early_start=8 --report");
     render->callback([&call, options, words] { WillRun(call, options, *words, RunRender); });
 }
 
@@ -68,6 +72,9 @@ void AddImpulseResponseCommand(CLI::App& app, Call& call) {
     const auto words = std::make_shared<CommonWords>();
     CLI::App* ir = app.add_subcommand("ir", "Write the impulse response from one source to all loudspeakers");
     AddRoomOptions(*ir, *options, *words);
+    ir->footer(ir->get_footer() +
+               "\n  orvanverb ir -o hall.wav --preset hall --source 1 0 0 3"
+               "\n  orvanverb ir -o dome.wav --preset church --speakers dome24 --tail 4 --rate 96000");
     ir->callback([&call, options, words] { WillRun(call, options, *words, RunImpulseResponse); });
 }
 

@@ -127,6 +127,9 @@ CLI::App* AddSubcommand(CLI::App& parent, SceneOptions& options, char const* nam
 void AddSceneCommand(CLI::App& app, Call& call) {
     CLI::App* scene = app.add_subcommand("scene", "Check a scene, or draw it");
     scene->require_subcommand(1);
+    scene->footer(
+        "  orvanverb scene check walk.scene\n"
+        "  orvanverb scene plot walk.scene -o walk.svg");
     const auto options = std::make_shared<SceneOptions>();
     AddSubcommand(*scene, *options, "check", "Say everything that is wrong with a scene", checkFooter)
         ->callback([&call, options] { call.run = [options] { return Check(*options); }; });
