@@ -121,15 +121,15 @@ export class Page {
 
   #makeHeader() {
     const button = (name, title, onclick, attributes = {}) => html("button", { type: "button", title, onclick, ...attributes }, name);
-    const toggle = (name, title) => {
-      const made = button(name, title, () => this.#outbox.wish({ [name]: made.getAttribute("aria-pressed") !== "true" }), { "aria-pressed": "false", class: "toggle" });
+    const toggle = (name, label, title) => {
+      const made = button(label, title, () => this.#outbox.wish({ [name]: made.getAttribute("aria-pressed") !== "true" }), { "aria-pressed": "false", class: "toggle" });
       return made;
     };
     const h = this.#header;
     h.presets = html("select", { "aria-label": "Preset", onchange: () => h.presets.value && this.#outbox.wish({ preset: h.presets.value }) });
     h.ears = html("select", { "aria-label": "Ears", onchange: () => this.#outbox.wish({ ears: h.ears.value }) });
-    h.mute = toggle("mute", "silence");
-    h.bypass = toggle("bypass", "the sources as they are, without the room");
+    h.mute = toggle("mute", "Mute", "silence");
+    h.bypass = toggle("bypass", "Bypass", "the sources as they are, without the room");
     h.file = html("input", { type: "file", hidden: true, onchange: () => this.#upload(h.file.files[0]) });
     h.saves = html("span", { class: "group" }, button("Save", "the state, as a file", () => this.#outbox.wish({ save: true })),
       button("Open", "a saved state", () => h.file.click()), h.file);

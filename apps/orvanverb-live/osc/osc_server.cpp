@@ -54,46 +54,22 @@ void OscServer::Run() {
     while (true) {
         poll(waits.data(), waits.size(), subscribers.empty() ? forLong : patience);
         if (waits[0].revents != 0) return;
-        if (own) TakeOwn();
-        if (adm) TakeAdm();
+        TakeFrom(own, [this](OscMessage const& message, OscPeer const& peer) { TakeOwn(message, peer); });
+        TakeFrom(adm, [this](OscMessage const& message, OscPeer const& peer) { TakeAdm(message, peer); });
         Publish();
     }
 }
 
-void OscServer::TakeOwn() {
+/// Acts on the packets that wait at a port. What can't be taken costs a line.
+void OscServer::TakeFrom(std::optional<OscSocket> const& socket, Act const& act) {
     OscPeer peer;
-    for (int i = 0; i < mostAtOnce; ++i) {
-        const std::optional<std::span<char>> packet = own->Receive(buffer, peer);
+    for (int i = 0; socket && i < mostAtOnce; ++i) {
+        const std::optional<std::span<char>> packet = socket->Receive(buffer, peer);
         if (!packet) return;
         try {
             ReadPacket(*packet, [&](OscMessage const& message) {
                 try {
-                    if (message.address == "/orvanverb/subscribe" || message.address == "/orvanverb/unsubscribe")
-                        Subscribe(message, peer);
-                    else
-                        ownTree.Take(message, [&](OscMessage const& answer) { own->Send(answer, peer); });
-                } catch (std::exception const& error) {
-                    const std::string line = message.address + ": " + error.what();
-                    own->Send({"/orvanverb/error", {line}}, peer);
-                    Complain(line);
-                }
-            });
-        } catch (std::exception const& error) {
-            Complain(error.what());
-        }
-    }
-}
-
-void OscServer::TakeAdm() {
-    OscPeer peer;
-    for (int i = 0; i < mostAtOnce; ++i) {
-        const std::optional<std::span<char>> packet = adm->Receive(buffer, peer);
-        if (!packet) return;
-        try {
-            ReadPacket(*packet, [&](OscMessage const& message) {
-                try {
-                    admTree.Take(message,
-                                 [&](OscMessage const& answer) { adm->Send(answer, peer.AtPort(ports.admAnswers)); });
+                    act(message, peer);
                 } catch (std::exception const& error) {
                     Complain(message.address + ": " + error.what());
                 }
@@ -102,6 +78,22 @@ void OscServer::TakeAdm() {
             Complain(error.what());
         }
     }
+}
+
+void OscServer::TakeOwn(OscMessage const& message, OscPeer const& peer) {
+    try {
+        if (message.address == "/orvanverb/subscribe" || message.address == "/orvanverb/unsubscribe")
+            Subscribe(message, peer);
+        else
+            ownTree.Take(message, [&](OscMessage const& answer) { own->Send(answer, peer); });
+    } catch (std::exception const& error) {
+        own->Send({"/orvanverb/error", {message.address + ": " + error.what()}}, peer);
+        throw;
+    }
+}
+
+void OscServer::TakeAdm(OscMessage const& message, OscPeer const& peer) {
+    admTree.Take(message, [&](OscMessage const& answer) { adm->Send(answer, peer.AtPort(ports.admAnswers)); });
 }
 
 void OscServer::Subscribe(OscMessage const& message, OscPeer const& peer) {

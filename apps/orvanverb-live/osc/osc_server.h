@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <thread>
@@ -38,8 +39,11 @@ private:
     };
 
     void Run();
-    void TakeOwn();
-    void TakeAdm();
+    using Act = std::function<void(OscMessage const&, OscPeer const&)>;
+
+    void TakeFrom(std::optional<OscSocket> const& socket, Act const& act);
+    void TakeOwn(OscMessage const& message, OscPeer const& peer);
+    void TakeAdm(OscMessage const& message, OscPeer const& peer);
     void Subscribe(OscMessage const& message, OscPeer const& peer);
     void Publish();
     void Complain(std::string const& line);

@@ -91,6 +91,7 @@ private:
         Write(SnapshotMessage(desk, everything, outputs));
         while (!gone && desk.WaitForTick(tick)) {
             const News news = desk.NewsSince(seen);
+            if (news.ears) Write(SnapshotMessage(desk, news, outputs));  // there may be more of them
             if (const std::string change = ChangeMessage(news, desk); !change.empty()) Write(change);
             Write(LevelMessage(news));
         }
