@@ -42,7 +42,9 @@ HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener newListe
     RemarkOnRanges(words);
     box = std::make_unique<max::Box>(BoxWords(std::move(words)), listener);
     record = orvanverb_record(box->Object());
-    if (IsMade()) orvanverb_place_defaults(record, sources, speakers);
+    if (!IsMade()) return;
+    Room().Engine().SilenceAirOnRestart(true);
+    orvanverb_place_defaults(record, sources, speakers);
 }
 
 /// The object brings what its box says into range without a word.

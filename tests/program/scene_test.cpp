@@ -192,6 +192,14 @@ TEST_F(Scenes, MessagesTakeEffectAtTheirVector) {
     }
 }
 
+// Red if a frozen room bangs when its decay jumps.
+TEST_F(Scenes, AFrozenTailIsSilentOnceItsDecayJumps) {
+    WriteText(directory / "jump.scene", "0.7 tr0 2.0\n");
+    Render({"@infinite", "1", "@air", "1", "@tr0", "0.1", "--scene", directory / "jump.scene"}, {"a.wav"});
+    const std::vector<double> energies = Energies(ReadSound(directory / "out.wav"), 34600, 38400);
+    EXPECT_LT(*std::max_element(energies.begin(), energies.end()), 1e-12);
+}
+
 // One voice walks from the front left to the rear right; lines in any order, and one without a time.
 TEST_F(Scenes, AVoiceMoves) {
     WriteText(

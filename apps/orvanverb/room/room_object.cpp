@@ -64,6 +64,7 @@ RoomObject::RoomObject(unsigned int numSources, unsigned int numSpeakers, std::s
           {[this](max::ConsoleLevel level, std::string const& text) { Hear(level, text); }, nullptr, nullptr}) {
     orvanverb_format(nullptr);
     ThrowComplaint();
+    Room().Engine().SilenceAirOnRestart(true);
 }
 
 void RoomObject::Hear(max::ConsoleLevel level, std::string const& text) {
