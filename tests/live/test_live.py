@@ -342,6 +342,8 @@ def test_client_that_does_not_read_is_dropped(tmp_path):
     port, osc = free_port(socket.SOCK_STREAM), free_port()
     with program(tmp_path, "--osc", str(osc), "--adm", "off", "--http", str(port)) as live:
         await_port(port)
+        threads = lambda: len(os.listdir(f"/proc/{live.pid}/task"))
+        before = threads()
         deaf = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
         deaf.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
         deaf.connect(("127.0.0.1", port))
@@ -352,7 +354,17 @@ def test_client_that_does_not_read_is_dropped(tmp_path):
         while time.monotonic() < end:  # nobody waits for the deaf one
             client.send("/orvanverb/source/1/azim", random.uniform(-180, 180))
             client.ask("/orvanverb/tr0", seconds=1)
-        assert live.poll() is None
+        # It asks for more than all buffers hold and reads none of it. The thread that its connection has ends.
+        assert threads() == before + 1
+        wish = b'{"save": true}'
+        deaf.settimeout(1)
+        with contextlib.suppress(OSError):
+            for _ in range(20000):
+                deaf.sendall(bytes([0x81, 0x80 | len(wish)]) + bytes(4) + wish)
+        end = time.monotonic() + 60
+        while threads() > before and time.monotonic() < end:
+            time.sleep(0.2)
+        assert threads() == before and live.poll() is None
         deaf.close()
 
 
