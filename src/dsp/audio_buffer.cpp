@@ -53,7 +53,7 @@ AudioBuffer::AudioBuffer(AudioBuffer const& other)
 
 AudioBuffer& AudioBuffer::operator=(AudioBuffer const& other) {
     if (this == &other) return *this;
-    std::unique_ptr<float[]> old;  // other may be a view on it, so that it outlives the copy
+    std::unique_ptr<CacheLine[]> old;  // other may be a view on it, so that it outlives the copy
     if (ownsData == 0 || numChannels != other.numChannels || numSamples != other.numSamples) {
         ownsData = 1;
         numChannels = other.numChannels;
@@ -79,11 +79,11 @@ void AudioBuffer::Allocate() {
     if (needed > capacity) {
         capacity = 0;
         data.reset();  // before the new allocation, so that the two never coexist
-        data = std::make_unique_for_overwrite<float[]>(needed);
+        data = std::make_unique_for_overwrite<CacheLine[]>((needed + CacheLine::length - 1) / CacheLine::length);
         capacity = needed;
     }
-    for (std::size_t i = 0; i < MaxNumChannels; ++i)
-        channels[i] = i < numChannels ? data.get() + i * numSamples : nullptr;
+    auto* const samples = reinterpret_cast<float*>(data.get());
+    for (std::size_t i = 0; i < MaxNumChannels; ++i) channels[i] = i < numChannels ? samples + i * numSamples : nullptr;
 }
 
 void AudioBuffer::CopySamples(AudioBuffer const& other) {

@@ -91,6 +91,11 @@ public:
     bool CheckSaturation(unsigned int channel) const;
 
 private:
+    /// Memory begins where a line of the cache does, so that loads of whole registers never touch two of them.
+    struct CacheLine {
+        static constexpr std::size_t length = 16;
+        alignas(64) float samples[length];
+    };
     void Allocate();
     void CopySamples(AudioBuffer const& other);
 
@@ -98,7 +103,7 @@ private:
     std::uint32_t numSamples = 0;
     int ownsData = 0;
     float* channels[MaxNumChannels];  // of a view undefined behind its channels: it is made in each block
-    std::unique_ptr<float[]> data;
+    std::unique_ptr<CacheLine[]> data;
     std::size_t capacity = 0;  // samples behind data
 };
 

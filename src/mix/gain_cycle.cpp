@@ -74,7 +74,7 @@ GainCycle::GainCycle(unsigned int numInputs, unsigned int numOutputs)
       inputCopies(numInputs, std::vector<float>(partLength)),
       listedInputs(numInputs),
       termsEnd(numOutputs),
-      movingGains(Padded(std::max<std::size_t>(numInputs, minMoving)) * partLength) {
+      movingGains(1, static_cast<unsigned int>(Padded(std::max<std::size_t>(numInputs, minMoving)) * partLength)) {
     terms.reserve(requestedGains.size());
     batches.reserve(numOutputs);
     const std::size_t mostRamps = requestedGains.size() + numOutputs * kernels::maxLanes;
@@ -139,8 +139,9 @@ void GainCycle::MixPart(Mix const& mix, Part const& part) {
             if (mix.activeInputs[i] != 0) std::copy_n(mix.inputs[i] + part.first, count, inputCopies[i].data());
         }
     }
-    const kernels::MixSources sources = {
-        .inputs = mix.apart ? mix.inputs : copies, .first = mix.apart ? part.first : 0, .gains = movingGains.data()};
+    const kernels::MixSources sources = {.inputs = mix.apart ? mix.inputs : copies,
+                                         .first = mix.apart ? part.first : 0,
+                                         .gains = movingGains.GetChannel(0)};
     // The gain of a slide at the chunk's first sample is that of the chunk's start, at its last sample that of the
     // chunk's end: neighbouring chunks share a gain, and a chunk of one sample has no slope.
     const kernels::GainSection section = {.begin = static_cast<float>(position) * inverseLength,
@@ -151,7 +152,7 @@ void GainCycle::MixPart(Mix const& mix, Part const& part) {
     std::size_t term = 0;
     for (auto const& [endOutput, firstRamp, numRamps] : batches) {
         kernels::Get().gainRamps({&rampStarts[firstRamp], &rampSlopes[firstRamp], &rampGains[firstRamp]}, numRamps,
-                                 section, movingGains.data(), count);
+                                 section, movingGains.GetChannel(0), count);
         for (; output < endOutput; ++output) {
             kernels::Get().mix(mix.outputs[output] + part.first, sources, &terms[term], termsEnd[output] - term, count,
                                mix.replace);

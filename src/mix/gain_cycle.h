@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "dsp/audio_buffer.h"
 #include "kernels/kernels.h"
 
 namespace Lume {
@@ -80,9 +81,9 @@ private:
         std::size_t firstRamp, numRamps;
     };
     std::vector<RampBatch> batches;
-    std::vector<float> movingGains;  // of a batch
-    std::int32_t position = 0;       // samples of the running cycle that are done
-    std::int32_t length = 1;         // [samples]
+    orvandsp::AudioBuffer movingGains;  // of a batch
+    std::int32_t position = 0;          // samples of the running cycle that are done
+    std::int32_t length = 1;            // [samples]
     float inverseLength = 1.0f;
 };
 
