@@ -183,12 +183,81 @@ inline std::size_t Least(std::size_t a, std::size_t b) noexcept {
     return b < a ? b : a;
 }
 
-/// Runs numLanes channels, sample by sample, through a filter that takes a frame and returns one.
+/// A filter that takes a frame and returns one has this for a base if it returns what comes of that very frame.
+struct Immediate {
+    static constexpr std::size_t lag = 0;
+};
+
+/// Filters in a row, of which the second one takes what the first one made of the sample before, so that no step waits
+/// for the whole row: the processor doesn't look far enough ahead to find other work meanwhile.
+///
+/// A run of samples begins with Fill and ends with Drain, `lag` times each.
+template <typename First, typename Second>
+struct InSeries {
+    static constexpr std::size_t lag = Second::lag + 1;
+    Lanes operator()(Lanes x) noexcept {
+        const Lanes result = second(between);
+        between = first(x);
+        return result;
+    }
+    template <std::size_t number>
+    void Fill(Lanes x) noexcept {
+        if constexpr (number > 0) second.template Fill<number - 1>(between);
+        between = first(x);
+    }
+    template <std::size_t number>
+    Lanes Drain() noexcept {
+        if constexpr (number == 0)
+            return second(between);
+        else
+            return second.template Drain<number - 1>();
+    }
+    /// A sample of its own, which is no part of a run.
+    Lanes Alone(Lanes x) noexcept {
+        if constexpr (lag > 1)
+            return second.Alone(first(x));
+        else
+            return second(first(x));
+    }
+    First first{};
+    Second second{};
+    Lanes between{};
+};
+
+/// Runs numLanes channels, sample by sample, through filters in series.
+/// @return the filters with their states behind the last sample
+template <typename First, typename Second>
+inline InSeries<First, Second> RunLanes(float* const* outputs, float const* const* inputs, std::size_t numSamples,
+                                        InSeries<First, Second> filter) noexcept {
+    constexpr std::size_t lag = filter.lag;
+    static_assert(lag == 1 || lag == 2);
+    std::size_t k = 0;
+    if (numSamples >= 4) {
+        filter.template Fill<0>(LoadFrame(inputs, 0));
+        if constexpr (lag > 1) filter.template Fill<1>(LoadFrame(inputs, 1));
+        Lanes frames[4];
+        for (; k + 8 <= numSamples; k += 4) {
+            LoadFrames(frames, inputs, k + lag);
+            for (Lanes& frame : frames) frame = filter(frame);
+            StoreFrames(outputs, k, frames);
+        }
+        for (std::size_t i = 0; i < 4 - lag; ++i) frames[i] = filter(LoadFrame(inputs, k + lag + i));
+        frames[4 - lag] = filter.template Drain<0>();
+        if constexpr (lag > 1) frames[3] = filter.template Drain<1>();
+        StoreFrames(outputs, k, frames);
+        k += 4;
+    }
+    for (; k < numSamples; ++k) StoreFrame(outputs, k, filter.Alone(LoadFrame(inputs, k)));
+    return filter;
+}
+
+/// Runs numLanes channels, sample by sample, through a filter.
 /// @param filter  by value, so that its state stays in registers
 /// @return the filter with its state behind the last sample
 template <typename Filter>
 inline Filter RunLanes(float* const* outputs, float const* const* inputs, std::size_t numSamples,
                        Filter filter) noexcept {
+    static_assert(Filter::lag == 0);
     std::size_t k = 0;
     for (; k + 4 <= numSamples; k += 4) {
         Lanes frames[4];

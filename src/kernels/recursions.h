@@ -8,7 +8,7 @@ namespace orvandsp::kernels {
 namespace {
 
 /// Shelves of numLanes channels.
-struct ShelfLanes {
+struct ShelfLanes : Immediate {
     template <typename Jobs, typename GetShelf>
     ShelfLanes(Jobs const& jobs, GetShelf getShelf) noexcept {
         float const* tapsOf[numLanes];
@@ -111,7 +111,7 @@ inline Lanes AllpassCoefficient(Lanes fraction) noexcept {
 
 /// The first-order allpass, fed with the newer neighbours; the older one of a sample is the newer one of the sample
 /// before.
-struct HeadLanes {
+struct HeadLanes : Immediate {
     Lanes operator()(Lanes newer) noexcept {
         state = coefficient * (newer - state) + older;
         older = newer;
@@ -120,36 +120,32 @@ struct HeadLanes {
     Lanes coefficient{}, older{}, state{};
 };
 
-/// One behind the other.
-template <typename First, typename Second>
-struct InSeries {
-    Lanes operator()(Lanes x) noexcept { return second(first(x)); }
-    First first;
-    Second second;
-};
+inline HeadLanes& HeadsOf(HeadLanes& heads) noexcept {
+    return heads;
+}
+template <typename Losses>
+inline HeadLanes& HeadsOf(InSeries<HeadLanes, Losses>& series) noexcept {
+    return series.first;
+}
 
-struct PassThrough {
-    Lanes operator()(Lanes x) const noexcept { return x; }
-};
-
-/// Reads numLanes heads and passes what they read through a filter.
+/// Reads numLanes heads.
+/// @param filter  the heads, alone or with what they read passes through
 template <typename Jobs, typename Filter>
 inline Filter ReadHeads(Jobs const& jobs, std::size_t numSamples, Filter filter) noexcept {
     float* outputs[numLanes];
     int indices[numLanes];
-    InSeries<HeadLanes, Filter> series = {HeadLanes(), filter};
     Lanes position{};
     for (std::size_t lane = 0; lane < numLanes; ++lane) {
         outputs[lane] = jobs[lane].output;
         position[lane] = jobs[lane].head.position;
-        series.first.state[lane] = *jobs[lane].head.state;
+        HeadsOf(filter).state[lane] = *jobs[lane].head.state;
     }
     const auto [wholes, fraction] = Split(position);
-    series.first.coefficient = AllpassCoefficient(fraction);
+    HeadsOf(filter).coefficient = AllpassCoefficient(fraction);
     for (std::size_t lane = 0; lane < numLanes; ++lane) {
         AllpassHead const& head = jobs[lane].head;
         indices[lane] = wholes[lane] & (head.size - 1);
-        series.first.older[lane] = head.ring[indices[lane]];
+        HeadsOf(filter).older[lane] = head.ring[indices[lane]];
     }
     // Straight runs, from the end of one of the rings to the next.
     for (std::size_t done = 0; done < numSamples;) {
@@ -160,21 +156,21 @@ inline Filter ReadHeads(Jobs const& jobs, std::size_t numSamples, Filter filter)
             length = Least(length, static_cast<std::size_t>(head.size - indices[lane]));
             newer[lane] = head.ring + indices[lane] + 1;
         }
-        series = RunLanes(outputs, newer, length, series);
+        filter = RunLanes(outputs, newer, length, filter);
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
             indices[lane] = (indices[lane] + static_cast<int>(length)) & (jobs[lane].head.size - 1);
             outputs[lane] += length;
         }
         done += length;
     }
-    for (std::size_t lane = 0; lane < numLanes; ++lane) *jobs[lane].head.state = series.first.state[lane];
-    return series.second;
+    for (std::size_t lane = 0; lane < numLanes; ++lane) *jobs[lane].head.state = HeadsOf(filter).state[lane];
+    return filter;
 }
 
 void AllpassHeads(HeadJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
     if (FitsNarrower(numJobs)) return narrower->allpassHeads(jobs, numJobs, numSamples);
     ForEachGroup(jobs, numJobs, [=](HeadJob const* some, std::size_t number) {
-        ReadHeads(Group<HeadJob>(some, number), numSamples, PassThrough());
+        ReadHeads(Group<HeadJob>(some, number), numSamples, HeadLanes());
     });
 }
 
@@ -186,14 +182,17 @@ void LossyHeads(LossyHeadJob const* jobs, std::size_t numJobs, std::size_t numSa
         const Group<LossyHeadJob> group(some, number);
         ShelfLanes absorbent(group, absorbentOf);
         if (throughAir) {
-            const auto losses =
-                ReadHeads(group, numSamples, InSeries<ShelfLanes, ShelfLanes>{absorbent, ShelfLanes(group, airOf)});
-            absorbent = losses.first;
-            losses.second.Keep(group, airOf);
+            using Losses = InSeries<ShelfLanes, ShelfLanes>;
+            const auto [lost, air, _] =
+                ReadHeads(group, numSamples,
+                          InSeries<HeadLanes, Losses>{.second = {absorbent, ShelfLanes(group, airOf)}})
+                    .second;
+            lost.Keep(group, absorbentOf);
+            air.Keep(group, airOf);
         } else {
-            absorbent = ReadHeads(group, numSamples, absorbent);
+            ReadHeads(group, numSamples, InSeries<HeadLanes, ShelfLanes>{.second = absorbent})
+                .second.Keep(group, absorbentOf);
         }
-        absorbent.Keep(group, absorbentOf);
     });
 }
 
@@ -312,7 +311,7 @@ void Glides(GlideJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
 
 /// N stages in a row. The inputs that a stage remembers are the outputs that the one before it remembers.
 template <std::size_t N>
-struct CascadeLanes {
+struct CascadeLanes : Immediate {
     explicit CascadeLanes(Group<CascadeJob> const& jobs) noexcept {
         float const* tapsOf[numLanes];
         float const* memoryOf[numLanes];
