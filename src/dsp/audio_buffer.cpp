@@ -91,7 +91,7 @@ void AudioBuffer::CopySamples(AudioBuffer const& other) {
 }
 
 void AudioBuffer::Clear() {
-    Fill(0.0f);
+    for (unsigned int i = 0; i < numChannels; ++i) std::memset(channels[i], 0, numSamples * sizeof(float));
 }
 
 void AudioBuffer::Fill(float value) {
@@ -131,8 +131,20 @@ void AudioBuffer::ApplyGain(unsigned int channel, float gain) {
         FillChannel(channel, 0.0f);
         return;
     }
-    float* const samples = channels[channel];
-    kernels::Get().scale(samples, samples, gain, numSamples);
+    kernels::Get().scale(&channels[channel], &channels[channel], &gain, 1, numSamples);
+}
+
+void AudioBuffer::ApplyGains(float const* gains) {
+    float* scaled[MaxNumChannels];
+    float by[MaxNumChannels];
+    unsigned int numScaled = 0;
+    for (unsigned int i = 0; i < numChannels; ++i) {
+        if (gains[i] == 0.0f) FillChannel(i, 0.0f);
+        if (gains[i] == 0.0f || gains[i] == 1.0f) continue;
+        scaled[numScaled] = channels[i];
+        by[numScaled++] = gains[i];
+    }
+    kernels::Get().scale(scaled, scaled, by, numScaled, numSamples);
 }
 
 void AudioBuffer::ApplyRamp(float g0, float g1) {
@@ -160,11 +172,17 @@ void AudioBuffer::CopyFrom(unsigned int dstChannel, unsigned int dstOffset, Audi
         std::memmove(out, in, length * sizeof(float));  // the two may be one array
         return;
     }
-    kernels::Get().scale(out, in, gain, length);
+    kernels::Get().scale(&out, &in, &gain, 1, length);
 }
 
 void AudioBuffer::CopyFrom(AudioBuffer const& src, float gain) {
-    for (unsigned int i = 0; i < numChannels; ++i) CopyFrom(i, 0, src, i, 0, gain);
+    if (gain == 1.0f) {
+        for (unsigned int i = 0; i < numChannels; ++i) CopyFrom(i, 0, src, i, 0, gain);
+        return;
+    }
+    float gains[MaxNumChannels];
+    std::fill_n(gains, numChannels, gain);
+    kernels::Get().scale(channels, src.channels, gains, numChannels, std::min(numSamples, src.numSamples));
 }
 
 void AudioBuffer::AddFrom(unsigned int dstChannel, unsigned int dstOffset, AudioBuffer const& src,
@@ -173,11 +191,11 @@ void AudioBuffer::AddFrom(unsigned int dstChannel, unsigned int dstOffset, Audio
     if (length == 0) return;
     float* const out = channels[dstChannel] + dstOffset;
     float const* const in = src.channels[srcChannel] + srcOffset;
-    kernels::Get().addScaled(out, in, gain, length);
+    kernels::Get().addScaled(&out, &in, gain, 1, length);
 }
 
 void AudioBuffer::AddFrom(AudioBuffer const& src, float gain) {
-    for (unsigned int i = 0; i < numChannels; ++i) AddFrom(i, 0, src, i, 0, gain);
+    kernels::Get().addScaled(channels, src.channels, gain, numChannels, std::min(numSamples, src.numSamples));
 }
 
 void AudioBuffer::CopyFromWithRamp(unsigned int dstChannel, unsigned int dstOffset, AudioBuffer const& src,

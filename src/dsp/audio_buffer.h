@@ -58,6 +58,8 @@ public:
     /// A gain of exactly 1 does nothing, one of exactly 0 clears, whatever the samples hold.
     void ApplyGain(float gain);
     void ApplyGain(unsigned int channel, float gain);
+    /// The same with a gain for each channel.
+    void ApplyGains(float const* gains);
     /// A gain that runs linearly from g0 at the first sample to g1 at the last one.
     void ApplyRamp(float g0, float g1);
     void ApplyRamp(unsigned int channel, float g0, float g1);

@@ -217,7 +217,8 @@ void OrvanVerb::ProcessRoom(unsigned long numSamples) {
     for (unsigned int i = 0; i < numInputs; ++i)
         sends[i] = {i, orvandsp::kernels::MixTerm::steady, roomSendRamps[i].Advance(numSamples)};
     BlockOf(*roomBus, numSamples).Clear();
-    orvandsp::kernels::Get().mix(roomBus->GetChannel(0), {sourceBus->GetChannels(), 0, nullptr}, sends, numInputs,
+    const std::size_t end = numInputs;
+    orvandsp::kernels::Get().mix(roomBus->GetChannels(), 0, 1, {sourceBus->GetChannels(), 0, nullptr}, sends, 0, &end,
                                  numSamples, false);
     roomLayer.shelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
     early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
@@ -226,9 +227,9 @@ void OrvanVerb::ProcessRoom(unsigned long numSamples) {
 }
 
 void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float gain) {
-    AudioBuffer sources = BlockOf(*sourceBus, numSamples);
-    for (unsigned int i = 0; i < numInputs; ++i)
-        sources.ApplyGain(i, directDistanceRamps[i].Advance(numSamples) * gain);
+    float gains[orvandsp::MaxNumChannels];
+    for (unsigned int i = 0; i < numInputs; ++i) gains[i] = directDistanceRamps[i].Advance(numSamples) * gain;
+    BlockOf(*sourceBus, numSamples).ApplyGains(gains);
     if (earsFaded < earsFadeTime)
         CrossfadeEars(outputs, numSamples);
     else
@@ -236,10 +237,14 @@ void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float 
 }
 
 void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float gain) {
-    AudioBuffer reflections = BlockOf(*earlyBus, numSamples), mixed = BlockOf(*earlyMixBus, numSamples);
-    for (unsigned int c = 0; c < numInternals; ++c) reflections.ApplyGain(c, earlyGains[c]);
+    BlockOf(*earlyBus, numSamples).ApplyGains(earlyGains.data());
     // Even taps to the first virtual source, odd ones to the second.
-    orvandsp::Merge(mixed, reflections, gain);
+    orvandsp::kernels::MixTerm shares[orvandsp::MaxNumChannels];
+    const std::size_t ends[] = {(numInternals + 1) / 2, numInternals};
+    for (unsigned int c = 0; c < numInternals; ++c)
+        shares[c % 2 * ends[0] + c / 2] = {c, orvandsp::kernels::MixTerm::steady, gain};
+    orvandsp::kernels::Get().mix(earlyMixBus->GetChannels(), 0, 2, {earlyBus->GetChannels(), 0, nullptr}, shares, 0,
+                                 ends, numSamples, true);
     earlyLayer.shelf.Process(earlyMixBus->GetChannels(), earlyMixBus->GetChannels(), numSamples, allActiveInputs);
     earlyPan->ProcessAdding(outputs, earlyMixBus->GetChannels(), numSamples, allActiveInputs);
 }

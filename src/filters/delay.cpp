@@ -106,9 +106,11 @@ void Delay::Process(float* out, float* in, int count) {
 
 void Delay::tapIn(float* src, int count, int offset) {
     const int begin = (writePosition + offset) & mask;
-    const int first = std::min(count, size - begin);
-    std::copy_n(src, first, Ring() + begin);
-    std::copy_n(src + first, count - first, Ring());
+    if (src != Ring() + begin) {
+        const int first = std::min(count, size - begin);
+        std::copy_n(src, first, Ring() + begin);
+        std::copy_n(src + first, count - first, Ring());
+    }
     if (begin < numGuards || begin + count >= size) RefreshGuards();
 }
 

@@ -59,9 +59,15 @@ public:
     /// Silences the line. Delay, glide and write position stay.
     void Clear() override;
 
-    /// Writes a block into the ring, `offset` samples ahead of the write position, without moving the latter. Real-time
-    /// safe.
+    /// Writes a block into the ring, `offset` samples ahead of the write position, without moving the latter. Nothing
+    /// is copied of a block that was computed where FindCells says. Real-time safe.
     void tapIn(float* src, int count, int offset);
+
+    /// The cells that tapIn would copy a block to, if they lie in a row; otherwise null. Real-time safe.
+    float* FindCells(int count, int offset) noexcept {
+        const int begin = (writePosition + offset) & mask;
+        return begin + count <= size ? Ring() + begin : nullptr;
+    }
 
     /// Reads a block at a fixed delay. Real-time safe.
     /// @param delaySamples  [samples], counted back from the write position

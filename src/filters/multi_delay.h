@@ -20,6 +20,11 @@ public:
     void SetMaxBlockSize(unsigned int blockSize) override;
     void Clear() override;
 
+    /// Where Process would copy a line's input to, as Delay::FindCells has it.
+    float* FindCells(unsigned int index, unsigned long numSamples) noexcept {
+        return delays[index]->FindCells(static_cast<int>(numSamples), 0);
+    }
+
     unsigned int GetNumDelays() const noexcept { return static_cast<unsigned int>(delays.size()); }
 
     /// Glides one line to a delay [ms] over its interpolation time.

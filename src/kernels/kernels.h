@@ -117,9 +117,12 @@ struct Kernels {
     /// @param rows  room for whole registers of ramps
     void (*gainRamps)(GainRamps const& ramps, std::size_t numRamps, GainSection const& section, float* rows,
                       std::size_t numSamples);
-    /// Adds terms to an output, in their order. @param replace  the first product replaces what the output holds
-    void (*mix)(float* output, MixSources const& sources, MixTerm const* terms, std::size_t numTerms,
-                std::size_t numSamples, bool replace);
+    /// Adds terms to outputs, in their order.
+    /// @param ends     behind the last term of each output; those of the first one begin at `begin`
+    /// @param first    sample of the outputs
+    /// @param replace  the first product replaces what the output holds
+    void (*mix)(float* const* outputs, std::size_t first, std::size_t numOutputs, MixSources const& sources,
+                MixTerm const* terms, std::size_t begin, std::size_t const* ends, std::size_t numSamples, bool replace);
 
     /// Groups of channels through the Hadamard matrix of their number, in natural order and without scale, then
     /// scaled; output c is mixed channel order[c].
@@ -128,16 +131,20 @@ struct Kernels {
     void (*hadamard)(float* const* outputs, float const* const* inputs, std::size_t groupSize, std::size_t numGroups,
                      unsigned int const* order, float scale, std::size_t numSamples);
     /// output = tapped * outGain, tapped = tapped + inGain * input
-    void (*feedback)(float* tapped, float* output, float const* input, float inGain, float outGain,
-                     std::size_t numSamples);
+    /// @param first  sample of outputs and inputs
+    void (*feedback)(float* const* tapped, float* const* outputs, float const* const* inputs, std::size_t first,
+                     std::size_t numChannels, float inGain, float outGain, std::size_t numSamples);
 
     /// Fades from a to b: out = gainsB b + gainsA a, with gains for each sample.
     void (*fade)(float* out, float const* a, float const* b, float const* gainsA, float const* gainsB,
                  std::size_t numSamples);
     /// Whether all samples are numbers up to a magnitude.
     bool (*staysWithin)(float const* in, float limit, std::size_t numSamples);
-    void (*scale)(float* out, float const* in, float gain, std::size_t numSamples);
-    void (*addScaled)(float* out, float const* in, float gain, std::size_t numSamples);
+    /// @param gains  one per channel
+    void (*scale)(float* const* outs, float const* const* ins, float const* gains, std::size_t numChannels,
+                  std::size_t numSamples);
+    void (*addScaled)(float* const* outs, float const* const* ins, float gain, std::size_t numChannels,
+                      std::size_t numSamples);
 
     /// Index of the point that is nearest to a place, of equally near ones the first. Distances that aren't numbers
     /// lose to all others, but for that of the first point, which then is the answer.

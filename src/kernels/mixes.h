@@ -7,16 +7,27 @@
 namespace orvandsp::kernels {
 namespace {
 
-void Scale(float* out, float const* in, float gain, std::size_t numSamples) {
-    std::size_t k = 0;
-    for (; k + numLanes <= numSamples; k += numLanes) Store(out + k, Load(in + k) * gain);
-    for (; k < numSamples; ++k) out[k] = in[k] * gain;
+void Scale(float* const* outs, float const* const* ins, float const* gains, std::size_t numChannels,
+           std::size_t numSamples) {
+    for (std::size_t c = 0; c < numChannels; ++c) {
+        float* const out = outs[c];
+        float const* const in = ins[c];
+        const float gain = gains[c];
+        std::size_t k = 0;
+        for (; k + numLanes <= numSamples; k += numLanes) Store(out + k, Load(in + k) * gain);
+        for (; k < numSamples; ++k) out[k] = in[k] * gain;
+    }
 }
 
-void AddScaled(float* out, float const* in, float gain, std::size_t numSamples) {
-    std::size_t k = 0;
-    for (; k + numLanes <= numSamples; k += numLanes) Store(out + k, Load(out + k) + Load(in + k) * gain);
-    for (; k < numSamples; ++k) out[k] += in[k] * gain;
+void AddScaled(float* const* outs, float const* const* ins, float gain, std::size_t numChannels,
+               std::size_t numSamples) {
+    for (std::size_t c = 0; c < numChannels; ++c) {
+        float* const out = outs[c];
+        float const* const in = ins[c];
+        std::size_t k = 0;
+        for (; k + numLanes <= numSamples; k += numLanes) Store(out + k, Load(out + k) + Load(in + k) * gain);
+        for (; k < numSamples; ++k) out[k] += in[k] * gain;
+    }
 }
 
 void Fade(float* out, float const* a, float const* b, float const* gainsA, float const* gainsB,
@@ -72,19 +83,25 @@ std::size_t Nearest(float const* x, float const* y, float const* z, std::size_t 
     return nearest;
 }
 
-void Feedback(float* tapped, float* output, float const* input, float inGain, float outGain, std::size_t numSamples) {
-    std::size_t k = 0;
-    for (; k + numLanes <= numSamples; k += numLanes) {
-        const Lanes x = Load(tapped + k);
-        const Lanes fed = x + inGain * Load(input + k);
-        Store(output + k, x * outGain);
-        Store(tapped + k, fed);
-    }
-    for (; k < numSamples; ++k) {
-        const float x = tapped[k];
-        const float fed = x + inGain * input[k];
-        output[k] = x * outGain;
-        tapped[k] = fed;
+void Feedback(float* const* tapped, float* const* outputs, float const* const* inputs, std::size_t first,
+              std::size_t numChannels, float inGain, float outGain, std::size_t numSamples) {
+    for (std::size_t c = 0; c < numChannels; ++c) {
+        float* const loop = tapped[c];
+        float* const output = outputs[c] + first;
+        float const* const input = inputs[c] + first;
+        std::size_t k = 0;
+        for (; k + numLanes <= numSamples; k += numLanes) {
+            const Lanes x = Load(loop + k);
+            const Lanes fed = x + inGain * Load(input + k);
+            Store(output + k, x * outGain);
+            Store(loop + k, fed);
+        }
+        for (; k < numSamples; ++k) {
+            const float x = loop[k];
+            const float fed = x + inGain * input[k];
+            output[k] = x * outGain;
+            loop[k] = fed;
+        }
     }
 }
 
@@ -113,54 +130,56 @@ void ComputeGainRamps(GainRamps const& ramps, std::size_t numRamps, GainSection 
 }
 
 /// Mixes numRows registers of an output that begin at a sample; the output is touched once, however many terms there
-/// are.
+/// are. A sum that replaces what was there begins at -0, added to which every number stays what it is.
 template <std::size_t numRows>
-inline void MixRows(float* output, MixSources const& sources, MixTerm const* terms, std::size_t numTerms,
+inline void MixRows(float* output, MixSources const& sources, MixTerm const* terms, MixTerm const* end,
                     std::size_t first, bool replace) noexcept {
-    const auto multiply = [&](MixTerm const& term, Lanes(&products)[numRows]) {
-        float const* const input = sources.inputs[term.input] + sources.first + first;
-        if (term.row == MixTerm::steady) {
-            for (std::size_t row = 0; row < numRows; ++row) products[row] = Load(input + row * numLanes) * term.gain;
-        } else {
-            float const* const gains = sources.gains + term.row * std::ptrdiff_t{gainRowLength} + first;
-            for (std::size_t row = 0; row < numRows; ++row)
-                products[row] = Load(input + row * numLanes) * Load(gains + row * numLanes);
-        }
-    };
     Lanes sums[numRows];
-    std::size_t t = 0;
-    if (replace)
-        multiply(terms[t++], sums);
-    else
-        for (std::size_t row = 0; row < numRows; ++row) sums[row] = Load(output + first + row * numLanes);
-    for (; t < numTerms; ++t) {
-        Lanes products[numRows];
-        multiply(terms[t], products);
-        for (std::size_t row = 0; row < numRows; ++row) sums[row] += products[row];
+#pragma GCC unroll 4
+    for (std::size_t row = 0; row < numRows; ++row)
+        sums[row] = replace ? -Lanes{} : Load(output + first + row * numLanes);
+    for (MixTerm const* term = terms; term != end; ++term) {
+        float const* const input = sources.inputs[term->input] + sources.first + first;
+        if (term->row == MixTerm::steady) {
+#pragma GCC unroll 4
+            for (std::size_t row = 0; row < numRows; ++row) sums[row] += Load(input + row * numLanes) * term->gain;
+        } else {
+            float const* const gains = sources.gains + term->row * std::ptrdiff_t{gainRowLength} + first;
+#pragma GCC unroll 4
+            for (std::size_t row = 0; row < numRows; ++row)
+                sums[row] += Load(input + row * numLanes) * Load(gains + row * numLanes);
+        }
     }
+#pragma GCC unroll 4
     for (std::size_t row = 0; row < numRows; ++row) Store(output + first + row * numLanes, sums[row]);
 }
 
-void MixTerms(float* output, MixSources const& sources, MixTerm const* terms, std::size_t numTerms,
-              std::size_t numSamples, bool replace) {
-    if (numTerms == 0) return;
+void MixInto(float* output, MixSources const& sources, MixTerm const* terms, MixTerm const* end, std::size_t numSamples,
+             bool replace) noexcept {
+    if (terms == end) return;
     constexpr std::size_t numRows = 4;
     std::size_t k = 0;
     for (; k + numRows * numLanes <= numSamples; k += numRows * numLanes)
-        MixRows<numRows>(output, sources, terms, numTerms, k, replace);
-    for (; k + numLanes <= numSamples; k += numLanes) MixRows<1>(output, sources, terms, numTerms, k, replace);
+        MixRows<numRows>(output, sources, terms, end, k, replace);
+    for (; k + numLanes <= numSamples; k += numLanes) MixRows<1>(output, sources, terms, end, k, replace);
     for (; k < numSamples; ++k) {
-        float sum = output[k];
-        for (std::size_t t = 0; t < numTerms; ++t) {
-            auto const& [input, row, gain] = terms[t];
-            const float product =
-                sources.inputs[input][sources.first + k] *
-                (row == MixTerm::steady
-                     ? gain
-                     : sources.gains[row * std::ptrdiff_t{gainRowLength} + static_cast<std::ptrdiff_t>(k)]);
-            sum = replace && t == 0 ? product : sum + product;
+        float sum = replace ? -0.0f : output[k];
+        for (MixTerm const* term = terms; term != end; ++term) {
+            auto const& [input, row, gain] = *term;
+            sum += sources.inputs[input][sources.first + k] *
+                   (row == MixTerm::steady
+                        ? gain
+                        : sources.gains[row * std::ptrdiff_t{gainRowLength} + static_cast<std::ptrdiff_t>(k)]);
         }
         output[k] = sum;
+    }
+}
+
+void MixTerms(float* const* outputs, std::size_t first, std::size_t numOutputs, MixSources const& sources,
+              MixTerm const* terms, std::size_t begin, std::size_t const* ends, std::size_t numSamples, bool replace) {
+    for (std::size_t j = 0; j < numOutputs; ++j) {
+        MixInto(outputs[j] + first, sources, terms + begin, terms + ends[j], numSamples, replace);
+        begin = ends[j];
     }
 }
 

@@ -149,15 +149,12 @@ void GainCycle::MixPart(Mix const& mix, Part const& part) {
                                           .numSteps = static_cast<float>(part.chunk - 1),
                                           .isFirst = part.done == 0};
     unsigned int output = 0;
-    std::size_t term = 0;
     for (auto const& [endOutput, firstRamp, numRamps] : batches) {
         kernels::Get().gainRamps({&rampStarts[firstRamp], &rampSlopes[firstRamp], &rampGains[firstRamp]}, numRamps,
                                  section, movingGains.GetChannel(0), count);
-        for (; output < endOutput; ++output) {
-            kernels::Get().mix(mix.outputs[output] + part.first, sources, &terms[term], termsEnd[output] - term, count,
-                               mix.replace);
-            term = termsEnd[output];
-        }
+        kernels::Get().mix(mix.outputs + output, part.first, endOutput - output, sources, terms.data(),
+                           output == 0 ? 0 : termsEnd[output - 1], &termsEnd[output], count, mix.replace);
+        output = endOutput;
     }
 }
 

@@ -29,8 +29,13 @@ void Cluster::DeleteCluster(Cluster* cluster) {
 void Cluster::Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) {
     const auto length = static_cast<unsigned int>(numSamples);
     if (scratch.GetNumSamples() != length) scratch.Resize(numInputs, length);
-    shuffle.Process(scratch.GetChannels(), inputs, numSamples, orvandsp::allActiveInputs);
-    delays->Process(outputs, scratch.GetChannels(), numSamples, orvandsp::allActiveInputs);
+    float* mixed[orvandsp::MaxNumChannels];
+    for (unsigned int i = 0; i < numInputs; ++i) {
+        float* const cells = delays->FindCells(i, numSamples);
+        mixed[i] = cells != nullptr ? cells : scratch.GetChannel(i);
+    }
+    shuffle.Process(mixed, inputs, numSamples, orvandsp::allActiveInputs);
+    delays->Process(outputs, mixed, numSamples, orvandsp::allActiveInputs);
 }
 
 void Cluster::SetSamplerate(float newSamplerate) {

@@ -38,7 +38,7 @@ public:
 private:
     std::unique_ptr<MultiDelay> delays;
     Shuffle shuffle;
-    orvandsp::AudioBuffer scratch;  // the mixed signal
+    orvandsp::AudioBuffer scratch;  // the mixed signal, where it has no place in a line
 };
 
 }  // namespace Lume

@@ -298,16 +298,17 @@ void Reverb::ProcessChunk(float** outputs, float** inputs, unsigned long first, 
         feedbackBuffer.Resize(GetNumDelays(), chunk);
     }
     ReadTaps(chunk);
+    kernels::Get().feedback(tapBuffer.GetChannels(), outputs, inputs, first, GetNumDelays(), gain, compensation, chunk);
+    float* mixed[orvandsp::MaxNumChannels];
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
         // Before the line is written: what goes in now is read a chunk and a delay later, and the loop of each line is
         // a chunk longer than its delay. The filters are made for the delay alone (kept: quirks.md 1).
         lines[i]->AdvanceWritePosition(static_cast<int>(chunk));
-        kernels::Get().feedback(tapBuffer.GetChannel(i), outputs[i] + first, inputs[i] + first, gain, compensation,
-                                chunk);
+        float* const cells = lines[i]->FindCells(static_cast<int>(chunk), 0);
+        mixed[i] = cells != nullptr ? cells : feedbackBuffer.GetChannel(i);
     }
-    shuffle.Process(feedbackBuffer.GetChannels(), tapBuffer.GetChannels(), chunk, orvandsp::allActiveInputs);
-    for (unsigned int i = 0; i < GetNumDelays(); ++i)
-        lines[i]->tapIn(feedbackBuffer.GetChannel(i), static_cast<int>(chunk), 0);
+    shuffle.Process(mixed, tapBuffer.GetChannels(), chunk, orvandsp::allActiveInputs);
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) lines[i]->tapIn(mixed[i], static_cast<int>(chunk), 0);
 }
 
 void Reverb::ReadTaps(unsigned int chunk) {

@@ -97,15 +97,15 @@ void BinauralPanningDirect::ProcessAdding(float** outputs, float** inputs, unsig
     const auto addSome = [=, this](std::span<HrtfFiltering::Job const> ears) {
         HrtfFiltering::ProcessSeveral(ears, numSamples);
         using orvandsp::kernels::MixTerm;
-        MixTerm left[orvandsp::kernels::maxLanes / 2], right[orvandsp::kernels::maxLanes / 2];
+        MixTerm terms[orvandsp::kernels::maxLanes];  // all left ears, all right ears
         const std::size_t numSources = ears.size() / 2;
         for (std::uint32_t i = 0; i < numSources; ++i) {
-            left[i] = {2 * i, MixTerm::steady, orvandsp::sqrt2div2};
-            right[i] = {2 * i + 1, MixTerm::steady, orvandsp::sqrt2div2};
+            terms[i] = {2 * i, MixTerm::steady, orvandsp::sqrt2div2};
+            terms[numSources + i] = {2 * i + 1, MixTerm::steady, orvandsp::sqrt2div2};
         }
-        const orvandsp::kernels::MixSources sources = {earBuffers.GetChannels(), 0, nullptr};
-        orvandsp::kernels::Get().mix(outputs[0], sources, left, numSources, numSamples, false);
-        orvandsp::kernels::Get().mix(outputs[1], sources, right, numSources, numSamples, false);
+        const std::size_t ends[] = {numSources, 2 * numSources};
+        orvandsp::kernels::Get().mix(outputs, 0, 2, {earBuffers.GetChannels(), 0, nullptr}, terms, 0, ends, numSamples,
+                                     false);
     };
     orvandsp::Batch<HrtfFiltering::Job, decltype(addSome)> ears(addSome);
     unsigned int buffer = 0;
