@@ -104,8 +104,8 @@ public:
     /// position: the processor saw them last a whole ring ago. Real-time safe.
     void ExpectBlock(int count, int offset) noexcept {
         constexpr int cellsPerLine = 16;
-        for (int k = offset; k < offset + count; k += cellsPerLine)
-            __builtin_prefetch(Ring() + ((writePosition + k) & mask), 1);
+        if (float* const cells = FindCells(count, offset))
+            for (int k = 0; k < count; k += cellsPerLine) __builtin_prefetch(cells + k, 1);
     }
 
     /// Sets the delay [ms]. One above the maximum first grows the line, which silences it. Nothing else is limited.

@@ -2,15 +2,16 @@
 
 #include <span>
 
+#include "filters/hl_shelf.h"
+#include "kernels/kernels.h"
+
 namespace Lume {
 
-class HLShelf;
-
-/// A channel to be filtered by a shelf of its own; output may be input.
-struct ShelfJob {
-    HLShelf* shelf;
-    float* output;
-    float const* input;
+/// A channel to be filtered by a shelf of its own; output may be input. It holds until the shelf is designed anew.
+struct ShelfJob : orvandsp::kernels::ShelfJob {
+    ShelfJob() = default;
+    ShelfJob(HLShelf* filter, float* to, float const* from)
+        : orvandsp::kernels::ShelfJob{filter->GetKernelShelf(), from, to} {}
 };
 
 /// Filters several channels: what Process of each shelf does. Real-time safe.

@@ -313,23 +313,19 @@ void Reverb::ProcessChunk(float** outputs, float** inputs, unsigned long first, 
 
 void Reverb::ReadTaps(unsigned int chunk) {
     orvandsp::FlushDenormals();
-    const auto read = [&](std::span<unsigned int const> channels) {
-        kernels::LossyHeadJob lanes[kernels::maxLanes];
-        std::size_t numLanes = 0;
-        for (const unsigned int i : channels) {
-            float* const tapped = tapBuffer.GetChannel(i);
-            lines[i]->ExpectBlock(static_cast<int>(chunk), static_cast<int>(chunk));
-            if (const auto head = taps[i]->FindAllpassHead())
-                lanes[numLanes++] = {*head, absorbentFilters[i].GetKernelShelf(),
-                                     airFilters[i].GetShelf().GetKernelShelf(), tapped};
-            else
-                ReadTapAlone(i, tapped, chunk);
-        }
-        if (numLanes > 0) kernels::Get().lossyHeads(lanes, numLanes, chunk, airAbsorptionOn);
+    const auto read = [&](std::span<kernels::LossyHeadJob const> heads) {
+        kernels::Get().lossyHeads(heads.data(), heads.size(), chunk, airAbsorptionOn);
     };
-    orvandsp::Batch<unsigned int, decltype(read)> channels(read);
-    for (unsigned int i = 0; i < GetNumDelays(); ++i) channels.Add(i);
-    channels.Finish();
+    orvandsp::Batch<kernels::LossyHeadJob, decltype(read)> heads(read);
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) {
+        float* const tapped = tapBuffer.GetChannel(i);
+        lines[i]->ExpectBlock(static_cast<int>(chunk), static_cast<int>(chunk));
+        if (const auto head = taps[i]->FindAllpassHead())
+            heads.Add({*head, absorbentFilters[i].GetKernelShelf(), airFilters[i].GetShelf().GetKernelShelf(), tapped});
+        else
+            ReadTapAlone(i, tapped, chunk);
+    }
+    heads.Finish();
 }
 
 void Reverb::ReadTapAlone(unsigned int channel, float* tapped, unsigned int chunk) {
