@@ -198,10 +198,14 @@ void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSample
 /// The inputs, but for channels with samples that aren't finite: of these, copies where such samples are 0. A single
 /// one inside would stay in the room for good.
 float** OrvanVerb::AtTheDoor(float** inputs, unsigned long numSamples) {
+    const auto stayWithin = [=](float** some, unsigned int number) {
+        return orvandsp::kernels::Get().staysWithin(some, number, LoudestSample, numSamples);
+    };
+    if (stayWithin(inputs, numInputs)) return inputs;
     for (unsigned int i = 0; i < numInputs; ++i) {
         float const* const in = inputs[i];
         doorInputs[i] = inputs[i];
-        if (orvandsp::kernels::Get().staysWithin(in, LoudestSample, numSamples)) continue;
+        if (stayWithin(inputs + i, 1)) continue;
         // The shelf works in place.
         doorInputs[i] = sourceBus->GetChannel(i);
         std::transform(in, in + numSamples, doorInputs[i],

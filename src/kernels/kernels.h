@@ -138,8 +138,8 @@ struct Kernels {
     /// Fades from a to b: out = gainsB b + gainsA a, with gains for each sample.
     void (*fade)(float* out, float const* a, float const* b, float const* gainsA, float const* gainsB,
                  std::size_t numSamples);
-    /// Whether all samples are numbers up to a magnitude.
-    bool (*staysWithin)(float const* in, float limit, std::size_t numSamples);
+    /// Whether all samples of all channels are numbers up to a magnitude.
+    bool (*staysWithin)(float const* const* ins, std::size_t numChannels, float limit, std::size_t numSamples);
     /// @param gains  one per channel
     void (*scale)(float* const* outs, float const* const* ins, float const* gains, std::size_t numChannels,
                   std::size_t numSamples);

@@ -38,15 +38,24 @@ void Fade(float* out, float const* a, float const* b, float const* gainsA, float
     for (; k < numSamples; ++k) out[k] = gainsB[k] * b[k] + gainsA[k] * a[k];
 }
 
-bool StaysWithin(float const* in, float limit, std::size_t numSamples) {
-    // Asked so that not a number lies beyond; a comparison gives -1 where it holds.
-    const auto isWithin = [limit](auto x) { return (x <= limit) & (x >= -limit); };
-    LaneInts allWithin = LaneInts{} - 1;
-    std::size_t k = 0;
-    for (; k + numLanes <= numSamples; k += numLanes) allWithin &= isWithin(Load(in + k));
-    bool result = AllZero(~allWithin);
-    for (; k < numSamples; ++k) result = result && isWithin(in[k]);
-    return result;
+bool StaysWithin(float const* const* ins, std::size_t numChannels, float limit, std::size_t numSamples) {
+    // Without their sign the bits are whole numbers in the order of magnitude, and what isn't a number lies above all.
+    constexpr std::int32_t withoutSign = 0x7fffffff;
+    std::int32_t highest;
+    __builtin_memcpy(&highest, &limit, sizeof highest);
+    LaneInts largest{};
+    bool result = true;
+    for (std::size_t c = 0; c < numChannels; ++c) {
+        std::size_t k = 0;
+        for (; k + numLanes <= numSamples; k += numLanes) {
+            LaneInts bits;
+            __builtin_memcpy(&bits, ins[c] + k, sizeof bits);
+            bits &= withoutSign;
+            largest = largest > bits ? largest : bits;
+        }
+        for (; k < numSamples; ++k) result = result && ins[c][k] <= limit && ins[c][k] >= -limit;
+    }
+    return result && AllZero(largest > highest);
 }
 
 /// Each lane keeps the nearest of its own points; of equally near ones in several lanes the first one counts.
