@@ -1,5 +1,6 @@
 #include "engine/room_format.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -84,8 +85,9 @@ std::vector<float> MeanPowers(AmplitudePanning& encoder, bool inSpace) {
                         gains.data(), 0);
         for (std::size_t j = 0; j < sums.size(); ++j) sums[j] += std::pow(static_cast<double>(gains[j]), 2);
     }
-    std::vector<float> powers;
-    for (const double sum : sums) powers.push_back(static_cast<float>(sum / numDirections));
+    std::vector<float> powers(sums.size());
+    std::transform(sums.begin(), sums.end(), powers.begin(),
+                   [&](double sum) { return static_cast<float>(sum / numDirections); });
     return powers;
 }
 

@@ -79,6 +79,7 @@ void BiquadCascade::Process(float* output, float* input, unsigned long numSample
 bool BiquadCascade::IsInSeries() noexcept {
     if (inSeries) return true;
     for (std::size_t i = numStatesPerStage; i < state.size(); i += numStatesPerStage)
+        // By bits, in which zeros have a sign. NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
         if (std::memcmp(&state[i + One::stateX1], &state[i - numStatesPerStage + One::stateY1], 2 * sizeof(float)) != 0)
             return false;
     inSeries = true;

@@ -55,6 +55,7 @@ StopSignal::~StopSignal() {
         const std::lock_guard lock(mutex);
         leaving = true;
     }
+    // It waits for this signal, which ends nothing. NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread)
     pthread_kill(listener.native_handle(), SIGTERM);
     listener.join();
 }
