@@ -139,7 +139,7 @@ orvan_status PostPosition(orvan_room* room, bool (Lume::RoomQueue::*place)(unsig
 template <class Function>
 orvan_room* Create(Function make) noexcept {
     orvan_room* room = nullptr;
-    Guarded(threadError, [&] { room = new orvan_room(make()); });
+    Guarded(threadError, [&] { room = std::make_unique<orvan_room>(make()).release(); });
     return room;
 }
 

@@ -379,8 +379,8 @@ LV2_Worker_Status RoomPlugin::Work(LV2_Worker_Respond_Function respond, LV2_Work
             speakers = std::make_unique<SpeakersFile>(ReadSpeakers(path, variant.outputs.size()));
         const Loaded loaded{0, ears.get(), speakers.get()};
         if (respond(handle, sizeof loaded, &loaded) == LV2_WORKER_SUCCESS) {
-            ears.release();
-            speakers.release();
+            (void)ears.release();
+            (void)speakers.release();
         }
     } catch (std::exception const& error) {
         lv2_log_error(&logger, "orvanverb: %s\n", error.what());

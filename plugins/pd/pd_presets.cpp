@@ -84,7 +84,7 @@ RoomFile ReadRoomFile(std::filesystem::path const& path) {
 
 std::filesystem::path FindRoomFile(std::string const& word, std::filesystem::path const& folder) {
     std::error_code error;
-    if (const auto path = folder / word; std::filesystem::is_regular_file(path, error)) return path;
+    if (auto path = folder / word; std::filesystem::is_regular_file(path, error)) return path;
     for (std::filesystem::path const& file : AllRoomFiles(folder))
         if (file.stem() == word) return file;
     throw std::runtime_error("there is no room '" + word + "'; preset alone lists those that there are");
@@ -98,6 +98,7 @@ std::vector<std::filesystem::path> AllRoomFiles(std::filesystem::path const& fol
             if (entry.path().extension() == ending) files.emplace(entry.path().stem(), entry.path().lexically_normal());
     }
     std::vector<std::filesystem::path> paths;
+    paths.reserve(files.size());
     for (auto const& [name, path] : files) paths.push_back(path);
     return paths;
 }

@@ -10,9 +10,14 @@ namespace {
 /// One degree's matrix by orders from -l to l.
 class Degree {
 public:
-    explicit Degree(int newL) : l(newL), values(static_cast<std::size_t>((2 * l + 1) * (2 * l + 1))) {}
-    double& operator()(int m, int n) { return values[static_cast<std::size_t>((m + l) * (2 * l + 1) + n + l)]; }
-    double operator()(int m, int n) const { return values[static_cast<std::size_t>((m + l) * (2 * l + 1) + n + l)]; }
+    explicit Degree(int newL) : l(newL), values(Place(l, l) + 1) {}
+    double& operator()(int m, int n) { return values[Place(m, n)]; }
+    double operator()(int m, int n) const { return values[Place(m, n)]; }
+
+    std::size_t Place(int m, int n) const {
+        const int place = (m + l) * (2 * l + 1) + n + l;
+        return static_cast<std::size_t>(place);
+    }
 
     int l;
     std::vector<double> values;

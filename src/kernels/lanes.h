@@ -49,6 +49,8 @@ inline void StoreFour(float* samples, Four value) noexcept {
     __builtin_memcpy(samples, &value, sizeof value);
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): indices are numbers
+
 // A pattern over four lanes of two registers, repeated in each four lanes: a and b index the first register, c and d
 // the second one.
 #if ORVAN_KERNEL_LANES == 4
@@ -65,6 +67,7 @@ inline void StoreFour(float* samples, Four value) noexcept {
     __builtin_shufflevector(x, y, a, 16 + a, b, 16 + b, 4 + a, 20 + a, 4 + b, 20 + b, 8 + a, 24 + a, 8 + b, 24 + b, \
                             12 + a, 28 + a, 12 + b, 28 + b)
 #endif
+// NOLINTEND(bugprone-macro-parentheses)
 
 /// Rows to columns within each four lanes: lane i of row j changes places with lane j of row i.
 inline void Transpose(Lanes (&rows)[4]) noexcept {
@@ -89,10 +92,12 @@ inline void TransposeSquare(Lanes (&rows)[numLanes]) noexcept {
         rows[row + 4] = __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
     }
 #elif ORVAN_KERNEL_LANES == 16
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define ORVAN_BLOCKS(x, y, a, b, c, d)                                                                            \
     __builtin_shufflevector(x, y, 4 * a, 4 * a + 1, 4 * a + 2, 4 * a + 3, 4 * b, 4 * b + 1, 4 * b + 2, 4 * b + 3, \
                             16 + 4 * c, 17 + 4 * c, 18 + 4 * c, 19 + 4 * c, 16 + 4 * d, 17 + 4 * d, 18 + 4 * d,   \
                             19 + 4 * d)
+    // NOLINTEND(bugprone-macro-parentheses)
     for (std::size_t row = 0; row < 4; ++row) {
         const Lanes a = rows[row], b = rows[row + 4], c = rows[row + 8], d = rows[row + 12];
         const Lanes lowAb = ORVAN_BLOCKS(a, b, 0, 1, 0, 1), lowCd = ORVAN_BLOCKS(c, d, 0, 1, 0, 1);

@@ -84,8 +84,8 @@ TEST(RoomFormat, StereoPairPointsAtTheSource) {
     for (const double azimuth : {-30.0, -12.0, 0.0, 25.0}) {
         const std::vector<float> gains = DirectGains("stereo", 2, At(azimuth, 0.0));
         const Lume::CartesianVector left = At(-30.0, 0.0), right = At(30.0, 0.0);
-        const double x = gains[0] * left.x + gains[1] * right.x, y = gains[0] * left.y + gains[1] * right.y;
-        EXPECT_NEAR(std::atan2(x, y) * 180.0 / std::numbers::pi, azimuth, 0.01);
+        const float x = gains[0] * left.x + gains[1] * right.x, y = gains[0] * left.y + gains[1] * right.y;
+        EXPECT_NEAR(static_cast<double>(std::atan2(x, y)) * 180.0 / std::numbers::pi, azimuth, 0.01);
         EXPECT_NEAR(gains[0] * gains[0] + gains[1] * gains[1], 1.0, 1e-3);
     }
     EXPECT_NEAR(DirectGains("stereo", 2, At(100.0, 0.0))[1], 1.0, 1e-3);

@@ -30,7 +30,7 @@ RoomMeasurement MeasureAll(Response const& response, BandWidth width = BandWidth
 using Law = std::function<double(double, double)>;
 
 /// A decay that begins softly, within 40 ms, so that all of it lies within the band: an abrupt start would click.
-Law SoftDecay(std::function<double(double)> decaySeconds) {
+Law SoftDecay(std::function<double(double)> const& decaySeconds) {
     return [=](double hertz, double time) {
         const double rise = time < 0.04 ? 0.5 - 0.5 * std::cos(std::numbers::pi * time / 0.04) : 1.0;
         return rise * rise * std::exp(-perSecond * time / decaySeconds(hertz));

@@ -176,8 +176,10 @@ TEST(RealTime, Rooms) {
     for (Lume::RoomFormat const& format : Lume::roomFormats)
         for (unsigned int numOutputs = 2, found = 0; numOutputs <= 64 && found < 2; ++numOutputs)
             if (format.supports(numOutputs)) shapes.push_back({&format, 2, numOutputs, 7 + 4 * found++});
-    for (auto const& [format, numSources, numOutputs, numInternals] : shapes) {
-        Lume::Room room(numSources, numOutputs, numInternals, format);
+    for (Shape const& shape : shapes) {
+        Lume::RoomFormat const* const format = shape.format;
+        const unsigned int numSources = shape.numSources, numOutputs = shape.numOutputs;
+        Lume::Room room(numSources, numOutputs, shape.numInternals, format);
         const std::string name = format != nullptr ? format->name : "usual";
         // These search their pairs and triplets anew, for which they need memory.
         const bool searches = name == "angular" || name == "vbap" || name == "vdbap" || name == "dome";

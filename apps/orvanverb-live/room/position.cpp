@@ -21,7 +21,8 @@ float Rounded(double value) {
 }  // namespace
 
 Direction DirectionOf(Lume::CartesianVector const& p) {
-    const double x = p.x, y = p.y, z = p.z, across = std::hypot(x, y), distance = std::hypot(across, z);
+    const auto x = static_cast<double>(p.x), y = static_cast<double>(p.y), z = static_cast<double>(p.z);
+    const double across = std::hypot(x, y), distance = std::hypot(across, z);
     return {across > 0.0 ? Rounded(degrees * std::atan2(x, y)) : 0.0f,
             distance > 0.0 ? Rounded(degrees * std::atan2(z, across)) : 0.0f, Rounded(distance)};
 }

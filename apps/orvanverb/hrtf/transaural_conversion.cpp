@@ -121,7 +121,7 @@ Lume::HrtfType TransauralTypeOf(std::string const& network) {
     if (subType == Lume::Decoder::recursivesymmetricbiquads)
         throw UsageError("--network: " + network +
                          " makes its filters itself, from a set for headphones: see orvanverb hrtf convert");
-    return Lume::TransauralNetworks()[subType].takes;
+    return Lume::TransauralNetworks()[static_cast<std::size_t>(subType)].takes;
 }
 
 }  // namespace program

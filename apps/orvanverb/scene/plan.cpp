@@ -48,7 +48,7 @@ void WritePath(std::ostream& out, Plan const& plan, std::size_t source, double l
     for (Plan::Moment const& moment : plan.moments) {
         Lume::CartesianVector const& p = moment.positions[source];
         const auto isNear = [&](Lume::CartesianVector const& place) {
-            return double{Lume::Length(p - place)} < labelMetres;
+            return static_cast<double>(Lume::Length(p - place)) < labelMetres;
         };
         if (labelled != nullptr &&
             (moment.seconds < labelled->seconds + labelSeconds || isNear(labelled->positions[source])))
@@ -66,15 +66,20 @@ void WritePath(std::ostream& out, Plan const& plan, std::size_t source, double l
     out << "EOD\n";
 }
 
+/// How far from the listener a place is on the drawing.
+double Reach(Lume::CartesianVector const& p) {
+    return std::hypot(static_cast<double>(p.x), static_cast<double>(p.y));
+}
+
 }  // namespace
 
 void DrawPlan(std::string const& path, Plan const& plan) {
     double reach = 1.0, farthest = 0.0;
-    for (Lume::CartesianVector const& p : plan.speakers) reach = std::max(reach, std::hypot(double{p.x}, double{p.y}));
+    for (Lume::CartesianVector const& p : plan.speakers) reach = std::max(reach, Reach(p));
     for (Plan::Moment const& moment : plan.moments)
         for (Lume::CartesianVector const& p : moment.positions) {
-            reach = std::max(reach, std::hypot(double{p.x}, double{p.y}));
-            farthest = std::max(farthest, double{Lume::Length(p)});
+            reach = std::max(reach, Reach(p));
+            farthest = std::max(farthest, static_cast<double>(Lume::Length(p)));
         }
     reach *= 1.15;
     const double duration = std::max(plan.moments.back().seconds, 1.0), ring = RoundStep(reach / 4.0);

@@ -112,6 +112,7 @@ public:
     std::vector<std::vector<float>> Fit(std::vector<std::vector<float>> const& responses, unsigned int firstByLevel,
                                         unsigned int lead) {
         std::vector<Spectrum> heard;
+        heard.reserve(responses.size());
         for (auto const& response : responses) heard.push_back(ToSpectrum(response));
         const unsigned int numBins = size / 2 + 1;
         std::vector<Spectrum> channels(inverse.GetNumRows(), Spectrum(numBins));
@@ -127,6 +128,7 @@ public:
             }
         }
         std::vector<std::vector<float>> result;
+        result.reserve(channels.size());
         for (Spectrum const& channel : channels) result.push_back(ToResponse(channel, lead));
         return result;
     }
