@@ -181,8 +181,9 @@ void Desk::LoadState(std::string const& text) {
     } catch (std::invalid_argument const& error) {
         throw std::invalid_argument(std::string("the state, line ") + error.what());
     }
-    if (program::IsSofa(state.ears.path.string())) {
-        LoadBeside(state.ears.path.string(), [this, state = std::move(state)]() mutable {
+    const std::string ears = state.ears.path.string();
+    if (program::IsSofa(ears)) {
+        LoadBeside(ears, [this, state = std::move(state)]() mutable {
             const Lume::EarsFile told = state.ears;
             state.ears = cache.Playable(told);
             const Lock lock(mutex);
