@@ -43,6 +43,7 @@ TEST(Player, NeverWaitsForTheDesk) {
     std::vector<std::vector<float>> sound(desk.NumOutputs(), std::vector<float>(block));
     const std::vector<float const*> inputs(numSources, input.data());
     std::vector<float*> outputs;
+    outputs.reserve(sound.size());
     for (std::vector<float>& channel : sound) outputs.push_back(channel.data());
     const long allocations = AllocationCount(), locks = LockCount();
     for (int i = 0; i < 1500; ++i) player.Process(outputs.data(), inputs.data(), block);  // two seconds of sound
