@@ -1,6 +1,7 @@
 """orvanverb-live as people and other programs use it: files, OSC of another make, JACK, and those who mean it ill."""
 
 import contextlib
+import json
 import math
 import os
 import pathlib
@@ -85,6 +86,13 @@ class Client:
         assert self.heard, path
         return self.heard[0]
 
+    def await_answer(self, path, values, seconds=20):
+        """Asks until the answer is this one."""
+        end = time.monotonic() + seconds
+        while self.ask(path) != (path, values) and time.monotonic() < end:
+            time.sleep(0.05)
+        assert self.ask(path) == (path, values)
+
 
 def test_file_is_render_sample_for_sample(tmp_path):
     scene = tmp_path / "walk.scene"
@@ -156,6 +164,33 @@ def test_own_tree(tmp_path):
     assert (tmp_path / "a.wav").read_bytes() == (tmp_path / "b.wav").read_bytes()
 
 
+def opening(port, path="/socket", **headers):
+    """What a page sends to open a socket."""
+    lines = {"Host": f"localhost:{port}", "Upgrade": "websocket", "Connection": "Upgrade", "Sec-WebSocket-Version": "13",
+             "Sec-WebSocket-Key": "dGhlIHNhbXBsZSBub25jZQ==", **headers}
+    return (f"GET {path} HTTP/1.1\r\n" + "".join(f"{k}: {v}\r\n" for k, v in lines.items()) + "\r\n").encode()
+
+
+def frame(text):
+    """A message of a page."""
+    length = bytes([0x80 | len(text)]) if len(text) < 126 else b"\xfe" + struct.pack(">H", len(text))
+    return b"\x81" + length + bytes(4) + text.encode()
+
+
+def open_socket(port):
+    await_port(port)
+    connection = socket.create_connection(("127.0.0.1", port), 5)
+    connection.sendall(opening(port))
+    return connection
+
+
+def socket_answer(port, **headers):
+    """The status that a socket of the page opens with; 0 if it is closed without a word."""
+    with socket.create_connection(("127.0.0.1", port), 5) as connection:
+        connection.sendall(opening(port, **headers))
+        return int(next(iter(connection.recv(4096).split()[1:]), 0))
+
+
 def checksum(data):
     total = 14695981039346656037
     for byte in data:
@@ -175,17 +210,21 @@ def test_measured_ears_come_beside_the_sound(tmp_path):
     cache.parent.mkdir()
     cache.write_bytes(fitted)
     (tmp_path / "no.sofa").write_text("no measurements")
-    with program(tmp_path, "--osc", str(port), "--adm", "off", "--autosave", str(autosave),
+    http = free_port(socket.SOCK_STREAM)
+    with program(tmp_path, "--osc", str(port), "--adm", "off", "--http", str(http), "--autosave", str(autosave),
                  environment={"XDG_CACHE_HOME": str(tmp_path)}) as live:
         client = Client(port)
         assert client.ask("/orvanverb/ears")[1] == ["built-in"]
         client.send("/orvanverb/hrtf", f"{tmp_path}/no.sofa")
         client.send("/orvanverb/hrtf", str(sofa))
-        end = time.monotonic() + 20
-        while client.ask("/orvanverb/ears")[1] != ["my head.sofa"] and time.monotonic() < end:
-            time.sleep(0.1)
+        client.await_answer("/orvanverb/ears", ["my head.sofa"])
         client.send("/orvanverb/ears", "built-in")
-        client.send("/orvanverb/ears", "my head.sofa")
+        client.await_answer("/orvanverb/ears", ["built-in"])
+        # A state of a page that names them.
+        state = f"orvanverb-state 1\nnumsources 1\nnumspeakers 2\nnuminternals 8\nears {checksum(sofa.read_bytes())} {sofa}\ntr0 4\n"
+        with open_socket(http) as page:
+            page.sendall(frame(json.dumps({"state": state})))
+            client.await_answer("/orvanverb/tr0", [4.0])
         assert client.ask("/orvanverb/ears")[1] == ["my head.sofa"]
         assert "no.sofa: is no SOFA file" in live.log.read_text()
     assert f"ears {checksum(sofa.read_bytes())} my head.sofa" in autosave.read_text().splitlines()
@@ -208,21 +247,14 @@ def test_adm(tmp_path):
             assert (path, values) == (f"/adm/obj/1/{word}", expected), word
         # Positive azimuth is to the left: in the room x is below 0. Beyond the range is clamped.
         client.send("/adm/obj/1/aed", 45.0, 0.0, 99.0)
-        for _ in range(3):
-            _, values = room.ask("/orvanverb/source/1/ade")
-        assert values == pytest.approx([-45, 6, 0], abs=1e-3)
+        room.await_answer("/orvanverb/source/1/ade", pytest.approx([-45, 6, 0], abs=1e-3))
         # A bundle with wildcards, and a head that turns to the left.
         client.server.send(client.target, liblo.Bundle(liblo.Message("/adm/obj/*/{azim,none}", -90.0),
                                                        liblo.Message("/adm/lis/ypr", 30.0, 5.0, 0.0)))
-        for _ in range(3):
-            _, values = room.ask("/orvanverb/source/1/azim")
-            _, head = room.ask("/orvanverb/orientation")
-        assert values == pytest.approx([90], abs=1e-3) and head == pytest.approx([-30, 5, 0])
+        room.await_answer("/orvanverb/source/1/azim", pytest.approx([90], abs=1e-3))
+        room.await_answer("/orvanverb/orientation", pytest.approx([-30, 5, 0]))
         client.send("/adm/env/change", "hall")
-        end = time.monotonic() + 5
-        while room.ask("/orvanverb/tr0")[1] != [pytest.approx(2.1)] and time.monotonic() < end:
-            pass
-        assert room.ask("/orvanverb/tr0")[1] == [pytest.approx(2.1)]
+        room.await_answer("/orvanverb/tr0", [pytest.approx(2.1)])
 
 
 def test_left_is_left_in_the_sound(tmp_path):
@@ -301,16 +333,6 @@ def test_malformed_packets_change_nothing(tmp_path):
     assert not pathlib.Path("orvanverb~.maxref.xml").exists()
 
 
-def socket_answer(port, **headers):
-    """The status that a socket of the page opens with; 0 if it is closed without a word."""
-    lines = {"Host": f"localhost:{port}", "Upgrade": "websocket", "Connection": "Upgrade", "Sec-WebSocket-Version": "13",
-             "Sec-WebSocket-Key": "dGhlIHNhbXBsZSBub25jZQ==", **headers}
-    path = lines.pop("path", "/socket")
-    with socket.create_connection(("127.0.0.1", port), 5) as connection:
-        connection.sendall((f"GET {path} HTTP/1.1\r\n" + "".join(f"{k}: {v}\r\n" for k, v in lines.items()) + "\r\n").encode())
-        return int(next(iter(connection.recv(4096).split()[1:]), 0))
-
-
 def await_port(port):
     end = time.monotonic() + 10
     while time.monotonic() < end:
@@ -343,12 +365,14 @@ def test_client_that_does_not_read_is_dropped(tmp_path):
     with program(tmp_path, "--osc", str(osc), "--adm", "off", "--http", str(port)) as live:
         await_port(port)
         threads = lambda: len(os.listdir(f"/proc/{live.pid}/task"))
-        before = threads()
+        before = 0
+        while before != threads():  # the server's own begin one after the other
+            before = threads()
+            time.sleep(0.5)
         deaf = socket.socket(socket.AF_INET, socket.SOCK_STREAM)
         deaf.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
         deaf.connect(("127.0.0.1", port))
-        deaf.sendall(f"GET /socket HTTP/1.1\r\nHost: localhost:{port}\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-                     "Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n\r\n".encode())
+        deaf.sendall(opening(port))
         client = Client(osc)
         end = time.monotonic() + 3
         while time.monotonic() < end:  # nobody waits for the deaf one
@@ -356,11 +380,10 @@ def test_client_that_does_not_read_is_dropped(tmp_path):
             client.ask("/orvanverb/tr0", seconds=1)
         # It asks for more than all buffers hold and reads none of it. The thread that its connection has ends.
         assert threads() == before + 1
-        wish = b'{"save": true}'
         deaf.settimeout(1)
         with contextlib.suppress(OSError):
             for _ in range(20000):
-                deaf.sendall(bytes([0x81, 0x80 | len(wish)]) + bytes(4) + wish)
+                deaf.sendall(frame('{"save": true}'))
         end = time.monotonic() + 60
         while threads() > before and time.monotonic() < end:
             time.sleep(0.2)

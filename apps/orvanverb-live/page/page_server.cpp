@@ -150,6 +150,11 @@ private:
                                  "1",
                                  nullptr};
         mg_callbacks callbacks{};
+        // It listens before it can be told who answers.
+        callbacks.begin_request = [](mg_connection* c) {
+            From(mg_get_user_data(mg_get_context(c))).ready.wait(false);
+            return 0;
+        };
         callbacks.log_message = [](mg_connection const*, char const*) { return 1; };
         context = mg_start(&callbacks, this, options);
         if (context == nullptr)
@@ -171,6 +176,8 @@ private:
                 mg_set_user_connection_data(c, nullptr);
             },
             this);
+        ready = true;
+        ready.notify_all();
     }
 
     static Impl& From(void* self) { return *static_cast<Impl*>(self); }
@@ -228,6 +235,7 @@ private:
     bool isLocal;
     std::vector<OutputName> outputs;
     mg_context* context = nullptr;
+    std::atomic<bool> ready = false;
 };
 
 PageServer::PageServer(Desk& desk, program::RoomForm const& form, PagePorts const& ports)
