@@ -69,7 +69,7 @@ tsan: setup
 	build/tsan/tests/test_hosted_room
 	build/tsan/tests/test_live
 	@# But for JACK, whose threads the sanitizer doesn't see. What it finds ends a program with another status than 0.
-	ORVANVERB=$(CURDIR)/build/tsan/apps/orvanverb/orvanverb ORVANVERB_LIVE=$(CURDIR)/build/tsan/apps/orvanverb-live/orvanverb-live \
+	ORVAN_SANITIZED=1 ORVANVERB=$(CURDIR)/build/tsan/apps/orvanverb/orvanverb ORVANVERB_LIVE=$(CURDIR)/build/tsan/apps/orvanverb-live/orvanverb-live \
 		/usr/bin/python3 -m pytest -q -p no:cacheprovider -k "not jack" tests/live
 
 FUZZ_SECONDS ?= 60

@@ -225,7 +225,7 @@ def test_measured_ears_come_beside_the_sound(tmp_path):
         with open_socket(http) as page:
             page.sendall(frame(json.dumps({"state": state})))
             client.await_answer("/orvanverb/tr0", [4.0])
-        assert client.ask("/orvanverb/ears")[1] == ["my head.sofa"]
+        client.await_answer("/orvanverb/ears", ["my head.sofa"])
         assert "no.sofa: is no SOFA file" in live.log.read_text()
     assert f"ears {checksum(sofa.read_bytes())} my head.sofa" in autosave.read_text().splitlines()
 
@@ -299,7 +299,7 @@ def test_sixty_four_objects_each_ten_milliseconds(tmp_path):
             told = [-((rounds - 1 + 5 * n) % 360 - 180), 10 * (0.2 + 0.01 * n), n % 45]
             assert values[1:] == pytest.approx(told[1:], abs=1e-3) and math.cos(math.radians(values[0] - told[0])) > 0.9999999, n
     print(f"{seconds} s: memory grew by {grown} bytes")
-    assert grown < 4_000_000
+    assert grown < 4_000_000 or "ORVAN_SANITIZED" in os.environ  # which remembers where memory was used
     assert numpy.abs(samples(tmp_path / "out.wav")).max() > 0.01
 
 
