@@ -36,13 +36,21 @@ class Terminal:
     def type(self, keys):
         os.write(self.master, keys)
 
-    def status(self):
-        """Of the program, which is to end by itself: the number of a signal, negative, or its status."""
+    def status(self, key=b""):
+        """Of the program, which is to end by itself: the number of a signal, negative, or its status.
+
+        @param key  that ends it, pressed again and again: a Ctrl-D between the prompt and the change of the terminal's mode
+                    is one for the terminal, which leaves a letter in the line
+        """
+        end = time.monotonic() + 30
         try:
-            while os.read(self.master, 4096):
-                pass
+            while time.monotonic() < end:
+                self.type(key)
+                if select.select([self.master], [], [], 0.2)[0]:
+                    os.read(self.master, 4096)
         except OSError:  # its side of the terminal is closed
             pass
+        assert time.monotonic() < end, "it doesn't end"
         return os.waitstatus_to_exitcode(os.waitpid(self.process, 0)[1])
 
 
@@ -63,13 +71,15 @@ def main():
         terminal.type(b"source 1 az\t\t")
         terminal.wait(b"azim++")
         terminal.type(b"\x01# \r")  # to the beginning: the line becomes a comment
+        # The list has written the prompt anew: the next one is behind this answer.
+        terminal.type(b":get gain\r")
+        terminal.wait(b"gain 0.000000")
         terminal.wait(PROMPT)
-        terminal.type(b"\x04")
-        assert terminal.status() == 0
+        assert terminal.status(b"\x15\x04") == 0  # on an emptied line
 
         # The next one knows what was typed, and what ends it leaves that whole.
         up = b"\x1b[A"
-        for ending, earlier in (signal.SIGINT, 2 * up), (signal.SIGTERM, up), (signal.SIGHUP, up):
+        for ending, earlier in (signal.SIGINT, 3 * up), (signal.SIGTERM, up), (signal.SIGHUP, up):
             terminal = Terminal(program, environment)
             terminal.type(earlier + b"\r")
             terminal.wait(b"tr0 1.995000")
