@@ -130,7 +130,7 @@ void ChangeOne(CartesianVector& position, CoordinatesFormat format, float value)
             spherical.elevation = FoldElevationDegrees(value) * DegreesToRadians;
             break;
         case coordinates_delev:
-            // A positive step lowers, unlike the steps of the other formats.
+            // A positive step lowers, unlike those of the other formats (kept: quirks.md 34).
             spherical.elevation = ElevationOf(position) - FoldElevationDegrees(value) * DegreesToRadians;
             break;
         case coordinates_dist:

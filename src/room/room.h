@@ -125,9 +125,8 @@ public:
 
     /// A position with its coordinates brought within maxCoordinate.
     static CartesianVector Limited(CartesianVector const& position) noexcept;
-    /// @param position  [m]; x to the right, y ahead, z up. Coordinates are brought within maxCoordinate; straight
-    /// above
-    ///                  and below, where there is no azimuth, a source keeps the one that it had
+    /// Straight above and below, where there is no azimuth, a source keeps the one that it had.
+    /// @param position  [m]; x to the right, y ahead, z up. Coordinates are brought within maxCoordinate
     /// @return false, and nothing has changed, if there is no such source or a coordinate is not a number
     bool PlaceSource(unsigned int source, CartesianVector const& position);
     CartesianVector SourcePosition(unsigned int source) const { return engine->GetSourcePosition(source); }

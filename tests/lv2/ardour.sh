@@ -5,6 +5,7 @@
 set -euo pipefail
 bundle=$1 program=$2
 work=$(mktemp -d)
+export PYTHONPATH=$(cd "$(dirname "$0")" && pwd) PYTHONDONTWRITEBYTECODE=1
 trap 'rm -rf "$work"' EXIT
 export LV2_PATH=$(dirname "$bundle") HOME=$work
 lua() {
@@ -62,17 +63,8 @@ LUA
 ardour7-export -b float -s 48000 -o "$work/exported.wav" "$work/session" session >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
 "$program" render "$work/in.wav" -o "$work/rendered.wav" --preset hall --tail 0 --format float 2>/dev/null
 python3 - "$work/exported.wav" "$work/rendered.wav" <<'COMPARE'
-import array, struct, sys
-def read(path):
-    data = open(path, "rb").read()
-    at = 12
-    while data[at:at + 4] != b"data":
-        if data[at:at + 4] == b"fmt ":
-            channels = struct.unpack("<H", data[at + 10:at + 12])[0]
-        at += 8 + struct.unpack("<I", data[at + 4:at + 8])[0]
-    size = struct.unpack("<I", data[at + 4:at + 8])[0]
-    samples = array.array("f", data[at + 8:at + 8 + size])
-    return [samples[channel::channels] for channel in range(channels)]
+import sys
+from float_wav import read
 exported, rendered = read(sys.argv[1]), read(sys.argv[2])
 peak = max(map(abs, rendered[0]))
 assert len(exported) == 2 and len(exported[0]) == len(rendered[0]) and peak > 0.1

@@ -6,6 +6,7 @@
 set -euo pipefail
 bundle=$1 program=$2
 work=$(mktemp -d)
+export PYTHONPATH=$(cd "$(dirname "$0")" && pwd) PYTHONDONTWRITEBYTECODE=1
 trap 'rm -rf "$work"' EXIT
 export LV2_PATH=$(dirname "$bundle")
 python3 - "$work/in.wav" <<'NOISE'
@@ -32,17 +33,8 @@ for case in "mono-headphones 2 0,1 -" "mono-ring6 6 0,1,2,3,4,5 -" "mono-5.0 5 0
     "$program" render "$work/in.wav" -o "$work/rendered.wav" --speakers "$speakers" --tail 0 --format float --force "${words[@]}" \
         2>/dev/null
     python3 - "$work/played.wav" "$work/rendered.wav" "$channels" "$variant" <<'COMPARE'
-import array, struct, sys
-def read(path):
-    data = open(path, "rb").read()
-    at = 12
-    while data[at:at + 4] != b"data":
-        if data[at:at + 4] == b"fmt ":
-            channels = struct.unpack("<H", data[at + 10:at + 12])[0]
-        at += 8 + struct.unpack("<I", data[at + 4:at + 8])[0]
-    size = struct.unpack("<I", data[at + 4:at + 8])[0]
-    samples = array.array("f", data[at + 8:at + 8 + size])
-    return [samples[channel::channels] for channel in range(channels)]
+import sys
+from float_wav import read
 played, rendered = read(sys.argv[1]), read(sys.argv[2])
 latency = 63
 assert max(played[0]) > 0.01
