@@ -57,6 +57,13 @@ bool IsNumber(CartesianVector const& p) {
     return !std::isnan(p.x) && !std::isnan(p.y) && !std::isnan(p.z);
 }
 
+/// Ends at the target itself: what is switched off is silent.
+float AdvanceLevel(orvandsp::Ramp& ramp, unsigned long numSamples) {
+    const float level = ramp.Advance(numSamples);
+    if (ramp.remaining <= 0) ramp.current = ramp.target;
+    return level;
+}
+
 /// Beyond it sums of sources and gains may become infinite.
 constexpr float LoudestSample = 1e15f;
 
@@ -185,14 +192,16 @@ void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSample
     const float earlyGain = earlyLayer.gainRamp.Advance(numSamples);
     const float clusterGain = clusterLayer.gainRamp.Advance(numSamples);
     const float reverbLayerGain = reverbGainRamp.Advance(numSamples);
+    const float ofDirect = AdvanceLevel(directLevelRamp, numSamples);
+    const float ofRoom = AdvanceLevel(roomLevelRamp, numSamples);
 
     directLayer.shelf.Process(sourceBus->GetChannels(), AtTheDoor(inputs, numSamples), numSamples, allActiveInputs);
     ProcessRoom(numSamples);
 
     AudioBuffer(outputs, numOutputs, static_cast<unsigned int>(numSamples), 0).Clear();
-    AddDirectLayer(outputs, numSamples, sourceScale * internalScale * directGain);
-    AddEarlyLayer(outputs, numSamples, earlyGain * internalScale);
-    AddLateLayer(outputs, numSamples, clusterGain * internalScale, reverbLayerGain * internalScale);
+    AddDirectLayer(outputs, numSamples, sourceScale * internalScale * directGain * ofDirect);
+    AddEarlyLayer(outputs, numSamples, earlyGain * internalScale * ofRoom);
+    AddLateLayer(outputs, numSamples, clusterGain * internalScale * ofRoom, reverbLayerGain * internalScale * ofRoom);
 }
 
 /// The inputs, but for channels with samples that aren't finite: of these, copies where such samples are 0. A single
@@ -269,7 +278,8 @@ void OrvanVerb::SetSamplerate(float newSamplerate) {
         roomSendRamps[i].SetSamplerate(newSamplerate);
         directDistanceRamps[i].SetSamplerate(newSamplerate);
     }
-    for (orvandsp::Ramp* ramp : {&directLayer.gainRamp, &earlyLayer.gainRamp, &clusterLayer.gainRamp, &reverbGainRamp})
+    for (orvandsp::Ramp* ramp : {&directLayer.gainRamp, &earlyLayer.gainRamp, &clusterLayer.gainRamp, &reverbGainRamp,
+                                 &directLevelRamp, &roomLevelRamp})
         ramp->SetSamplerate(newSamplerate);
     early->SetSamplerate(newSamplerate);
     cluster->SetSamplerate(newSamplerate);

@@ -234,6 +234,17 @@ public:
     HLShelfParameters const& GetRoomParameters() const noexcept { return roomLayer.parameters; }
     /// @}
 
+    /// @name Levels of the whole layers
+    /// What is heard of the direct sound, and of all that the room answers, on top of every other gain: for whoever
+    /// balances the two without touching the room. They belong to no set of parameters. Default 0, minus infinity
+    /// switches off; in 100 ms.
+    /// @{
+    void SetDirectLevel(float gainDb);
+    void SetRoomLevel(float gainDb);
+    float GetDirectLevel() const noexcept { return directLevel; }
+    float GetRoomLevel() const noexcept { return roomLevel; }
+    /// @}
+
     /// @name Early reflections
     /// Gain and shelf act on what is heard of the early reflections, not on what they feed into the cluster. Ranges as
     /// for the direct sound.
@@ -413,7 +424,8 @@ protected:
     bool useAirAbsorption = LumeDefaultParameters::DefaultReverbAirAbsorption;
     float airAbsorptionRolloffFrequency = LumeDefaultParameters::DefaultAirRolloffFrequency;  // [Hz]
     bool infinite = LumeDefaultParameters::DefaultReverbInfinite;
-    float elevation = 0.0f;  // [degrees]
+    float elevation = 0.0f;                      // [degrees]
+    float directLevel = 0.0f, roomLevel = 0.0f;  // of whole layers [dB]
 
     std::unique_ptr<Early> early;
     std::unique_ptr<Cluster> cluster;
@@ -429,6 +441,8 @@ protected:
     Layer earlyLayer;
     Layer clusterLayer;
     orvandsp::Ramp reverbGainRamp;
+    orvandsp::Ramp directLevelRamp{1.0f, 1.0f, 1.0f};
+    orvandsp::Ramp roomLevelRamp{1.0f, 1.0f, 1.0f};
     std::unique_ptr<orvandsp::AudioBuffer> sourceBus;    // N channels
     std::unique_ptr<orvandsp::AudioBuffer> roomBus;      // 1 channel
     std::unique_ptr<orvandsp::AudioBuffer> earlyMixBus;  // 2 channels

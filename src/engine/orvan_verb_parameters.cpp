@@ -91,6 +91,16 @@ void OrvanVerb::Set(float& stored, float value, Layer& layer) {
     if (Take(stored, value)) UpdateShelf(layer);
 }
 
+void OrvanVerb::SetDirectLevel(float gainDb) {
+    if (!TakeLevel(directLevel, gainDb)) return;
+    directLevelRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
+}
+
+void OrvanVerb::SetRoomLevel(float gainDb) {
+    if (!TakeLevel(roomLevel, gainDb)) return;
+    roomLevelRamp.Start(DecibelsToAmplitude(gainDb), DefaultRampTime);
+}
+
 void OrvanVerb::SetReverbParameters(ReverbDspParameters const& parameters) {
     SetReverbGain(parameters.gain);
     SetDecayTime(parameters.decayTime);

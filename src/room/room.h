@@ -33,11 +33,12 @@ namespace Lume {
 /// would never leave a room are kept out, and a room that gives such is emptied; ears that change while it runs; its
 /// whole state as a value and as text (RoomState).
 ///
-/// Threads: one at a time. Set, PlaceSource, PlaceSpeaker, SetOrientation, SetMuted, SetBypassed, Clear, TakeEars and
-/// Process are real-time safe (no heap, no lock, bounded), but for PlaceSpeaker in the formats angular, vbap, vdbap and
-/// dome, which look for pairs or triplets anew; call them on the audio thread between two blocks, or send them from
-/// other threads by a RoomQueue. Everything else allocates or reads files and must not run beside Process; of the calls
-/// that other threads may make meanwhile there is one, PrepareEars. The thread's floating-point mode stays as it was.
+/// Threads: one at a time. Set, SetDirectLevel, SetRoomLevel, PlaceSource, PlaceSpeaker, SetOrientation, SetMuted,
+/// SetBypassed, Clear, TakeEars and Process are real-time safe (no heap, no lock, bounded), but for PlaceSpeaker in the
+/// formats angular, vbap, vdbap and dome, which look for pairs or triplets anew; call them on the audio thread between
+/// two blocks, or send them from other threads by a RoomQueue. Everything else allocates or reads files and must not
+/// run beside Process; of the calls that other threads may make meanwhile there is one, PrepareEars. The thread's
+/// floating-point mode stays as it was.
 class Room {
 public:
     static constexpr float maxCoordinate = 1e6f;                                ///< [m]
@@ -122,6 +123,18 @@ public:
     bool Set(std::size_t control, float value);
     /// @param control  below roomControls.size()
     float Get(std::size_t control) const { return roomControls[control].get(*engine); }
+
+    /// Level of the direct sound, and of all that the room answers, on top of every control: to balance the two without
+    /// touching the room. No part of its state. Real-time safe, in 100 ms.
+    /// @param gainDb  default 0; minus infinity switches off
+    /// @return false, and nothing has changed, for what is no level
+    bool SetDirectLevel(float gainDb);
+    bool SetRoomLevel(float gainDb);
+    float DirectLevel() const noexcept { return engine->GetDirectLevel(); }
+    float RoomLevel() const noexcept { return engine->GetRoomLevel(); }
+
+    /// What to tell of a room that has so few channels that it can't keep its decay time; empty if there is nothing.
+    std::string InternalsRemark() const;
 
     /// A position with its coordinates brought within maxCoordinate.
     static CartesianVector Limited(CartesianVector const& position) noexcept;

@@ -111,6 +111,8 @@ TEST(Room, ListenerAndEarsChangeWithoutMemoryAndLeaveTheFloatingPointMode) {
         ASSERT_TRUE(DenormalsCount());
         const long allocations = AllocationCount(), locks = LockCount();
         room.SetOrientation({30.0f, 10.0f, -5.0f});
+        room.SetDirectLevel(-6.0f);
+        room.SetRoomLevel(-6.0f);
         const bool taken = !room.HasEars() || room.TakeEars(ears);
         for (int i = 0; i < 100; ++i) room.Process(arrays.data(), arrays.data(), 48);
         EXPECT_EQ(AllocationCount() - allocations, 0) << speakers;
@@ -137,6 +139,34 @@ TEST(Room, LimitsValuesAndRefusesWhatIsNoNumber) {
     EXPECT_FALSE(room.PlaceSpeaker(4, {1.0f, 1.0f, 0.0f}));
     EXPECT_FALSE(room.SetOrientation({notANumber, 0.0f, 0.0f}));
     EXPECT_EQ(room.GetOrientation(), Lume::Orientation{});
+}
+
+// Red if a level reaches the other layer, misses one of early reflections, cluster and late field, sets aside a
+// control, leaves a rest of what is switched off, or gets into the state.
+TEST(Room, LevelsAreThoseOfWholeLayersOnTopOfTheControls) {
+    constexpr float off = -std::numeric_limits<float>::infinity();
+    const auto play = [](float direct, float roomDb) {
+        Room room(2, 5);
+        room.Set(ControlIndex("direct_gain"), -3.0f);
+        room.Set(ControlIndex("early_gain"), 2.0f);
+        const std::string before = room.SaveState().Text();
+        EXPECT_TRUE(room.SetDirectLevel(direct) && room.SetRoomLevel(roomDb));
+        EXPECT_FALSE(room.SetDirectLevel(notANumber) || room.SetRoomLevel(-off));
+        EXPECT_EQ(room.SaveState().Text(), before);
+        room.Configure(48000.0f, 64);
+        room.Settle();
+        return Play(room, 8000, 20000);
+    };
+    const Recording whole = play(0.0f, 0.0f), direct = play(0.0f, off), answer = play(off, 0.0f),
+                    mixed = play(6.0206f, -6.0206f), silent = play(off, off);
+    EXPECT_GT(LevelDb(direct[0]), -60.0);
+    EXPECT_GT(LevelDb(answer[0]), -60.0);
+    for (std::size_t c = 0; c < whole.size(); ++c)
+        for (std::size_t i = 0; i < whole[c].size(); ++i) {
+            ASSERT_NEAR(direct[c][i] + answer[c][i], whole[c][i], 2e-6f) << c << " " << i;
+            ASSERT_NEAR(2.0f * direct[c][i] + 0.5f * answer[c][i], mixed[c][i], 2e-6f) << c << " " << i;
+            ASSERT_EQ(silent[c][i], 0.0f);
+        }
 }
 
 // Red if a shape, a rate or a size that the engine itself doesn't ask about gets through, or leaves a trace.
