@@ -43,13 +43,11 @@ void Run(LiveOptions const& options) {
 
     if (options.fromFile) {
         FileAudio audio;
-        audio.output = options.room.output;
-        audio.format = program::ChooseFormat({}, options.room.output);
         audio.freeRunning = options.freeRunning;
         audio.repeats = !options.once && !options.freeRunning;
         audio.vectorSize = setup.VectorSize();
         if (audio.repeats) program::Say("playing " + options.room.inputs[0] + " again and again; Ctrl-C ends it");
-        PlayFile(audio, *recording, options.room.inputs, setup.form, desk, stop);
+        PlayFile(audio, *recording, options.room, setup.form, desk, stop);
     } else {
         PlayJack({options.name, options.connectIn, options.connectOut, options.record, options.recordInputs,
                   setup.form.layout},

@@ -48,7 +48,9 @@ private:
 class PythonRoom {
 public:
     PythonRoom(unsigned int sources, unsigned int speakers, unsigned int internals, float newRate)
-        : room(sources, speakers, internals), rate(Checked(newRate)), ears(static_cast<int>(rate), true) {}
+        : room(sources, speakers, internals),
+          rate(Checked(newRate)),
+          ears(static_cast<int>(rate), program::EarsCache::Fitting::kept) {}
 
     void Set(std::string const& name, float value) {
         const Use use(busy);

@@ -13,6 +13,14 @@
 
 namespace {
 
+/// The number behind a name in JSON.
+double JsonNumberIn(std::string const& json, std::string const& name) {
+    const std::string before = "\"" + name + "\": ";
+    const std::size_t at = json.find(before);
+    EXPECT_NE(at, std::string::npos) << name << " in " << json;
+    return at == std::string::npos ? 0.0 : std::stod(json.substr(at + before.size()));
+}
+
 // The built-in rooms answer after 22 ms: up to there a rendered impulse holds the direct sound alone.
 constexpr std::size_t directFrames = 1000;  // at 48 kHz
 
@@ -163,7 +171,8 @@ TEST_F(Rendering, MemoryDoesNotGrowWithTheInput) {
     long memoryKb[2] = {};
     for (int i = 0; i < 2; ++i) {
         WriteSound(directory / "in.wav", MakeTone(440.0, 2.0, 48000), SF_FORMAT_WAV | SF_FORMAT_FLOAT, i == 0 ? 1 : 60);
-        const RunResult run = RunProgram({"render", directory / "in.wav", "-o", directory / "out.wav", "--tail", "0"});
+        const RunResult run = RunProgram(
+            {"render", directory / "in.wav", "-o", directory / "out.wav", "--tail", "0", "--normalize", "-1"});
         ASSERT_EQ(run.status, 0) << run.err;
         memoryKb[i] = run.peakMemoryKb;
     }
@@ -184,6 +193,74 @@ TEST_F(Rendering, AGainKeepsAnOutputFromClipping) {
     EXPECT_EQ(mended.err.find("clipped"), std::string::npos) << mended.err;
     EXPECT_NE(mended.err.find("peak -0."), std::string::npos) << mended.err;
     ExpectComplaint(RunProgram(Joined(loud, {"loud"})), 2, "--gain: 'loud' is no level from -120 to 60 dB");
+}
+
+// Red if a level acts on the other layer, on the state, or not on what is told; the ratio is checked by energies.
+TEST_F(Rendering, LevelsOfDirectSoundAndRoomAreTheRenderingsOwn) {
+    const auto energy = [this](std::vector<std::string> const& levels) {
+        double sum = 0.0;
+        const Sound sound =
+            ImpulseResponse("5.1", "-45", "2", Joined({"--tail", "2", "--save-state", directory / "state"}, levels));
+        for (const double channel : Energies(sound, 0, sound.NumFrames())) sum += channel;
+        return sum;
+    };
+    const double direct = energy({"--room", "-inf"});
+    const std::string state = ReadText(directory / "state");
+    EXPECT_NEAR(direct, directPower / 16.0, 1e-6);
+    const double room = energy({"--direct", "-inf", "--room", "-3"});
+    EXPECT_EQ(state, ReadText(directory / "state"));
+    const RunResult run = RunProgram({"ir", "-o", directory / "ir.wav", "--speakers", "5.1", "--source", "1", "-45",
+                                      "0", "2", "--room", "-3", "--json"});
+    EXPECT_NEAR(JsonNumberIn(run.out, "direct_to_room_db"), 10.0 * std::log10(direct / room), 0.02);
+    EXPECT_NE(run.err.find("; direct to room "), std::string::npos) << run.err;
+    ExpectComplaint(RunProgram({"ir", "-o", directory / "ir.wav", "--room", "of"}), 2,
+                    "--room: 'of' is no level from -120 to 60 dB, or -inf");
+}
+
+// Red if the peak is another one, in files or pipes, if a full disk isn't told or leaves anything, or if what waits for
+// its level waits in memory.
+TEST_F(Rendering, NormalizesToAPeak) {
+    const std::vector<std::string> words{"ir", "--tail", "0.5", "--normalize", "-6.0206", "-o"};
+    const RunResult run = RunProgram(Joined(words, {directory / "out.wav", "--format", "pcm24", "--json"}));
+    const Sound usual = ImpulseResponse("2", "0", "1"), sound = ReadSound(directory / "out.wav");
+    const auto peak = [](Sound const& of) {
+        float loudest = 0.0f;
+        for (auto const& channel : of.samples)
+            for (const float sample : channel) loudest = std::max(loudest, std::abs(sample));
+        return loudest;
+    };
+    EXPECT_NEAR(peak(sound), 0.5f, 1e-6f);
+    EXPECT_NEAR(JsonNumberIn(run.out, "gain_db"), 20.0 * std::log10(0.5 / static_cast<double>(peak(usual))), 0.006);
+    EXPECT_EQ(JsonNumberIn(run.out, "clipped_samples"), 0.0);
+    EXPECT_EQ(RunProgram(Joined(words, {"-"}), {}, {}).out.substr(0, 4), ".snd");
+    const std::size_t numFiles = directory.NumFiles();
+    ExpectComplaint(RunProgram(Joined(words, {directory / "new.wav"}), "ulimit -f 16;"), 1, "new.wav");
+    EXPECT_EQ(directory.NumFiles(), numFiles);
+    ExpectComplaint(RunProgram(Joined(words, {directory / "new.wav", "--gain", "3"})), 2, "--gain");
+}
+
+// Red if a dry run leaves a file, misses what the real one would refuse, or tells another length; if a quiet run talks,
+// or keeps its warnings to itself.
+TEST_F(Rendering, DryRunsWriteNothingAndQuietOnesOnlyWarn) {
+    WriteSound(directory / "in.wav", MakeTone(440.0, 0.25, 48000));
+    const std::vector<std::string> words{"render", directory / "in.wav", "--tail", "0.5", "-o"};
+    const RunResult dry =
+        RunProgram(Joined(words, {directory / "out.wav", "--save-state", directory / "state", "--dry-run", "--json"}));
+    EXPECT_EQ(dry.status, 0) << dry.err;
+    EXPECT_EQ(directory.NumFiles(), 1u);
+    EXPECT_EQ(JsonNumberIn(dry.out, "seconds"), 0.25);
+    EXPECT_NE(dry.err.find("out.wav: 2 channels, 32-bit float WAV, 48000 Hz, 0.750 s, 0.29 MB"), std::string::npos)
+        << dry.err;
+    ExpectComplaint(RunProgram(Joined(words, {directory / "no/out.wav", "--dry-run"})), 1, "no/out.wav");
+    ExpectComplaint(RunProgram(Joined(words, {directory / "out.flac", "--dry-run", "--speakers", "9"})), 2,
+                    "holds at most 8 channels");
+    const RunResult quiet = RunProgram(Joined(words, {directory / "out.wav", "--quiet"}));
+    EXPECT_EQ(quiet.err, "");
+    const RunResult warned = RunProgram(
+        Joined(words, {directory / "out.wav", "-q", "--gain", "30", "--format", "pcm16", "--set", "numinternals=3"}));
+    EXPECT_NE(warned.err.find("3 internal channels"), std::string::npos) << warned.err;
+    EXPECT_NE(warned.err.find(" dB at 0."), std::string::npos) << warned.err;
+    EXPECT_EQ(std::count(warned.err.begin(), warned.err.end(), '\n'), 2) << warned.err;
 }
 
 // Two places in a file were headphones without a word.

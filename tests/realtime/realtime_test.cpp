@@ -216,7 +216,7 @@ TEST(RealTime, Fronts) {
     plugin::HostedRoom hosted(max::ParseAtoms("@numsources 2 @numspeakers 4"), {});
     hosted.Start(rate, block);
     Watch("hosted room", [&](Random&) { hosted.Process(in.pointers.data(), out.pointers.data()); });
-    program::EarsCache ears(48000, false);
+    program::EarsCache ears(48000, program::EarsCache::Fitting::anew);
     program::RoomObject object(2, 4, "8", nullptr, ears);
     object.Start(48000, block);
     Watch("program", [&](Random&) { object.Process(out.pointers.data(), in.pointers.data()); });

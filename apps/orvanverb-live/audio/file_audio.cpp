@@ -5,11 +5,7 @@
 #include <chrono>
 
 #include "dsp/constants.h"
-#include "orvanverb/audio/audio_output.h"
-#include "orvanverb/audio/peak_meter.h"
-#include "orvanverb/audio/streaming.h"
-#include "orvanverb/common/messages.h"
-#include "orvanverb/common/text.h"
+#include "orvanverb/job/job.h"
 
 namespace live {
 
@@ -73,36 +69,26 @@ private:
 
 }  // namespace
 
-void PlayFile(FileAudio const& audio, program::InputBank& recording, std::vector<std::string> const& inputs,
+void PlayFile(FileAudio const& audio, program::InputBank& recording, program::Options const& options,
               program::RoomForm const& form, Desk& desk, StopSignal const& stop) {
     const int rate = recording.Samplerate();
-    const auto begin = Clock::now();
-    Endless source(recording, inputs, audio.repeats, stop);
-    program::SpeakerLayout const& layout = form.layout;
-    const unsigned int numChannels = layout.NumFileChannels();
-    program::AudioOutput output(audio.output, audio.format, rate, numChannels, layout.channelMask);
-    program::PeakMeter meter(numChannels);
+    program::Job job(options, std::make_unique<Endless>(recording, options.inputs, audio.repeats, stop), rate);
     Player& player = desk.Attach(rate, audio.vectorSize);
     desk.SetStatus(audio.freeRunning ? "a file, as fast as it goes" : "a file", -1);
 
     Pace pace(rate);
-    program::Streaming streaming;
-    streaming.samplerate = rate;
-    streaming.vectorSize = audio.vectorSize;
-    streaming.numInputs = desk.NumSources();
-    streaming.numOutputs = desk.NumOutputs();
-    streaming.fileOrder = layout.fileOrder;
-    streaming.tail = audio.tail;
-    streaming.prepare = [&](std::uint64_t beforeFrame) {
+    program::Machine machine;
+    machine.vectorSize = audio.vectorSize;
+    machine.numInputs = desk.NumSources();
+    machine.layout = &form.layout;
+    machine.channels = form.ChannelWords();
+    machine.tail = options.tail;
+    machine.prepare = [&](std::uint64_t beforeFrame) {
         if (!audio.freeRunning && !stop.IsRequested()) pace.Wait(beforeFrame, stop);
     };
-    streaming.process = [&](float** outputs, float** channels) { player.Process(outputs, channels, audio.vectorSize); };
-    program::Stream(source, streaming, output, meter);
-    output.Commit();
+    machine.process = [&](float** outputs, float** channels) { player.Process(outputs, channels, audio.vectorSize); };
+    job.Run(machine);
     desk.Detach();
-
-    program::ReportOutput(audio.output, audio.format, output, meter, form.ChannelWords(), rate,
-                          std::chrono::duration<double>(Clock::now() - begin).count());
 }
 
 }  // namespace live

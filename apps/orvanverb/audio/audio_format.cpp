@@ -38,13 +38,14 @@ struct SamplesRow {
     char const* name;
     char const* description;
     int sndfileFormat;
+    std::size_t bytes;
 };
 
 constexpr std::array<SamplesRow, 4> samples{{
-    {"pcm16", "16-bit", SF_FORMAT_PCM_16},
-    {"pcm24", "24-bit", SF_FORMAT_PCM_24},
-    {"float", "32-bit float", SF_FORMAT_FLOAT},
-    {nullptr, "Vorbis", SF_FORMAT_VORBIS},  // comes with its container
+    {"pcm16", "16-bit", SF_FORMAT_PCM_16, 2},
+    {"pcm24", "24-bit", SF_FORMAT_PCM_24, 3},
+    {"float", "32-bit float", SF_FORMAT_FLOAT, 4},
+    {nullptr, "Vorbis", SF_FORMAT_VORBIS, 0},  // comes with its container
 }};
 
 ContainerRow const& Row(Container container) {
@@ -96,6 +97,10 @@ int AudioFormat::SndfileFormat() const {
 
 unsigned int AudioFormat::MaxChannels() const {
     return Row(container).maxChannels;
+}
+
+std::size_t AudioFormat::BytesPerSample() const {
+    return container == Container::Flac ? 0 : Row(samples).bytes;
 }
 
 std::string Describe(AudioFormat const& format) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,8 @@ struct AudioFormat {
     int SndfileFormat() const;
     /// The most channels that it holds.
     unsigned int MaxChannels() const;
+    /// What a sample takes; 0 where that is not known before.
+    std::size_t BytesPerSample() const;
     /// Whether it can be written where nobody can go back to fill in a length.
     bool GoesThroughPipes() const { return container == Container::Au || container == Container::Raw; }
 };

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "orvanverb/audio/channel_mask.h"
+#include "orvanverb/audio/vector_channels.h"
 #include "orvanverb/common/program_error.h"
 
 namespace program {
@@ -25,9 +26,7 @@ std::string SystemMessage() {
 AudioOutput::AudioOutput(std::string const& path, AudioFormat const& newFormat, int samplerate, unsigned int channels,
                          std::uint32_t newChannelMask)
     : part(path), format(newFormat), numChannels(channels), channelMask(newChannelMask) {
-    if (channels > format.MaxChannels())
-        throw UsageError(path + ": " + Describe(format) + " holds at most " + std::to_string(format.MaxChannels()) +
-                         " channels, there are " + std::to_string(channels));
+    RequireChannels(path, format, channels);
     SF_INFO info{};
     info.samplerate = samplerate;
     info.channels = static_cast<int>(channels);
@@ -40,11 +39,20 @@ AudioOutput::AudioOutput(std::string const& path, AudioFormat const& newFormat, 
     sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
 }
 
+void AudioOutput::RequireChannels(std::string const& path, AudioFormat const& format, unsigned int channels) {
+    if (channels > format.MaxChannels())
+        throw UsageError(path + ": " + Describe(format) + " holds at most " + std::to_string(format.MaxChannels()) +
+                         " channels, there are " + std::to_string(channels));
+}
+
+void AudioOutput::WriteInterleaved(std::span<float const> samples) {
+    interleaved.insert(interleaved.end(), samples.begin(), samples.end());
+    numFrames += samples.size() / numChannels;
+    if (interleaved.size() >= pieceFrames * numChannels) Flush();
+}
+
 void AudioOutput::Write(float const* const* channels, std::size_t frames) {
-    const std::size_t begin = interleaved.size();
-    interleaved.resize(begin + frames * numChannels);
-    for (std::size_t c = 0; c < numChannels; ++c)
-        for (std::size_t i = 0; i < frames; ++i) interleaved[begin + i * numChannels + c] = channels[c][i];
+    AppendInterleaved(interleaved, channels, numChannels, frames);
     numFrames += frames;
     if (interleaved.size() >= pieceFrames * numChannels) Flush();
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -23,9 +24,14 @@ public:
     AudioOutput(std::string const& path, AudioFormat const& format, int samplerate, unsigned int channels,
                 std::uint32_t channelMask);
 
+    /// @throws UsageError for more channels than a format holds
+    static void RequireChannels(std::string const& path, AudioFormat const& format, unsigned int channels);
+
     /// Appends planar samples. They reach the file in larger pieces.
     /// @throws WorkError when the disk is full or the like
     void Write(float const* const* channels, std::size_t frames);
+    /// The same for interleaved ones.
+    void WriteInterleaved(std::span<float const> samples);
 
     /// Ends the file and gives it its name.
     void Commit();

@@ -38,6 +38,14 @@ double InputBank::ExpectedFrames() const {
     return gapFrames ? sum + static_cast<double>(*gapFrames * (entries.size() - 1)) : longest;
 }
 
+std::vector<SignalSource::Origin> InputBank::Origins() const {
+    std::vector<Origin> origins;
+    for (Entry const& entry : entries)
+        origins.push_back(
+            {entry.input->Path(), entry.input->NumChannels(), entry.input->Samplerate(), entry.input->NumFrames()});
+    return origins;
+}
+
 std::size_t InputBank::Read(float* const* channels, std::size_t frames) {
     for (std::size_t c = 0; c < numChannels; ++c) std::fill_n(channels[c], frames, 0.0f);
     return gapFrames ? ReadInTurn(channels, frames) : ReadTogether(channels, frames);

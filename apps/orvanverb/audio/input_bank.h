@@ -22,6 +22,7 @@ public:
     unsigned int NumChannels() const override { return numChannels; }
     std::size_t Read(float* const* channels, std::size_t frames) override;
     double ExpectedFrames() const override;
+    std::vector<Origin> Origins() const override;
 
     int Samplerate() const noexcept { return samplerate; }
 

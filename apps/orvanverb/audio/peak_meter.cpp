@@ -24,8 +24,18 @@ void PeakMeter::Add(float const* const* channels, std::size_t frames) {
         for (std::size_t i = 0; i < frames; ++i) peak = std::max(peak, Magnitude(channels[c][i]));
         peaks[c] = std::max(peaks[c], peak);
         lastBlock = std::max(lastBlock, peak);
+        if (!(peak > loudest)) continue;
+        loudest = peak;
+        std::size_t first = 0;
+        while (Magnitude(channels[c][first]) != peak) ++first;
+        place = {c, numFrames + first};
     }
-    loudest = std::max(loudest, lastBlock);
+    numFrames += frames;
+}
+
+void PeakMeter::Scale(float gain) {
+    for (float* const peak : {&loudest, &lastBlock}) *peak *= gain;
+    for (float& peak : peaks) peak *= gain;
 }
 
 std::string DecibelText(float linear) {

@@ -16,4 +16,8 @@ private:
     std::vector<float*> pointers;
 };
 
+/// Appends planar samples in the order of files: one of each channel, then the next.
+void AppendInterleaved(std::vector<float>& interleaved, float const* const* channels, std::size_t numChannels,
+                       std::size_t frames);
+
 }  // namespace program

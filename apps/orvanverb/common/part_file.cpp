@@ -37,6 +37,14 @@ fs::path BehindLinks(fs::path path) {
     return path;
 }
 
+[[noreturn]] void Refuse(std::string const& path, std::string const& why) {
+    throw WorkError(path + ": can't be written: " + why);
+}
+
+void RefuseTerminal() {
+    if (isatty(STDOUT_FILENO) != 0) Refuse("standard output", "is a terminal; send it to a file or into a pipe");
+}
+
 bool IsPartName(std::string_view name, std::string_view prefix) {
     return name.size() == prefix.size() + numLetters && name.starts_with(prefix) &&
            name.find_first_not_of(letters, prefix.size()) == std::string_view::npos;
@@ -53,6 +61,16 @@ bool IsPipe(std::string const& path) {
     struct stat status {};
     const int failed = path == standardOutputName ? fstat(STDOUT_FILENO, &status) : stat(path.c_str(), &status);
     return failed == 0 && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
+}
+
+void RequireWritable(std::string const& path) {
+    std::error_code ignored;
+    if (path == standardOutputName) return RefuseTerminal();
+    const fs::path target = fs::absolute(BehindLinks(path), ignored);
+    const bool isThere = fs::exists(target, ignored);
+    if (isThere && access(target.c_str(), W_OK) != 0) Refuse(path, std::generic_category().message(errno));
+    if (!IsReplaceable(path)) return;
+    if (access(target.parent_path().c_str(), W_OK | X_OK) != 0) Refuse(path, std::generic_category().message(errno));
 }
 
 PartFile::PartFile(std::string newPath) : path(std::move(newPath)) {
@@ -79,7 +97,7 @@ PartFile::~PartFile() {
 }
 
 void PartFile::Fail(std::string const& why) const {
-    throw WorkError(path + ": can't be written: " + why);
+    Refuse(path, why);
 }
 
 void PartFile::FailAsErrno() const {
@@ -102,7 +120,7 @@ void PartFile::RemoveStaleParts() const {
 void PartFile::OpenInPlace() {
     const bool isStandard = path == standardOutputName;
     if (isStandard) path = "standard output";
-    if (isStandard && isatty(STDOUT_FILENO) != 0) Fail("is a terminal; send it to a file or into a pipe");
+    if (isStandard) RefuseTerminal();
     // libsndfile also reads where it can go back.
     const int mode = IsPipe(path) ? O_WRONLY : O_RDWR;
     descriptor = isStandard ? dup(STDOUT_FILENO) : open(path.c_str(), mode | O_CLOEXEC);

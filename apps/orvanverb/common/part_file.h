@@ -18,6 +18,10 @@ bool IsReplaceable(std::string const& path);
 /// Whether an output can't be gone back in: a named pipe, or standard output where that is one.
 bool IsPipe(std::string const& path);
 
+/// Tells without writing anything what a PartFile would complain of.
+/// @throws WorkError that names the file, if it can't be written there
+void RequireWritable(std::string const& path);
+
 /// A file in the making. What is written goes to a part beside the wanted file, which takes its name when all is done:
 /// what stands under the final name is whole, and an existing file stays as it was until then. The new one has the
 /// rights of the one that it replaces, and stands where a symbolic link leads.

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "orvanverb/common/messages.h"
 #include "orvanverb/common/text.h"
 
 namespace program {
@@ -15,7 +16,8 @@ constexpr char const* wipeLine = "\r\033[K";
 
 }  // namespace
 
-ProgressLine::ProgressLine(std::FILE* newStream) : stream(isatty(fileno(newStream)) != 0 ? newStream : nullptr) {}
+ProgressLine::ProgressLine(std::FILE* newStream)
+    : stream(isatty(fileno(newStream)) != 0 && !IsQuiet() ? newStream : nullptr) {}
 
 void ProgressLine::Show(double seconds, double expected) {
     if (!IsDue()) return;

@@ -7,7 +7,7 @@
 namespace program {
 
 /// One line on a terminal that says how far the work is, rewritten a few times a second and wiped at the end. Where the
-/// stream is no terminal it stays silent.
+/// stream is no terminal, or all is to be quiet, it stays silent.
 class ProgressLine {
 public:
     explicit ProgressLine(std::FILE* stream);

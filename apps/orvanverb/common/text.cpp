@@ -80,6 +80,10 @@ std::string DidYouMean(std::string_view word, std::vector<std::string> const& na
     return nearest.empty() ? "" : " (did you mean " + nearest + "?)";
 }
 
+std::string Counted(std::size_t number, std::string const& what) {
+    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
 std::string NumberText(float value) {
     std::array<char, 64> text{};
     const auto result = std::to_chars(text.data(), text.data() + text.size(), value);

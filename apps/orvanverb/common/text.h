@@ -26,6 +26,9 @@ std::optional<unsigned int> ParseCount(std::string_view word);
 /// most letters right; empty if there is none. " (did you mean tr0?)"
 std::string DidYouMean(std::string_view word, std::vector<std::string> const& names);
 
+/// "1 channel", "2 channels".
+std::string Counted(std::size_t number, std::string const& what);
+
 /// The shortest text that reads back as the same number: 0.1, 30, -7.5.
 std::string NumberText(float value);
 

@@ -48,6 +48,8 @@ void TakeMeaning(Words const& words, DecodeOptions& decode) {
     }
     if (decode.output == standardOutputName && decode.matrix)
         throw UsageError("--matrix: is printed on standard output, where the feeds go");
+    if (decode.matrix && decode.json)
+        throw UsageError("--matrix: is printed on standard output, where the summary of --json goes");
     if (decode.output.empty() && !decode.matrix) throw UsageError("--output: is required");
 }
 

@@ -133,7 +133,7 @@ void DecodeSetup::SetUpField(DecodeOptions const& options, int samplerate) {
     if (field == Field::ears) {
         std::unique_ptr<Lume::Hrtf> set;
         if (options.hrtf) {
-            EarsCache cache(samplerate, !options.noCache);
+            EarsCache cache(samplerate, FittingOf(options));
             const std::string path = cache.Playable(*options.hrtf).string();
             RequireSetFile(path, ".hrtf or .coll");
             LoadQuietly(path, [&](std::string const& name) { set = std::make_unique<Lume::Hrtf>(name.c_str()); });

@@ -29,6 +29,9 @@ public:
     /// @return lines to be shown
     std::vector<std::string> Advance(std::uint64_t beforeFrame);
 
+    /// What to say of a scene that goes on behind the end; empty if it doesn't.
+    std::string PendingRemark() const { return soundField ? soundField->PendingRemark() : std::string(); }
+
     /// Runs the decoder over one vector, in the blocks that its filters prescribe if they do so.
     void Process(float** outputs, float** inputs);
 

@@ -31,6 +31,9 @@ public:
     /// @return lines to be shown
     std::vector<std::string> Advance(std::uint64_t beforeFrame);
 
+    /// What to say of a scene that goes on behind the end; empty if it doesn't.
+    std::string PendingRemark() const { return scene ? scene->PendingRemark() : std::string(); }
+
     /// @return one vector for each channel, valid until the next call
     float** Process(float** inputs);
 

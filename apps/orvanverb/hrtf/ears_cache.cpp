@@ -74,13 +74,17 @@ fs::path NewTemporaryFile() {
     return name;
 }
 
-std::string FittedBytes(fs::path const& path, int samplerate) {
+std::string FittedBytes(fs::path const& path, int samplerate, bool quick) {
     const MeasuredSet measured = ReadSofaFile(path.string());
-    Say(path.string() + ": fitting " + std::to_string(2 * measured.directions.size()) + " filters for " +
-        std::to_string(samplerate) + " Hz, which takes a while ...");
+    if (quick)
+        Say(path.string() + ": would be fitted for " + std::to_string(samplerate) + " Hz");
+    else
+        Say(path.string() + ": fitting " + std::to_string(2 * measured.directions.size()) + " filters for " +
+            std::to_string(samplerate) + " Hz, which takes a while ...");
     ProgressLine progress(stderr);
     ConversionSettings settings;
     settings.samplerate = samplerate;
+    settings.fir = quick;
     settings.tell = [&](double part) { progress.ShowPart("fitting", part); };
     ConversionErrors errors;
     try {
@@ -91,6 +95,11 @@ std::string FittedBytes(fs::path const& path, int samplerate) {
 }
 
 }  // namespace
+
+EarsCache::Fitting FittingOf(Options const& options) {
+    using enum EarsCache::Fitting;
+    return options.dryRun ? quick : options.noCache ? anew : kept;
+}
 
 EarsCache::Temporary::~Temporary() {
     std::error_code none;
@@ -127,11 +136,11 @@ fs::path EarsCache::FittedFor(Lume::EarsFile const& measurements) {
 fs::path EarsCache::Fit(Lume::EarsFile const& measurements) {
     const std::string name =
         Digits(measurements.checksum) + "-" + std::to_string(samplerate) + "-" ORVANVERB_VERSION "-";
-    const fs::path folder = keep ? UserFolder("XDG_CACHE_HOME", ".cache") : fs::path();
+    const fs::path folder = fitting != Fitting::anew ? UserFolder("XDG_CACHE_HOME", ".cache") : fs::path();
     if (!folder.empty())
         if (const std::optional<fs::path> kept = FindKept(folder, name)) return *kept;
-    const std::string bytes = FittedBytes(measurements.path, samplerate);
-    if (!folder.empty()) {
+    const std::string bytes = FittedBytes(measurements.path, samplerate, fitting == Fitting::quick);
+    if (!folder.empty() && fitting == Fitting::kept) {
         std::error_code error;
         fs::create_directories(folder, error);
         try {
@@ -139,7 +148,7 @@ fs::path EarsCache::Fit(Lume::EarsFile const& measurements) {
             WholeFile(file.string()).Write(bytes);
             return file;
         } catch (WorkError const& failure) {  // the set is there all the same
-            Say(std::string("warning: the fitted set isn't kept: ") + failure.what());
+            Warn(std::string("warning: the fitted set isn't kept: ") + failure.what());
         }
     }
     temporary.push_back(std::make_unique<Temporary>(NewTemporaryFile()));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "orvanverb/common/interrupt.h"
+#include "orvanverb/options/options.h"
 #include "room/room_state.h"
 
 namespace program {
@@ -18,9 +19,15 @@ namespace program {
 /// program's version; its own checksum is part of the name too, so that a damaged one is fitted anew.
 class EarsCache {
 public:
+    /// What becomes of measurements.
+    enum class Fitting : int {
+        kept,   ///< fitted once, and kept
+        anew,   ///< what was fitted before isn't looked for, and the result goes with this object
+        quick,  ///< where nothing is kept they stay as they are: to check them, not to listen
+    };
+
     /// @param newSamplerate  [Hz]
-    /// @param newKeep        otherwise what was fitted before isn't looked for, and goes with this object
-    EarsCache(int newSamplerate, bool newKeep) : samplerate(newSamplerate), keep(newKeep) {}
+    EarsCache(int newSamplerate, Fitting newFitting) : samplerate(newSamplerate), fitting(newFitting) {}
 
     /// The file to load for one that the user named: itself, unless it holds measurements.
     /// @throws WorkError that names the file
@@ -54,9 +61,12 @@ private:
     std::filesystem::path Fit(Lume::EarsFile const& measurements);
 
     int samplerate;
-    bool keep;
+    Fitting fitting;
     std::vector<Fitted> fitted;
     std::vector<std::unique_ptr<Temporary>> temporary;
 };
+
+/// As options ask for it.
+EarsCache::Fitting FittingOf(Options const& options);
 
 }  // namespace program

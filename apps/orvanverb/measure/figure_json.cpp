@@ -1,9 +1,9 @@
 #include "orvanverb/measure/figure_json.h"
 
 #include <cmath>
-#include <cstdio>
 #include <vector>
 
+#include "orvanverb/common/json.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/measure/figure_columns.h"
 
@@ -14,22 +14,6 @@ namespace {
 using orvanmeasure::BandFigures;
 using orvanmeasure::Figure;
 using orvanmeasure::RoomMeasurement;
-
-std::string Quoted(std::string const& text) {
-    std::string quoted = "\"";
-    for (const char letter : text) {
-        const auto code = static_cast<unsigned char>(letter);
-        if (letter == '"' || letter == '\\') quoted += '\\';
-        if (code < 0x20) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\u%04x", code);
-            quoted += escape;
-        } else {
-            quoted += letter;
-        }
-    }
-    return quoted + '"';
-}
 
 std::string Number(double value) {
     return std::isfinite(value) ? NumberText(static_cast<float>(value)) : "null";
@@ -49,15 +33,15 @@ std::string Series(std::vector<float> const& values, int decimals) {
 }
 
 std::string BandJson(BandFigures const& band, std::size_t numChannels) {
-    std::string text = "{\"band\": " + Quoted(band.band.name), missing;
+    std::string text = "{\"band\": " + JsonString(band.band.name), missing;
     if (!band.band.IsWhole()) text += ", \"centre_hz\": " + Number(band.band.centreHz);
     for (FigureColumn const& column : FigureColumns()) {
         if (column.needsEars && numChannels != 2) continue;
         const Figure figure = column.get(band);
-        text += ", " + Quoted(column.key) + ": " + Number(figure);
+        text += ", " + JsonString(column.key) + ": " + Number(figure);
         if (!figure.IsThere())
-            missing += (missing.empty() ? "" : ", ") + Quoted(column.key) + ": " +
-                       Quoted(WhyMissing(figure, band, column.lowerDb));
+            missing += (missing.empty() ? "" : ", ") + JsonString(column.key) + ": " +
+                       JsonString(WhyMissing(figure, band, column.lowerDb));
     }
     text += ", \"noise_found\": " + std::string(band.floor.found ? "true" : "false");
     if (!band.band.IsWhole()) text += ", \"shortest_decay\": " + Number(orvanmeasure::ShortestDecay(band.band));
@@ -72,7 +56,7 @@ std::string PairJson(orvanmeasure::ChannelPair const& pair) {
 }  // namespace
 
 std::string FigureJson(std::string const& name, RoomMeasurement const& measured) {
-    std::string text = "{\"file\": " + Quoted(name) + ", \"channels\": " + std::to_string(measured.numChannels) +
+    std::string text = "{\"file\": " + JsonString(name) + ", \"channels\": " + std::to_string(measured.numChannels) +
                        ", \"rate_hz\": " + Number(measured.sampleRate) +
                        ", \"seconds\": " + Number(static_cast<double>(measured.length) / measured.sampleRate);
     if (!measured.direct) return text + ", \"silent\": true}";

@@ -35,7 +35,7 @@ ResponseFile ReadResponse(std::string const& path, std::optional<unsigned int> c
         }
     }
     if (input.NumReplaced() > 0)
-        Say(path + ": " + std::to_string(input.NumReplaced()) + " samples were infinite or not a number and became 0");
+        Warn(path + ": " + std::to_string(input.NumReplaced()) + " samples were infinite or not a number and became 0");
     return response;
 }
 

@@ -9,6 +9,8 @@ namespace program {
 std::unique_ptr<Lume::Room> CopyForMeasuring(Lume::OrvanVerb const& engine, Lume::CartesianVector const& position) {
     auto room = std::make_unique<Lume::Room>(1, 8, engine.GetNumInternals());
     for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) room->Set(i, Lume::roomControls[i].get(engine));
+    room->SetDirectLevel(engine.GetDirectLevel());
+    room->SetRoomLevel(engine.GetRoomLevel());
     room->PlaceSource(0, position);
     return room;
 }

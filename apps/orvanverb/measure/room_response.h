@@ -6,8 +6,8 @@
 
 namespace program {
 
-/// A room of one source with the controls of another engine, for a ring of eight: what decays there decays in any
-/// layout.
+/// A room of one source with the controls and levels of another engine, for a ring of eight: what decays there decays
+/// in any layout.
 /// @param position  of the source [m]
 std::unique_ptr<Lume::Room> CopyForMeasuring(Lume::OrvanVerb const& engine, Lume::CartesianVector const& position);
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "orvanverb/common/json.h"
+
 namespace program {
 
 std::string AlignedText(TextRows const& rows) {
@@ -24,14 +26,7 @@ std::string Join(std::vector<std::string> const& words, char const* between) {
 }
 
 std::string JsonText(std::string const& text) {
-    if (text.empty()) return "null";
-    std::string quoted("\"");
-    for (const char letter : text) {
-        if (letter == '"' || letter == '\\') quoted.push_back('\\');
-        quoted.push_back(letter);
-    }
-    quoted.push_back('"');
-    return quoted;
+    return text.empty() ? "null" : JsonString(text);
 }
 
 }  // namespace program

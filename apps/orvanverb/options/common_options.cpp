@@ -4,11 +4,13 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 
 #include "engine/room_format.h"
 #include "orvanverb/common/limits.h"
+#include "orvanverb/common/part_file.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/options/option_values.h"
@@ -46,13 +48,24 @@ std::vector<Options::Setting> ParseSettings(std::vector<std::string> const& word
     return settings;
 }
 
-float ParseGain(std::string const& word) {
-    constexpr float least = -120.0f, greatest = 60.0f;
+constexpr float softest = -120.0f, loudest = 60.0f;  // of what options add [dB]
+
+float ParseLevel(char const* option, std::string const& word, float least, float greatest) {
     const std::optional<float> decibels = ParseNumber(word);
     if (!decibels || *decibels < least || *decibels > greatest)
-        throw UsageError("--gain: '" + word + "' is no level from " + NumberText(least) + " to " +
+        throw UsageError(std::string(option) + ": '" + word + "' is no level from " + NumberText(least) + " to " +
                          NumberText(greatest) + " dB");
-    return std::pow(10.0f, *decibels / 20.0f);
+    return *decibels;
+}
+
+/// The level of a layer, which may be switched off.
+float ParseLayerLevel(char const* option, std::string const& word) {
+    if (word == "-inf" || word == "off") return -std::numeric_limits<float>::infinity();
+    try {
+        return ParseLevel(option, word, softest, loudest);
+    } catch (UsageError const& error) {
+        throw UsageError(error.what() + std::string(", or -inf, which switches it off"));
+    }
 }
 
 double ParseGap(std::string const& word) {
@@ -80,8 +93,17 @@ void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, cha
         ->type_name("NAME")
         ->take_last();
     command.add_option("--gain", words.gain, "Make the output louder or softer [0]")->type_name("DB")->take_last();
+    command
+        .add_option("--normalize", words.normalize,
+                    "Bring the peak of the output to this level, as -1; it is written when all is\nrendered")
+        ->type_name("DBFS")
+        ->take_last();
     command.add_option("--tail", words.tail, tail)->type_name("SECONDS|auto")->take_last();
     AddVector(command, words);
+    command.add_flag("-q,--quiet", options.quiet, "Tell of nothing but warnings and errors");
+    command.add_flag("-n,--dry-run", options.dryRun,
+                     "Check everything, say what would be read and written, write nothing");
+    command.add_flag("--json", options.json, "Print a summary for programs on standard output");
 }
 
 void AddVector(CLI::App& command, CommonWords& words) {
@@ -117,6 +139,12 @@ void AddRoom(CLI::App& command, Options& options, CommonWords& words) {
     command.add_option("--set", words.settings, "Set a control of the room, over the preset; may be repeated")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
+    command.add_option("--direct", words.direct, "Make the direct sound louder or softer, -inf: leave it out [0]")
+        ->type_name("DB")
+        ->take_last();
+    command.add_option("--room", words.room, "The same for all that the room answers [0]")
+        ->type_name("DB")
+        ->take_last();
     command.add_option("--state", options.state, "Begin with a saved state of the room")
         ->type_name("FILE")
         ->take_last();
@@ -192,7 +220,16 @@ void TakeCommonMeaning(CommonWords const& words, Options& options) {
     }
     if (!words.rate.empty()) options.rate = ParseRate(words.rate);
     if (!words.format.empty()) options.format = ParseFormat(words.format);
-    if (!words.gain.empty()) options.gain = ParseGain(words.gain);
+    if (!words.gain.empty()) options.gain = std::pow(10.0f, ParseLevel("--gain", words.gain, softest, loudest) / 20.0f);
+    if (!words.normalize.empty()) {
+        if (!words.gain.empty()) throw UsageError("--gain: changes nothing beside --normalize");
+        options.normalizeDb = ParseLevel("--normalize", words.normalize, softest, 0.0f);
+    }
+    if (!words.direct.empty()) options.directDb = ParseLayerLevel("--direct", words.direct);
+    if (!words.room.empty()) options.roomDb = ParseLayerLevel("--room", words.room);
+    if (options.output == standardOutputName && (options.json || options.reportJson))
+        throw UsageError(std::string(options.json ? "--json" : "--report-json") +
+                         ": is printed on standard output, where the sound goes");
     if (!words.tail.empty()) {
         options.tail = Tail::Parse(words.tail);
         options.tailGiven = true;

@@ -19,10 +19,10 @@ struct CommonWords {
     std::string order;
     std::string preset;
     std::vector<std::string> settings;  // NAME=VALUE
-    std::string rate, format, gain, tail, inTurn, vector;
+    std::string rate, format, gain, normalize, direct, room, tail, inTurn, vector;
 };
 
-/// Adds output, rate, format, tail and vector.
+/// Adds output, rate, format, level, tail, vector, and what is told meanwhile.
 /// @param tail  what it says about itself
 void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, char const* tail);
 

@@ -23,21 +23,8 @@ void Add(Files& files, char const* role, std::optional<std::string> const& path)
 }
 
 Files ReadFiles(Options const& options) {
-    Files files = options.otherReads;
+    Files files = OtherReadFiles(options);
     for (std::string const& input : options.inputs) Add(files, "an input", input);
-    if (options.speakers && !SpeakerLayout::IsName(*options.speakers))
-        Add(files, "the layout of --speakers", options.speakers);
-    Add(files, "the --preset", options.preset);
-    Add(files, "the --scene", options.scene);
-    Add(files, "the --state", options.state);
-    Add(files, "the --hrtf", options.hrtf);
-    return files;
-}
-
-Files WrittenFiles(Options const& options) {
-    Files files = options.otherWrites;
-    Add(files, "the output", options.output);
-    Add(files, "the --save-state", options.saveState);
     return files;
 }
 
@@ -66,6 +53,24 @@ void RequireSeparateFiles(Options const& options) {
 }
 
 }  // namespace
+
+Files OtherReadFiles(Options const& options) {
+    Files files = options.otherReads;
+    if (options.speakers && !SpeakerLayout::IsName(*options.speakers))
+        Add(files, "the layout of --speakers", options.speakers);
+    Add(files, "the --preset", options.preset);
+    Add(files, "the --scene", options.scene);
+    Add(files, "the --state", options.state);
+    Add(files, "the --hrtf", options.hrtf);
+    return files;
+}
+
+Files WrittenFiles(Options const& options) {
+    Files files = options.otherWrites;
+    Add(files, "the output", options.output);
+    Add(files, "the --save-state", options.saveState);
+    return files;
+}
 
 void RequireSafeOutputs(Options const& options) {
     RequireSeparateFiles(options);

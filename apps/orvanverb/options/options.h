@@ -54,10 +54,15 @@ struct Options {
     std::optional<std::string> state;
     std::optional<std::string> saveState;
     bool report = false, reportJson = false;  // of the room, measured
+    bool quiet = false;                       // warnings and errors alone
+    bool dryRun = false;                      // only say what would be done
+    bool json = false;                        // a summary on standard output
     std::vector<Setting> settings;
     Tail tail{std::nullopt};
-    float gain = 1.0f;       // of the output
-    bool tailGiven = false;  // otherwise the command's own default
+    float gain = 1.0f;                     // of the output
+    std::optional<float> normalizeDb;      // peak that the output is brought to [dBFS]
+    float directDb = 0.0f, roomDb = 0.0f;  // levels of the direct sound and of the room's answer
+    bool tailGiven = false;                // otherwise the command's own default
     std::optional<double> inTurnSeconds;
     unsigned int vectorSize = defaultVectorSize;
     bool vectorGiven = false;  // otherwise that of a state

@@ -1,15 +1,12 @@
 #include "orvanverb/pan/pan_command.h"
-#include "orvanverb/common/messages.h"
-#include "orvanverb/hrtf/engine_loading.h"
 
-#include <chrono>
 #include <cstdio>
 
 #include "dsp/constants.h"
 #include "hrtf/hrtf_header_infos.h"
-#include "orvanverb/audio/input_bank.h"
-#include "orvanverb/audio/streaming.h"
-#include "orvanverb/common/text.h"
+#include "orvanverb/common/messages.h"
+#include "orvanverb/hrtf/engine_loading.h"
+#include "orvanverb/job/job.h"
 #include "orvanverb/layout/channel_words.h"
 #include "orvanverb/pan/gain_table.h"
 #include "orvanverb/pan/pan_setup.h"
@@ -29,50 +26,36 @@ void RemarkRate(PanSetup const& setup, PanOptions const& options, int samplerate
     Lume::HrtfHeaderInfos const* const header = ears != nullptr ? ears->GetHrtfHeaderInfos() : nullptr;
     if (header == nullptr) return;
     const std::string name = options.hrtf.value_or("the nearest of the built-in ears");
-    if (const std::string remark = RateRemark(name, *header, samplerate); !remark.empty()) Say(remark);
+    if (const std::string remark = RateRemark(name, *header, samplerate); !remark.empty()) Warn(remark);
 }
 
 void Render(PanOptions const& options) {
-    const auto begin = std::chrono::steady_clock::now();
-    InputBank inputs(options.inputs, options.rate, options.inTurnSeconds);
-    SourceMotion motion(inputs.NumChannels(), options, inputs.Samplerate());
-    PanSetup setup(options, motion.Positions(), motion.Orientation(), inputs.Samplerate());
-    for (std::string const& warning : setup.warnings) Say("warning: " + warning);
-    setup.Start(inputs.Samplerate(), options.vectorSize);
-    RemarkRate(setup, options, inputs.Samplerate());
+    Job job(options);
+    SourceMotion motion(job.NumChannels(), options, job.Samplerate());
+    PanSetup setup(options, motion.Positions(), motion.Orientation(), job.Samplerate());
+    for (std::string const& warning : setup.warnings) Warn("warning: " + warning);
+    setup.Start(job.Samplerate(), options.vectorSize);
+    RemarkRate(setup, options, job.Samplerate());
 
-    Streaming streaming;
-    streaming.samplerate = inputs.Samplerate();
-    streaming.vectorSize = options.vectorSize;
-    streaming.numInputs = inputs.NumChannels();
-    streaming.numOutputs = setup.NumOutputs();
-    streaming.fileOrder = setup.layout.fileOrder;
-    streaming.gain = options.gain;
-    streaming.tail = options.tailGiven ? options.tail : Tail(setup.HasTail() ? usualTailSeconds : 0.0);
+    Machine machine;
+    machine.vectorSize = options.vectorSize;
+    machine.numInputs = job.NumChannels();
+    machine.layout = &setup.layout;
+    machine.channels = setup.channels;
+    machine.tail = options.tailGiven ? options.tail : Tail(setup.HasTail() ? usualTailSeconds : 0.0);
     if (options.scene)
-        streaming.prepare = [&](std::uint64_t beforeFrame) {
-            for (std::string const& line : motion.Advance(beforeFrame)) Say(line);
+        machine.prepare = [&](std::uint64_t beforeFrame) {
+            for (std::string const& line : motion.Advance(beforeFrame)) Warn(line);
             setup.Turn(motion.Orientation());
             setup.Place(motion.Positions());
         };
-    streaming.process = [&](float** outputs, float** sources) {
+    machine.process = [&](float** outputs, float** sources) {
         setup.panner->Process(outputs, sources, options.vectorSize, orvandsp::allActiveInputs);
     };
-
-    streaming.clear = [&] { setup.panner->Clear(); };
-
-    const AudioFormat format = ChooseFormat(options.format, options.output);
-    AudioOutput output(options.output, format, streaming.samplerate, setup.layout.NumFileChannels(),
-                       setup.layout.channelMask);
-    PeakMeter meter(setup.layout.NumFileChannels());
-    const StreamEnd end = Stream(inputs, streaming, output, meter);
-    output.Commit();
-    ReportOutput(options.output, format, output, meter, setup.channels, streaming.samplerate,
-                 std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
-    if (setup.method.outputs == Lume::PanKind::Outputs::harmonics) Say(AxesRemark(options.ambix));
-    if (const std::string remark = motion.PendingRemark(); !remark.empty()) Say(remark);
-    for (std::string const& remark : inputs.Remarks()) Say(remark);
-    RequireSound(options.output, end.numBad);
+    machine.clear = [&] { setup.panner->Clear(); };
+    machine.pendingRemark = [&] { return motion.PendingRemark(); };
+    if (setup.method.outputs == Lume::PanKind::Outputs::harmonics) machine.remark = AxesRemark(options.ambix);
+    job.Run(machine);
 }
 
 }  // namespace
@@ -86,7 +69,7 @@ void RunPan(PanOptions const& options) {
     const ListenerPosition place = options.sources.empty() ? ListenerPosition{} : options.sources.back().position;
     PanSetup setup(options, {ToCartesian(place)}, options.orientation.value_or(Lume::Orientation{}),
                    options.rate.value_or(usualRate));
-    for (std::string const& warning : setup.warnings) Say("warning: " + warning);
+    for (std::string const& warning : setup.warnings) Warn("warning: " + warning);
     std::fputs((options.gains ? GainTable(setup, place) : TripletTable(setup)).c_str(), stdout);
 }
 

@@ -46,6 +46,8 @@ void TakeMeaning(Words const& words, PanOptions& pan) {
     if (pan.ambix &&
         (pan.convention.value_or("SN3D") != "SN3D" || pan.sorting.value_or("IncreasingDegrees") != "IncreasingDegrees"))
         throw UsageError("--ambix: means SN3D and IncreasingDegrees");
+    if ((pan.gains || pan.triplets) && (pan.json || pan.dryRun))
+        throw UsageError(std::string(pan.json ? "--json" : "--dry-run") + ": is for a rendering, not for tables");
     if (pan.gains || pan.triplets) return;
     if (pan.inputs.empty()) throw UsageError("inputs: a recording is required");
     if (pan.output.empty()) throw UsageError("--output: is required");

@@ -126,7 +126,7 @@ void PanSetup::LoadFiles(PanOptions const& options, int samplerate) {
     if (options.hrtf) {
         if (nearfield == nullptr && direct == nullptr)
             throw UsageError("--hrtf: is for --method binaural with --model direct or nearfield");
-        EarsCache ears(samplerate, !options.noCache);
+        EarsCache ears(samplerate, FittingOf(options));
         const std::string path = ears.Playable(*options.hrtf).string();
         RequireSetFile(path, ".hrtf or .coll");
         bool taken = false;

@@ -1,84 +1,72 @@
 #include "orvanverb/room/render.h"
 
-#include <chrono>
+#include <cmath>
 #include <cstdio>
-#include <memory>
 #include <optional>
 
-#include "orvanverb/audio/impulse.h"
-#include "orvanverb/audio/input_bank.h"
-#include "orvanverb/audio/streaming.h"
+#include "orvanverb/common/json.h"
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/job/job.h"
 #include "orvanverb/layout/channel_words.h"
 #include "orvanverb/measure/room_report.h"
-#include "orvanverb/room/room_object.h"
+#include "orvanverb/room/direct_to_room.h"
 #include "orvanverb/room/room_setup.h"
 
 namespace program {
 
 namespace {
 
-constexpr int defaultImpulseRate = 48000;  // [Hz]
+std::string RatioText(std::optional<double> const& decibels) {
+    if (!decibels) return {};
+    if (std::isinf(*decibels)) return *decibels > 0.0 ? "direct sound alone" : "no direct sound";
+    return "direct to room " + FixedText(*decibels, 1) + " dB (energies of the impulse response of source 1)";
+}
 
-void Render(Options const& options, SignalSource& source, int samplerate, std::chrono::steady_clock::time_point begin) {
-    RoomSetup setup(options, source.NumChannels(), samplerate);
-    SpeakerLayout const& layout = setup.form.layout;
-    if (!setup.form.remark.empty()) Say(setup.form.remark);
+void AddRatio(Job& job, RoomSetup& setup) {
     const std::unique_ptr<RoomObject> room = setup.MakeRoom();
-    room->Start(samplerate, setup.VectorSize());
-    if (const std::string remark = room->HrtfRateRemark(); !remark.empty()) Say(remark);
-
-    std::optional<RoomReport> report;  // of the room with which the rendering begins
-    if (options.report || options.reportJson)
-        report = ReportRoom(room->Room().Engine(), room->Room().SourcePosition(0), static_cast<float>(samplerate));
-
-    Streaming streaming;
-    streaming.samplerate = samplerate;
-    streaming.vectorSize = setup.VectorSize();
-    streaming.numInputs = room->Room().NumSources();
-    streaming.numOutputs = room->Room().NumSpeakers();
-    streaming.fileOrder = layout.fileOrder;
-    streaming.gain = options.gain;
-    streaming.tail = options.tail;
-    streaming.prepare = [&](std::uint64_t beforeFrame) {
-        for (std::string const& line : setup.Play(*room, beforeFrame)) Say(line);
-    };
-    streaming.process = [&](float** outputs, float** inputs) { room->Process(outputs, inputs); };
-
-    const AudioFormat format = ChooseFormat(options.format, options.output);
-    const unsigned int numChannels = layout.NumFileChannels();
-    AudioOutput output(options.output, format, samplerate, numChannels, layout.channelMask);
-    PeakMeter meter(numChannels);
-    const StreamEnd end = Stream(source, streaming, output, meter);
-    output.Commit();
-    setup.SaveState();
-
-    ReportOutput(options.output, format, output, meter, setup.form.ChannelWords(), samplerate,
-                 std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
-    if (setup.form.format != nullptr && setup.form.format->outputs == Lume::RoomFormat::Outputs::harmonics)
-        Say(AxesRemark(setup.form.format->ambixAxes));
-    if (!end.diedAway)
-        Say("--tail auto: ended at its bound of " + FixedText(Tail::maxAutoSeconds, 0) +
-            " s, the room still sounds at " + DecibelText(meter.LastBlock()) + " dBFS");
-    if (const std::string remark = setup.PendingRemark(); !remark.empty()) Say(remark);
-    for (std::string const& remark : source.Remarks()) Say(remark);
-    if (options.report) std::fputs(report->Text().c_str(), stderr);
-    if (options.reportJson) std::fputs(report->Json().c_str(), stdout);
-    RequireSound(options.output, room->Room().NumBadOutputs());
+    room->Start(job.Samplerate(), setup.VectorSize());
+    const std::optional<double> ratio = DirectToRoomDb(room->Room(), 0);
+    if (const std::string text = RatioText(ratio); !text.empty()) job.AddLevel(text);
+    job.AddFigure("direct_to_room_db", ratio ? JsonNumber(*ratio, 2) : "null");
 }
 
 }  // namespace
 
 void RunRender(Options const& options) {
-    const auto begin = std::chrono::steady_clock::now();
-    InputBank inputs(options.inputs, options.rate, options.inTurnSeconds);
-    Render(options, inputs, inputs.Samplerate(), begin);
-}
+    Job job(options);
+    RoomSetup setup(options, job.NumChannels(), job.Samplerate());
+    RoomForm const& form = setup.form;
+    if (!form.remark.empty()) Say(form.remark);
+    const std::unique_ptr<RoomObject> room = setup.MakeRoom();
+    room->Start(job.Samplerate(), setup.VectorSize());
+    if (const std::string remark = room->HrtfRateRemark(); !remark.empty()) Warn(remark);
 
-void RunImpulseResponse(Options const& options) {
-    Impulse impulse;
-    Render(options, impulse, options.rate.value_or(defaultImpulseRate), std::chrono::steady_clock::now());
+    std::optional<RoomReport> report;  // of the room with which the rendering begins
+    if ((options.report || options.reportJson) && !job.IsDry())
+        report = ReportRoom(room->Room().Engine(), room->Room().SourcePosition(0), room->Room().Samplerate());
+    if (!job.IsDry() && (!options.quiet || options.json)) AddRatio(job, setup);
+    if (report && options.reportJson && options.json) job.AddFigure("report", report->Json());
+
+    Machine machine;
+    machine.vectorSize = setup.VectorSize();
+    machine.numInputs = room->Room().NumSources();
+    machine.layout = &form.layout;
+    machine.channels = form.ChannelWords();
+    machine.tail = options.tail;
+    machine.prepare = [&](std::uint64_t beforeFrame) {
+        for (std::string const& line : setup.Play(*room, beforeFrame)) Warn(line);
+    };
+    machine.process = [&](float** outputs, float** inputs) { room->Process(outputs, inputs); };
+    machine.pendingRemark = [&] { return setup.PendingRemark(); };
+    if (form.format != nullptr && form.format->outputs == Lume::RoomFormat::Outputs::harmonics)
+        machine.remark = AxesRemark(form.format->ambixAxes);
+    job.Run(machine);
+
+    if (!job.IsDry()) setup.SaveState();
+    if (report && options.report) std::fputs(report->Text().c_str(), stderr);
+    if (report && options.reportJson && !options.json) std::fputs(report->Json().c_str(), stdout);
+    RequireSound(options.output, room->Room().NumBadOutputs());
 }
 
 }  // namespace program

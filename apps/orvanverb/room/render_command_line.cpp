@@ -40,13 +40,12 @@ void TakeMeaning(CommonWords const& words, Options& options) {
     TakeCommonMeaning(words, options);
 }
 
-void WillRun(Call& call, std::shared_ptr<Options> const& options, CommonWords const& words,
-             void (*run)(Options const&)) {
+void WillRun(Call& call, std::shared_ptr<Options> const& options, CommonWords const& words) {
     TakeMeaning(words, *options);
     options->attributes = call.attributes;
     RequireSafeOutputs(*options);
-    call.run = [options, run] {
-        run(*options);
+    call.run = [options] {
+        RunRender(*options);
         return 0;
     };
 }
@@ -64,7 +63,7 @@ void AddRenderCommand(CLI::App& app, Call& call) {
                    "\n  orvanverb render voice.wav -o wet.wav --preset church --source 1 -45 0 2"
                    "\n  orvanverb render voice.wav -o ring.flac --preset hall --speakers 8 --scene walk.scene"
                    "\n  orvanverb render voice.wav -o mine.wav --set tr0=1.2 --set early_start=8 --report");
-    render->callback([&call, options, words] { WillRun(call, options, *words, RunRender); });
+    render->callback([&call, options, words] { WillRun(call, options, *words); });
 }
 
 void AddImpulseResponseCommand(CLI::App& app, Call& call) {
@@ -75,7 +74,7 @@ void AddImpulseResponseCommand(CLI::App& app, Call& call) {
     ir->footer(ir->get_footer() +
                "\n  orvanverb ir -o hall.wav --preset hall --source 1 0 0 3"
                "\n  orvanverb ir -o dome.wav --preset church --speakers dome24 --tail 4 --rate 96000");
-    ir->callback([&call, options, words] { WillRun(call, options, *words, RunImpulseResponse); });
+    ir->callback([&call, options, words] { WillRun(call, options, *words); });
 }
 
 }  // namespace program

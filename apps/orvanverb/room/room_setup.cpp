@@ -114,7 +114,11 @@ std::unique_ptr<RoomObject> NewRoom(unsigned int sources, RoomForm const& form, 
 }  // namespace
 
 RoomSetup::RoomSetup(Options const& options, unsigned int numSources, int samplerate)
-    : ears(samplerate, !options.noCache), sources(numSources), attributes(SplitAttributes(options.attributes)) {
+    : ears(samplerate, FittingOf(options)),
+      sources(numSources),
+      attributes(SplitAttributes(options.attributes)),
+      directDb(options.directDb),
+      roomDb(options.roomDb) {
     CheckAttributes(attributes);
     CheckSettings(options.settings);
     if (options.preset) preset = LoadPreset(FindPreset(*options.preset));
@@ -123,7 +127,7 @@ RoomSetup::RoomSetup(Options const& options, unsigned int numSources, int sample
     ChooseShape(options, numSources);
     if (options.saveState) {
         statePath = *options.saveState;
-        stateFile.emplace(statePath);
+        if (!options.dryRun) stateFile.emplace(statePath);
     }
 
     const std::unique_ptr<RoomObject> room = NewRoom(sources, form, internals, ears);
@@ -199,11 +203,11 @@ void RoomSetup::Arrange(Options const& options, RoomObject& room) {
         room.PlaceSource(place.number - 1, ToCartesian(place.position));
     }
     for (Options::Setting const& setting : attributes) Set(room, setting, "@" + setting.name);
-    for (std::string const& remark : room.TakeRemarks()) Say(remark);
-    for (std::string const& line : scene.Begin(ListenerFor(room))) Say(line);
-    for (std::string const& remark : OrderRemarks(room.Room())) Say(remark);
+    for (std::string const& remark : room.TakeRemarks()) Warn(remark);
+    for (std::string const& line : scene.Begin(ListenerFor(room))) Warn(line);
+    for (std::string const& remark : OrderRemarks(room.Room())) Warn(remark);
     room.RemarkSpeakers();
-    for (std::string const& remark : room.TakeRemarks()) Say(remark);
+    for (std::string const& remark : room.TakeRemarks()) Warn(remark);
 }
 
 std::unique_ptr<RoomObject> RoomSetup::MakeRoom() {
@@ -213,6 +217,8 @@ std::unique_ptr<RoomObject> RoomSetup::MakeRoom() {
     std::unique_ptr<RoomObject> room = NewRoom(sources, form, internals, ears);
     room->Restore(state);
     room->TakeRemarks();  // they were shown
+    room->Room().SetDirectLevel(directDb);
+    room->Room().SetRoomLevel(roomDb);
     return room;
 }
 

@@ -60,6 +60,7 @@ private:
     std::optional<Lume::RoomState> saved;  // to begin with
     Lume::RoomState state;                 // of the beginning
     Scene scene;
+    float directDb, roomDb;  // levels on top of the room, which no state holds
     std::string statePath;
     std::optional<WholeFile> stateFile;  // to be written
 };

@@ -63,7 +63,7 @@ int Check(SceneOptions const& options) {
     const unsigned int numSources = NumSources(options, scene.HighestSource());
     const SpeakerLayout layout = SpeakerLayout::Parse(options.speakers.value_or(defaultSpeakers));
     constexpr int samplerate = 48000;  // [Hz]
-    EarsCache ears(samplerate, true);
+    EarsCache ears(samplerate, EarsCache::Fitting::quick);
     RoomObject room(numSources, static_cast<unsigned int>(layout.positions.size()), "8", nullptr, ears);
     room.PlaceSources();
     room.PlaceSpeakers(layout.positions);
