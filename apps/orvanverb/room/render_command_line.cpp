@@ -60,7 +60,7 @@ void AddRenderCommand(CLI::App& app, Call& call) {
     render->get_option("inputs")->required();
     AddRoomOptions(*render, *options, *words);
     render->footer(render->get_footer() +
-                   "\n  orvanverb render voice.wav -o wet.wav --preset church --source 1 -45 0 2"
+                   "\n  orvanverb render voice.wav -o wet.wav --preset church --source 1 -45 0 2 --room -8"
                    "\n  orvanverb render voice.wav -o ring.flac --preset hall --speakers 8 --scene walk.scene"
                    "\n  orvanverb render voice.wav -o mine.wav --set tr0=1.2 --set early_start=8 --report");
     render->callback([&call, options, words] { WillRun(call, options, *words); });
