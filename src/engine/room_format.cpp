@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "pan/amplitude_panning.h"
+#include "pan/binaural/binaural_panning_iacc.h"
 #include "pan/diffuse/decorrelated_mixing.h"
 #include "pan/diffuse/reverb_panning.h"
 #include "pan/diffuse/solid_angle_mixing.h"
@@ -103,6 +104,10 @@ RoomFormat const* FindRoomFormat(std::string_view name) {
 
 std::unique_ptr<Pan> RoomFormat::MakePan(unsigned int numInputs, unsigned int numOutputs, Pan::SubType role) const {
     if (!supports(numOutputs)) return nullptr;
+    // As loud as on loudspeakers, and not twice that, which is what the panner does by itself: each ear hears all of
+    // it.
+    if (role == Pan::diffuse && outputs == ears && numInputs > 1)
+        return std::make_unique<BinauralPanningIACC>(numInputs, numOutputs, std::sqrt(0.5f));
     if (role != Pan::diffuse || outputs == ears) return std::unique_ptr<Pan>(make(numInputs, numOutputs, role));
 
     if (bySolidAngle)

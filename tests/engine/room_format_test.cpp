@@ -209,8 +209,9 @@ TEST(RoomFormat, LateFieldInAmbisonicsIsIsotropic) {
 
 // The power that arrives in the sum of all loudspeakers, or in the pressure of a sound field, is one and the same.
 TEST(RoomFormat, LateFieldIsEquallyLoudInEveryForm) {
-    const std::map<std::string, unsigned int> forms{{"stereo", 2}, {"xy", 2},    {"vbap2d", 6}, {"vbap", 8},
-                                                    {"dbap", 5},   {"hoa2d", 7}, {"hoa3d", 9},  {"ambix", 16}};
+    const std::map<std::string, unsigned int> forms{{"binaural", 2}, {"stereo", 2}, {"xy", 2},
+                                                    {"vbap2d", 6},   {"vbap", 8},   {"dbap", 5},
+                                                    {"hoa2d", 7},    {"hoa3d", 9},  {"ambix", 16}};
     const Recording ring = Tail(nullptr, 6, 8);
     double reference = 0.0;
     for (auto const& channel : ring) reference += Product(channel, channel);

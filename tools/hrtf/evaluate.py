@@ -19,7 +19,8 @@ LIMITS = {  # figure: (largest allowed, unit)
     "interaural level error mean": (0.36, "dB"),
     "interaural level error 95 %": (0.55, "dB"),
     "interaural level error worst": (0.80, "dB"),
-    "largest radius of poles and zeros": (0.995, ""),
+    "largest radius of poles": (0.995, ""),
+    "largest radius of zeros": (0.999, ""),
     "inner peak above the output's": (12.0, "dB"),
     "single precision against double, worst": (-80.0, "dB"),
     "peak outside 100 Hz to 16 kHz above that inside": (4.0, "dB"),
@@ -31,17 +32,13 @@ LIMITS = {  # figure: (largest allowed, unit)
 }
 
 
-# Six sections have more to do at higher rates: beyond 20 kHz they must hold still, too.
+# Single precision leaves less of poles that lie closer together, and what isn't heard, or by few, pays for the rest.
 HIGH_RATE_LIMITS = {
-    "LSD mean": 0.30,
-    "LSD 95 %": 0.48,
-    "LSD worst": 0.82,
-    "LSD mean of the far side": 0.35,
-    "16 to 20 kHz as one band": 2.3,
-    "interaural level error mean": 0.37,
-    "interaural level error 95 %": 0.61,
-    "interaural level error worst": 0.86,
+    "16 to 20 kHz as one band": 2.1,
+    "interaural level error 95 %": 0.56,
     "single precision against double, worst": -60.0,
+    "peak outside 100 Hz to 16 kHz above that inside": 8.0,  # of a direction or two, at half the rate
+    "100 Hz to 0 Hz": 8.0,
 }
 
 
@@ -110,8 +107,8 @@ def figures(table, left, rate=RATE):
     result["interaural level error worst"] = interaural.max()
 
     whole = Axis(high=0.5 * rate)
-    radii = np.abs([np.roots([1.0, c1, c2]) for row in table for c1, c2 in row[2:].reshape(-1, 2)])
-    result["largest radius of poles and zeros"] = radii.max()
+    radii = np.abs([[np.roots([1.0, *pair]) for pair in row[2:].reshape(-1, 2)] for row in table]).max(axis=(0, 2))
+    result["largest radius of poles"], result["largest radius of zeros"] = radii[1::2].max(), radii[::2].max()
     result["inner peak above the output's"] = max(
         sections.inner_peak(sections.stage_responses(row[1:], whole.frequencies, rate)) for row in table
     )

@@ -24,12 +24,14 @@ double WarpingFor(double samplerate) {
 }
 
 /// Weight of the unsmoothed decibels at a frequency against the smoothed ones. Beyond 16 kHz nothing else is asked, and
-/// beyond 20 kHz the level is our own, and not to cost more where there is more of it.
-double FineWeight(double hertz) {
+/// beyond 20 kHz, where the level is our own, little: at high rates, where there is more of it, as little as still
+/// keeps most poles from half the sample rate.
+double FineWeight(double hertz, double samplerate) {
     constexpr double lowestHz = 40.0;
     if (hertz < lowestHz) return 0.0;
     if (hertz < 16000.0) return 0.05;
-    return hertz < 20000.0 ? 0.06 : 0.04 * 20000.0 / hertz;
+    if (hertz < 20000.0) return 0.06;
+    return samplerate > 50000.0 ? 0.015 : 0.04 * 20000.0 / hertz;
 }
 
 /// The zeros of a polynomial, highest power first, all at once (Aberth, "Iteration methods for finding all zeros of a
@@ -89,6 +91,7 @@ std::vector<Quadratic> Pair(std::vector<Complex> const& roots) {
 /// that of another rate.
 /// @param ratio  of the rates, old over new
 Quadratic MatchedQuadratic(Quadratic const& q, double ratio) {
+    if (ratio == 1.0) return q;
     const double half = -0.5 * q.c1, square = half * half - q.c2;
     if (square < 0.0) {
         const double angle = std::min(ratio * std::acos(half / std::sqrt(q.c2)), std::numbers::pi);
@@ -174,7 +177,8 @@ CascadeFit::CascadeFit(ErbAxis const& newAxis, double newSamplerate)
     : axis(newAxis), samplerate(newSamplerate), levels(axis.Frequencies(), newSamplerate) {
     constexpr double centresPerErb = 2.0;
     for (std::size_t i = 0; i < axis.NumPoints(); ++i)
-        fineWeights.push_back(FineWeight(axis.Frequencies()[i]) * std::sqrt(centresPerErb * axis.Widths()[i]));
+        fineWeights.push_back(FineWeight(axis.Frequencies()[i], samplerate) *
+                              std::sqrt(centresPerErb * axis.Widths()[i]));
 }
 
 SectionCascade CascadeFit::Start(std::vector<double> const& level) const {

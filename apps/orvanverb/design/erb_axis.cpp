@@ -9,7 +9,7 @@ namespace {
 
 constexpr double lowestHz = 30.0, largestStepHz = 60.0, largestStepErb = 0.1;
 constexpr double highestHeardHz = 20000.0, largestStepShare = 60.0 / 44100.0;
-constexpr double firstCentreHz = 100.0, lastCentreHz = 16000.0, centreStepErb = 0.5;
+constexpr double firstCentreHz = 100.0, lastCentreHz = 16000.0, largestCentreStepErb = 0.51;
 // Edges of a band are half an ERB wide in all, so that no point enters at once.
 constexpr double bandReachErb = 0.75, edgeErb = 0.5;
 
@@ -48,8 +48,11 @@ ErbAxis::ErbAxis(double samplerate) {
     widths = Spacing(numbers);
     // Weighted by width in Hz: each band is a mean over frequency.
     const std::vector<double> widthsHz = Spacing(frequencies);
-    const double last = ErbNumber(std::min(lastCentreHz, 0.85 * nyquist));
-    for (double centre = ErbNumber(firstCentreHz); centre <= last + 1e-9; centre += centreStepErb) {
+    // Spread evenly, so that the last one lies where it should: what is left beyond it would be nobody's.
+    const double first = ErbNumber(firstCentreHz), last = ErbNumber(std::min(lastCentreHz, 0.85 * nyquist));
+    const double numSteps = std::ceil((last - first) / largestCentreStepErb);
+    for (double step = 0.0; step <= numSteps; ++step) {
+        const double centre = first + (last - first) * step / numSteps;
         const auto begin = std::upper_bound(numbers.begin(), numbers.end(), centre - bandReachErb);
         Band band{static_cast<std::size_t>(begin - numbers.begin()), {}};
         double sum = 0.0;

@@ -11,8 +11,12 @@ namespace program {
 namespace {
 
 constexpr std::size_t numStages = SectionCascade::numStages;
-constexpr double radius = SectionCascade::largestRadius;
 constexpr double decibelsPerNeper2 = 10.0 / std::numbers::ln10;  // of a power's natural logarithm
+
+/// Of the numerators first, then of the denominators.
+double LargestRadius(std::size_t place) {
+    return place < numStages ? SectionCascade::largestZeroRadius : SectionCascade::largestPoleRadius;
+}
 
 double Angle(double hertz, double samplerate) {
     return 2.0 * std::numbers::pi * hertz / samplerate;
@@ -57,6 +61,7 @@ SectionCascade::SectionCascade(std::span<Quadratic const> numerators, std::span<
     std::size_t place = 1;
     for (std::span<Quadratic const> const& side : {numerators, denominators})
         for (Quadratic const& quadratic : side) {
+            const double radius = LargestRadius(place / 2);
             const double u = Unbounded(quadratic.c2 / (radius * radius));
             parameters[place++] = u;
             parameters[place++] = Unbounded(quadratic.c1 / radius / (1.0 + std::tanh(u)));
@@ -64,6 +69,7 @@ SectionCascade::SectionCascade(std::span<Quadratic const> numerators, std::span<
 }
 
 SectionCascade::Quadratic SectionCascade::At(std::size_t place) const {
+    const double radius = LargestRadius(place);
     const double t2 = std::tanh(parameters[1 + 2 * place]), t1 = std::tanh(parameters[2 + 2 * place]);
     return {radius * (1.0 + t2) * t1, radius * radius * t2};
 }
@@ -112,6 +118,7 @@ void CascadeLevels::Compute(SectionCascade const& cascade, std::vector<double>& 
             const double scale = (k < numStages ? decibelsPerNeper2 : -decibelsPerNeper2) / power[k];
             const double byC1 = (2.0 * c1 + 2.0 * (1.0 + c2) * cos1[i]) * scale;
             const double byC2 = (2.0 * c2 + 2.0 * c1 * cos1[i] + 2.0 * cos2[i]) * scale;
+            const double radius = LargestRadius(k);
             // tanh u and tanh v, from what they made of the quadratic.
             const double t2 = c2 / (radius * radius), t1 = c1 / (radius * (1.0 + t2));
             row[1 + 2 * k] = byC1 * radius * t1 * (1.0 - t2 * t2) + byC2 * radius * radius * (1.0 - t2 * t2);

@@ -12,13 +12,14 @@ namespace program {
 ///
 /// A quadratic 1 + c1 z^-1 + c2 z^-2 has its zeros within a radius R when (c1 / R, c2 / R^2) lies in the triangle
 /// |c2'| < 1, |c1'| < 1 + c2'. The unbounded parameters (u, v) reach just that: c2' = tanh u, c1' = (1 + tanh u) tanh
-/// v.
+/// v. Zeros may come nearer to the circle than poles: a high rate brings all of what is heard close to 1, and a notch
+/// at 2 kHz that is deeper than the radius allows takes what is beside it along.
 class SectionCascade {
 public:
     static constexpr std::size_t numStages = 6;
     /// The gain in decibels, (u, v) of each numerator, (u, v) of each denominator.
     static constexpr std::size_t numParameters = 1 + 4 * numStages;
-    static constexpr double largestRadius = 0.9945;
+    static constexpr double largestPoleRadius = 0.9945, largestZeroRadius = 0.9985;
 
     struct Quadratic {
         double c1 = 0.0, c2 = 0.0;

@@ -22,8 +22,8 @@ constexpr float IDCC_4_4_KEMAR_diffuse_44[] = {0.496764f,  -1.917755f, 0.931358f
 
 }  // namespace
 
-BinauralPanningIACC::BinauralPanningIACC(unsigned int numberOfInputs, unsigned int numberOfOutputs)
-    : BinauralPanning(numberOfInputs, numberOfOutputs), sumFilter(1), differenceFilter(1) {
+BinauralPanningIACC::BinauralPanningIACC(unsigned int numberOfInputs, unsigned int numberOfOutputs, float newLevel)
+    : BinauralPanning(numberOfInputs, numberOfOutputs), level(newLevel), sumFilter(1), differenceFilter(1) {
     sumFilter.SetNumStages(numStages);
     differenceFilter.SetNumStages(numStages);
     sumBuffer.reserve(512);
@@ -93,7 +93,7 @@ void BinauralPanningIACC::Process(float** outputs, float** inputs, unsigned long
 void BinauralPanningIACC::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
                                         short const* /*activeInputs*/) {
     FitBuffers(numSamples);
-    const float k = std::sqrt(static_cast<float>(numInputs) * 0.5f) * orvandsp::sqrt2;
+    const float k = std::sqrt(static_cast<float>(numInputs) * 0.5f) * orvandsp::sqrt2 * level;
     orvandsp::SumDiffMul(sumBuffer.data(), differenceBuffer.data(), inputs[0], inputs[1], k, numSamples);
     Filter(numSamples);
     for (unsigned long i = 0; i < numSamples; ++i) {

@@ -12,7 +12,8 @@ namespace Lume {
 /// diffuse field, by a fixed pair of filters on their sum and their difference. Positions make no difference.
 class BinauralPanningIACC : public BinauralPanning {
 public:
-    BinauralPanningIACC(unsigned int numInputs, unsigned int numOutputs);
+    /// @param level  of what ProcessAdding adds
+    BinauralPanningIACC(unsigned int numInputs, unsigned int numOutputs, float level = 1.0f);
 
     /// A NullPanning for any number of outputs but two, and below two inputs.
     static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
@@ -42,6 +43,7 @@ private:
     void LoadTables();
     void Filter(unsigned long numSamples);
 
+    float level;
     std::vector<float> sumBuffer;
     FadedBiquadCascade sumFilter;
     std::vector<float> differenceBuffer;
