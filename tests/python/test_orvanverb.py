@@ -1,6 +1,7 @@
 """The package as its users call it, against the program."""
 
 import doctest
+import json
 import os
 import pathlib
 import pickle
@@ -9,6 +10,7 @@ import subprocess
 import sys
 import threading
 import time
+import types
 
 import numpy
 import pytest
@@ -227,6 +229,24 @@ def test_batches_give_the_same_bytes_however_they_run(tmp_path):
     assert labels["azimuth"] == 40 and labels["room"]["tr0"] == 0.5
 
 
+def test_batches_write_what_others_read(tmp_path):
+    zarr = pytest.importorskip("zarr")
+    (tmp_path / "rooms.csv").write_text(TABLE)
+    rooms = batch.read_table(tmp_path / "rooms.csv")[:2]
+    for form in ("npz", "wav", "zarr"):
+        assert batch.run(rooms, tmp_path / form, workers=1, form=form) == {}
+    response = numpy.load(tmp_path / "npz" / "b.npz")["response"]
+    labels = batch.labels_of(tmp_path / "npz" / "b.npz")
+    array = zarr.open_group(str(tmp_path / "zarr"), mode="r")["b"]
+    numpy.testing.assert_array_equal(array[:], response)
+    assert array.attrs.asdict() == labels == batch.labels_of(tmp_path / "wav" / "b.wav")
+    # The program reads the sound file, and finds the same in it.
+    run = subprocess.run([PROGRAM, "measure", "--json", tmp_path / "wav" / "b.wav"], check=True, capture_output=True)
+    told = json.loads(run.stdout)[0]
+    assert told["channels"] == 6 and told["rate_hz"] == 48000
+    assert told["bands"][4]["c80_db"] == pytest.approx(labels["measured"]["bands"]["1000"]["c80_db"], abs=1e-5)
+
+
 def test_a_killed_worker_costs_nothing_but_time(tmp_path):
     """Rooms go through Dask by pickle; those of a worker that dies are made again by another one."""
     distributed = pytest.importorskip("distributed")
@@ -266,7 +286,14 @@ def test_a_killed_run_goes_on(tmp_path):
     assert killed == files(tmp_path / "whole") and len(killed) == 25
 
 
-def test_tables_are_checked(tmp_path):
+def test_tables_are_checked(tmp_path, monkeypatch):
+    class Parquet:  # stands for pyarrow.parquet, which Debian doesn't have
+        @staticmethod
+        def read_table(path):
+            return types.SimpleNamespace(to_pylist=lambda: [{"id": 7, "tr0": 0.5, "speakers": None}])
+
+    monkeypatch.setitem(sys.modules, "pyarrow", types.SimpleNamespace(parquet=Parquet))
+    assert batch.read_table(tmp_path / "rooms.parquet") == [{"id": "7", "tr0": 0.5}]
     for text, complaint in [("tr0\n99\n", r"rooms.csv:2: tr0: 99 is not from 0.1 to 10 s"), ("tro\n1\n", "'tro'"),
                             ("id\na\na\n", "twice"), ("tr0\nx\n", "no number")]:
         (tmp_path / "rooms.csv").write_text(text)
