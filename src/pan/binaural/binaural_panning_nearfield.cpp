@@ -301,4 +301,9 @@ void BinauralPanningNearfield::Clear() {
     nearfieldChains.ForEach(clear);
 }
 
+// Not in the header: a page leaves this panner out, by a Create of its own.
+Pan* BinauralPanningNearfield::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+    return CreateIf<BinauralPanningNearfield>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+}
+
 }  // namespace Lume

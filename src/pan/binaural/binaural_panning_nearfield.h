@@ -26,9 +26,7 @@ public:
     BinauralPanningNearfield(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-        return CreateIf<BinauralPanningNearfield>(requestedOutputs == 2, requestedInputs, requestedOutputs);
-    }
+    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
 
     /// Takes a set of binaural filters in biquad or FIR form ("kemar" or an empty name: the built-in one).
     /// @return whether the set suits; if not, the old one stays

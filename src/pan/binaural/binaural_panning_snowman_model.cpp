@@ -229,4 +229,9 @@ void BinauralPanningSnowmanModel::SetNumInputs(unsigned int newNumInputs) {
     });
 }
 
+// Not in the header: a page leaves this panner out, by a Create of its own.
+Pan* BinauralPanningSnowmanModel::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+    return CreateIf<BinauralPanningSnowmanModel>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+}
+
 }  // namespace Lume

@@ -138,4 +138,9 @@ void BinauralPanningSphericalHarmonics::SetNumInputs(unsigned int newNumInputs) 
     voices.Resize(newNumInputs, prepare, DefaultFilterOrder);
 }
 
+// Not in the header: a page leaves this panner out, by a Create of its own.
+Pan* BinauralPanningSphericalHarmonics::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+    return CreateIf<BinauralPanningSphericalHarmonics>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+}
+
 }  // namespace Lume

@@ -21,9 +21,7 @@ public:
     BinauralPanningSphericalHarmonics(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-        return CreateIf<BinauralPanningSphericalHarmonics>(requestedOutputs == 2, requestedInputs, requestedOutputs);
-    }
+    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
 
     /// @return false, and nothing changes, for a set that isn't one of spherical harmonics for two ears or has no
     /// length

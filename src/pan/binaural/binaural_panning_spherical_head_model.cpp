@@ -136,4 +136,9 @@ void BinauralPanningSphericalHeadModel::SetNumInputs(unsigned int newNumInputs) 
     voices.Resize(newNumInputs, [this](DelayAndFilter& ear) { ear.Configure(samplerate, buffersize); });
 }
 
+// Not in the header: a page leaves this panner out, by a Create of its own.
+Pan* BinauralPanningSphericalHeadModel::Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
+    return CreateIf<BinauralPanningSphericalHeadModel>(requestedOutputs == 2, requestedInputs, requestedOutputs);
+}
+
 }  // namespace Lume

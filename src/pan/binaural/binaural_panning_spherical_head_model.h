@@ -17,9 +17,7 @@ public:
     BinauralPanningSphericalHeadModel(unsigned int numInputs, unsigned int numOutputs);
 
     /// A NullPanning for any number of outputs but two.
-    static Pan* Create(unsigned int requestedInputs, unsigned int requestedOutputs) {
-        return CreateIf<BinauralPanningSphericalHeadModel>(requestedOutputs == 2, requestedInputs, requestedOutputs);
-    }
+    static Pan* Create(unsigned int numInputs, unsigned int numOutputs);
 
     /// Always throws orvandsp::OrvanDspException: there is nothing to load.
     bool LoadFromFile(char const* path) override;
