@@ -53,8 +53,8 @@ private:
         const std::uint64_t numValues = std::uint64_t{set.header.numCoefficients} * set.header.numChannels;
         if (numPoints > size / SdifFrameHeaderSize || numValues > size / std::max<std::uint64_t>(numPoints, 1))
             Fail("invalid header ", fileName);
-        set.points.resize(numPoints);
-        for (SdifSetPoint& point : set.points) point.coefficients.resize(numValues);
+        set.points.resize(static_cast<std::size_t>(numPoints));
+        for (SdifSetPoint& point : set.points) point.coefficients.resize(static_cast<std::size_t>(numValues));
     }
 
     void ReadFrame() {

@@ -161,7 +161,7 @@ void GainCycle::MixPart(Mix const& mix, Part const& part) {
 /// Lists what is to be mixed in this cycle, by output. Adding leaves out gains that are and stay 0.
 void GainCycle::ListTerms(Mix const& mix) {
     const ListKey key = {mix.numInputs, mix.numOutputs, mix.replace};
-    if (listedFor == key && std::equal(listedInputs.begin(), listedInputs.begin() + mix.numInputs, mix.activeInputs))
+    if (listedFor == key && std::equal(mix.activeInputs, mix.activeInputs + mix.numInputs, listedInputs.begin()))
         return;
     listedFor = key;
     std::copy_n(mix.activeInputs, mix.numInputs, listedInputs.begin());
