@@ -62,14 +62,10 @@ export class Front {
   /** @param sound  a name of sounds, "microphone", "nothing" or a file */
   async #choose(index, sound) {
     if (!sound) return;
-    const player = this.#players[index];
+    this.#say("");
     try {
-      if (sound instanceof File) await player.playFile(sound);
-      else if (sound === "microphone") await player.playMicrophone();
-      else if (sound === "nothing") player.stop();
-      else await player.play(sound);
-      this.#connection.nameSource(index, sound instanceof File ? sound.name : sound === "nothing" ? "" : sound);
-      this.#say("");
+      if (await this.#players[index].play(sound))
+        this.#connection.nameSource(index, sound instanceof File ? sound.name : sound === "nothing" ? "" : sound);
     } catch (error) {
       this.#say(error.message);
     }

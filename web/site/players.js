@@ -53,10 +53,11 @@ export const sounds = {
   wood: async (context) => compute(context, [0, 1, 1.5, 3, 4, 5.5, 6].map((time, i) => [time, i % 3 ? 620 : 830]), knock),
 };
 
-/** Plays one thing at a time into a node. */
+/** Plays one thing at a time into a node: what was asked for last, however long each takes to load. */
 export class Player {
   #context;
   #into;
+  #turn = 0;
   #stop = () => {};
 
   constructor(context, into) {
@@ -64,46 +65,49 @@ export class Player {
     this.#into = into;
   }
 
-  async play(name) {
-    this.#loop(await sounds[name](this.#context));
+  /**
+   * @param sound  a name of `sounds`, a file, "microphone" or "nothing"
+   * @returns whether it plays: not if something else has been asked for meanwhile
+   * @throws if the browser can't read the file, or there is no microphone, or the user doesn't want it
+   */
+  async play(sound) {
+    const turn = ++this.#turn;
+    const loaded = await this.#load(sound).catch((error) => {
+      if (turn === this.#turn) throw error;
+    });
+    if (turn !== this.#turn) {
+      loaded?.end();
+      return false;
+    }
+    this.#stop();
+    loaded.node?.connect(this.#into);
+    this.#stop = () => {
+      loaded.node?.disconnect();
+      loaded.end();
+    };
+    return true;
   }
 
-  /** @throws if the browser can't read it */
-  async playFile(file) {
+  /** A node that sounds, and what ends it. */
+  async #load(sound) {
+    if (sound === "nothing") return { end: () => {} };
+    if (sound === "microphone") {
+      const mediaStream = await navigator.mediaDevices.getUserMedia({
+        audio: { echoCancellation: false, noiseSuppression: false, autoGainControl: false },
+      });
+      const node = new MediaStreamAudioSourceNode(this.#context, { mediaStream });
+      return { node, end: () => mediaStream.getTracks().forEach((track) => track.stop()) };
+    }
+    const buffer = await (sound instanceof File ? this.#decode(sound) : sounds[sound](this.#context));
+    const node = new AudioBufferSourceNode(this.#context, { buffer, loop: true });
+    node.start();
+    return { node, end: () => node.stop() };
+  }
+
+  async #decode(file) {
     const data = await file.arrayBuffer();
-    const buffer = await this.#context.decodeAudioData(data).catch(() => {
+    return this.#context.decodeAudioData(data).catch(() => {
       throw new Error(`${file.name}: the browser can't read this as sound`);
     });
-    this.#loop(buffer);
-  }
-
-  /** @throws if the user doesn't want it, or there is none */
-  async playMicrophone() {
-    const stream = await navigator.mediaDevices.getUserMedia({
-      audio: { echoCancellation: false, noiseSuppression: false, autoGainControl: false },
-    });
-    this.stop();
-    const node = new MediaStreamAudioSourceNode(this.#context, { mediaStream: stream });
-    node.connect(this.#into);
-    this.#stop = () => {
-      node.disconnect();
-      for (const track of stream.getTracks()) track.stop();
-    };
-  }
-
-  stop() {
-    this.#stop();
-    this.#stop = () => {};
-  }
-
-  #loop(buffer) {
-    this.stop();
-    const node = new AudioBufferSourceNode(this.#context, { buffer, loop: true });
-    node.connect(this.#into);
-    node.start();
-    this.#stop = () => {
-      node.stop();
-      node.disconnect();
-    };
   }
 }

@@ -67,6 +67,19 @@ await until(() => level(2) === 0, "silence");
 """)
 
 
+def test_the_last_choice_counts(page):
+    page.run(PAGE + """
+choose(1, "voice"); // loads for a while
+choose(1, "nothing");
+choose(2, "voice");
+await until(() => level(2) > 0.05, "the voice");
+await new Promise((resolve) => setTimeout(resolve, 500));
+if (level(1) > 0) throw new Error("what was asked for first came last");
+choose(2, "nothing");
+await until(() => level(2) === 0, "silence");
+""")
+
+
 def test_files_are_dropped(page):
     said = page.run(PAGE + """
 drop(tone(48000), "tone.wav", ".sound:nth-child(3)");
@@ -74,8 +87,10 @@ await until(() => level(3) > 0.5, "the tone");
 const name = find(".tab:nth-child(3) .tab-name").textContent;
 drop(tone(4800), "first.wav", "main"); // beside everything: the first source
 await until(() => level(1) > 0.5, "the other tone");
+choose(1, "voice"); // which takes longer to load than what follows, and has no word on it
 drop(new Uint8Array(1000), "noise.wav", ".sound:nth-child(2)");
 await until(() => find(".front-said").textContent, "a complaint");
+await until(() => find(".tab:nth-child(1) .tab-name").textContent === "voice", "the voice");
 return [name, find(".front-said").textContent, level(2), find(".sound:nth-child(3) select").value];
 """)
     assert said == ["tone.wav", "noise.wav: the browser can't read this as sound", 0, "file"]
