@@ -6,21 +6,22 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "dsp/denormals.h"
 #include "dsp/floating_point_mode.h"
-#include "orvanverb/audio/tail.h"
-#include "orvanverb/audio/vector_channels.h"
+#include "orvanverb/audio/peak_meter.h"
+#include "orvanverb/audio/signal_source.h"
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/decode/decode_machine.h"
 #include "orvanverb/decode/decode_setup.h"
 #include "orvanverb/hrtf/hrtf_commands.h"
+#include "orvanverb/job/streaming.h"
 #include "orvanverb/options/common_options.h"
 #include "orvanverb/options/option_values.h"
+#include "orvanverb/pan/pan_machine.h"
 #include "orvanverb/pan/pan_methods.h"
 #include "orvanverb/pan/pan_setup.h"
 #include "orvanverb/room/source_motion.h"
@@ -37,64 +38,46 @@ using Text = std::optional<std::string>;
 using Words = std::vector<std::string>;
 using Remarks = std::vector<std::string>;
 
-constexpr double usualTailSeconds = 0.1;  // what filters and delays still give when the input has ended
+/// A recording from Python. Samples that are not finite, or beyond all bounds, count as 0.
+class Recording : public program::SignalSource {
+public:
+    explicit Recording(Samples const& x) : channels(Channels(x)), left(static_cast<std::size_t>(x.shape(1))) {}
 
-/// Something that sounds, vector by vector.
-struct Sounding {
-    unsigned int vectorSize;
-    std::size_t numOutputs;
-    std::vector<std::size_t> const& order;  // output of each channel that comes out, beyond all outputs: silence
-    program::Tail tail;
-    std::function<void(std::uint64_t beforeFrame)> prepare;
-    std::function<void(float** outputs, float** inputs)> process;
-    std::function<void()> clear;
+    unsigned int NumChannels() const override { return static_cast<unsigned int>(channels.size()); }
+    double ExpectedFrames() const override { return static_cast<double>(left); }
+
+    std::size_t Read(float* const* to, std::size_t frames) override {
+        const std::size_t fresh = std::min(frames, left);
+        for (std::size_t c = 0; c < channels.size(); ++c) {
+            std::transform(channels[c], channels[c] + fresh, to[c],
+                           [](float x) { return std::abs(x) <= Lume::SampleGuard::maxSample ? x : 0.0f; });
+            std::fill(to[c] + fresh, to[c] + frames, 0.0f);
+            channels[c] += fresh;
+        }
+        left -= fresh;
+        return fresh;
+    }
+
+private:
+    std::vector<float const*> channels;  // of what is not read yet
+    std::size_t left;                    // [frames]
 };
 
-/// Runs a recording and its tail through it. Samples that are not finite, or beyond all bounds, count as 0.
-std::vector<std::vector<float>> Run(Samples const& x, int rate, Sounding sounding) {
-    const auto numFrames = static_cast<std::size_t>(x.shape(1));
-    const std::vector<float const*> recording = Channels(x);
-    program::VectorChannels inputs(recording.size(), sounding.vectorSize);
-    program::VectorChannels outputs(sounding.numOutputs, sounding.vectorSize);
-    std::vector<std::vector<float>> played(sounding.order.size());
-    Lume::OutputGuard guard;
-    guard.Configure(static_cast<float>(rate));
-    const std::uint64_t maxTail = sounding.tail.MaxFrames(rate);
-    float loudest = 0.0f;
-    std::uint64_t ofTail = 0;
-    for (std::size_t at = 0;; at += sounding.vectorSize) {
-        const std::size_t fresh = at < numFrames ? std::min<std::size_t>(sounding.vectorSize, numFrames - at) : 0;
-        for (std::size_t c = 0; c < recording.size(); ++c) {
-            float* const input = inputs.Pointers()[c];
-            std::fill(std::copy_n(recording[c] + std::min(at, numFrames), fresh, input), input + sounding.vectorSize,
-                      0.0f);
-            for (std::size_t n = 0; n < fresh; ++n)
-                if (!(std::abs(input[n]) <= Lume::SampleGuard::maxSample)) input[n] = 0.0f;
-        }
-        if (sounding.prepare) sounding.prepare(at + sounding.vectorSize);
-        sounding.process(outputs.Pointers(), inputs.Pointers());
-        if (guard.Check(outputs.Pointers(), sounding.numOutputs, sounding.vectorSize)) sounding.clear();
-        const auto newOfTail = std::min<std::uint64_t>(sounding.vectorSize - fresh, maxTail - ofTail);
-        const std::size_t length = fresh + static_cast<std::size_t>(newOfTail);
-        float peak = 0.0f;
-        for (std::size_t c = 0; c < played.size(); ++c) {
-            const std::size_t output = sounding.order[c];
-            played[c].resize(at + length);
-            if (output >= sounding.numOutputs) continue;
-            std::copy_n(outputs.Pointers()[output], length, played[c].data() + at);
-            for (std::size_t n = 0; n < length; ++n) peak = std::max(peak, std::abs(played[c][at + n]));
-        }
-        loudest = std::max(loudest, peak);
-        ofTail += newOfTail;
-        if (fresh == sounding.vectorSize) continue;
-        if (ofTail == maxTail || sounding.tail.HasDiedAway(peak, loudest, newOfTail, rate)) return played;
+/// @return what the machine makes of a recording: (outputs, frames and tail)
+Samples Run(Samples const& x, int rate, program::Machine const& machine) {
+    Recording recording(x);
+    std::vector<std::vector<float>> played(machine.layout->NumFileChannels());
+    {
+        const py::gil_scoped_release released;
+        program::PeakMeter meter(played.size());
+        program::Stream(recording, machine, rate, 1.0f, meter, [&](float const* const* channels, std::size_t frames) {
+            for (std::size_t c = 0; c < played.size(); ++c)
+                played[c].insert(played[c].end(), channels[c], channels[c] + frames);
+        });
     }
-}
-
-Samples ToArray(std::vector<std::vector<float>> const& channels) {
-    Samples array({channels.size(), channels.empty() ? 0 : channels[0].size()});
+    Samples array({played.size(), played[0].size()});
     const std::vector<float*> to = MutableChannels(array);
-    for (std::size_t c = 0; c < channels.size(); ++c) std::copy(channels[c].begin(), channels[c].end(), to[c]);
+    for (std::size_t c = 0; c < played.size(); ++c) std::copy(played[c].begin(), played[c].end(), to[c]);
     return array;
 }
 
@@ -130,10 +113,6 @@ void FillHarmonics(Common const& common, Options& options) {
     if (common.sorting) options.sorting = program::ParseSorting(*common.sorting);
 }
 
-void Append(Remarks& remarks, std::vector<std::string> const& lines) {
-    remarks.insert(remarks.end(), lines.begin(), lines.end());
-}
-
 /// @return the sound, and what there is to warn of
 std::pair<Samples, Remarks> Pan(Samples const& x, Common const& common, std::string const& method,
                                 std::string const& model, std::optional<unsigned int> outputs, Text const& near) {
@@ -149,28 +128,10 @@ std::pair<Samples, Remarks> Pan(Samples const& x, Common const& common, std::str
     program::SourceMotion motion(static_cast<unsigned int>(x.shape(0)), options, common.rate);
     program::PanSetup setup(options, motion.Positions(), motion.Orientation(), common.rate);
     Remarks remarks = setup.warnings;
-    std::vector<std::vector<float>> played;
-    {
-        const py::gil_scoped_release released;
-        setup.Start(common.rate, options.vectorSize);
-        Sounding sounding{options.vectorSize,
-                          setup.NumOutputs(),
-                          setup.layout.fileOrder,
-                          options.tailGiven ? options.tail : program::Tail(setup.HasTail() ? usualTailSeconds : 0.0),
-                          {},
-                          [&](float** to, float** from) {
-                              setup.panner->Process(to, from, options.vectorSize, orvandsp::allActiveInputs);
-                          },
-                          [&] { setup.panner->Clear(); }};
-        if (options.scene)
-            sounding.prepare = [&](std::uint64_t beforeFrame) {
-                Append(remarks, motion.Advance(beforeFrame));
-                setup.Turn(motion.Orientation());
-                setup.Place(motion.Positions());
-            };
-        played = Run(x, common.rate, sounding);
-    }
-    return {ToArray(played), remarks};
+    const program::Machine machine = program::MakePanMachine(
+        options, setup, motion, common.rate, [&](std::string const& remark) { remarks.push_back(remark); });
+    const Samples played = Run(x, common.rate, machine);
+    return {played, remarks};
 }
 
 std::pair<Samples, Remarks> Decode(Samples const& x, Common const& common, std::string const& type, Text const& subType,
@@ -192,22 +153,10 @@ std::pair<Samples, Remarks> Decode(Samples const& x, Common const& common, std::
     options.filters = filters;
     program::DecodeSetup setup(options, static_cast<unsigned int>(x.shape(0)), common.rate);
     Remarks remarks = setup.warnings;
-    if (const std::string remark = setup.RateRemark(common.rate); !remark.empty()) remarks.push_back(remark);
-    std::vector<std::vector<float>> played;
-    {
-        const py::gil_scoped_release released;
-        const unsigned int vectorSize = std::max(options.vectorSize, setup.blockLength.value_or(0));
-        setup.Start(common.rate, vectorSize);
-        const Sounding sounding{vectorSize,
-                                setup.NumOutputs(),
-                                setup.layout.fileOrder,
-                                options.tailGiven ? options.tail : program::Tail(usualTailSeconds),
-                                [&](std::uint64_t beforeFrame) { Append(remarks, setup.Advance(beforeFrame)); },
-                                [&](float** to, float** from) { setup.Process(to, from); },
-                                [&] { setup.decoder->Clear(); }};
-        played = Run(x, common.rate, sounding);
-    }
-    return {ToArray(played), remarks};
+    const program::Machine machine = program::MakeDecodeMachine(
+        options, setup, common.rate, [&](std::string const& remark) { remarks.push_back(remark); });
+    const Samples played = Run(x, common.rate, machine);
+    return {played, remarks};
 }
 
 void ConvertHrtf(std::string const& input, std::string const& output, std::optional<int> rate, bool fir,

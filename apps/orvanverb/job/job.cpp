@@ -10,6 +10,7 @@
 #include "orvanverb/common/json.h"
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/common/progress_line.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/job/dry_run.h"
 
@@ -57,13 +58,12 @@ void Job::Run(Machine const& machine) {
     std::unique_ptr<ScratchFile> waiting;
     if (options.normalizeDb) waiting = std::make_unique<ScratchFile>(options.output);
     std::vector<float> interleaved;
-    const StreamEnd end = Stream(*source, machine, samplerate, options.gain, meter,
-                                 [&](float const* const* channels, std::size_t frames) {
-                                     if (!waiting) return output.Write(channels, frames);
-                                     interleaved.clear();
-                                     AppendInterleaved(interleaved, channels, numChannels, frames);
-                                     waiting->Write(interleaved.data(), interleaved.size());
-                                 });
+    const StreamEnd end = StreamAndShow(machine, meter, [&](float const* const* channels, std::size_t frames) {
+        if (!waiting) return output.Write(channels, frames);
+        interleaved.clear();
+        AppendInterleaved(interleaved, channels, numChannels, frames);
+        waiting->Write(interleaved.data(), interleaved.size());
+    });
     const float normalizing = waiting ? Normalize(*waiting, output, meter) : 1.0f;
     output.Commit();
     Tell(machine, format, output, meter, normalizing);
@@ -74,6 +74,19 @@ void Job::Run(Machine const& machine) {
     for (std::string const& remark : source->Remarks()) Warn(remark);
     if (options.json) std::fputs(Json(machine, format, output, meter, normalizing).c_str(), stdout);
     RequireSound(options.output, end.numBad);
+}
+
+StreamEnd Job::StreamAndShow(Machine const& machine, PeakMeter& meter, PieceWriter const& write) {
+    const double fixedTail = machine.tail.IsAuto() ? 0.0 : static_cast<double>(machine.tail.MaxFrames(samplerate));
+    const double expectedSeconds = (source->ExpectedFrames() + fixedTail) / samplerate;
+    ProgressLine progress(stderr);
+    std::uint64_t written = 0;
+    return Stream(*source, machine, samplerate, options.gain, meter,
+                  [&](float const* const* channels, std::size_t frames) {
+                      write(channels, frames);
+                      written += frames;
+                      progress.Show(static_cast<double>(written) / samplerate, expectedSeconds);
+                  });
 }
 
 /// Writes what has waited, so that its loudest sample comes to where it is wanted, and not above.

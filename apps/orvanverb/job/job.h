@@ -43,6 +43,7 @@ public:
     void Run(Machine const& machine);
 
 private:
+    StreamEnd StreamAndShow(Machine const& machine, PeakMeter& meter, PieceWriter const& write);
     float Normalize(ScratchFile& waiting, AudioOutput& output, PeakMeter& meter) const;
     void Tell(Machine const& machine, AudioFormat const& format, AudioOutput const& output, PeakMeter const& meter,
               float normalizing) const;

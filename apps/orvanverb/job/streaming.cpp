@@ -4,13 +4,12 @@
 #include <span>
 
 #include "orvanverb/audio/vector_channels.h"
-#include "orvanverb/common/progress_line.h"
 #include "room/sample_guard.h"
 
 namespace program {
 
 StreamEnd Stream(SignalSource& source, Machine const& machine, int samplerate, float gain, PeakMeter& meter,
-                 std::function<void(float const* const* channels, std::size_t frames)> const& write) {
+                 PieceWriter const& write) {
     const std::size_t vectorSize = machine.vectorSize;
     VectorChannels inputs(machine.numInputs, vectorSize);
     const std::size_t numOutputs = machine.layout->NumOutputs();
@@ -22,12 +21,9 @@ StreamEnd Stream(SignalSource& source, Machine const& machine, int samplerate, f
 
     Lume::OutputGuard guard;
     guard.Configure(static_cast<float>(samplerate));
-    ProgressLine progress(stderr);
     Tail tail = machine.tail;
     const std::uint64_t maxTail = tail.MaxFrames(samplerate);
-    const double expectedSeconds =
-        (source.ExpectedFrames() + (tail.IsAuto() ? 0.0 : static_cast<double>(maxTail))) / samplerate;
-    std::uint64_t tailFrames = 0, frames = 0, written = 0;
+    std::uint64_t tailFrames = 0, frames = 0;
     for (bool ended = false;;) {
         const std::size_t fresh = source.Read(inputs.Pointers(), vectorSize);
         ended = ended || fresh < vectorSize;
@@ -43,8 +39,6 @@ StreamEnd Stream(SignalSource& source, Machine const& machine, int samplerate, f
         tailFrames += ofTail;
         meter.Add(fileChannels.data(), fresh + ofTail);
         write(fileChannels.data(), fresh + ofTail);
-        written += fresh + ofTail;
-        progress.Show(static_cast<double>(written) / samplerate, expectedSeconds);
         if (!ended) continue;
         if (tail.HasDiedAway(meter.LastBlock(), meter.Loudest(), ofTail, samplerate)) return {true, guard.NumBad()};
         if (tailFrames == maxTail) return {!tail.IsAuto(), guard.NumBad()};

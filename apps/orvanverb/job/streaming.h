@@ -35,13 +35,15 @@ struct StreamEnd {
     std::uint64_t numBad = 0;  ///< output samples that were not finite or beyond all bounds, and became silence
 };
 
+/// Gets the channels of the file, piece by piece.
+using PieceWriter = std::function<void(float const* const* channels, std::size_t frames)>;
+
 /// Sends a whole signal and its tail through a machine. One vector after the other: memory does not grow with the
 /// length.
 /// @param samplerate  [Hz]
 /// @param gain        of the output
-/// @param write       gets the channels of the file, piece by piece
 /// @throws what source and write throw
 StreamEnd Stream(SignalSource& source, Machine const& machine, int samplerate, float gain, PeakMeter& meter,
-                 std::function<void(float const* const* channels, std::size_t frames)> const& write);
+                 PieceWriter const& write);
 
 }  // namespace program
