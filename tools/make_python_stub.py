@@ -18,6 +18,8 @@ from numpy.typing import ArrayLike, NDArray
 from ._formats import convert_hrtf as convert_hrtf, decode as decode, decoders as decoders
 from ._formats import pan as pan, pan_methods as pan_methods
 
+__version__: str
+
 def controls() -> dict[str, dict[str, Any]]: ...
 def measure(response: ArrayLike, rate: float, bands: str = ...) -> dict[str, Any]: ...
 '''

@@ -16,6 +16,7 @@
 #include "engine/room_controls.h"
 #include "geometry/azimuth_distance_elevation.h"
 #include "measure/room_measurement.h"
+#include "orvan/version.h"
 #include "orvanverb/hrtf/ears_cache.h"
 #include "room/control_range.h"
 #include "room/room.h"
@@ -225,6 +226,7 @@ py::dict Measure(Samples const& response, double rate, bool thirds) {
 
 PYBIND11_MODULE(_orvanverb, m) {
     m.doc() = "The engine of the package orvanverb.";
+    m.attr("__version__") = ORVAN_VERSION_STRING;
     orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const&) {});  // exceptions say it
     orvanpython::AddProgram(m);
     py::class_<PythonRoom>(m, "Room")

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import subprocess
 import sys
 
@@ -9,14 +10,16 @@ from setuptools import Extension, setup
 from setuptools.command.build_ext import build_ext
 
 
+project = pathlib.Path(__file__).resolve().parents[2]
+
+
 class CMakeBuild(build_ext):
     def build_extension(self, extension):
-        here = pathlib.Path(__file__).resolve().parent
         build = pathlib.Path(self.build_temp).resolve()
         target = pathlib.Path(self.get_ext_fullpath(extension.name)).resolve().parent
         build.mkdir(parents=True, exist_ok=True)
         subprocess.run(
-            ["cmake", "-S", str(here.parent.parent), "-B", str(build), "-DCMAKE_BUILD_TYPE=Release",
+            ["cmake", "-S", str(project), "-B", str(build), "-DCMAKE_BUILD_TYPE=Release",
              "-DORVAN_BUILD_PYTHON=ON", "-DORVAN_BUILD_TESTS=OFF", "-DORVAN_BUILD_BENCH=OFF",
              "-DORVAN_BUILD_PROGRAM=ON", "-DORVAN_BUILD_PLUGINS=OFF", "-DORVAN_BUILD_SHARED=OFF",
              f"-DPython3_EXECUTABLE={sys.executable}"],
@@ -28,4 +31,5 @@ class CMakeBuild(build_ext):
             self.copy_file(str(module), str(target))
 
 
-setup(ext_modules=[Extension("orvanverb._orvanverb", [])], cmdclass={"build_ext": CMakeBuild})
+version = re.search(r"^project\(\w+ VERSION ([\d.]+)", (project / "CMakeLists.txt").read_text(), re.MULTILINE)[1]
+setup(version=version, ext_modules=[Extension("orvanverb._orvanverb", [])], cmdclass={"build_ext": CMakeBuild})

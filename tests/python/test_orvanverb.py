@@ -35,6 +35,15 @@ def furnished(speakers, **options):
     return room
 
 
+def test_version_is_the_projects():
+    said = subprocess.run([PROGRAM, "--version"], check=True, capture_output=True, text=True).stdout
+    assert orvanverb.__version__ in said.split()
+    setup = pathlib.Path(__file__).parents[2] / "bindings/python/setup.py"
+    packaged = subprocess.run([sys.executable, setup, "--version"], check=True, capture_output=True, text=True,
+                              cwd=setup.parent).stdout
+    assert packaged.split()[-1] == orvanverb.__version__
+
+
 def test_documentation_runs():
     assert doctest.testmod(orvanverb).failed == 0
     assert doctest.testmod(orvanverb._formats).failed == 0

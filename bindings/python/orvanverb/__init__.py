@@ -25,6 +25,8 @@ import numpy
 from . import _orvanverb
 from ._formats import convert_hrtf, decode, decoders, pan, pan_methods, places
 
+__version__: str = _orvanverb.__version__
+
 __all__ = ["Room", "controls", "convert_hrtf", "decode", "decoders", "measure", "pan", "pan_methods"]
 
 #: The controls of the late field, by what people call them.
