@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "pan/amplitude_panning.h"
@@ -104,24 +105,22 @@ RoomFormat const* FindRoomFormat(std::string_view name) {
 
 std::unique_ptr<Pan> RoomFormat::MakePan(unsigned int numInputs, unsigned int numOutputs, Pan::SubType role) const {
     if (!supports(numOutputs)) return nullptr;
-    // As loud as on loudspeakers, and not twice that, which is what the panner does by itself: each ear hears all of
-    // it.
-    if (role == Pan::diffuse && outputs == ears && numInputs > 1)
-        return std::make_unique<BinauralPanningIACC>(numInputs, numOutputs, std::sqrt(0.5f));
-    if (role != Pan::diffuse || outputs == ears) return std::unique_ptr<Pan>(make(numInputs, numOutputs, role));
-
-    if (bySolidAngle)
-        return std::make_unique<SolidAngleMixing>(
-            ComputeDecorrelatedMixing(numInputs, std::vector<float>(numOutputs, static_cast<float>(numInputs))));
-    // Waves of power 1 from everywhere, as many as there are channels.
-    std::vector<float> powers(numOutputs, 1.0f / static_cast<float>(numOutputs));
+    if (role != Pan::diffuse) return std::unique_ptr<Pan>(make(numInputs, numOutputs, role));
+    // Waves of power 1 from everywhere, as many as there are channels. Ears share sum and difference themselves, domes
+    // the solid angle.
+    const bool sharesItself = outputs == ears || bySolidAngle;
+    std::vector<float> powers(numOutputs, sharesItself ? 1.0f : 1.0f / static_cast<float>(numOutputs));
     if (outputs == harmonics) {
         const std::unique_ptr<Pan> encoder(make(1, numOutputs, Pan::direct));
         powers = MeanPowers(dynamic_cast<AmplitudePanning&>(*encoder), inSpace);
     }
     for (float& power : powers) power *= static_cast<float>(numInputs);
+    orvandsp::Matrix<float> mixing = ComputeDecorrelatedMixing(numInputs, powers);
+    // By itself the panner hears two channels, which needn't be as loud as the others, and plays all power at each ear.
+    if (outputs == ears) return std::make_unique<BinauralPanningIACC>(numInputs, numOutputs, mixing);
+    if (bySolidAngle) return std::make_unique<SolidAngleMixing>(std::move(mixing));
     auto diffuse = std::make_unique<ReverbPanning>(numInputs, numOutputs);
-    diffuse->SetGains(ComputeDecorrelatedMixing(numInputs, powers));
+    diffuse->SetGains(mixing);
     return diffuse;
 }
 

@@ -40,15 +40,20 @@ std::vector<float> DirectGains(char const* format, unsigned int numSpeakers, Lum
     return gains;
 }
 
-/// The late field by itself, from when it is dense.
-Recording Tail(char const* format, unsigned int numSpeakers, unsigned int numInternals) {
+/// The late field by itself.
+Recording LateField(char const* format, unsigned int numSpeakers, unsigned int numInternals, float decaySeconds) {
     EngineRig room = MakeRoom(format, numSpeakers, numInternals);
     room.engine.SetReverbGain(0.0f);
-    room.engine.SetDecayTime(4.0f);
+    room.engine.SetDecayTime(decaySeconds);
     room.engine.SetRelativeDecayHigh(1.0f);
     room.engine.UseAirAbsorption(false);
     room.Settle();
-    Recording tail = room.ImpulseResponse(3.5);
+    return room.ImpulseResponse(3.5);
+}
+
+/// From when it is dense.
+Recording Tail(char const* format, unsigned int numSpeakers, unsigned int numInternals) {
+    Recording tail = LateField(format, numSpeakers, numInternals, 4.0f);
     for (auto& channel : tail) channel.erase(channel.begin(), channel.begin() + 24000);
     return tail;
 }
@@ -207,16 +212,18 @@ TEST(RoomFormat, LateFieldInAmbisonicsIsIsotropic) {
     }
 }
 
-// The power that arrives in the sum of all loudspeakers, or in the pressure of a sound field, is one and the same.
+// The power that arrives in the sum of all loudspeakers, or in the pressure of a sound field, is one and the same, from
+// the beginning on: red if a form plays some channels for all, since lines with short delays begin up to 5 dB above the
+// mean.
 TEST(RoomFormat, LateFieldIsEquallyLoudInEveryForm) {
     const std::map<std::string, unsigned int> forms{{"binaural", 2}, {"stereo", 2}, {"xy", 2},
                                                     {"vbap2d", 6},   {"vbap", 8},   {"dbap", 5},
                                                     {"hoa2d", 7},    {"hoa3d", 9},  {"ambix", 16}};
-    const Recording ring = Tail(nullptr, 6, 8);
+    const Recording ring = LateField(nullptr, 6, 8, 0.5f);
     double reference = 0.0;
     for (auto const& channel : ring) reference += Product(channel, channel);
     for (auto const& [name, numOutputs] : forms) {
-        const Recording tail = Tail(name.c_str(), numOutputs, 8);
+        const Recording tail = LateField(name.c_str(), numOutputs, 8, 0.5f);
         double power = Product(tail[0], tail[0]);
         if (Lume::FindRoomFormat(name)->outputs != Lume::RoomFormat::Outputs::harmonics)
             for (std::size_t j = 1; j < tail.size(); ++j) power += Product(tail[j], tail[j]);

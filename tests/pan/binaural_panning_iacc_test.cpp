@@ -86,4 +86,24 @@ TEST(BinauralPanningIACC, AddingStandsForAllInputs) {
     EXPECT_EQ(Responses(panner, 1, false, onlyOthers).data, Channels(2, length, 0.0f).data);
 }
 
+// Red if an input is left out, if sum and difference change places, or if the two forms differ: with gains of its own
+// each input is heard as loud as they say, in both ears alike or against one another.
+TEST(BinauralPanningIACC, HearsAllInputsByItsOwnGains) {
+    orvandsp::Matrix<float> gains(8, 2, 0.0f);
+    for (unsigned int i = 0; i < 8; ++i) gains[i][i % 2] = 0.5f * static_cast<float>(i + 1);
+    BinauralPanningIACC panner(8, 2, gains);
+    Settle(panner);
+    for (unsigned int input = 0; input < 8; ++input) {
+        const Channels heard = Responses(panner, input, false, allActiveInputs);
+        EXPECT_EQ(heard.data, Responses(panner, input, true, allActiveInputs).data);
+        double power = 0.0;
+        for (std::size_t n = 0; n < length; ++n) {
+            const double left = heard.data[0][n], right = heard.data[1][n];
+            power += left * left + right * right;
+            EXPECT_EQ(left, input % 2 == 0 ? right : -right);
+        }
+        EXPECT_NEAR(std::sqrt(2.0 * power), gains[input][input % 2], 0.05f * gains[input][input % 2]) << input;
+    }
+}
+
 }  // namespace

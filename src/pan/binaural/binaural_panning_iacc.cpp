@@ -22,13 +22,20 @@ constexpr float IDCC_4_4_KEMAR_diffuse_44[] = {0.496764f,  -1.917755f, 0.931358f
 
 }  // namespace
 
-BinauralPanningIACC::BinauralPanningIACC(unsigned int numberOfInputs, unsigned int numberOfOutputs, float newLevel)
-    : BinauralPanning(numberOfInputs, numberOfOutputs), level(newLevel), sumFilter(1), differenceFilter(1) {
+BinauralPanningIACC::BinauralPanningIACC(unsigned int numberOfInputs, unsigned int numberOfOutputs)
+    : BinauralPanning(numberOfInputs, numberOfOutputs), sumFilter(1), differenceFilter(1) {
     sumFilter.SetNumStages(numStages);
     differenceFilter.SetNumStages(numStages);
     sumBuffer.reserve(512);
     differenceBuffer.reserve(512);
     LoadTables();
+}
+
+BinauralPanningIACC::BinauralPanningIACC(unsigned int numberOfInputs, unsigned int numberOfOutputs,
+                                         orvandsp::Matrix<float> const& sumAndDifference)
+    : BinauralPanningIACC(numberOfInputs, numberOfOutputs) {
+    mixer = std::make_unique<SignalMatrix>(numInputs, 2);
+    mixer->SetGains(sumAndDifference);
 }
 
 void BinauralPanningIACC::LoadTables() {
@@ -48,9 +55,13 @@ void BinauralPanningIACC::SetFilterCrossFadeTime(float milliseconds) {
     differenceFilter.SetCrossFadeTime(milliseconds);
 }
 
-void BinauralPanningIACC::FitBuffers(unsigned long numSamples) {
+bool BinauralPanningIACC::Mix(float** inputs, unsigned long numSamples) {
     if (sumBuffer.size() != numSamples) sumBuffer.resize(numSamples);
     if (differenceBuffer.size() != numSamples) differenceBuffer.resize(numSamples);
+    if (!mixer) return false;
+    float* both[] = {sumBuffer.data(), differenceBuffer.data()};
+    mixer->Process(both, inputs, numSamples, orvandsp::allActiveInputs);
+    return true;
 }
 
 void BinauralPanningIACC::Filter(unsigned long numSamples) {
@@ -68,19 +79,19 @@ void BinauralPanningIACC::Process(float** outputs, float** inputs, unsigned long
                                   short const* activeInputs) {
     const bool firstActive = activeInputs[0] != 0;
     const bool secondActive = activeInputs[1] != 0;
-    if (!firstActive && !secondActive) {
+    if (!firstActive && !secondActive && !mixer) {
         Silence(outputs, numSamples);
         return;
     }
-    FitBuffers(numSamples);
     constexpr float k = orvandsp::sqrt2;
+    const bool mixed = Mix(inputs, numSamples);
     float* const sum = sumBuffer.data();
     float* const difference = differenceBuffer.data();
-    if (firstActive && secondActive) {
+    if (!mixed && firstActive && secondActive) {
         orvandsp::SumDiffMul(sum, difference, inputs[0], inputs[1], k, numSamples);
-    } else if (firstActive) {
+    } else if (!mixed && firstActive) {
         for (unsigned long i = 0; i < numSamples; ++i) sum[i] = difference[i] = inputs[0][i] * k;
-    } else {
+    } else if (!mixed) {
         for (unsigned long i = 0; i < numSamples; ++i) {
             sum[i] = inputs[1][i] * k;
             difference[i] = inputs[1][i] * -k;
@@ -92,9 +103,10 @@ void BinauralPanningIACC::Process(float** outputs, float** inputs, unsigned long
 
 void BinauralPanningIACC::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
                                         short const* /*activeInputs*/) {
-    FitBuffers(numSamples);
-    const float k = std::sqrt(static_cast<float>(numInputs) * 0.5f) * orvandsp::sqrt2 * level;
-    orvandsp::SumDiffMul(sumBuffer.data(), differenceBuffer.data(), inputs[0], inputs[1], k, numSamples);
+    if (!Mix(inputs, numSamples)) {
+        const float k = std::sqrt(static_cast<float>(numInputs) * 0.5f) * orvandsp::sqrt2;
+        orvandsp::SumDiffMul(sumBuffer.data(), differenceBuffer.data(), inputs[0], inputs[1], k, numSamples);
+    }
     Filter(numSamples);
     for (unsigned long i = 0; i < numSamples; ++i) {
         outputs[0][i] = outputs[0][i] + sumBuffer[i] + differenceBuffer[i];
@@ -104,6 +116,7 @@ void BinauralPanningIACC::ProcessAdding(float** outputs, float** inputs, unsigne
 
 void BinauralPanningIACC::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
+    if (mixer) mixer->SetSamplerate(newSamplerate);
     sumFilter.SetSamplerate(newSamplerate);
     differenceFilter.SetSamplerate(newSamplerate);
     LoadTables();
