@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <utility>
 
 #include "dsp/floating_point_mode.h"
+#include "geometry/vector_algebra.h"
+#include "object/message_remarks.h"
 #include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
 #include "object/room_exchange.h"
+#include "room/setting_remarks.h"
 
 namespace plugin {
 
@@ -35,8 +39,16 @@ bool Contains(std::vector<max::t_atom> const& words, char const* word) {
 
 }  // namespace
 
+/// What was said, so that it isn't said again.
+struct HostedRoom::Remarks {
+    orvanverb::MessageRemarks messages;
+    Lume::SettingRemarks settings;
+    std::vector<Lume::CartesianVector> speakers;
+    bool positions = false;
+};
+
 HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener newListener)
-    : listener(std::move(newListener)) {
+    : listener(std::move(newListener)), remarks(std::make_unique<Remarks>()) {
     const FloatingPointMode unchanged;
     const bool sources = !Contains(words, "@sourcespositions"), speakers = !Contains(words, "@speakerspositions");
     RemarkOnRanges(words);
@@ -54,7 +66,7 @@ void HostedRoom::RemarkOnRanges(std::vector<max::t_atom> const& words) {
     for (auto name = std::find_if(words.begin(), words.end(), isName); name != words.end();) {
         const auto next = std::find_if(name + 1, words.end(), isName);
         for (std::string const& remark :
-             orvanverb::RangeRemarksOf(remarks, max::atom_getsym(&*name)->s_name + 1, {name + 1, next}))
+             remarks->messages.OfRange(max::atom_getsym(&*name)->s_name + 1, {name + 1, next}))
             Warn(remark);
         name = next;
     }
@@ -110,8 +122,18 @@ void HostedRoom::Warn(std::string const& text) const {
 
 bool HostedRoom::Send(char const* selector, std::vector<max::t_atom> atoms) {
     const FloatingPointMode unchanged;
-    for (std::string const& remark : orvanverb::RangeRemarksOf(remarks, selector, atoms)) Warn(remark);
-    return box->Send(max::gensym(selector), std::move(atoms));
+    for (std::string const& remark : remarks->messages.Of(*record, selector, atoms)) Warn(remark);
+    const std::vector<Lume::CartesianVector> sources = orvanverb_source_positions(record);
+    const bool understood = box->Send(max::gensym(selector), std::move(atoms));
+    if (orvanverb_limit_positions(record, sources) && !std::exchange(remarks->positions, true))
+        Warn("positions are limited to " + Lume::NumberText(Lume::Room::maxCoordinate) + " m");
+    return understood;
+}
+
+void HostedRoom::RemarkSettings() {
+    const std::vector<Lume::CartesianVector> speakers = Room().SpeakerPositions();
+    const bool moved = std::exchange(remarks->speakers, speakers) != speakers;
+    for (std::string const& line : remarks->settings.Of(Room(), moved)) Warn(line);
 }
 
 std::optional<std::vector<max::t_atom>> HostedRoom::Value(std::string const& name) {

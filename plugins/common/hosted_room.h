@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "patcher/box.h"
-#include "room/control_range.h"
 #include "room/ears.h"
 #include "room/room_state.h"
 
@@ -37,8 +36,11 @@ public:
     std::size_t NumInputs() const;
     std::size_t NumOutputs() const;
 
-    /// Sends a message; a value out of range is told once for each control.
+    /// Sends a message. Values out of range, atoms too few or too many are told once.
     bool Send(char const* selector, std::vector<max::t_atom> atoms);
+    /// Tells, once, what can't be as it is set: loudspeakers where they can't do their work, controls that are meant to
+    /// lie above others. For the end of what a user says in one go.
+    void RemarkSettings();
     /// The values of an attribute, or the one of a control; nothing if there is no such name.
     std::optional<std::vector<max::t_atom>> Value(std::string const& name);
     /// The object's flat list of all values, for storage objects.
@@ -78,6 +80,8 @@ public:
     bool SetOrientation(float yaw, float pitch, float roll);
 
 private:
+    struct Remarks;
+
     Lume::Room& Room() const;
     void RemarkOnRanges(std::vector<max::t_atom> const& words);
     void Warn(std::string const& text) const;
@@ -86,7 +90,7 @@ private:
     std::unique_ptr<max::Box> box;
     orvanverb_t* record = nullptr;  // the box's
     float sampleRate = 0.0f;        // [Hz]
-    Lume::RangeRemarks remarks;
+    std::unique_ptr<Remarks> remarks;
     std::filesystem::path earsFile;  // being loaded
     std::future<Lume::Ears> loadingEars;
 };

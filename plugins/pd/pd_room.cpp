@@ -43,6 +43,8 @@ PdRoom::PdRoom(t_object* newOwner, BoxWords words)
     inputs.resize(room.NumInputs());
     outputs.resize(room.NumOutputs());
     earsClock = clock_new(this, reinterpret_cast<t_method>(+[](PdRoom* x) { x->PollEars(); }));
+    // A message may be one of several that belong together.
+    settingsClock = clock_new(this, reinterpret_cast<t_method>(+[](PdRoom* x) { x->room.RemarkSettings(); }));
     reportClock = clock_new(this, reinterpret_cast<t_method>(+[](PdRoom* x) { x->ReportReplaced(); }));
     if (autosave) {
         // In patch files, lines that begin with #A go to the object before them: whoever was made last and wants them
@@ -53,8 +55,8 @@ PdRoom::PdRoom(t_object* newOwner, BoxWords words)
 }
 
 PdRoom::~PdRoom() {
-    if (earsClock != nullptr) clock_free(earsClock);
-    if (reportClock != nullptr) clock_free(reportClock);
+    for (t_clock* const clock : {earsClock, settingsClock, reportClock})
+        if (clock != nullptr) clock_free(clock);
     if (autosave && IsMade() && pd_findbyclass(SavedStateReceiver(), owner->ob_pd) == &owner->ob_pd)
         pd_unbind(&owner->ob_pd, SavedStateReceiver());
 }
@@ -79,12 +81,14 @@ void PdRoom::Line(max::ConsoleLevel level, std::string const& text) {
 }
 
 void PdRoom::SayOnce(std::string const& key, std::string const& text) {
-    if (!text.empty() && said.insert(key).second) Line(max::ConsoleLevel::warn, text);
+    if (said.insert(key).second) Line(max::ConsoleLevel::warn, text);
 }
 
 void PdRoom::Message(t_symbol const* selectorSymbol, std::span<t_atom const> atoms) {
     const std::string selector = selectorSymbol->s_name;
-    SayOnce(selector + (atoms.empty() ? "-" : "+"), RemarkOnAtoms(selector, atoms));
+    if ((selector == "getstate" || selector == "print") && !atoms.empty())
+        SayOnce(selector, selector + ": only the word itself counts, not " + WordsText(atoms));
+    clock_delay(settingsClock, 0.0);
     if (selector == "getstate") {
         std::vector<t_atom> state = ToPd(room.State());
         outlet_list(stateOutlet, &s_list, static_cast<int>(state.size()), state.data());

@@ -66,6 +66,7 @@ private:
     double lastBlockTime = 0.0;    // of Pd's clock
     t_glist* canvas;               // the patch
     t_clock* earsClock = nullptr;  // looks for ears that were loaded
+    t_clock* settingsClock = nullptr;
     t_clock* reportClock = nullptr;
     bool reported = false;  // that samples were bad
 };

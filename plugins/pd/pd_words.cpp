@@ -24,9 +24,6 @@ struct Size {
 };
 constexpr std::array sizes{Size{"numsources", 1, 64}, Size{"numspeakers", 2, 64}, Size{"numinternals", 2, 16}};
 
-/// Messages that take no atoms.
-constexpr std::array<std::string_view, 5> plain{"clear", "getstate", "postdspstatus", "print", "version"};
-
 bool IsAttributeWord(t_atom const& atom) {
     return atom.a_type == A_SYMBOL && atom.a_w.w_symbol->s_name[0] == '@';
 }
@@ -76,17 +73,6 @@ void ReadPlaces(BoxWords& box, std::span<t_atom const> words) {
     }
 }
 
-/// The one control that an attribute holds; nothing if it is no attribute, or holds several.
-Lume::RoomControl const* OnlyControlOf(std::string_view attribute) {
-    Lume::RoomControl const* found = nullptr;
-    for (Lume::RoomControl const& control : Lume::roomControls) {
-        if (control.attribute == nullptr || attribute != control.attribute) continue;
-        if (found != nullptr) return nullptr;
-        found = &control;
-    }
-    return found;
-}
-
 }  // namespace
 
 BoxWords ReadBoxWords(std::span<t_atom const> words) {
@@ -105,25 +91,6 @@ BoxWords ReadBoxWords(std::span<t_atom const> words) {
         box.words.insert(box.words.end(), name, next);
     }
     return box;
-}
-
-std::string RemarkOnAtoms(std::string const& selector, std::span<t_atom const> atoms) {
-    const auto surplus = [&](std::size_t wanted) {
-        return selector + ": only " + (wanted == 0 ? "the word itself" : "the first value") + " counts, not " +
-               WordsText(atoms.subspan(wanted));
-    };
-    if (std::find(plain.begin(), plain.end(), selector) != plain.end()) return atoms.empty() ? "" : surplus(0);
-    const bool isSwitch = selector == "mute" || selector == "bypass";
-    Lume::RoomControl const* const control = OnlyControlOf(selector);
-    if (!isSwitch && control == nullptr) return {};
-    const std::string expected = isSwitch || control->scale == Lume::Scale::onOff
-                                     ? std::string("0 or 1")
-                                     : "a number " + Lume::RangeText(*control);
-    if (atoms.empty()) return selector + ": a value is missing, " + expected;
-    if (atoms.size() > 1) return surplus(1);
-    if (isSwitch && atoms[0].a_type == A_FLOAT && atoms[0].a_w.w_float != 0.0f && atoms[0].a_w.w_float != 1.0f)
-        return selector + ": " + WordsText(atoms) + " is not 0 or 1, and counts as 1";
-    return {};
 }
 
 std::vector<std::string> HelpLines() {

@@ -18,10 +18,6 @@ struct BoxWords {
 /// Reads the words behind a box's name: [SOURCES [LOUDSPEAKERS]] @NAME VALUE...
 BoxWords ReadBoxWords(std::span<t_atom const> words);
 
-/// What to say of a message whose atoms are too few or too many, or no numbers where some are expected, though the
-/// object takes it without a word; empty if there is nothing to say.
-std::string RemarkOnAtoms(std::string const& selector, std::span<t_atom const> atoms);
-
 /// All messages, a line each.
 std::vector<std::string> HelpLines();
 

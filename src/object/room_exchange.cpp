@@ -2,17 +2,32 @@
 
 #include <algorithm>
 #include <sstream>
-#include <utility>
 #include <vector>
 
+#include "geometry/keep_azimuth.h"
+#include "geometry/vector_algebra.h"
 #include "object/orvanverb_table.h"
+#include "room/control_range.h"
 
 namespace {
 
 constexpr char const* delaysName = "delays ";
 
-void StorePositions(float* positions, std::span<Lume::CartesianVector const> from) {
-    for (Lume::CartesianVector const& p : from)
+using Lume::CartesianVector;
+
+std::vector<CartesianVector> Positions(float const* xyz, unsigned int number) {
+    std::vector<CartesianVector> positions;
+    for (; number > 0; --number, xyz += 3) positions.push_back({xyz[0], xyz[1], xyz[2]});
+    return positions;
+}
+
+/// Whether a position is where no position may be.
+bool IsTooFar(CartesianVector const& p) {
+    return !(p == Lume::Room::Limited(p));
+}
+
+void StorePositions(float* positions, std::span<CartesianVector const> from) {
+    for (CartesianVector const& p : from)
         for (const float coordinate : {p.x, p.y, p.z}) *positions++ = coordinate;
 }
 
@@ -49,7 +64,7 @@ void orvanverb_restore_state(orvanverb_t* x, Lume::RoomState const& state) {
     for (std::size_t i = 0; i < Lume::roomControls.size(); ++i)
         if (Lume::roomControls[i].attribute != nullptr) Store(x, Lume::roomControls[i], room.Get(i));
     for (unsigned int i = 0; i < room.NumSources(); ++i) {
-        const Lume::CartesianVector position = room.SourcePosition(i);
+        const CartesianVector position = room.SourcePosition(i);
         StorePositions(&x->sourcespositions[3 * i], {&position, 1});
     }
     StorePositions(x->speakerspositions, room.SpeakerPositions());
@@ -62,23 +77,26 @@ void orvanverb_restore_state(orvanverb_t* x, Lume::RoomState const& state) {
     orvanverb_notify(x);
 }
 
-namespace orvanverb {
-
-std::vector<std::string> RangeRemarksOf(Lume::RangeRemarks& remarks, std::string const& selector,
-                                        std::span<t_atom const> atoms) {
-    // "reverb tr0 20" is "tr0 20".
-    if (selector == "reverb" && atoms.size() == 2 && atom_gettype(&atoms[0]) == A_SYM) {
-        const std::string word = atom_getsym(&atoms[0])->s_name;
-        return RangeRemarksOf(remarks, word == "start" ? "reverb_start" : word, atoms.subspan(1));
-    }
-    std::vector<std::string> texts;
-    for (Lume::RoomControl const& control : Lume::roomControls) {
-        if (control.attribute == nullptr || selector != control.attribute || control.element >= atoms.size()) continue;
-        if (atom_gettype(&atoms[control.element]) == A_SYM) continue;
-        std::string text = remarks.Of(control, atom_getfloat(&atoms[control.element]));
-        if (!text.empty()) texts.push_back(std::move(text));
-    }
-    return texts;
+std::vector<CartesianVector> orvanverb_source_positions(orvanverb_t const* x) {
+    return Positions(x->sourcespositions, x->numsources);
 }
 
-}  // namespace orvanverb
+bool orvanverb_limit_positions(orvanverb_t* x, std::span<CartesianVector const> before) {
+    bool limited = false;
+    std::vector<CartesianVector> const sources = orvanverb_source_positions(x);
+    for (unsigned int i = 0; i < sources.size(); ++i) {
+        const CartesianVector wanted = Lume::KeepAzimuth(Lume::Room::Limited(sources[i]), before[i]);
+        if (wanted == sources[i]) continue;
+        StorePositions(&x->sourcespositions[3 * i], {&wanted, 1});
+        x->engine->SetSourcePosition(i, wanted);
+        limited = limited || IsTooFar(sources[i]);
+    }
+    std::vector<CartesianVector> speakers = Positions(x->speakerspositions, x->numspeakers);
+    if (std::any_of(speakers.begin(), speakers.end(), IsTooFar)) {
+        std::transform(speakers.begin(), speakers.end(), speakers.begin(), Lume::Room::Limited);
+        StorePositions(x->speakerspositions, speakers);
+        orvanverb_update_speakerspositions(x);
+        limited = true;
+    }
+    return limited;
+}

@@ -237,8 +237,8 @@ TEST_F(InPd, SaysWhatMeansNothing) {
     const auto warning = [](std::string const& text) { return "verbose(2): warning: orvanverb~: " + text; };
     EXPECT_EQ(
         Tell("2 8 3 hello -numsources 4 @tr0 abc @trl 99 @numinternals 1 @trm",
-             {"postattributes numsources", "postattributes numspeakers", "tr0", "tr0", "tr0 1 2", "mute 2",
-              "clear now"}),
+             {"postattributes numsources", "postattributes numspeakers", "tr0", "tr0", "tr0 1 2", "mute 2", "clear now",
+              "early", "reverb trl 1 2", "sourcespositions 1 2 3 4 5 6 7", "source 1 ade 30 1e9 0"}),
         warning("trl: 99 is not from 0.1 to 10, the nearest is taken (said once)\n") +
             "error: orvanverb~: tr0: a number is expected, not \"abc\"\n" +
             warning("a room of 2 internal channels doesn't decay as asked: they are too few to mix; 4 to 16 do\n") +
@@ -249,7 +249,30 @@ TEST_F(InPd, SaysWhatMeansNothing) {
             "orvanverb~: numsources : 2 \norvanverb~: numspeakers : 8 \n" +
             warning("tr0: a value is missing, a number from 0.1 to 10 s\n") +
             warning("tr0: only the first value counts, not 2\n") + warning("mute: 2 is not 0 or 1, and counts as 1\n") +
-            warning("clear: only the word itself counts, not now\n"));
+            warning("clear: only the word itself counts, not now\n") +
+            warning("early: values are missing, a level and three gains in dB and two frequencies in Hz\n") +
+            warning("reverb trl: only the first value counts, not 2\n") +
+            warning("sourcespositions: only what stands for 2 positions counts, not 7\n") +
+            warning("positions are limited to 1e+06 m\n"));
+}
+
+// Red if Pd keeps quiet about loudspeakers that can't play, or tells of places that they pass on the way there; or if a
+// source that rises to above the listener falls behind.
+TEST_F(InPd, LooksAtTheRoomWhenAllIsSaid) {
+    PdPatch patch;
+    const int room = patch.Object("orvanverb~ 1 3");
+    patch.Connect(patch.Object("r room"), 0, room, 0);
+    patch.At(0.0,
+             "\\; room speaker 1 az 10 \\; room speaker 1 az -60 \\; room fl 9000 \\; room source 1 azim 60 \\; room "
+             "source 1 elev 90 \\; room postattributes sourcespositions");
+    patch.At(10.0, "\\; room speakers az -60 60 60");
+    patch.At(20.0, "\\; room speakers az -60 60 60 \\; room tr0 2");
+    patch.At(30.0, "\\; pd quit");
+    const std::string said = Open(patch).err;
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 4) << said;
+    EXPECT_TRUE(said.starts_with("orvanverb~: sourcespositions : 0.000002 0.000001 ")) << said;
+    EXPECT_NE(said.find("warning: orvanverb~: fl 9000 lies above fh 8000 Hz\n"), std::string::npos) << said;
+    EXPECT_NE(said.find("warning: orvanverb~: loudspeakers 2 and 3 stand at one azimuth"), std::string::npos) << said;
 }
 
 // Red if a value doesn't come out at the right, or if a room from a file leaves something of the one before.

@@ -150,9 +150,13 @@ TEST_F(Scenes, NumbersOutOfRangeAreRefusedInOptionsAndToldInScenes) {
     EXPECT_EQ(run.err.find(at + ":4"), std::string::npos);
 }
 
-// Red if the front keeps quiet about what can't be meant: bands and times in reverse, lines that no longer happen.
+// Red if the front keeps quiet about what can't be meant: bands and times in reverse, a number too few or too many,
+// lines that no longer happen; or if it says it each time.
 TEST_F(Scenes, WhatCanNotBeMeantIsSaidOnce) {
-    WriteText(directory / "late.scene", "0.1 tr0 2\n0.2..9 source 1 azim 0 -> 90\n12 mute 1\n");
+    WriteText(
+        directory / "late.scene",
+        "0.1 tr0 2 4\n0.15 tr0 2 5\n0.2..9 source 1 azim 0 -> 90\n0.2 cluster_end 5\n0.25..0.3 infinite 0 -> 1 2\n"
+        "12 mute\n");
     const std::vector<std::string> words{"render",  directory / "a.wav",
                                          "-o",      directory / "out.wav",
                                          "--scene", directory / "late.scene",
@@ -163,7 +167,16 @@ TEST_F(Scenes, WhatCanNotBeMeantIsSaidOnce) {
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.err.find("warning: fl 5000 lies above fh 2000 Hz\n"), std::string::npos) << run.err;
     EXPECT_NE(run.err.find("warning: early_start 90 lies above early_end 39.71 ms\n"), std::string::npos) << run.err;
-    EXPECT_EQ(run.err.find("cluster_start"), std::string::npos) << run.err;
+    const std::size_t later = run.err.find("at 0.20 s: warning: cluster_start 42.47 lies above cluster_end 5 ms\n");
+    EXPECT_NE(later, std::string::npos) << run.err;
+    EXPECT_EQ(run.err.rfind("cluster_start"), later + std::string("at 0.20 s: warning: ").size()) << run.err;
+    const std::string at = directory / "late.scene";
+    for (std::string const& line :
+         {at + ":1: warn: tr0: only the first value counts, not 4\n", at + ":5: warn: infinite: only the first"}) {
+        EXPECT_NE(run.err.find(line), std::string::npos) << run.err;
+        EXPECT_EQ(run.err.find(line), run.err.rfind(line)) << run.err;
+    }
+    EXPECT_EQ(run.err.find(":2: "), std::string::npos) << run.err;
     EXPECT_NE(run.err.find("late.scene: 2 lines are due behind the end, the last at 12.00 s"), std::string::npos)
         << run.err;
     EXPECT_EQ(RunProgram(Joined(words, {"--tail", "12"})).err.find("behind the end"), std::string::npos);
@@ -228,9 +241,10 @@ TEST_F(Scenes, MovementsGoEvenlyFromNumberToNumber) {
 
 // Red if a fault hides those behind it, if a movement's end isn't looked at, or if the summary is wrong.
 TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
-    WriteText(directory / "bad.scene",
-              "source 1 ade 0 2 0\n1:70 mute 1\n2..1 source 1 azim 0 -> 3\n1..2 source 1 dance -> 3\n"
-              "3 source 1 azim 0 -> 3\n0..1 early_width 20 -> 300\n9 dance\n");
+    WriteText(
+        directory / "bad.scene",
+        "source 1 ade 0 2 0\n1:70 mute 1\n2..1 source 1 azim 0 -> 3\n1..2 source 1 dance -> 3\n"
+        "3 source 1 azim 0 -> 3\n0..1 early_width 20 -> 300\n9 dance\n10 mute\n11 sorce 1 az 3\n12 generatexml\n");
     const RunResult bad = RunProgram({"scene", "check", directory / "bad.scene"});
     EXPECT_EQ(bad.status, 1);
     const std::string at = directory / "bad.scene";
@@ -240,7 +254,9 @@ TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
         ":4: a movement goes from a number to a number, as in 0 -> 90\n" + at +
         ":5: a movement needs two times, as in 0..16\n" + at +
         ":6: warn: early_width: 300 is not from 10 to 180 degrees, the nearest is taken (said once)\n" + at +
-        ":7: orvanverb~: doesn't understand \"dance\"\n";
+        ":7: orvanverb~: doesn't understand \"dance\"\n" + at + ":8: warn: mute: a value is missing, 0 or 1\n" + at +
+        ":9: orvanverb~: doesn't understand \"sorce\" (did you mean source?)\n" + at +
+        ":10: generatexml: writes a file; orvanverb reference does it\n";
     EXPECT_EQ(bad.out, lines);
     WriteText(directory / "good.scene", "0..1:02.5 source 3 azim 0 -> 300\n1 tr0 2\n");
     const RunResult good = RunProgram({"scene", "check", directory / "good.scene"});

@@ -83,8 +83,6 @@ void Desk::RequireSource(unsigned int source) const {
 void Desk::Tell(std::string_view message) {
     const std::vector<std::string> words = program::SplitWords(message);
     if (words.empty()) return;
-    if (words.front() == "generatexml")
-        throw std::invalid_argument("generatexml: writes a file; orvanverb reference does it");
     if (words.front() == "hrtf" && program::IsSofa(words.back())) {
         // All the rest is the file's name, which may hold blanks.
         std::string file(message.substr(message.find("hrtf") + 4));
@@ -378,6 +376,7 @@ bool Desk::WaitForTick(std::uint64_t& tick) const {
 }
 
 void Desk::TakeRemarks() {
+    object->RemarkSettings();
     for (std::string const& line : object->TakeRemarks()) AddRemark(line);
 }
 

@@ -5,14 +5,12 @@
 #include <utility>
 
 #include "engine/room_controls.h"
-#include "geometry/keep_azimuth.h"
 #include "geometry/vector_algebra.h"
 #include "object/orvanverb_class.h"
 #include "object/room_exchange.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/layout/listener_position.h"
 #include "patcher/atom.h"
-#include "room/layout_remarks.h"
 
 namespace program {
 
@@ -31,6 +29,16 @@ bool IsAttribute(std::string const& name) {
     return max::class_attr_get(orvanverb_class, max::gensym(name.c_str())) != nullptr;
 }
 
+/// What a message may begin with, for those who mistype it.
+std::vector<std::string> KnownSelectors() {
+    std::vector<std::string> names{"clear", "hrtf", "orientation"};
+    for (max::t_messlist const& message : orvanverb_class->c_messages)
+        if (message.m_type != std::vector<short>{max::A_CANT}) names.emplace_back(message.m_sym->s_name);
+    for (auto const& attribute : orvanverb_class->c_attributes) names.emplace_back(attribute->name->s_name);
+    for (Lume::RoomControl const& control : Lume::roomControls) names.emplace_back(control.name);
+    return names;
+}
+
 void Append(std::vector<max::t_atom>& atoms, Lume::CartesianVector const& position) {
     for (const float value : {position.x, position.y, position.z})
         max::atom_setfloat(&atoms.emplace_back(), static_cast<double>(value));
@@ -40,11 +48,6 @@ std::vector<max::t_atom> PositionAtoms(std::span<Lume::CartesianVector const> po
     std::vector<max::t_atom> atoms;
     for (Lume::CartesianVector const& position : positions) Append(atoms, position);
     return atoms;
-}
-
-/// Whether a position is where no position may be.
-bool IsTooFar(Lume::CartesianVector const& p) {
-    return !(p == Lume::Room::Limited(p));
 }
 
 /// A value in an atom of the type that another one has.
@@ -101,61 +104,33 @@ void RoomObject::Tell(std::string_view message, std::filesystem::path const& fol
         LoadHrtf(folder / message);
     } else if (const std::optional<Lume::Orientation> orientation = ParseOrientationMessage(message)) {
         Room().SetOrientation(*orientation);
+    } else if (selector == "generatexml") {
+        throw std::invalid_argument("generatexml: writes a file; orvanverb reference does it");
     } else if (selector == "clear") {
+        const std::vector<max::t_atom> atoms = max::ParseAtoms(message);
+        RemarkMessage(selector, std::span(atoms).subspan(1));
         Room().Clear();
     } else if (!IsAttribute(selector) && Lume::FindControl(selector)) {
         Set(selector, {words.begin() + 1, words.end()});
     } else {
         const std::vector<max::t_atom> atoms = max::ParseAtoms(message);
-        RemarkRange(selector, std::span(atoms).subspan(1));
-        const Positions sources = SourcePositions(), speakers = Room().SpeakerPositions();
-        box.Send(message);
+        RemarkMessage(selector, std::span(atoms).subspan(1));
+        const Positions sources = orvanverb_source_positions(&Record()), speakers = Room().SpeakerPositions();
+        if (!box.Send(message)) complaint += DidYouMean(selector, KnownSelectors());
         ThrowComplaint();
-        LimitPositions(sources);
+        if (orvanverb_limit_positions(&Record(), sources) && !std::exchange(positionsRemarked, true))
+            remarks.push_back("warn: positions are limited to " + NumberText(Lume::Room::maxCoordinate) + " m");
         speakersMoved = speakersMoved || speakers != Room().SpeakerPositions();
     }
 }
 
-void RoomObject::RemarkRange(std::string const& selector, std::span<max::t_atom const> atoms) {
-    for (std::string const& text : orvanverb::RangeRemarksOf(rangeRemarks, selector, atoms))
-        remarks.push_back("warn: " + text);
+void RoomObject::RemarkMessage(std::string const& selector, std::span<max::t_atom const> atoms) {
+    for (std::string const& text : messageRemarks.Of(Record(), selector, atoms)) remarks.push_back("warn: " + text);
 }
 
-RoomObject::Positions RoomObject::SourcePositions() const {
-    Positions positions;
-    for (unsigned int i = 0; i < Room().NumSources(); ++i) positions.push_back(Room().SourcePosition(i));
-    return positions;
-}
-
-/// The room limits what it gets; the record, which a state of the object is made from, is to agree.
-void RoomObject::LimitPositions(Positions const& before) {
-    const auto positions = [](float const* xyz, unsigned int number) {
-        Positions list;
-        for (unsigned int i = 0; i < number; ++i) list.push_back({xyz[3 * i], xyz[3 * i + 1], xyz[3 * i + 2]});
-        return list;
-    };
-    bool limited = false;
-    const Positions sources = positions(Record().sourcespositions, Record().numsources);
-    for (unsigned int i = 0; i < sources.size(); ++i) {
-        const Lume::CartesianVector wanted = Lume::KeepAzimuth(Lume::Room::Limited(sources[i]), before[i]);
-        if (wanted == sources[i]) continue;
-        PlaceSource(i, wanted);
-        limited = limited || IsTooFar(sources[i]);
-    }
-    Positions speakers = positions(Record().speakerspositions, Record().numspeakers);
-    if (std::any_of(speakers.begin(), speakers.end(), IsTooFar)) {
-        std::transform(speakers.begin(), speakers.end(), speakers.begin(), Lume::Room::Limited);
-        PlaceSpeakers(speakers);
-        limited = true;
-    }
-    if (limited && !std::exchange(positionsRemarked, true))
-        remarks.push_back("warn: positions are limited to " + NumberText(Lume::Room::maxCoordinate) + " m");
-}
-
-void RoomObject::RemarkSpeakers() {
-    speakersMoved = false;
-    for (std::string const& line : Lume::LayoutRemarks(Room()))
-        if (layoutRemarked.insert(line).second) remarks.push_back("warning: " + line);
+void RoomObject::RemarkSettings() {
+    for (std::string const& line : settingRemarks.Of(Room(), std::exchange(speakersMoved, false)))
+        remarks.push_back("warning: " + line);
 }
 
 void RoomObject::Set(std::string const& name, std::vector<std::string> const& values) {
@@ -171,7 +146,7 @@ void RoomObject::Set(std::string const& name, std::vector<std::string> const& va
     // A part of an attribute: the object takes it as a whole.
     std::vector<max::t_atom> atoms = *box.GetAttribute(row.attribute);
     SetNumber(atoms[row.element], *value);
-    RemarkRange(row.attribute, atoms);
+    RemarkMessage(row.attribute, atoms);
     Send(row.attribute, std::move(atoms));
 }
 

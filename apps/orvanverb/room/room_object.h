@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <set>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -9,11 +8,12 @@
 #include <vector>
 
 #include "geometry/cartesian_vector.h"
+#include "object/message_remarks.h"
 #include "object/orvanverb.h"
 #include "orvanverb/hrtf/ears_cache.h"
 #include "patcher/box.h"
-#include "room/control_range.h"
 #include "room/room.h"
+#include "room/setting_remarks.h"
 
 namespace program {
 
@@ -50,10 +50,9 @@ public:
     void PlaceSource(unsigned int index, Lume::CartesianVector const& position);
     void PlaceSpeakers(std::span<Lume::CartesianVector const> positions);
 
-    /// Whether a message has moved loudspeakers since RemarkSpeakers.
-    bool SpeakersMoved() const noexcept { return speakersMoved; }
-    /// Adds to the remarks what the loudspeakers can't do where they stand, once.
-    void RemarkSpeakers();
+    /// Adds to the remarks, for once, what can't be as it is set: loudspeakers that messages have moved, and controls
+    /// that are meant to lie above others.
+    void RemarkSettings();
 
     /// Loads ears for the headphones: a set of filters, or measurements.
     /// @throws std::invalid_argument that names the file, the field and the reason; the present ones stay
@@ -87,17 +86,15 @@ private:
     void Hear(max::ConsoleLevel level, std::string const& text);
     void ThrowComplaint();
     void Send(char const* selector, std::vector<max::t_atom> atoms);
-    void RemarkRange(std::string const& selector, std::span<max::t_atom const> atoms);
-    Positions SourcePositions() const;
-    void LimitPositions(Positions const& before);
+    void RemarkMessage(std::string const& selector, std::span<max::t_atom const> atoms);
 
     EarsCache& ears;
     std::string complaint;  // the first line that is an error, not thrown yet
     std::vector<std::string> remarks;
-    Lume::RangeRemarks rangeRemarks;
+    orvanverb::MessageRemarks messageRemarks;
+    Lume::SettingRemarks settingRemarks;
     bool positionsRemarked = false;
-    std::set<std::string> layoutRemarked;
-    bool speakersMoved = false;  // since RemarkSpeakers
+    bool speakersMoved = true;  // since RemarkSettings
     max::Box box;
 };
 

@@ -70,21 +70,6 @@ void CheckAttributes(std::vector<Options::Setting> const& attributes) {
     }
 }
 
-/// Controls of which the first one is meant to lie below the second one, and what is said where it doesn't.
-std::vector<std::string> OrderRemarks(Lume::Room const& room) {
-    constexpr std::pair<char const*, char const*> ordered[] = {
-        {"fl", "fh"}, {"early_start", "early_end"}, {"cluster_start", "cluster_end"}};
-    std::vector<std::string> remarks;
-    for (auto const& [low, high] : ordered) {
-        const std::size_t index = *Lume::FindControl(low);
-        const float least = room.Get(index), greatest = room.Get(*Lume::FindControl(high));
-        if (least > greatest)
-            remarks.push_back(std::string("warning: ") + low + " " + NumberText(least) + " lies above " + high + " " +
-                              NumberText(greatest) + " " + Lume::roomControls[index].unit);
-    }
-    return remarks;
-}
-
 /// Sets what an option says.
 void Set(RoomObject& room, Options::Setting const& setting, std::string const& option) {
     if (setting.name == "numinternals") return;  // it was part of the shape
@@ -205,8 +190,7 @@ void RoomSetup::Arrange(Options const& options, RoomObject& room) {
     for (Options::Setting const& setting : attributes) Set(room, setting, "@" + setting.name);
     for (std::string const& remark : room.TakeRemarks()) Warn(remark);
     for (std::string const& line : scene.Begin(ListenerFor(room))) Warn(line);
-    for (std::string const& remark : OrderRemarks(room.Room())) Warn(remark);
-    room.RemarkSpeakers();
+    room.RemarkSettings();
     for (std::string const& remark : room.TakeRemarks()) Warn(remark);
 }
 
@@ -216,6 +200,7 @@ std::unique_ptr<RoomObject> RoomSetup::MakeRoom() {
     orvanverb_seed(1);
     std::unique_ptr<RoomObject> room = NewRoom(sources, form, internals, ears);
     room->Restore(state);
+    room->RemarkSettings();
     room->TakeRemarks();  // they were shown
     room->Room().SetDirectLevel(directDb);
     room->Room().SetRoomLevel(roomDb);
@@ -225,8 +210,7 @@ std::unique_ptr<RoomObject> RoomSetup::MakeRoom() {
 std::vector<std::string> RoomSetup::Play(RoomObject& room, std::uint64_t beforeFrame) {
     const auto rate = static_cast<int>(room.Room().Samplerate());
     std::vector<std::string> lines = scene.Play(ListenerFor(room), rate, beforeFrame);
-    if (!room.SpeakersMoved()) return lines;
-    room.RemarkSpeakers();
+    room.RemarkSettings();
     for (std::string const& remark : room.TakeRemarks())
         lines.push_back("at " + FixedText(static_cast<double>(beforeFrame) / rate, 2) + " s: " + remark);
     return lines;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <memory>
 
 #include "orvanverb/common/gnuplot.h"
@@ -67,11 +68,16 @@ int Check(SceneOptions const& options) {
     RoomObject room(numSources, static_cast<unsigned int>(layout.positions.size()), "8", nullptr, ears);
     room.PlaceSources();
     room.PlaceSpeakers(layout.positions);
+    room.RemarkSettings();
+    room.TakeRemarks();  // of the layout: not the scene's
     const auto tell = [&room](std::string_view message, std::filesystem::path const& folder) {
         room.Tell(message, folder);
         return room.TakeRemarks();
     };
     for (Scene::Remark& remark : scene.Try(tell)) remarks.push_back(std::move(remark));
+    room.RemarkSettings();
+    for (std::string const& remark : room.TakeRemarks())
+        remarks.push_back({std::numeric_limits<int>::max(), options.file + ": at the end: " + remark});
     std::stable_sort(remarks.begin(), remarks.end(), [](auto const& a, auto const& b) { return a.line < b.line; });
     std::string text;
     for (Scene::Remark const& remark : remarks) text += remark.text + "\n";
