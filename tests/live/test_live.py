@@ -6,6 +6,7 @@ import math
 import os
 import pathlib
 import random
+import re
 import shutil
 import signal
 import socket
@@ -184,6 +185,14 @@ def open_socket(port):
     return connection
 
 
+def hear(page, pattern, seconds=10):
+    """Waits until a page was sent this."""
+    heard, end = b"", time.monotonic() + seconds
+    while not re.search(pattern, heard) and time.monotonic() < end:
+        heard += page.recv(65536)
+    assert re.search(pattern, heard), pattern
+
+
 def socket_answer(port, **headers):
     """The status that a socket of the page opens with; 0 if it is closed without a word."""
     with socket.create_connection(("127.0.0.1", port), 5) as connection:
@@ -220,11 +229,13 @@ def test_measured_ears_come_beside_the_sound(tmp_path):
         client.await_answer("/orvanverb/ears", ["my head.sofa"])
         client.send("/orvanverb/ears", "built-in")
         client.await_answer("/orvanverb/ears", ["built-in"])
-        # A state of a page that names them.
-        state = f"orvanverb-state 1\nnumsources 1\nnumspeakers 2\nnuminternals 8\nears {checksum(sofa.read_bytes())} {sofa}\ntr0 4\n"
+        # A state of a page that names them, and what this room doesn't know: the page hears of all of it at once.
+        state = f"orvanverb-state 1\nnumsources 1\nnumspeakers 2\nnuminternals 8\nears {checksum(sofa.read_bytes())} {sofa}\ntr0 4\nfog 1\nice 2\n"
         with open_socket(http) as page:
+            hear(page, rb'"snapshot"')
             page.sendall(frame(json.dumps({"state": state})))
             client.await_answer("/orvanverb/tr0", [4.0])
+            hear(page, rb'"remark":"[^"]*fog 1\\n[^"]*ice 2"')
         client.await_answer("/orvanverb/ears", ["my head.sofa"])
         assert "no.sofa: is no SOFA file" in live.log.read_text()
     assert f"ears {checksum(sofa.read_bytes())} my head.sofa" in autosave.read_text().splitlines()

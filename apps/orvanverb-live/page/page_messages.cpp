@@ -147,7 +147,9 @@ std::string ChangeMessage(News const& news, Desk const& desk) {
     if (news.muting) change["mute"] = news.state.mute;
     if (news.bypassing) change["bypass"] = news.state.bypass;
     if (news.ears) change["ears"] = desk.EarsName();
-    for (std::string const& line : news.remarks) change["remark"] = line;
+    std::string remarks;  // all that came since the last message, which the page shows together
+    for (std::string const& line : news.remarks) remarks.append(remarks.empty() ? "" : "\n").append(line);
+    if (!remarks.empty()) change["remark"] = remarks;
     return change.empty() ? std::string() : Text(change);
 }
 
