@@ -3,7 +3,7 @@
 # ports and play for some seconds. Fails if the host says anything of an error, or ends by itself.
 set -euo pipefail
 bundle=$1
-seconds=${2:-3}
+seconds=${2:-10}
 command -v jackd >/dev/null && command -v jalv >/dev/null
 work=$(mktemp -d)
 export JACK_DEFAULT_SERVER="orvan-test-$$" JACK_NO_AUDIO_RESERVATION=1 LV2_PATH=/usr/lib/lv2:$(dirname "$bundle")
