@@ -368,22 +368,22 @@ LV2_Worker_Status RoomPlugin::Work(LV2_Worker_Respond_Function respond, LV2_Work
     char const* const text = static_cast<char const*>(body) + sizeof key;
     const std::string path(text, strnlen(text, size - sizeof key));
     const std::lock_guard lock(besideAudio);
+    std::unique_ptr<Lume::Ears> ears;
+    std::unique_ptr<SpeakersFile> speakers;
     try {
-        std::unique_ptr<Lume::Ears> ears;
-        std::unique_ptr<SpeakersFile> speakers;
         if (key == urids->ears)
             ears = std::make_unique<Lume::Ears>(room->PrepareEars(path));
         else if (variant.IsHeadphones())
             throw std::runtime_error(path + ": loudspeakers are not for headphones");
         else
             speakers = std::make_unique<SpeakersFile>(ReadSpeakers(path, variant.outputs.size()));
-        const Loaded loaded{0, ears.get(), speakers.get()};
-        if (respond(handle, sizeof loaded, &loaded) == LV2_WORKER_SUCCESS) {
-            (void)ears.release();
-            (void)speakers.release();
-        }
     } catch (std::exception const& error) {
         lv2_log_error(&logger, "orvanverb: %s\n", error.what());
+    }
+    const Loaded loaded{0, ears.get(), speakers.get()};
+    if (respond(handle, sizeof loaded, &loaded) == LV2_WORKER_SUCCESS) {
+        (void)ears.release();
+        (void)speakers.release();
     }
     return LV2_WORKER_SUCCESS;
 }
@@ -392,11 +392,10 @@ LV2_Worker_Status RoomPlugin::WorkResponse(std::uint32_t size, void const* body)
     Loaded loaded{};
     if (size != sizeof loaded) return LV2_WORKER_ERR_UNKNOWN;
     std::memcpy(&loaded, body, sizeof loaded);
-    if (loaded.ears != nullptr) tellFiles = room->TakeEars(*loaded.ears) || tellFiles;
-    if (loaded.speakers != nullptr && PlaceSpeakers(loaded.speakers->positions)) {
+    if (loaded.ears != nullptr) room->TakeEars(*loaded.ears);
+    if (loaded.speakers != nullptr && PlaceSpeakers(loaded.speakers->positions))
         std::swap(speakersPath, loaded.speakers->path);
-        tellFiles = true;
-    }
+    tellFiles = true;  // of one that wasn't taken too: the host already shows it
     schedule->schedule_work(schedule->handle, sizeof loaded, &loaded);
     return LV2_WORKER_SUCCESS;
 }

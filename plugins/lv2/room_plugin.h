@@ -53,7 +53,7 @@ public:
                              LV2_Feature const* const* features);
 
 private:
-    /// What the worker made of a file; on its way back what is to be deleted.
+    /// What the worker made of a file, nothing if it is none; on its way back what is to be deleted.
     struct Loaded {
         LV2_URID none;  // 0, where a request has its property
         Lume::Ears* ears;

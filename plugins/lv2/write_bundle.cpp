@@ -59,11 +59,16 @@ std::string Capitalised(std::string text) {
     return text;
 }
 
-char const* UnitOf(std::string const& unit) {
-    static const std::map<std::string, char const*> units{
-        {"dB", "units:db"}, {"Hz", "units:hz"}, {"ms", "units:ms"}, {"s", "units:s"}, {"degrees", "units:degree"}};
-    const auto found = units.find(unit);
-    return found != units.end() ? found->second : nullptr;
+struct Unit {
+    char const *controlUnit, *uri, *symbol;
+};
+constexpr Unit units[] = {{"dB", "units:db", "dB"}, {"Hz", "units:hz", "Hz"},           {"ms", "units:ms", "ms"},
+                          {"s", "units:s", "s"},    {"degrees", "units:degree", "deg"}, {"m", "units:m", "m"}};
+
+char const* UnitOf(std::string const& name) {
+    for (Unit const& unit : units)
+        if (name == unit.controlUnit) return unit.uri;
+    return nullptr;
 }
 
 char const* GroupOf(Lume::ControlGroup group) {
@@ -209,7 +214,7 @@ std::string PluginText(Variant const& variant) {
          << "\tdoap:maintainer [ a foaf:Person ; foaf:name \"The orvanverb~ developers\" ] ;\n"
          << "\tdoap:license <https://spdx.org/licenses/MIT> ;\n"
          << "\tdoap:shortdesc \"Sources at places in a room\" ;\n"
-         << "\tlv2:minorVersion 2 ; lv2:microVersion 2 ;\n"
+         << "\tlv2:minorVersion 2 ; lv2:microVersion 4 ;\n"
          << "\tlv2:optionalFeature lv2:hardRTCapable , urid:map , opts:options , work:schedule , "
             "bufsz:boundedBlockLength , "
             "bufsz:fixedBlockLength , state:mapPath , state:freePath ;\n"
@@ -229,7 +234,7 @@ std::string PluginText(Variant const& variant) {
     return text.str();
 }
 
-/// What the plug-ins share: groups of controls, and the property in which the ears' file goes.
+/// What the plug-ins share: groups of controls, units, and the properties in which files go.
 std::string SharedText() {
     std::ostringstream text;
     constexpr std::pair<char const*, char const*> groups[] = {{"late", "Late field"},
@@ -244,6 +249,10 @@ std::string SharedText() {
     for (Variant const& variant : lv2::Variants()) numSources = std::max(numSources, variant.numSources);
     for (unsigned int i = 1; i <= numSources; ++i)
         text << "ov:source" << i << " a pg:InputGroup ; lv2:symbol \"source" << i << "\" ; lv2:name \"Source " << i
+             << "\" .\n";
+    // Hosts find them in a vocabulary that people who build no plug-ins don't have, and show bare numbers then.
+    for (Unit const& unit : units)
+        text << unit.uri << " a units:Unit ; units:symbol \"" << unit.symbol << "\" ; units:render \"%f " << unit.symbol
              << "\" .\n";
     text << "\nov:ears\n\ta lv2:Parameter ;\n\trdfs:label \"Ears\" ;\n"
          << "\trdfs:comment \"A set of filters for headphones, .hrtf or .coll\" ;\n\trdfs:range atom:Path .\n\n"

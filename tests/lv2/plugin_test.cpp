@@ -7,6 +7,7 @@
 #include <lv2/options/options.h>
 #include <lv2/patch/patch.h>
 #include <lv2/state/state.h>
+#include <lv2/units/units.h>
 #include <lv2/urid/urid.h>
 #include <lv2/worker/worker.h>
 
@@ -386,6 +387,26 @@ TEST(Lv2, EveryRoomIsAPresetOfEveryPlugIn) {
     lilv_node_free(preset);
 }
 
+// Red if a host that finds no vocabulary but the bundle, as those of people who build no plug-ins, shows bare numbers.
+TEST(Lv2, UnitsComeWithTheBundle) {
+    Bundle bundle;
+    LilvPlugin const* const plugin = bundle.Plugin("mono-headphones");
+    LilvNode* const unit = lilv_new_uri(bundle.world, LV2_UNITS__unit);
+    LilvNode* const render = lilv_new_uri(bundle.world, LV2_UNITS__render);
+    std::map<std::string, int> shown;
+    for (std::uint32_t i = 0; i < lilv_plugin_get_num_ports(plugin); ++i) {
+        LilvNode* const own = lilv_port_get(plugin, lilv_plugin_get_port_by_index(plugin, i), unit);
+        LilvNode* const text = own != nullptr ? lilv_world_get(bundle.world, own, render, nullptr) : nullptr;
+        if (text != nullptr) ++shown[lilv_node_as_string(text)];
+        lilv_node_free(text);
+        lilv_node_free(own);
+    }
+    for (char const* const text : {"%f dB", "%f Hz", "%f ms", "%f s", "%f deg", "%f m"})
+        EXPECT_GT(shown[text], 0) << text;
+    lilv_node_free(unit);
+    lilv_node_free(render);
+}
+
 // Blocks of any length give the same samples, later by the latency that the plug-in reports, and off is dry.
 TEST(Lv2, RunsInBlocksOfAnyLength) {
     Bundle bundle;
@@ -517,7 +538,7 @@ TEST(Lv2, FilesAreTakenWhileItPlaysAndComeBackWithTheState) {
         first.Play(sound, every64);
         EXPECT_EQ(first.notified, std::vector{notice});
         const Sound changed = first.Play(sound, every64);
-        // What isn't there, or doesn't fit, is said, and changes nothing.
+        // What isn't there, or doesn't fit, is said and changes nothing, and the host hears what there is.
         EXPECT_EQ(first.said, "");
         for (auto const& [wrong, words] :
              {std::pair<std::string, std::string>{"nothing.coll", "nothing.coll"}, {other, reason}}) {
@@ -528,7 +549,7 @@ TEST(Lv2, FilesAreTakenWhileItPlaysAndComeBackWithTheState) {
         }
         first.Tell();
         first.Play(sound, every64);
-        EXPECT_EQ(first.notified, (std::vector{notice, notice}));
+        EXPECT_EQ(first.notified, (std::vector{notice, notice, notice, notice}));
         EXPECT_EQ(first.numTrespasses, 0);
         const std::string saved = first.SavedState();
         EXPECT_NE(saved.find(file), saved.npos);
