@@ -16,6 +16,7 @@ constexpr double aboveNoiseDb = 8.0;  // what counts as decay begins here
 constexpr double lateRangeDb = 20.0;  // and is this long
 constexpr double noiseShare = 0.1;    // at least so much of the end is looked at for noise
 constexpr int maxRounds = 12;
+constexpr double settlingPeriods = 1.5;  // of the bandwidth, until a band filter passes what comes as it is
 // Noise isn't less than this below the greatest sample: what numbers and filters leave over is.
 constexpr double leastNoiseDb = -140.0;
 // What rises so far above the end of the decay is more of it, behind a gap.
@@ -107,7 +108,9 @@ NoiseFloor FindNoiseFloor(std::span<double const> energy, double sampleRate, dou
         floor.power = noise;
         floor.crosspoint = static_cast<std::size_t>(crosspoint);
     } else {
-        const std::vector<double> levels = Levels(energy, interval);
+        // A filter that runs backwards takes some periods of its band to rise at the cut.
+        floor.crosspoint -= AtLeastOne(settlingPeriods * sampleRate / bandwidth, length / 2);
+        const std::vector<double> levels = Levels(energy.first(floor.crosspoint), interval);
         const LineFit end = FitDecay(levels, interval, levels.back() + lateRangeDb, -HUGE_VAL);
         if (Falls(end)) line = end;
     }

@@ -223,8 +223,8 @@ std::string WhyMissing(Figure const& figure, BandFigures const& band, double low
         case Missing::noDecay:
             return "no decay can be told from noise";
         case Missing::noRange:
-            std::snprintf(text, sizeof text, "the decay must be seen down to %.0f dB; %s at %.1f dB", lowerDb - 10.0,
-                          band.floor.found ? "noise begins" : "the response ends", band.endDb);
+            std::snprintf(text, sizeof text, "the decay must be seen down to %.0f dB; %s before", lowerDb - 10.0,
+                          band.floor.found ? "noise begins" : "the response ends");
             break;
         case Missing::nothingLate:
             return "all has sounded before the late part begins";
@@ -232,6 +232,50 @@ std::string WhyMissing(Figure const& figure, BandFigures const& band, double low
             return "it isn't reached before the response ends";
     }
     return text;
+}
+
+std::string WhyInexact(DecayFit const& fit, BandFigures const& band, double lowerDb) {
+    if (!fit.seconds.IsThere()) return "";
+    char text[160] = "";
+    const double widths = fit.seconds.value * band.band.WidthHz();  // a decay that is one over the width long counts 1
+    if (!band.band.IsWhole()) {
+        // In tones the worst error is 1 % where these products are; EDT sees the filter first, as it begins at 0 dB.
+        constexpr double straightWidths = 8.0, earlyWidths = 32.0, bentWidths = 64.0, straight = 0.995;
+        const double needed = lowerDb > -20.0 ? earlyWidths : straightWidths;
+        if (widths < needed) {
+            const bool isFilter = fit.seconds.value < ShortestDecay(band.band);
+            if (!isFilter) return "the band's filter still takes part in so short a decay";
+            std::snprintf(text, sizeof text, "a decay below %.2f s is that of the band's filter",
+                          ShortestDecay(band.band));
+            return text;
+        }
+        if (lowerDb < -20.0 && widths < bentWidths && fit.correlation < straight)
+            return "the decay is not straight, and the filter of so narrow a band rounds its bends";
+    }
+    if (band.floor.found) {
+        // Where the line ends, noise stands against the decay: its beats tilt the line, the less the more of them there
+        // are and the longer the line is. Found with tones in noise, from 8 widths to 20000; deviation of one in three.
+        const double rangeDb = (lowerDb > -20.0 ? 0.0 : -5.0) - lowerDb;
+        const double deviation = 20.0 / rangeDb * std::pow(10.0, (band.endDb - lowerDb) / 20.0) / std::sqrt(widths);
+        const double percent = 2.0 * 100.0 * deviation;
+        if (percent > 1.0) {
+            constexpr int steps[] = {2, 5, 10, 20};  // few, so that bands share a sentence
+            auto const* const step =
+                std::find_if(std::begin(steps), std::end(steps), [&](int s) { return percent <= s; });
+            std::snprintf(text, sizeof text, "noise leaves it uncertain by %s %d %%",
+                          step == std::end(steps) ? "more than" : "up to", step == std::end(steps) ? steps[3] : *step);
+        }
+    }
+    return text;
+}
+
+std::string WhyInexact(double partingSeconds, BandFigures const& band) {
+    // The worst tone is off by 0.1 dB at either of them.
+    constexpr double leastWidths = 6.0, leastDecayWidths = 64.0;
+    const double width = band.band.WidthHz();
+    const bool blurred = partingSeconds * width < leastWidths ||
+                         (band.edt.seconds.IsThere() && band.edt.seconds.value * width < leastDecayWidths);
+    return blurred && !band.band.IsWhole() ? "the band's filter blurs the time at which early and late are parted" : "";
 }
 
 }  // namespace orvanmeasure

@@ -13,8 +13,7 @@
 namespace orvanmeasure {
 
 /// What ISO 3382-1 tells of a response within one band. Decay times are exact to 1 %, energy ratios to 0.1 dB where the
-/// response is (tests show it), from these lengths on: T20 and T30 from ShortestDecay on; EDT, C50, C80, D50 and Ts,
-/// which live in the first moments that a filter smears, where band width times decay time is 50 or more.
+/// response is (tests show it); WhyInexact says where noise or the band's filter keep them from it.
 struct BandFigures {
     Band band;
     DecayFit edt;                         ///< 0 to -10 dB
@@ -27,11 +26,6 @@ struct BandFigures {
     NoiseFloor floor;
     double endDb = 0.0;        ///< where the curve meets noise, or ends
     std::vector<float> curve;  ///< the decay curve [dB], one value every `curveStepSeconds`
-
-    /// True if a decay time is shorter than what the band can show.
-    bool IsTooShort(DecayFit const& fit) const {
-        return fit.seconds.IsThere() && fit.seconds.value < ShortestDecay(band);
-    }
 };
 
 inline constexpr double curveStepSeconds = 0.001;
@@ -69,5 +63,12 @@ RoomMeasurement Measure(Channels response, double sampleRate, BandWidth width);
 /// A sentence that says why a figure of a band is missing; empty if it isn't.
 /// @param lowerDb  the end of the part that it would be read from: -10, -25, -35; 0 for what is no decay time
 std::string WhyMissing(Figure const& figure, BandFigures const& band, double lowerDb);
+
+/// A sentence that says why a decay time may be off by more than 1 %; empty if it is exact, or missing.
+/// @param lowerDb  as above
+std::string WhyInexact(DecayFit const& fit, BandFigures const& band, double lowerDb);
+
+/// The same for what parts the energy at a time [s] behind the direct sound, by more than 0.1 dB.
+std::string WhyInexact(double partingSeconds, BandFigures const& band);
 
 }  // namespace orvanmeasure

@@ -94,7 +94,9 @@ std::string FixedText(double value, int decimals) {
     std::array<char, 400> text{};  // room for the largest double in fixed notation
     const auto result =
         std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals);
-    return {text.data(), result.ptr};
+    const std::string_view digits(text.data(), static_cast<std::size_t>(result.ptr - text.data()));
+    const bool isZero = digits.find_first_not_of("-0.") == std::string_view::npos;
+    return std::string(digits.substr(isZero && digits.front() == '-' ? 1 : 0));
 }
 
 }  // namespace program

@@ -32,7 +32,7 @@ std::string Counted(std::size_t number, std::string const& what);
 /// The shortest text that reads back as the same number: 0.1, 30, -7.5.
 std::string NumberText(float value);
 
-/// A number with a fixed count of decimals.
+/// A number with a fixed count of decimals; never -0.
 std::string FixedText(double value, int decimals);
 
 }  // namespace program

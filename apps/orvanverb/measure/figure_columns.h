@@ -17,6 +17,10 @@ struct FigureColumn {
     double justNoticeable;  // difference, after ISO 3382-1, annex A; 0 if it tells none
     bool isShare;           // that difference is a share of the figure
     bool needsEars;         // two channels
+    // A sentence that says why it may be off by more than its limit; empty if it isn't.
+    std::string (*whyInexact)(orvanmeasure::BandFigures const& band) = [](orvanmeasure::BandFigures const&) {
+        return std::string();
+    };
 };
 
 std::span<FigureColumn const> FigureColumns();

@@ -33,19 +33,22 @@ std::string Series(std::vector<float> const& values, int decimals) {
 }
 
 std::string BandJson(BandFigures const& band, std::size_t numChannels) {
-    std::string text = "{\"band\": " + JsonString(band.band.name), missing;
+    std::string text = "{\"band\": " + JsonString(band.band.name), missing, inexact;
     if (!band.band.IsWhole()) text += ", \"centre_hz\": " + Number(band.band.centreHz);
     for (FigureColumn const& column : FigureColumns()) {
         if (column.needsEars && numChannels != 2) continue;
         const Figure figure = column.get(band);
         text += ", " + JsonString(column.key) + ": " + Number(figure);
-        if (!figure.IsThere())
-            missing += (missing.empty() ? "" : ", ") + JsonString(column.key) + ": " +
-                       JsonString(WhyMissing(figure, band, column.lowerDb));
+        const auto note = [&](std::string& notes, std::string const& why) {
+            if (!why.empty()) notes += (notes.empty() ? "" : ", ") + JsonString(column.key) + ": " + JsonString(why);
+        };
+        note(missing, WhyMissing(figure, band, column.lowerDb));
+        note(inexact, column.whyInexact(band));
     }
     text += ", \"noise_found\": " + std::string(band.floor.found ? "true" : "false");
     if (!band.band.IsWhole()) text += ", \"shortest_decay\": " + Number(orvanmeasure::ShortestDecay(band.band));
-    return text + ", \"missing\": {" + missing + "}, \"curve_db\": " + Series(band.curve, 2) + "}";
+    return text + ", \"missing\": {" + missing + "}, \"inexact\": {" + inexact +
+           "}, \"curve_db\": " + Series(band.curve, 2) + "}";
 }
 
 std::string PairJson(orvanmeasure::ChannelPair const& pair) {

@@ -55,33 +55,61 @@ std::string Opening(std::string const& name, RoomMeasurement const& measured) {
     return text + "\n";
 }
 
-/// Why figures are missing: each reason once, with what it concerns.
-std::string Reasons(RoomMeasurement const& measured) {
-    std::vector<std::pair<std::string, std::string>> reasons;  // in the order of the table
-    const auto note = [&](std::string const& reason, std::string const& what) {
-        const auto same =
-            std::find_if(reasons.begin(), reasons.end(), [&](auto& entry) { return entry.first == reason; });
-        if (same == reasons.end())
-            reasons.emplace_back(reason, what);
-        else
-            same->second += ", " + what;
-    };
-    for (BandFigures const* band : Rows(measured)) {
-        for (FigureColumn const* column : Columns(measured)) {
-            if (column->decimals == 4) continue;  // a fit's correlation is missing where its time is
-            const std::string heading = column->heading;
-            const std::string what = heading.substr(0, heading.find(' ')) + " at " + band->band.name;
-            if (const Figure figure = column->get(*band); !figure.IsThere())
-                note(WhyMissing(figure, *band, column->lowerDb), what);
-        }
-        if (band->IsTooShort(band->t20) || band->IsTooShort(band->t30))
-            note("a decay below " + FixedText(orvanmeasure::ShortestDecay(band->band), 2) +
-                     " s is that of the band's filter",
-                 "T at " + band->band.name);
+/// Rows in words, "63, 125 and 500 to 4000": neighbours are drawn together.
+std::string RowNames(std::vector<std::size_t> const& rows, std::vector<BandFigures const*> const& all) {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < rows.size();) {
+        std::size_t next = i + 1;
+        while (next < rows.size() && rows[next] == rows[next - 1] + 1 && !all[rows[next]]->band.IsWhole()) ++next;
+        names.push_back(all[rows[i]]->band.name);
+        if (next - i > 1) names.back().append(next - i > 2 ? " to " : ", ").append(all[rows[next - 1]]->band.name);
+        i = next;
     }
     std::string text;
-    for (auto const& [reason, what] : reasons)
-        text.append("  - ").append(what).append(": ").append(reason).append("\n");
+    for (std::size_t i = 0; i < names.size(); ++i)
+        text.append(i == 0 ? "" : i + 1 < names.size() ? ", " : " and ").append(names[i]);
+    return text;
+}
+
+/// What stands beside a key in a list that keeps its order; added if it isn't there.
+template <typename Value>
+Value& Entry(std::vector<std::pair<std::string, Value>>& entries, std::string const& key) {
+    for (auto& [name, value] : entries)
+        if (name == key) return value;
+    return entries.emplace_back(key, Value{}).second;
+}
+
+/// Why figures are missing, or not as exact as others: each reason once, with what it concerns.
+std::string Reasons(RoomMeasurement const& measured) {
+    using RowList = std::vector<std::size_t>;
+    const std::vector<BandFigures const*> all = Rows(measured);
+    std::vector<std::pair<std::string, std::vector<std::pair<std::string, RowList>>>>
+        reasons;  // figures and their rows
+    for (FigureColumn const* column : Columns(measured)) {
+        if (column->justNoticeable == 0.0) continue;  // belongs to another figure, and is missing where that is
+        const std::string heading = column->heading, name = heading.substr(0, heading.find(' '));
+        std::vector<std::pair<std::string, RowList>> own;
+        for (std::size_t row = 0; row < all.size(); ++row) {
+            const Figure figure = column->get(*all[row]);
+            const std::string why =
+                figure.IsThere() ? column->whyInexact(*all[row]) : WhyMissing(figure, *all[row], column->lowerDb);
+            if (!why.empty()) Entry(own, why).push_back(row);
+        }
+        for (auto const& [why, rows] : own) {
+            auto& concerns = Entry(reasons, why);
+            if (!concerns.empty() && concerns.back().second == rows)
+                concerns.back().first += ", " + name;
+            else
+                concerns.emplace_back(name, rows);
+        }
+    }
+    std::string text;
+    for (auto const& [why, concerns] : reasons) {
+        std::string what;
+        for (auto const& [figures, rows] : concerns)
+            what += (what.empty() ? "" : "; ") + figures + " at " + RowNames(rows, all);
+        text.append("  - ").append(what).append(": ").append(why).append("\n");
+    }
     return text;
 }
 
@@ -91,7 +119,7 @@ std::string PairText(ChannelPair const& pair) {
 }
 
 std::string Milliseconds(Figure const& seconds) {
-    return seconds.IsThere() ? FixedText(1000.0 * seconds.value, 0) + " ms" : "not reached";
+    return seconds.IsThere() ? "at " + FixedText(1000.0 * seconds.value, 0) + " ms" : "not reached";
 }
 
 /// What isn't told band by band.
@@ -99,7 +127,7 @@ std::string Closing(RoomMeasurement const& measured) {
     std::string text;
     if (const Figure mid = measured.Mid(&BandFigures::t30); mid.IsThere())
         text += "T30 mid (500 and 1000 Hz): " + FixedText(mid.value, 2) + " s\n";
-    text += "echo density: 0.9 at " + Milliseconds(measured.density.nearlyMixed) + ", mixing time (1.0) " +
+    text += "echo density: 0.9 " + Milliseconds(measured.density.nearlyMixed) + ", mixing time (1.0) " +
             Milliseconds(measured.density.mixingTime) + "\n";
     if (!measured.neighbours.empty()) {
         const auto alike = [](ChannelPair const& a, ChannelPair const& b) {
