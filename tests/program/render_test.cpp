@@ -7,9 +7,9 @@
 #include <limits>
 #include <thread>
 
+#include "measure/room_measurement.h"
 #include "program/run_program.h"
 #include "program/sound_files.h"
-#include "support/decay.h"
 
 namespace {
 
@@ -94,10 +94,10 @@ TEST_F(Rendering, DecaysAsAsked) {
         const Sound sound = ImpulseResponse(
             "6", "0", "1",
             {"--preset", directory / "room", "--tail", "auto", "--set", "tr0=" + std::to_string(seconds)});
-        std::vector<std::vector<float>> late;
-        for (std::vector<float> const& channel : sound.samples)
-            late.emplace_back(channel.begin() + 14400, channel.end());  // behind 0.3 s the late field is alone
-        EXPECT_NEAR(MeasureDecay(late, 48000.0, 1000.0) / seconds, 1.0, 0.05);
+        std::vector<std::span<float const>> late;  // behind 0.3 s it is alone
+        for (std::vector<float> const& channel : sound.samples) late.push_back(std::span(channel).subspan(14400));
+        const auto measured = orvanmeasure::Measure(late, 48000.0, orvanmeasure::BandWidth::octave);
+        EXPECT_NEAR(measured.Mid(&orvanmeasure::BandFigures::t30).value / seconds, 1.0, 0.05);
     }
 }
 
