@@ -7,8 +7,8 @@
 #include <string>
 
 #include "geometry/named_layout.h"
-#include "geometry/vector_algebra.h"
 #include "harmonics/ambisonic_encoding.h"
+#include "support/places.h"
 
 // Red if a triangle of the hull is missing (a direction is then lost or played elsewhere), if degrees are weighted
 // wrongly, or if a layout makes large gains: energy vectors of waves within the layout point at them, their power
@@ -23,27 +23,19 @@ TEST(AllRadDecoder, IrregularLayoutsPlayWavesWhereTheyComeFrom) {
             double sumDegrees = 0.0, count = 0.0, least = 1e9, most = 0.0;
             for (double azimuth = 0.0; azimuth < 360.0; azimuth += 15.0) {
                 for (const double elevation : {-90.0, -45.0, 0.0, 20.0, 45.0}) {
-                    const double a = azimuth * M_PI / 180.0, e = elevation * M_PI / 180.0;
-                    const Lume::CartesianVector d{static_cast<float>(std::cos(a) * std::cos(e)),
-                                                  static_cast<float>(std::sin(a) * std::cos(e)),
-                                                  static_cast<float>(std::sin(e))};
+                    const Lume::CartesianVector d = At(azimuth, elevation);
                     const auto wave =
                         Lume::AmbisonicEncodingVector(order, d, Lume::SchmidtSeminormalized3D, Lume::IncreasingDegrees);
-                    Lume::CartesianVector vector{};
-                    double power = 0.0;
-                    for (std::size_t j = 0; j < speakers.size(); ++j) {
-                        double gain = 0.0;
+                    std::vector<double> gains(speakers.size(), 0.0);
+                    for (std::size_t j = 0; j < speakers.size(); ++j)
                         for (unsigned int i = 0; i < numChannels; ++i)
-                            gain += wave[i] * decoder.GetDecoderMatrix()[i][j];
-                        power += gain * gain;
-                        vector = vector + speakers[j] * static_cast<float>(gain * gain);
-                    }
-                    least = std::min(least, power);
-                    most = std::max(most, power);
+                            gains[j] += wave[i] * decoder.GetDecoderMatrix()[i][j];
+                    const GerzonVectors heard(gains, speakers);
+                    least = std::min(least, heard.power);
+                    most = std::max(most, heard.power);
                     if (elevation < 0.0) continue;
-                    sumDegrees +=
-                        std::acos(static_cast<double>(std::clamp(Dot(vector, d) / Length(vector), -1.0f, 1.0f))) *
-                        180.0 / M_PI;
+                    sumDegrees += std::acos(std::min(1.0, static_cast<double>(Dot(Unit(heard.energy), d)))) * 180.0 /
+                                  std::numbers::pi;
                     count += 1.0;
                 }
             }

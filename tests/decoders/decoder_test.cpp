@@ -90,11 +90,6 @@ TEST(Decoder, WorksInPlaceAndAllocatesNothing) {
         int hoaType;
     };
     constexpr std::size_t block = 64, length = 64 * block;
-    const auto noise = [](std::size_t count) {
-        Channels channels(count, length, 0.0f);
-        for (std::uint32_t i = 0; i < count; ++i) std::ranges::copy(MakeNoise(i + 7, length), channels.pointers[i]);
-        return channels;
-    };
     for (const auto& [numInputs, numOutputs, type, hoaType] :
          {Case{2, 3, "null", 0},    {3, 2, "null", 0},        {4, 3, "bformat", 0},     {5, 8, "bformat", 0},
           {5, 8, "hoa2d", 0},       {5, 8, "hoa2d", 3},       {9, 8, "hoa3d", 1},       {9, 8, "hoa3d", 2},
@@ -104,7 +99,7 @@ TEST(Decoder, WorksInPlaceAndAllocatesNothing) {
           {4, 4, "uhj2bformat", 0}}) {
         SCOPED_TRACE(testing::Message() << type << " " << numInputs << " to " << numOutputs << ", " << hoaType);
         const std::size_t numArrays = std::max(numInputs, numOutputs);
-        const Channels inputs = noise(numArrays), shared = noise(numArrays), outputs = noise(numArrays);
+        const Channels inputs = NoiseChannels(numArrays, length), shared = inputs, outputs = inputs;
         const auto apart = Make(numInputs, numOutputs, type), inPlace = Make(numInputs, numOutputs, type);
         for (Decoder* decoder : {apart.get(), inPlace.get()}) {
             decoder->Configure(48000.0f, block, true);

@@ -12,6 +12,8 @@
 #include "pan/binaural/ambisonic_ears_fit.h"
 #include "pan/binaural/binaural_panning_direct.h"
 #include "support/channels.h"
+#include "support/frequency_response.h"
+#include "support/places.h"
 
 namespace {
 
@@ -20,39 +22,24 @@ using std::numbers::pi;
 
 constexpr unsigned int block = 64;
 constexpr std::size_t length = 1024;
-constexpr float rate = 44100.0f;
-
-CartesianVector At(double azimuthDegrees, double elevationDegrees) {
-    const double a = azimuthDegrees * pi / 180.0, e = elevationDegrees * pi / 180.0;
-    return {static_cast<float>(std::sin(a) * std::cos(e)), static_cast<float>(std::cos(a) * std::cos(e)),
-            static_cast<float>(std::sin(e))};
-}
+constexpr double rate = 44100.0;
 
 /// Both ears' responses to an impulse that arrives with these gains.
 Channels Response(orvandsp::SignalProcessing& processor, std::vector<double> const& gains) {
-    Channels in(static_cast<unsigned int>(gains.size()), length, 0.0f), out(2, length, 0.0f);
-    for (std::size_t c = 0; c < gains.size(); ++c) in.data[c][0] = static_cast<float>(gains[c]);
-    for (std::size_t i = 0; i < length; i += block)
-        processor.Process(out.From(i).data(), in.From(i).data(), block, orvandsp::allActiveInputs);
-    return out;
-}
-
-std::complex<double> Transform(std::vector<float> const& response, double frequencyHz) {
-    std::complex<double> sum = 0.0;
-    const std::complex<double> step = std::polar(1.0, -2.0 * pi * frequencyHz / static_cast<double>(rate));
-    for (auto sample = response.rbegin(); sample != response.rend(); ++sample)
-        sum = sum * step + static_cast<double>(*sample);
-    return sum;
+    Channels in(gains.size(), length, 0.0f);
+    for (std::size_t c = 0; c < gains.size(); ++c) in[c][0] = static_cast<float>(gains[c]);
+    return Processed(processor, in, 2, block);
 }
 
 double ThirdOctaveDb(std::vector<float> const& response, double centreHz) {
     double power = 0.0;
-    for (int i = -4; i <= 4; ++i) power += std::norm(Transform(response, centreHz * std::exp2(i / 27.0)));
+    for (int i = -4; i <= 4; ++i) power += std::norm(ResponseAt(response, centreHz * std::exp2(i / 27.0) / rate));
     return 10.0 * std::log10(power);
 }
 
 double PhaseDelayMicroseconds(Channels const& ears, double frequencyHz) {
-    return std::arg(Transform(ears.data[0], frequencyHz) * std::conj(Transform(ears.data[1], frequencyHz))) /
+    return std::arg(ResponseAt(ears.data[0], frequencyHz / rate) *
+                    std::conj(ResponseAt(ears.data[1], frequencyHz / rate))) /
            (2.0 * pi * frequencyHz) * 1e6;
 }
 
@@ -74,11 +61,11 @@ struct Figures {
 // Ground truth: the head that the responses were made from. Directions ahead, beside, behind, above and below.
 Figures Compare(unsigned int order) {
     Lume::BinauralPanningDirect head(1, 2);
-    head.SetSamplerate(rate);
+    head.SetSamplerate(44100.0f);
     head.SetMaxBlockSize(block);
     Lume::HOABinauralDecoder decoder((order + 1) * (order + 1));
     decoder.SetMaxBlockSize(block);
-    decoder.SetEars(Lume::MakeAmbisonicEars(std::make_unique<Lume::Hrtf>("kemar"), rate, order,
+    decoder.SetEars(Lume::MakeAmbisonicEars(std::make_unique<Lume::Hrtf>("kemar"), 44100.0f, order,
                                             Lume::SchmidtSeminormalized3D, true));
     Figures figures;
     double sum = 0.0, count = 0.0;
@@ -126,7 +113,7 @@ TEST(HOABinauralDecoder, FormsOfTheChannelsAreEqual) {
         Lume::HOABinauralDecoder decoder(9);
         decoder.SetMaxBlockSize(block);
         decoder.SetEars(
-            Lume::MakeAmbisonicEars(std::make_unique<Lume::Hrtf>("kemar"), rate, 2, normalization, ambixAxes));
+            Lume::MakeAmbisonicEars(std::make_unique<Lume::Hrtf>("kemar"), 44100.0f, 2, normalization, ambixAxes));
         return Response(decoder, Lume::AmbisonicEncodingVector(2, ambixAxes ? CartesianVector{p.y, -p.x, p.z} : p,
                                                                normalization, Lume::IncreasingDegrees));
     };

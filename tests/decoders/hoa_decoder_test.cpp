@@ -20,6 +20,7 @@
 #include "pan/ambisonic/hoa3d_panning.h"
 #include "support/channels.h"
 #include "support/frequency_response.h"
+#include "support/places.h"
 
 namespace {
 
@@ -33,28 +34,15 @@ constexpr std::size_t block = 64;
 
 /// Regular layouts in space: the octahedron for order 1, the icosahedron for order 2, and above a spherical design of
 /// strength 10: five points, found by least squares on the harmonics, in the twelve rotations of a tetrahedron.
-std::vector<CartesianVector> LayoutInSpace(unsigned int order) {
-    if (order == 1) return {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}};
-    std::vector<CartesianVector> result;
-    const auto addAxesExchanged = [&](float x, float y, float z) {
-        result.insert(result.end(), {{x, y, z}, {y, z, x}, {z, x, y}});
-    };
-    if (order == 2) {
-        const auto p = std::numbers::phi_v<float>;
-        for (const float a : {-1.0f, 1.0f})
-            for (const float b : {-p, p}) addAxesExchanged(0, a, b);
-        return result;
-    }
-    for (auto const& [x, y, z] : {CartesianVector{-0.451819103f, 0.783355938f, 0.426864116f},
-                                  {0.545951908f, -0.365621190f, -0.753828667f},
-                                  {-0.338584360f, -0.933210037f, 0.120331449f},
-                                  {0.034089550f, -0.700181019f, 0.713151066f},
-                                  {-0.957997940f, -0.276230218f, -0.077050721f}}) {
-        addAxesExchanged(x, y, z);
-        addAxesExchanged(x, -y, -z);
-        addAxesExchanged(-x, y, -z);
-        addAxesExchanged(-x, -y, z);
-    }
+Positions LayoutInSpace(unsigned int order) {
+    if (order < 3) return order == 1 ? Signed(1, 0, 0) : Signed(0, 1, std::numbers::phi_v<float>);
+    Positions result;
+    for (auto const& [x, y, z] : Positions{{0.451819103f, 0.783355938f, -0.426864116f},
+                                           {0.545951908f, 0.365621190f, 0.753828667f},
+                                           {0.338584360f, 0.933210037f, 0.120331449f},
+                                           {0.034089550f, 0.700181019f, -0.713151066f},
+                                           {0.957997940f, 0.276230218f, -0.077050721f}})
+        result = Joined(result, Signed(x, y, std::abs(z), z > 0.0f ? 1 : -1));
     return result;
 }
 
@@ -75,29 +63,6 @@ std::vector<double> SpeakerGains(HOADecoder& decoder, Lume::HOAPanning& encoder,
     std::vector<double> gains;
     for (auto const& channel : out.data) gains.push_back(static_cast<double>(channel[0]));
     return gains;
-}
-
-/// Gerzon's vectors: the velocity vector is weighted by gains, the energy vector by their squares.
-void ExpectVectors(std::vector<double> const& gains, std::vector<CartesianVector> const& speakers,
-                   CartesianVector const& source, double velocityLength, double energyLength) {
-    const auto check = [&](int power, double expected) {
-        double sum = 0.0, v[3] = {}, alongSource = 0.0;
-        for (std::size_t j = 0; j < gains.size(); ++j) {
-            const double weight = std::pow(gains[j], power), r = static_cast<double>(speakers[j].radius());
-            const double unit[] = {static_cast<double>(speakers[j].x) / r, static_cast<double>(speakers[j].y) / r,
-                                   static_cast<double>(speakers[j].z) / r};
-            sum += weight;
-            for (int d = 0; d < 3; ++d) v[d] += weight * unit[d];
-        }
-        const double u[] = {static_cast<double>(source.x), static_cast<double>(source.y),
-                            static_cast<double>(source.z)};
-        for (int d = 0; d < 3; ++d) alongSource += v[d] / sum * u[d] / static_cast<double>(source.radius());
-        const double length = std::hypot(v[0], v[1], v[2]) / std::abs(sum);
-        EXPECT_NEAR(length, expected, 0.01 * expected) << power;
-        EXPECT_LT(std::acos(std::min(1.0, alongSource / length)) * 180.0 / pi, 1.0) << power;
-    };
-    check(1, velocityLength);
-    check(2, energyLength);
 }
 
 /// Theoretical lengths of one weighting.
@@ -122,21 +87,21 @@ void CheckTypes(HOADecoder& decoder, Lume::HOAPanning& encoder, std::vector<Cart
                 SCOPED_TRACE(testing::Message() << row.type << (alternating ? ", high" : ", low") << ", source at "
                                                 << source.x << " " << source.y << " " << source.z);
                 Lengths const& lengths = alternating ? row.high : row.low;
-                ExpectVectors(SpeakerGains(decoder, encoder, source, alternating), speakers, source, lengths.velocity,
-                              lengths.energy);
+                const GerzonVectors heard(SpeakerGains(decoder, encoder, source, alternating), speakers);
+                const CartesianVector wanted = Unit(source);
+                EXPECT_LT(Length(heard.velocity / static_cast<float>(lengths.velocity) - wanted), 0.01f);
+                EXPECT_LT(Length(heard.energy / static_cast<float>(lengths.energy) - wanted), 0.01f);
             }
     }
 }
 
-std::vector<CartesianVector> RandomDirections(std::size_t count, bool inThePlane) {
+Positions RandomDirections(std::size_t count, bool inThePlane) {
     std::mt19937 random(11);
     const auto uniform = [&] { return static_cast<double>(random()) / 4294967296.0; };
-    std::vector<CartesianVector> result;
+    Positions result;
     for (std::size_t i = 0; i < count; ++i) {
-        const double azimuth = 2.0 * pi * uniform(), z = inThePlane ? 0.0 : 2.0 * uniform() - 1.0;
-        const double c = std::sqrt(1.0 - z * z);
-        result.push_back({static_cast<float>(2.0 * c * std::cos(azimuth)),
-                          static_cast<float>(2.0 * c * std::sin(azimuth)), static_cast<float>(2.0 * z)});
+        const double azimuth = 360.0 * uniform(), z = inThePlane ? 0.0 : 2.0 * uniform() - 1.0;
+        result.push_back(At(azimuth, std::asin(z) * 180.0 / pi, 2.0));
     }
     return result;
 }

@@ -74,16 +74,6 @@ std::unique_ptr<TransauralDecoder> Load(Member const& member, Filters const& fil
     return decoder;
 }
 
-/// What the loudspeakers play.
-Channels Render(Decoder& decoder, Channels const& in, std::size_t blockSize) {
-    Channels out(2, in.data[0].size(), 1.0f);
-    for (std::size_t n = 0; n + blockSize <= in.data[0].size(); n += blockSize) {
-        std::vector<float*> from = in.From(n), to = out.From(n);
-        decoder.Process(to.data(), from.data(), blockSize, orvandsp::allActiveInputs);
-    }
-    return out;
-}
-
 /// How much less crosstalk there is at the ears than with bare loudspeakers [dB], for an impulse at each input, in the
 /// mean from 200 Hz to 8 kHz on a logarithmic axis.
 double CrosstalkReduction(Decoder& decoder, Ways const& ways) {
@@ -91,9 +81,9 @@ double CrosstalkReduction(Decoder& decoder, Ways const& ways) {
     for (const unsigned int input : {0u, 1u}) {
         decoder.Clear();
         Channels in(2, 4096, 0.0f);
-        Render(decoder, in, 64);    // fades and glides end
+        Processed(decoder, in, 2);  // fades and glides end
         in.data[input][0] = 0.25f;  // low enough for every loop
-        const Channels feeds = Render(decoder, in, 64);
+        const Channels feeds = Processed(decoder, in, 2);
         for (double f = 200.0; f <= 8000.0; f *= std::pow(2.0, 1.0 / 24.0)) {
             const auto at = [f](std::vector<float> const& response) { return ResponseAt(response, f / measuredRate); };
             const auto left = at(feeds.data[0]), right = at(feeds.data[1]);
@@ -136,24 +126,18 @@ Filters ShortFilters(std::size_t count) {
     return filters;
 }
 
-Channels NoisePair(std::size_t length) {
-    Channels pair(2, length, 0.0f);
-    for (const unsigned int i : {0u, 1u}) std::ranges::copy(MakeNoise(50 + i, length, 0.2f), pair.pointers[i]);
-    return pair;
-}
-
 // Red if the direct form merges the first two values of an impulse response, if a Process writes over an input that it
 // still needs, or if one allocates.
 TEST(TransauralDecoder, DirectFormFftAndInPlaceAgree) {
     constexpr std::size_t length = 512, blockSize = 32;
     for (Member const& member : members) {
         auto decoder = Load(member, ShortFilters(member.numFilters), blockSize);
-        Channels in = NoisePair(length);
-        const Channels direct = Render(*decoder, in, blockSize);
+        Channels in = NoiseChannels(2, length, 50, 0.2f);
+        const Channels direct = Processed(*decoder, in, 2, blockSize);
 
         dynamic_cast<FilteredTransauralDecoder&>(*decoder).SetFIRFiltersImplementationMethod("fftconvolution");
         decoder->Clear();
-        const Channels fft = Render(*decoder, in, blockSize);
+        const Channels fft = Processed(*decoder, in, 2, blockSize);
         for (const unsigned int i : {0u, 1u})
             for (std::size_t n = 0; n < length; ++n)
                 ASSERT_NEAR(fft.data[i][n], direct.data[i][n], 2e-6) << member.subType << ' ' << n;
@@ -175,7 +159,7 @@ TEST(TransauralDecoder, DirectFormFftAndInPlaceAgree) {
 TEST(TransauralDecoder, OnlySuitingSetsPlay) {
     constexpr short halfActive[] = {1, 0};
     const auto plays = [](Decoder& decoder, short const* active) {
-        Channels in = NoisePair(64), out(2, 64, 1.0f);
+        Channels in = NoiseChannels(2, 64, 50, 0.2f), out(2, 64, 1.0f);
         decoder.Process(out.pointers.data(), in.pointers.data(), 64, active);
         return Power(out.data[0]) + Power(out.data[1]) > 0.0;
     };
@@ -240,7 +224,7 @@ void LoadLoop(TransauralDecoder& decoder, float b1) {
                                  return place == 1 ? b1 : place < 6 ? coefficients[place] : 0.0f;
                              }));
     EXPECT_TRUE(decoder.LoadFromFile(file.name.c_str()));
-    Render(decoder, Channels(2, 4096, 0.0f), 64);  // the glide and the fades end
+    Processed(decoder, Channels(2, 4096, 0.0f), 2);  // the glide and the fades end
 }
 
 std::unique_ptr<TransauralDecoder> MakeLoop() {
@@ -275,7 +259,7 @@ TEST(TransauralDecoder, BiquadLoopsDropWhatExceedsFullScale) {
     Channels in(2, 64, 0.0f);
     in.data[0][0] = in.data[1][0] = 1.5f;  // 3 in the loop: dropped, and dropped again when half of it comes around
     in.data[0][25] = in.data[1][25] = 0.2f;
-    const Channels out = Render(*decoder, in, 64);
+    const Channels out = Processed(*decoder, in, 2);
     for (std::size_t n = 0; n < 25; ++n) EXPECT_NEAR(out.data[0][n], 0.0, 1e-3) << n;
     EXPECT_NEAR(out.data[0][25], 0.4, 1e-3);
     EXPECT_NEAR(out.data[0][35], -0.2, 1e-3);
@@ -286,12 +270,12 @@ TEST(TransauralDecoder, BiquadLoopsDropWhatExceedsFullScale) {
 TEST(TransauralDecoder, BiquadLoopsSurviveUnstableInverses) {
     auto decoder = MakeLoop();
     LoadLoop(*decoder, -2.5f);
-    const Channels bad = Render(*decoder, NoisePair(4096), 64);
+    const Channels bad = Processed(*decoder, NoiseChannels(2, 4096, 50, 0.2f), 2);
     EXPECT_TRUE(std::ranges::all_of(bad.data[0], [](float x) { return std::abs(x) <= 2.0f; }));
     LoadLoop(*decoder, 0.0f);
     Channels in(2, 64, 0.0f);
     in.data[0][0] = in.data[1][0] = 0.25f;
-    const Channels good = Render(*decoder, in, 64);
+    const Channels good = Processed(*decoder, in, 2);
     EXPECT_NEAR(good.data[0][0], 0.5, 1e-3);
     EXPECT_NEAR(good.data[0][10], -0.25, 1e-3);
     EXPECT_NEAR(good.data[0][20], 0.125, 1e-3);
@@ -304,7 +288,7 @@ TEST(TransauralDecoder, RunawayLoopsFallSilentAndRecover) {
         auto decoder = Load(member, {{2.0f, 0.0f}, {2.0f, 0.0f}, {1.0f, 0.0f}, {1.0f, 0.0f}}, 64);
         Channels in(2, 64 * 20, 0.0f);
         in.data[0][0] = 0.5f;
-        const Channels first = Render(*decoder, in, 64), again = Render(*decoder, in, 64);
+        const Channels first = Processed(*decoder, in, 2), again = Processed(*decoder, in, 2);
         const auto largest = *std::ranges::max_element(first.data[0]);
         EXPECT_GT(largest, 10.0f);
         EXPECT_LE(largest, 100.0f);

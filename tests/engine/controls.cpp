@@ -77,9 +77,9 @@ std::vector<Control> MakeControls() {
         controls.push_back({name, low, high, usual, small, smallLimit, fullLimit, set});
     };
     add("source distance", 0.3f, 100.0f, 1.0f, 1.1f, -60, -38,
-        [](OrvanVerb& e, float m) { e.SetSourcePosition(0, At(-45.0, static_cast<double>(m))); });
+        [](OrvanVerb& e, float m) { e.SetSourcePosition(0, At(-45.0, 0.0, static_cast<double>(m))); });
     add("source azimuth", -180.0f, 180.0f, -45.0f, -40.0f, -60, -43,
-        [](OrvanVerb& e, float degrees) { e.SetSourcePosition(0, At(static_cast<double>(degrees), 1.0)); });
+        [](OrvanVerb& e, float degrees) { e.SetSourcePosition(0, At(static_cast<double>(degrees))); });
     add("elevation", -80.0f, 80.0f, 0.0f, 5.0f, -60, -74, [](OrvanVerb& e, float degrees) { e.SetElevation(degrees); });
     add("loudspeaker ring", -180.0f, 180.0f, 0.0f, 5.0f, -60, -45, [](OrvanVerb& e, float turn) {
         const std::vector<Lume::CartesianVector> ring = Ring(e.GetNumOutputs(), static_cast<double>(turn));

@@ -15,11 +15,8 @@
 
 namespace {
 
-/// A set of one direction whose two filters are a gain.
-std::unique_ptr<Lume::Hrtf> FlatSet(float gain) {
-    SetDescription set;
-    set.positions = {{0.0f, 1.0f, 0.0f}};
-    const TemporaryFile file(".hrtf", SetFile(set, [=](std::uint32_t, std::uint32_t) { return gain; }));
+std::unique_ptr<Lume::Hrtf> FlatSet(float gain, std::uint32_t numChannels = 2) {
+    const TemporaryFile file(".hrtf", FlatSetFile(gain, numChannels));
     return std::make_unique<Lume::Hrtf>(file.name);
 }
 
@@ -77,11 +74,7 @@ TEST(Ears, ExchangeIsASmoothFadeToWhatTheNewSetGives) {
 TEST(Ears, AreRefusedWhereThereAreNone) {
     EngineRig loudspeakers(1, 4, 2);
     EXPECT_FALSE(loudspeakers.engine.MakeEars(FlatSet(1.0f)));
-    SetDescription mono;
-    mono.numChannels = 1;
-    mono.positions = {{0.0f, 1.0f, 0.0f}};
-    const TemporaryFile file(".hrtf", SetFile(mono, [](std::uint32_t, std::uint32_t) { return 1.0f; }));
-    EXPECT_FALSE(Headphones().engine.MakeEars(std::make_unique<Lume::Hrtf>(file.name)));
+    EXPECT_FALSE(Headphones().engine.MakeEars(FlatSet(1.0f, 1)));
 }
 
 // A sample that isn't finite spreads through the whole late field. Red if anything is left that could still hold it:

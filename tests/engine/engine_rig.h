@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "engine/orvan_verb.h"
+#include "support/places.h"
 #include "support/signals.h"
 
 /// An engine whose blocks a test can look at.
@@ -81,16 +82,10 @@ public:
     short const* activeInputs = orvandsp::allActiveInputs;
 };
 
-/// The point at a listener's azimuth [degrees] and a distance [m] in the horizontal plane.
-inline Lume::CartesianVector At(double degrees, double distance) {
-    const double azimuth = degrees * 3.14159265358979 / 180.0;
-    return {static_cast<float>(distance * std::sin(azimuth)), static_cast<float>(distance * std::cos(azimuth)), 0.0f};
-}
-
 /// Equal steps to the right from an azimuth on [degrees], at a distance [m].
 inline std::vector<Lume::CartesianVector> Ring(unsigned int number, double first, double distance = 1.0) {
     std::vector<Lume::CartesianVector> ring(number);
-    for (unsigned int i = 0; i < number; ++i) ring[i] = At(first + 360.0 / number * i, distance);
+    for (unsigned int i = 0; i < number; ++i) ring[i] = At(first + 360.0 / number * i, 0.0, distance);
     return ring;
 }
 

@@ -15,58 +15,17 @@
 #include "geometry/named_layout.h"
 #include "geometry/vector_algebra.h"
 #include "math/real_transform.h"
+#include "support/places.h"
 
 namespace {
 
 using Lume::CartesianVector;
-using Positions = std::vector<CartesianVector>;
 
 constexpr double speedOfSound = 343.0;
 
-CartesianVector Towards(double azimuthDegrees, double elevationDegrees) {
-    const double a = azimuthDegrees * std::numbers::pi / 180.0, e = elevationDegrees * std::numbers::pi / 180.0;
-    return {static_cast<float>(std::sin(a) * std::cos(e)), static_cast<float>(std::cos(a) * std::cos(e)),
-            static_cast<float>(std::sin(e))};
-}
-
-/// A snub cube whose waves add up to 0 in every harmonic from degree 1 to 7 (McLaren, "Optimal numerical integration on
-/// a sphere", Math. Comp. 17, 1963).
-Positions SphereOf24() {
-    constexpr float a = 0.866246818f, b = 0.422518654f, c = 0.266635402f;
-    Positions positions;
-    for (int signs = 0; signs < 8; ++signs) {
-        const float x = signs & 1 ? -a : a, y = signs & 2 ? -b : b, z = signs & 4 ? -c : c;
-        if (x * y * z > 0.0f)
-            positions.insert(positions.end(), {{x, y, z}, {y, z, x}, {z, x, y}});
-        else
-            positions.insert(positions.end(), {{y, x, z}, {x, z, y}, {z, y, x}});
-    }
-    return positions;
-}
-
-/// Of waves with gains that come from loudspeakers, all of them alike: velocity and energy vector (Gerzon, "General
-/// metatheory of auditory localisation", 92nd AES Convention, 1992).
-struct Vectors {
-    CartesianVector velocity{}, energy{};
-};
-Vectors VectorsOf(std::vector<double> const& gains, Positions const& speakers) {
-    Vectors vectors;
-    double sum = 0.0, power = 0.0;
-    for (std::size_t j = 0; j < speakers.size(); ++j) {
-        const CartesianVector u = Unit(speakers[j]);
-        vectors.velocity = vectors.velocity + u * static_cast<float>(gains[j]);
-        vectors.energy = vectors.energy + u * static_cast<float>(gains[j] * gains[j]);
-        sum += gains[j];
-        power += gains[j] * gains[j];
-    }
-    vectors.velocity = vectors.velocity / static_cast<float>(sum);
-    vectors.energy = vectors.energy / static_cast<float>(power);
-    return vectors;
-}
-
 /// The gains with which the loudspeakers that sound, at most three, point exactly at a source.
-std::vector<double> GainsTowards(CartesianVector const& source, std::vector<double> const& heard,
-                                 Positions const& speakers) {
+std::vector<double> GainsAt(CartesianVector const& source, std::vector<double> const& heard,
+                            Positions const& speakers) {
     Positions corners;
     std::vector<std::size_t> channels;
     for (std::size_t j = 0; j < speakers.size(); ++j)
@@ -122,7 +81,7 @@ TEST(FormatVectors, PairsAndTripletsPointAtTheSource) {
     for (auto const& [format, layout] : cases) {
         const bool isPair = layout == nullptr;
         const Positions speakers =
-            isPair ? Positions{Towards(-30.0, 0.0), Towards(30.0, 0.0)} : Lume::FindNamedLayout(layout).positions;
+            isPair ? Positions{At(-30.0, 0.0), At(30.0, 0.0)} : Lume::FindNamedLayout(layout).positions;
         DirectLayer layer(format, static_cast<unsigned int>(speakers.size()), isPair ? Positions{} : speakers);
         const bool inSpace = format != nullptr && Lume::FindRoomFormat(format)->inSpace;
         for (double azimuth = -170.0; azimuth < 180.0; azimuth += 31.0) {
@@ -131,11 +90,11 @@ TEST(FormatVectors, PairsAndTripletsPointAtTheSource) {
                 const std::string what = std::string(format == nullptr ? "ring" : format) + " " +
                                          (isPair ? "" : layout) + " " + std::to_string(azimuth) + " " +
                                          std::to_string(elevation);
-                const CartesianVector source = Towards(azimuth, elevation);
+                const CartesianVector source = At(azimuth, elevation);
                 // Far enough for what fades by distance.
                 const std::vector<double> gains = layer.GainsFor(source * 2.0f);
-                const std::vector<double> wanted = GainsTowards(source, gains, speakers);
-                const Vectors heard = VectorsOf(gains, speakers), theory = VectorsOf(wanted, speakers);
+                const std::vector<double> wanted = GainsAt(source, gains, speakers);
+                const GerzonVectors heard(gains, speakers), theory(wanted, speakers);
                 ExpectNear(heard.velocity / Length(heard.velocity), source, what + ": velocity, direction");
                 ExpectNear(heard.velocity, theory.velocity, what + ": velocity");
                 ExpectNear(heard.energy, theory.energy, what + ": energy");
@@ -147,9 +106,9 @@ TEST(FormatVectors, PairsAndTripletsPointAtTheSource) {
 // Decoded on even layouts a wave of ambisonics is itself: the velocity vector has length 1, and the energy vector that
 // of its order (Daniel, "Représentation de champs acoustiques", thesis, Université Paris 6, 2000).
 TEST(FormatVectors, AmbisonicsDecodeToTheWaveOfTheirOrder) {
-    const Positions sphere = SphereOf24();
+    const Positions sphere = SnubCube();
     Positions circle;
-    for (int j = 0; j < 16; ++j) circle.push_back(Towards(22.5 * j, 0.0));
+    for (int j = 0; j < 16; ++j) circle.push_back(At(22.5 * j, 0.0));
     for (std::string const format : {"hoa2d", "hoa3d", "ambix"}) {
         for (const unsigned int order : {1u, 2u, 3u}) {
             const bool inPlane = format == "hoa2d";
@@ -169,12 +128,12 @@ TEST(FormatVectors, AmbisonicsDecodeToTheWaveOfTheirOrder) {
             decoder->GetDecoderMatrix(matrix);
             DirectLayer layer(format.c_str(), numChannels, {});
             for (double azimuth = -170.0; azimuth < 180.0; azimuth += 47.0) {
-                const CartesianVector source = Towards(azimuth, inPlane ? 0.0 : azimuth / 3.0);
+                const CartesianVector source = At(azimuth, inPlane ? 0.0 : azimuth / 3.0);
                 const std::vector<double> channels = layer.GainsFor(source);
                 std::vector<double> gains(speakers.size(), 0.0);
                 for (unsigned int i = 0; i < numChannels; ++i)
                     for (unsigned int j = 0; j < numSpeakers; ++j) gains[j] += channels[i] * matrix[i][j];
-                const Vectors heard = VectorsOf(gains, speakers);
+                const GerzonVectors heard(gains, speakers);
                 const float length =
                     static_cast<float>(inPlane ? 2.0 * order / (2.0 * order + 1.0) : order / (order + 1.0));
                 const std::string what = format + " " + std::to_string(order) + " " + std::to_string(azimuth);
@@ -233,7 +192,7 @@ TEST(FormatVectors, LateFieldOnTwentyFourLoudspeakersIsDiffuse) {
     room.Settle();
     const EngineRig::Recording tail = room.ImpulseResponse(4.0);
 
-    const Positions speakers = SphereOf24();
+    const Positions speakers = SnubCube();
     Lume::HOA3DDecoder decoder(16, 24);
     decoder.SetDecodingConvention(Lume::HOADecoder::SN3D);
     decoder.SetLoudspeakerPositions(speakers.data());

@@ -4,11 +4,11 @@
 
 #include <array>
 #include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <tuple>
 
 #include "engine/engine_rig.h"
+#include "support/channels.h"
 #include "support/failure.h"
 #include "support/signals.h"
 
@@ -29,14 +29,6 @@ void SetAllLayers(OrvanVerb& engine, float direct, float early, float cluster, f
     engine.SetReverbGain(reverb);
 }
 
-void ExpectSameBits(EngineRig::Recording const& a, EngineRig::Recording const& b) {
-    ASSERT_EQ(a.size(), b.size());
-    for (std::size_t c = 0; c < a.size(); ++c) {
-        ASSERT_EQ(a[c].size(), b[c].size());
-        ASSERT_EQ(std::memcmp(a[c].data(), b[c].data(), a[c].size() * sizeof(float)), 0) << c;
-    }
-}
-
 TEST(OrvanVerb, SupportsConfiguration) {
     for (auto const& [sources, speakers, internals] : {std::array{1u, 2u, 2u}, {64, 64, 16}, {6, 3, 8}})
         EXPECT_TRUE(OrvanVerb::SupportsConfiguration(sources, speakers, internals)) << sources;
@@ -54,7 +46,7 @@ TEST(OrvanVerb, DirectSoundFallsWithTheSquareOfTheDistanceAndTheRoomWithTheDista
     rig.engine.SetDirectGain(0.0f);
     room.engine.SetEarlyGain(0.0f);
     const auto roomEnergyAt = [&](double distance) {
-        room.engine.SetSourcePosition(0, At(0.0, distance));
+        room.engine.SetSourcePosition(0, At(0.0, 0.0, distance));
         room.Settle();
         return Energy(room.ImpulseResponse(0.1));
     };
@@ -64,8 +56,8 @@ TEST(OrvanVerb, DirectSoundFallsWithTheSquareOfTheDistanceAndTheRoomWithTheDista
         double distance, gain;
     } cases[] = {{1.0, 1.0}, {2.0, 0.25}, {0.5, 4.0}, {0.1, 1.0 / 0.09}, {100.0, 1e-4}, {900.0, 1e-4}};
     for (auto const& c : cases) {
-        rig.engine.SetSourcePosition(0, At(90.0, c.distance));
-        rig.engine.SetSourcePosition(1, At(-90.0, 1.0));
+        rig.engine.SetSourcePosition(0, At(90.0, 0.0, c.distance));
+        rig.engine.SetSourcePosition(1, At(-90.0));
         const auto levels = rig.ConstantLevels();
         // The ramp ends beside its target by a rounding of where it came from.
         EXPECT_NEAR(levels[2], 0.5 * c.gain, 0.5e-4 * c.gain + 1e-6) << c.distance;
@@ -81,19 +73,19 @@ TEST(OrvanVerb, SourcesSoundWhereTheyStand) {
     rig.engine.SetDirectGain(0.0f);
     const double azimuths[] = {-45, 45, 90, 135, -135, -90};  // the default layout: front left first
     for (std::size_t speaker = 0; speaker < 6; ++speaker) {
-        rig.engine.SetSourcePosition(0, At(azimuths[speaker], 1.0));
+        rig.engine.SetSourcePosition(0, At(azimuths[speaker]));
         const auto levels = rig.ConstantLevels();
         for (std::size_t c = 0; c < 6; ++c) EXPECT_NEAR(levels[c], c == speaker ? 0.5 : 0.0, 1e-4) << speaker << c;
     }
     for (double azimuth = -180.0; azimuth < 180.0; azimuth += 10.0) {
-        rig.engine.SetSourcePosition(0, At(azimuth, 1.0));
+        rig.engine.SetSourcePosition(0, At(azimuth));
         const auto levels = rig.ConstantLevels();
         double power = 0.0;
         for (const float level : levels) power += static_cast<double>(level * level);
         EXPECT_NEAR(power, 0.25, 1e-4) << azimuth;
     }
     rig.engine.SetSpeakersPositions(Ring(6, 10.0, 2.0).data());
-    rig.engine.SetSourcePosition(0, At(130.0, 1.0));
+    rig.engine.SetSourcePosition(0, At(130.0));
     EXPECT_NEAR(rig.ConstantLevels()[2], 0.5, 1e-4);
 }
 
@@ -104,8 +96,8 @@ TEST(OrvanVerb, TwoOutputsAreEars) {
     const auto energies = [](Layer layer, double azimuth) {
         EngineRig rig(1, 2, 8);
         (rig.engine.*layer)(0.0f);
-        rig.engine.SetSourcePosition(0, At(azimuth, 1.0));
-        const Lume::CartesianVector swapped[] = {At(30.0, 1.0), At(-30.0, 1.0)};
+        rig.engine.SetSourcePosition(0, At(azimuth));
+        const Lume::CartesianVector swapped[] = {At(30.0), At(-30.0)};
         rig.engine.SetSpeakersPositions(swapped);
         rig.Settle();
         const auto recording = rig.ImpulseResponse(0.5);
@@ -236,9 +228,9 @@ TEST(OrvanVerb, DistanceRampsTakeTheirTimeAtAnyRate) {
             const auto recording = rig.Run(rig.Samples(seconds), [](unsigned int, std::size_t) { return 1.0f; });
             return std::hypot(recording[0].back(), recording[1].back());
         };
-        rig.engine.SetSourcePosition(0, At(0.0, 1.0));
+        rig.engine.SetSourcePosition(0, At(0.0));
         const float near = levelAfter(0.3);
-        rig.engine.SetSourcePosition(0, At(0.0, 2.0));
+        rig.engine.SetSourcePosition(0, At(0.0, 0.0, 2.0));
         EXPECT_NEAR(levelAfter(latency + 0.015) / near, halfway, 0.01f);
     }
 }

@@ -13,26 +13,19 @@
 #include "geometry/orientation.h"
 #include "geometry/speakers.h"
 #include "pan/diffuse/solid_angle_mixing.h"
+#include "support/places.h"
 
 namespace {
 
 using Recording = EngineRig::Recording;
-
-Lume::CartesianVector At(double azimuthDegrees, double elevationDegrees) {
-    const double a = azimuthDegrees * std::numbers::pi / 180.0, e = elevationDegrees * std::numbers::pi / 180.0;
-    return {static_cast<float>(std::sin(a) * std::cos(e)), static_cast<float>(std::cos(a) * std::cos(e)),
-            static_cast<float>(std::sin(e))};
-}
 
 EngineRig MakeRoom(char const* format, unsigned int numSpeakers, unsigned int numInternals) {
     return {1, numSpeakers, numInternals, 48000.0f, 64, format};
 }
 
 /// What a constant signal of a source becomes in the direct layer.
-std::vector<float> DirectGains(char const* format, unsigned int numSpeakers, Lume::CartesianVector const& place,
-                               std::vector<Lume::CartesianVector> const& speakers = {}) {
+std::vector<float> DirectGains(char const* format, unsigned int numSpeakers, Lume::CartesianVector const& place) {
     EngineRig room = MakeRoom(format, numSpeakers, 4);
-    if (!speakers.empty()) room.engine.SetSpeakersPositions(speakers.data());
     room.engine.SetSourcePosition(0, place);
     room.engine.SetDirectGain(0.0f);
     std::vector<float> gains = room.ConstantLevels();
@@ -41,8 +34,10 @@ std::vector<float> DirectGains(char const* format, unsigned int numSpeakers, Lum
 }
 
 /// The late field by itself.
-Recording LateField(char const* format, unsigned int numSpeakers, unsigned int numInternals, float decaySeconds) {
+Recording LateField(char const* format, unsigned int numSpeakers, unsigned int numInternals, float decaySeconds,
+                    Positions const& speakers = {}) {
     EngineRig room = MakeRoom(format, numSpeakers, numInternals);
+    if (!speakers.empty()) room.engine.SetSpeakersPositions(speakers.data());
     room.engine.SetReverbGain(0.0f);
     room.engine.SetDecayTime(decaySeconds);
     room.engine.SetRelativeDecayHigh(1.0f);
@@ -52,8 +47,9 @@ Recording LateField(char const* format, unsigned int numSpeakers, unsigned int n
 }
 
 /// From when it is dense.
-Recording Tail(char const* format, unsigned int numSpeakers, unsigned int numInternals) {
-    Recording tail = LateField(format, numSpeakers, numInternals, 4.0f);
+Recording Tail(char const* format, unsigned int numSpeakers, unsigned int numInternals,
+               Positions const& speakers = {}) {
+    Recording tail = LateField(format, numSpeakers, numInternals, 4.0f, speakers);
     for (auto& channel : tail) channel.erase(channel.begin(), channel.begin() + 24000);
     return tail;
 }
@@ -84,30 +80,12 @@ TEST(RoomFormat, AmbixCountsToTheLeft) {
     EXPECT_NEAR(gains[4], std::sqrt(0.75) * std::sin(2 * left) * std::pow(std::cos(e), 2), 1e-4);
 }
 
-// Velocity vectors by the tangent law; places beside and behind the pair fold onto it.
-TEST(RoomFormat, StereoPairPointsAtTheSource) {
-    for (const double azimuth : {-30.0, -12.0, 0.0, 25.0}) {
-        const std::vector<float> gains = DirectGains("stereo", 2, At(azimuth, 0.0));
-        const Lume::CartesianVector left = At(-30.0, 0.0), right = At(30.0, 0.0);
-        const float x = gains[0] * left.x + gains[1] * right.x, y = gains[0] * left.y + gains[1] * right.y;
-        EXPECT_NEAR(static_cast<double>(std::atan2(x, y)) * 180.0 / std::numbers::pi, azimuth, 0.01);
-        EXPECT_NEAR(gains[0] * gains[0] + gains[1] * gains[1], 1.0, 1e-3);
-    }
-    EXPECT_NEAR(DirectGains("stereo", 2, At(100.0, 0.0))[1], 1.0, 1e-3);
-    EXPECT_NEAR(DirectGains("stereo", 2, At(168.0, 0.0))[1], DirectGains("stereo", 2, At(12.0, 0.0))[1], 1e-3);
-}
-
-TEST(RoomFormat, HeightsAreHeardOnLoudspeakersInSpace) {
-    const std::vector<Lume::CartesianVector> cube(Lume::Speakers::cube, Lume::Speakers::cube + 8);
-    const std::vector<float> gains = DirectGains("vbap", 8, At(20.0, 80.0), cube);
-    double above = 0.0, all = 0.0;
-    for (unsigned int i = 0; i < 8; ++i) {
-        const double power = static_cast<double>(gains[i]) * static_cast<double>(gains[i]);
-        all += power;
-        if (cube[i].z > 0.0f) above += power;
-    }
-    EXPECT_NEAR(all, 1.0, 1e-3);
-    EXPECT_GT(above, 0.99);
+// Of constant power; places beside and behind the pair fold onto it.
+TEST(RoomFormat, StereoPairTakesEveryDirection) {
+    const std::vector<float> ahead = DirectGains("stereo", 2, At(12.0)), behind = DirectGains("stereo", 2, At(168.0));
+    EXPECT_NEAR(ahead[0] * ahead[0] + ahead[1] * ahead[1], 1.0, 1e-3);
+    EXPECT_NEAR(behind[1], ahead[1], 1e-3);
+    EXPECT_NEAR(DirectGains("stereo", 2, At(100.0))[1], 1.0, 1e-3);
 }
 
 // Red if a turned head hears anything but the directions that it has: against sources that were turned the other way.
@@ -165,13 +143,7 @@ TEST(RoomFormat, DomesSpreadTheLateFieldBySolidAngle) {
     EXPECT_NEAR(half[0], (1.0 - top) / 4.0, 0.002);
 
     const Lume::NamedLayout layout = Lume::FindNamedLayout("dome24");
-    EngineRig room = MakeRoom("dome", 24, 16);
-    room.engine.SetSpeakersPositions(layout.positions.data());
-    room.engine.SetReverbGain(0.0f);
-    room.engine.SetDecayTime(4.0f);
-    room.Settle();
-    Recording tail = room.ImpulseResponse(3.0);
-    for (auto& channel : tail) channel.erase(channel.begin(), channel.begin() + 24000);
+    const Recording tail = Tail("dome", 24, 16, layout.positions);
     const std::vector<float> shares = Lume::SolidAngleShares(layout.positions);
     double sum = 0.0;
     for (auto const& channel : tail) sum += Product(channel, channel);
@@ -192,23 +164,14 @@ TEST(RoomFormat, LateFieldIsAnotherOneInEveryLoudspeaker) {
 }
 
 // Waves from everywhere have equal power in every N3D channel, without correlation: of the order 3, on 16 internal
-// channels, seen by virtual microphones of the order 1 it comes equally from everywhere.
+// channels.
 TEST(RoomFormat, LateFieldInAmbisonicsIsIsotropic) {
-    Recording tail = Tail("ambix", 16, 16);
+    const Recording tail = Tail("ambix", 16, 16);
     for (unsigned int j = 0; j < 16; ++j) {
         const auto degree = static_cast<double>(static_cast<unsigned int>(std::sqrt(j + 0.5)));
         const double power = Product(tail[j], tail[j]) * (2.0 * degree + 1.0) / Product(tail[0], tail[0]);
         EXPECT_NEAR(Decibels(power), 0.0, 1.0) << j;
         for (unsigned int k = 0; k < j; ++k) EXPECT_LT(std::abs(Correlation(tail[j], tail[k])), 0.1) << j << " " << k;
-    }
-    for (double azimuth = -180.0; azimuth < 180.0; azimuth += 45.0) {
-        for (const double elevation : {-60.0, 0.0, 60.0}) {
-            const Lume::CartesianVector d = At(azimuth, elevation);
-            std::vector<float> cardioid(tail[0].size());
-            for (std::size_t i = 0; i < cardioid.size(); ++i)
-                cardioid[i] = 0.5f * (tail[0][i] - d.x * tail[1][i] + d.z * tail[2][i] + d.y * tail[3][i]);
-            EXPECT_NEAR(Decibels(Product(cardioid, cardioid) * 3.0 / Product(tail[0], tail[0])), 0.0, 1.0);
-        }
     }
 }
 

@@ -84,12 +84,12 @@ TEST(EngineSurvival, PlacesBeyondMeasureAreHeard) {
     EXPECT_TRUE(IsFinite(rig.Run(9600, constant)));
     for (std::vector<Lume::CartesianVector> const& speakers :
          {std::vector<Lume::CartesianVector>{far, {1e30f, 1, 0}, {0, -1e30f, 0}},
-          {At(10, 1), At(10, 2), At(10, 4)},
+          {At(10), At(10, 0.0, 2), At(10, 0.0, 4)},
           {{0, 0, 0}, {0, 0, 0}, {0, 0, 0}},
           {{nan, 0, 0}, {0, nan, 0}, {0, 0, nan}}}) {
         rig.engine.SetSpeakersPositions(speakers.data());
         for (int i = 36; i > 0; --i) {
-            rig.engine.SetSourcePosition(1, At(10.0 * i, 2.0));
+            rig.engine.SetSourcePosition(1, At(10.0 * i, 0.0, 2.0));
             ASSERT_TRUE(IsFinite(rig.Run(1600, constant))) << i;
         }
         if (speakers[0].y != 0.0f) {
@@ -108,7 +108,7 @@ TEST(EngineSurvival, EveryRateAndBlockIsFinite) {
                 EngineRig rig(1, numSpeakers, 2, rate, block);
                 Sound(rig);
                 for (const double azimuth : {40.0, -80.0}) {
-                    rig.engine.SetSourcePosition(0, At(azimuth, 2.0));
+                    rig.engine.SetSourcePosition(0, At(azimuth, 0.0, 2.0));
                     ASSERT_TRUE(IsFinite(rig.Run(rig.Samples(0.05),
                                                  [&](unsigned int, std::size_t t) { return noise[t % noise.size()]; })))
                         << rate << " Hz, block " << block << ", " << numSpeakers;

@@ -138,8 +138,8 @@ TEST(TimeStructure, WidthAndElevationPlaceSourcesAgain) {
     rig.engine.SetEarlyGain(0.0f);
     rig.engine.SetEarlyShape(0.0f);  // one tap remains: the first, which belongs to the first virtual source
     rig.engine.SetSpeakersPositions(Ring(4, 0.0).data());
-    rig.engine.SetSourcePosition(1, At(90.0, 1.0));
-    rig.engine.SetSourcePosition(0, At(180.0, 1.0));
+    rig.engine.SetSourcePosition(1, At(90.0));
+    rig.engine.SetSourcePosition(0, At(180.0));
     const auto powers = [&] {
         rig.Settle();
         std::vector<double> result;

@@ -14,13 +14,6 @@ namespace {
 
 using Lume::HLShelf;
 
-std::vector<float> ImpulseResponse(HLShelf& shelf, std::size_t length) {
-    std::vector<float> x = MakeImpulse(length);
-    shelf.Clear();
-    shelf.Process(x.data(), x.data(), x.size());
-    return x;
-}
-
 // Red if a gain or crossover reaches the wrong band, if a crossover isn't the geometric middle of its step, if the rate
 // isn't followed, or if the overall gain is missing.
 TEST(HLShelf, FollowsTheAnalogShelvesAtEveryFrequency) {

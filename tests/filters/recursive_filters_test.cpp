@@ -154,10 +154,6 @@ TEST(IIRFilter, AgreesWithATransposedFormInDouble) {
     }
 }
 
-std::vector<float> ImpulseResponse(orvandsp::Filter& filter, std::size_t length) {
-    return Filtered(filter, MakeImpulse(length));
-}
-
 // Physics: unity at 0 Hz, nothing at half the rate, and about -3 dB at the cutoff for the flattest damping (the 1.002
 // of the design damps low cutoffs a little more).
 TEST(LowPass, PassesTheLowsAndKeepsItsCutoff) {

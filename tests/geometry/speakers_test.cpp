@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include "support/places.h"
 
 namespace {
 
@@ -16,9 +16,7 @@ const CartesianVector leftOfHexa = Speakers::hexa[5];
 void ExpectAzimuths(CartesianVector const* positions, std::vector<double> const& degrees) {
     ASSERT_NE(positions, nullptr);
     for (std::size_t i = 0; i < degrees.size(); ++i) {
-        const double azimuth = degrees[i] * 3.141592653589793 / 180.0;
-        EXPECT_NEAR(positions[i].x, std::sin(azimuth), 5e-7) << i;
-        EXPECT_NEAR(positions[i].y, std::cos(azimuth), 5e-7) << i;
+        EXPECT_LT(Length(positions[i] - At(degrees[i])), 5e-7f) << i;
         EXPECT_EQ(positions[i].z, 0.0f) << i;
     }
 }

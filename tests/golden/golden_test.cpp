@@ -13,7 +13,7 @@
 
 #include "decoders/ambisonic/hoa_decoder.h"
 #include "decoders/transaural/transaural_decoder.h"
-#include "engine/orvan_verb.h"
+#include "engine/room_controls.h"
 #include "filters/faded_biquad_cascade.h"
 #include "filters/multi_delay.h"
 #include "filters/multi_faded_hl_shelf.h"
@@ -140,61 +140,41 @@ void Move(OrvanVerb& engine, Shape const& shape, int block) {
 
 /// Every control that takes a number, with two values that are not extreme.
 struct Control {
-    void (OrvanVerb::*set)(float);
+    std::string name;
     float first, second;
 };
-constexpr Control controls[] = {
-    {&OrvanVerb::SetDirectGain, -3.0f, 2.0f},
-    {&OrvanVerb::SetDirectGainLow, -6.0f, 3.0f},
-    {&OrvanVerb::SetDirectGainMedium, -2.0f, 1.0f},
-    {&OrvanVerb::SetDirectGainHigh, -9.0f, 4.0f},
-    {&OrvanVerb::SetDirectCrossoverFrequencyLow, 200.0f, 400.0f},
-    {&OrvanVerb::SetDirectCrossoverFrequencyHigh, 3000.0f, 6000.0f},
-    {&OrvanVerb::SetRoomGain, -2.0f, 1.0f},
-    {&OrvanVerb::SetRoomGainLow, -6.0f, 3.0f},
-    {&OrvanVerb::SetRoomGainMedium, -2.0f, 1.0f},
-    {&OrvanVerb::SetRoomGainHigh, -9.0f, 4.0f},
-    {&OrvanVerb::SetRoomCrossoverFrequencyLow, 200.0f, 400.0f},
-    {&OrvanVerb::SetRoomCrossoverFrequencyHigh, 3000.0f, 6000.0f},
-    {&OrvanVerb::SetEarlyGain, -3.0f, 2.0f},
-    {&OrvanVerb::SetEarlyGainLow, -6.0f, 3.0f},
-    {&OrvanVerb::SetEarlyGainMedium, -2.0f, 1.0f},
-    {&OrvanVerb::SetEarlyGainHigh, -9.0f, 4.0f},
-    {&OrvanVerb::SetEarlyCrossoverFrequencyLow, 200.0f, 400.0f},
-    {&OrvanVerb::SetEarlyCrossoverFrequencyHigh, 3000.0f, 6000.0f},
-    {&OrvanVerb::SetEarlyStart, 15.0f, 25.0f},
-    {&OrvanVerb::SetEarlyEnd, 35.0f, 45.0f},
-    {&OrvanVerb::SetEarlyDistribution, 0.4f, 0.6f},
-    {&OrvanVerb::SetEarlyShape, 0.3f, 0.7f},
-    {&OrvanVerb::SetEarlyWidth, 20.0f, 60.0f},
-    {&OrvanVerb::SetClusterGain, -3.0f, 2.0f},
-    {&OrvanVerb::SetClusterGainLow, -6.0f, 3.0f},
-    {&OrvanVerb::SetClusterGainMedium, -2.0f, 1.0f},
-    {&OrvanVerb::SetClusterGainHigh, -9.0f, 4.0f},
-    {&OrvanVerb::SetClusterCrossoverFrequencyLow, 200.0f, 400.0f},
-    {&OrvanVerb::SetClusterCrossoverFrequencyHigh, 3000.0f, 6000.0f},
-    {&OrvanVerb::SetClusterStart, 35.0f, 50.0f},
-    {&OrvanVerb::SetClusterEnd, 90.0f, 110.0f},
-    {&OrvanVerb::SetClusterDistribution, 0.4f, 0.6f},
-    {&OrvanVerb::SetReverbGain, -3.0f, 2.0f},
-    {&OrvanVerb::SetDecayTime, 1.5f, 2.5f},
-    {&OrvanVerb::SetRelativeDecayLow, 0.8f, 1.3f},
-    {&OrvanVerb::SetRelativeDecayMedium, 0.9f, 1.1f},
-    {&OrvanVerb::SetRelativeDecayHigh, 0.4f, 0.7f},
-    {&OrvanVerb::SetReverbCrossoverFrequencyLow, 200.0f, 300.0f},
-    {&OrvanVerb::SetReverbCrossoverFrequencyHigh, 6000.0f, 9000.0f},
-    {&OrvanVerb::SetReverbStart, 90.0f, 110.0f},
-    {&OrvanVerb::SetReverbModalDensity, 0.7f, 1.0f},
-    {&OrvanVerb::SetElevation, 10.0f, 20.0f},
-    {&OrvanVerb::SetAirAbsorptionRolloffFrequency, 8000.0f, 11000.0f},
-};
+const std::vector<Control> controls = [] {
+    std::vector<Control> all;
+    const auto add = [&](std::vector<Control> const& more) { all.insert(all.end(), more.begin(), more.end()); };
+    const auto addShelf = [&](std::string const& layer, float first, float second) {
+        add({{layer + "_gain", first, second},
+             {layer + "_gain_low", -6.0f, 3.0f},
+             {layer + "_gain_medium", -2.0f, 1.0f}});
+        add({{layer + "_gain_high", -9.0f, 4.0f}, {layer + "_freq_low", 200, 400}, {layer + "_freq_high", 3000, 6000}});
+    };
+    addShelf("direct", -3.0f, 2.0f);
+    addShelf("room", -2.0f, 1.0f);
+    addShelf("early", -3.0f, 2.0f);
+    add({{"early_start", 15, 25}, {"early_end", 35, 45}, {"early_distr", 0.4f, 0.6f}, {"early_shape", 0.3f, 0.7f}});
+    add({{"early_width", 20, 60}});
+    addShelf("cluster", -3.0f, 2.0f);
+    add({{"cluster_start", 35, 50}, {"cluster_end", 90, 110}, {"cluster_distr", 0.4f, 0.6f}, {"gain", -3, 2}});
+    add({{"tr0", 1.5f, 2.5f}, {"trl", 0.8f, 1.3f}, {"trm", 0.9f, 1.1f}, {"trh", 0.4f, 0.7f}, {"fl", 200, 300}});
+    add({{"fh", 6000, 9000}, {"reverb_start", 90, 110}, {"modaldensity", 0.7f, 1.0f}, {"elevation", 10, 20}});
+    add({{"airfreq", 8000, 11000}});
+    return all;
+}();
 
 /// Two blocks a control: first values, then second ones, then switches.
 void TurnControl(OrvanVerb& engine, int block) {
     const auto turn = static_cast<std::size_t>(block / 2);
     if (block % 2 != 0) return;
-    Control const& control = controls[turn % std::size(controls)];
-    (engine.*control.set)(turn < std::size(controls) ? control.first : control.second);
+    Control const& control = controls[turn % controls.size()];
+    const float value = turn < controls.size() ? control.first : control.second;
+    if (const auto index = Lume::FindControl(control.name))
+        Lume::roomControls[*index].set(engine, value);
+    else
+        engine.SetElevation(value);
     if (block % 50 == 40) engine.SetInfinite(block % 100 == 40);
     if (block % 60 == 20) engine.UseAirAbsorption(block % 120 == 80);
 }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "object/parameters_from_atoms.h"
 #include "object/recording_box.h"
 #include "patcher/atom.h"
+#include "support/places.h"
 
 namespace {
 
@@ -34,14 +36,7 @@ protected:
     RecordingBox box;
 };
 
-constexpr double degrees = 3.14159265358979323846 / 180.0;
-
-/// Where the user's azimuth [degrees, clockwise from ahead] and elevation point.
-CartesianVector Direction(double azimuth, double distance, double elevation) {
-    return {static_cast<float>(distance * std::sin(azimuth * degrees) * std::cos(elevation * degrees)),
-            static_cast<float>(distance * std::cos(azimuth * degrees) * std::cos(elevation * degrees)),
-            static_cast<float>(distance * std::sin(elevation * degrees))};
-}
+constexpr double degrees = std::numbers::pi / 180.0;
 
 // Every format from (1, 2, 3), by what a listener would see.
 TEST_F(Coordinates, FormatsMoveTheSource) {
@@ -59,31 +54,31 @@ TEST_F(Coordinates, FormatsMoveTheSource) {
         {"y 7", {1, 7, 3}},
         {"z 7", {1, 2, 7}},
         {"ade 90 2 0", {2, 0, 0}},
-        {"ade -45 2 30", Direction(-45, 2, 30)},
-        {"aed 200 -20 3", Direction(200, 3, -20)},
-        {"ae 30 40", Direction(30, 1, 40)},
-        {"ad 765 2", Direction(45, 2, 0)},
+        {"ade -45 2 30", At(-45, 30, 2)},
+        {"aed 200 -20 3", At(200, -20, 3)},
+        {"ae 30 40", At(30, 40, 1)},
+        {"ad 765 2", At(45, 0, 2)},
         {"az -90", {-1, 0, 0}},
         {"ade 0 -2 0", {0, -2, 0}},
-        {"ade 10 -2 30", Direction(190, 2, -30)},
-        {"ade 0 1 100", Direction(180, 1, -10)},  // the fold about the pole: 90 - 100
-        {"ade 0 1 -100", Direction(180, 1, 10)},
-        {"azim 45", Direction(45, r, el)},
-        {"azim++ 20", Direction(az + 20, r, el)},
-        {"elev 10", Direction(az, r, 10)},
-        {"elev 100", Direction(az, r, -10)},
-        {"elev -100", Direction(az, r, 10)},
-        {"elev++ 10", Direction(az, r, el - 10)},
-        {"dist 2", Direction(az, 2, el)},
-        {"dist -2", Direction(az, 2, el)},
-        {"dist++ 1", Direction(az, r + 1, el)},
-        {"dist++ -100", Direction(az, 1e-5, el)},
-        {"dist 0", Direction(az, 1e-5, el)},
+        {"ade 10 -2 30", At(190, -30, 2)},
+        {"ade 0 1 100", At(180, -10, 1)},  // the fold about the pole: 90 - 100
+        {"ade 0 1 -100", At(180, 10, 1)},
+        {"azim 45", At(45, el, r)},
+        {"azim++ 20", At(az + 20, el, r)},
+        {"elev 10", At(az, 10, r)},
+        {"elev 100", At(az, -10, r)},
+        {"elev -100", At(az, 10, r)},
+        {"elev++ 10", At(az, el - 10, r)},
+        {"dist 2", At(az, el, 2)},
+        {"dist -2", At(az, el, 2)},
+        {"dist++ 1", At(az, el, r + 1)},
+        {"dist++ -100", At(az, el, 1e-5)},
+        {"dist 0", At(az, el, 1e-5)},
         {"lume3 90 2 0", {-2, 0, 0}},
-        {"lume3 30 2 15", Direction(-30, 2, 15)},
-        {"lume3 30 2", Direction(-30, 2, el)},
-        {"lume3 30", Direction(-30, r, el)},
-        {"lume3 30 2 15 9", Direction(-30, 2, 15)},
+        {"lume3 30 2 15", At(-30, 15, 2)},
+        {"lume3 30 2", At(-30, el, 2)},
+        {"lume3 30", At(-30, el, r)},
+        {"lume3 30 2 15 9", At(-30, 15, 2)},
         {"wfs 90 20", {-2, 0, 0}},
     };
     for (auto const& [message, expected] : cases) {
@@ -115,12 +110,12 @@ TEST_F(Coordinates, SourcesRefuseInTheirWords) {
     for (auto const& [message, lines] : cases) EXPECT_EQ(box.Send(message), lines) << message;
     ExpectSource({1, 2, 3});
     EXPECT_EQ(box.Send("source 1 1 2 3"), "warn: using default coordinate type (ade)|");
-    ExpectSource(Direction(1, 2, 3));
+    ExpectSource(At(1, 3, 2));
     EXPECT_EQ(box.Send("source 1 xy 4 5 6"), "warn: too many source coordinates. only 2 coordinates will be read|");
     ExpectSource({4, 5, 0});
     box.Send("source 2.0 90 1");  // source 2 moves, and the float is its azimuth as well
     ExpectSource({4, 5, 0});
-    const CartesianVector second = Direction(2, 90, 1);
+    const CartesianVector second = At(2, 1, 90);
     EXPECT_NEAR(atom_getfloat(&(*box.box.GetAttribute("sourcespositions"))[3]), second.x, 1e-4f);
 }
 

@@ -95,30 +95,17 @@ TEST(BinauralPanningSphericalHeadModel, FollowsItsSphere) {
                 20.0 * std::log10(std::abs(ShadowAt(pi, 0.12, 1000.0, 96000.0))), 0.01);
 }
 
-// Where the snowman's parts are, in double precision.
-struct Vector {
-    double x, y, z;
-    friend Vector operator+(Vector a, Vector b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-    friend Vector operator-(Vector a, Vector b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-    friend Vector operator*(double s, Vector a) { return {s * a.x, s * a.y, s * a.z}; }
-};
-double Dot(Vector a, Vector b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-double Length(Vector a) {
-    return std::sqrt(Dot(a, a));
-}
-Vector Unit(CartesianVector const& p) {
-    const Vector v{static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z)};
-    return 1.0 / Length(v) * v;
-}
-constexpr Vector torso{0.0, 0.0, -(headRadius + torsoRadius + 0.053)};
+const CartesianVector torso{0.0f, 0.0f, static_cast<float>(-(headRadius + torsoRadius + 0.053))};
 
 /// Whether the straight line from an ear in a direction meets the torso.
-bool Hidden(Vector ear, Vector direction) {
-    const Vector toTorso = torso - ear;
-    const double along = Dot(toTorso, direction);
-    return along > 0.0 && Length(toTorso - along * direction) < torsoRadius;
+bool Hidden(CartesianVector const& ear, CartesianVector const& direction) {
+    const CartesianVector toTorso = torso - ear;
+    const float along = Dot(toTorso, direction);
+    return along > 0.0f && static_cast<double>(Length(toTorso - direction * along)) < torsoRadius;
+}
+
+CartesianVector EarAt(std::size_t side, double radius) {
+    return {static_cast<float>(side == 0 ? -radius : radius), 0.0f, 0.0f};
 }
 
 /// What the ears hear without the torso's reflection, and with one as strong as the direct sound: half of each.
@@ -142,7 +129,7 @@ TEST(BinauralPanningSnowmanModel, TorsoHidesWhatIsBehindIt) {
         const CartesianVector position = At(uniform(-180.0, 180.0), uniform(-90.0, -30.0), 3.0);
         const auto [without, with] = RenderBoth(panner, position);
         for (const std::size_t ear : {0u, 1u}) {
-            const bool hidden = Hidden({ear == 0 ? -radius : radius, 0.0, 0.0}, Unit(position));
+            const bool hidden = Hidden(EarAt(ear, radius), Unit(position));
             float difference = 0.0f;
             for (std::size_t n = 0; n < 2048; ++n)
                 difference = std::max(difference, std::abs(with.data[ear][n] - without.data[ear][n]));
@@ -164,35 +151,34 @@ TEST(BinauralPanningSnowmanModel, TorsoReflectsWhatIsAboveIt) {
     for (const auto& [azimuth, elevation] :
          {std::pair{20.0, 0.0}, {-60.0, 25.0}, {130.0, 50.0}, {45.0, 80.0}, {-100.0, -15.0}}) {
         const CartesianVector position = At(azimuth, elevation, 2.0);
-        const Vector u = Unit(position);
+        const CartesianVector u = Unit(position);
         const auto [without, with] = RenderBoth(panner, position);
         for (const std::size_t side : {0u, 1u}) {
-            const Vector ear{side == 0 ? -headRadius : headRadius, 0.0, 0.0};
-            const double directAngle = std::acos(Dot(ear, u) / headRadius);
+            const CartesianVector ear = EarAt(side, headRadius);
+            const double directAngle = std::acos(static_cast<double>(Dot(ear, u)) / headRadius);
             const auto direct = [=](double hertz) { return ShadowAt(directAngle, headRadius, hertz); };
             ExpectFilter(without.data[side], 0.01, direct);
             EXPECT_NEAR(DelayOf(ResponseAt(without.data[side], 200.0 / rate) / direct(200.0), 200.0),
                         SphereDelay(directAngle, headRadius), 2e-6);
 
-            // The point of the torso from which the way is shortest (Fermat), found by search.
-            double detour = 1e9;
-            Vector point{};
+            // The point of the torso from which the way is shortest (Fermat), on the side that both see: found by
+            // search.
+            float detour = 1e9f;
+            CartesianVector point;
             for (int i = 0; i <= 300; ++i)
                 for (int j = 0; j < 600; ++j) {
-                    const double t = pi * i / 300, p = 2.0 * pi * j / 600;
-                    const Vector candidate =
-                        torso + torsoRadius * Vector{std::sin(t) * std::cos(p), std::sin(t) * std::sin(p), std::cos(t)};
-                    const double way = Length(candidate - ear) - Dot(candidate - ear, u);
-                    // The side of the torso that both see.
-                    if (Dot(candidate - torso, u) < 0.0 || Dot(candidate - torso, ear - candidate) < 0.0) continue;
-                    if (way < detour) detour = way, point = candidate;
+                    const CartesianVector out = At(0.6 * j, 90.0 - 0.6 * i, torsoRadius), way = torso + out - ear;
+                    const float more = Length(way) - Dot(way, u);
+                    if (Dot(out, u) < 0.0f || Dot(out, way) > 0.0f || more >= detour) continue;
+                    detour = more;
+                    point = way;
                 }
-            const double angle = std::acos(Dot(ear, 1.0 / Length(point - ear) * (point - ear)) / headRadius);
+            const double angle = std::acos(static_cast<double>(Dot(ear, Unit(point))) / headRadius);
             const auto reflected = [=](double hertz) { return ShadowAt(angle, torsoRadius, hertz); };
             std::vector<float> reflection(2048);
             for (std::size_t n = 0; n < 2048; ++n) reflection[n] = 2.0f * with.data[side][n] - without.data[side][n];
             EXPECT_NEAR(DelayOf(ResponseAt(reflection, 150.0 / rate) / reflected(150.0), 150.0),
-                        SphereDelay(angle, torsoRadius) + detour / speed, 1e-4)
+                        SphereDelay(angle, torsoRadius) + static_cast<double>(detour) / speed, 1e-4)
                 << azimuth << " " << elevation << " " << side;
             ExpectFilter(reflection, 0.5, reflected);
         }

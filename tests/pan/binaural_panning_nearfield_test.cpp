@@ -39,7 +39,7 @@ std::array<Ear, 2> Hear(BinauralPanningNearfield& panner, CartesianVector const&
     return ears;
 }
 
-double Distance(CartesianVector const& a, CartesianVector const& b) {
+double Metres(CartesianVector const& a, CartesianVector const& b) {
     return std::hypot(static_cast<double>(a.x - b.x), static_cast<double>(a.y - b.y), static_cast<double>(a.z - b.z));
 }
 
@@ -66,7 +66,7 @@ TEST(BinauralPanningNearfield, LevelFollowsTheDistance) {
 
     panner.EnableGainsCorrection(true);
     for (const CartesianVector position : {At(80.0, 0.0, 0.2), At(-30.0, 40.0, 1.5)})
-        expect(position, 1.0 / Distance(position, leftEar), 1.0 / Distance(position, rightEar));
+        expect(position, 1.0 / Metres(position, leftEar), 1.0 / Metres(position, rightEar));
     expect(leftEar, 1.0 / 0.001, 1.0 / (2.0 * headRadius));  // in the ear itself it stays finite
     panner.EnableDistanceAttenuation(false);
     expect(At(80.0, 0.0, 0.2), 1.0, 1.0);
@@ -103,7 +103,7 @@ float GainOfDirection(std::uint32_t point, std::uint32_t ear) {
 unsigned int DirectionFrom(CartesianVector const& ear, CartesianVector const& source) {
     // Steps along the line until it leaves the sphere.
     CartesianVector p = ear;
-    for (double t = 0.0; p.radius() < static_cast<float>(sphere); t += 1e-4 / Distance(source, ear)) {
+    for (double t = 0.0; p.radius() < static_cast<float>(sphere); t += 1e-4 / Metres(source, ear)) {
         const auto s = static_cast<float>(t);
         p = {ear.x + s * (source.x - ear.x), ear.y + s * (source.y - ear.y), ear.z + s * (source.z - ear.z)};
     }
@@ -151,8 +151,8 @@ TEST(BinauralPanningNearfield, DelaysFollowTheEarsOwnDirections) {
             const auto plain = Hear(panner, position);
             panner.EnableDelaysCorrection(true);
             const auto corrected = Hear(panner, position);
-            const double toLeft = Distance(position, Circle().positions[DirectionFrom(leftEar, position)]);
-            const double toRight = Distance(position, Circle().positions[DirectionFrom(rightEar, position)]);
+            const double toLeft = Metres(position, Circle().positions[DirectionFrom(leftEar, position)]);
+            const double toRight = Metres(position, Circle().positions[DirectionFrom(rightEar, position)]);
             const double h = 0.5 * (toLeft - toRight) / 340.0;
             const double sign = distance > sphere ? 1.0 : -1.0;
             // A glide ends beside its target by up to half a sample.

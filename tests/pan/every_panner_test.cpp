@@ -46,12 +46,6 @@ std::unique_ptr<Pan> Make(Kind const& kind, unsigned int numInputs) {
 
 constexpr std::size_t length = 3072, block = 64;
 
-Channels Noise(std::size_t width) {
-    Channels noise(width, length, 0.0f);
-    for (std::uint32_t c = 0; c < width; ++c) std::ranges::copy(MakeNoise(c + 1, length), noise.pointers[c]);
-    return noise;
-}
-
 /// Runs one block without allocation.
 void Play(Pan& panner, bool adding, std::vector<float*> outs, std::vector<float*> ins, short const* active) {
     const long before = AllocationCount();
@@ -75,8 +69,8 @@ TEST(EveryPanner, WorksInPlaceAddsAndClears) {
         for (unsigned int numInputs = kind.isSumOfSources ? 1 : 2; numInputs <= 2; ++numInputs) {
             SCOPED_TRACE(kind.type + " " + kind.role + " of " + std::to_string(numInputs));
             const auto process = Make(kind, numInputs), add = Make(kind, numInputs);
-            const Channels in = Noise(2);
-            Channels inPlace = Noise(kind.numOutputs), added(kind.numOutputs, length, 0.0f);
+            const Channels in = NoiseChannels(2, length);
+            Channels inPlace = NoiseChannels(kind.numOutputs, length), added(kind.numOutputs, length, 0.0f);
             for (std::size_t i = 0; i < length; i += block) {
                 for (Pan* panner : {process.get(), add.get()}) {
                     panner->SetSourcePosition(numInputs - 1, resting, false);
@@ -108,7 +102,7 @@ TEST(EveryPanner, AddsUpItsActiveSources) {
         const auto all = Make(kind, numSources);
         std::vector<std::unique_ptr<Pan>> single;
         for (unsigned int s = 0; s < numSources; ++s) single.push_back(Make(kind, 1));
-        const Channels in = Noise(numSources);
+        const Channels in = NoiseChannels(numSources, length);
         Channels together(kind.numOutputs, length, 9.0f), sum(kind.numOutputs, length, 0.0f);
         for (std::size_t i = 0; i < length; i += block) {
             short active[] = {1, 1, 1, 1, 1};

@@ -7,14 +7,7 @@
 
 #include "pan/amplitude_panning.h"
 #include "support/channels.h"
-
-/// A position by the listener's azimuth [degrees] (0 ahead, 90 on the right), elevation [degrees] and distance [m].
-inline Lume::CartesianVector At(double azimuth, double elevation = 0.0, double distance = 1.0) {
-    const double a = azimuth * std::numbers::pi / 180.0;
-    const double e = elevation * std::numbers::pi / 180.0;
-    return {static_cast<float>(distance * std::sin(a) * std::cos(e)),
-            static_cast<float>(distance * std::cos(a) * std::cos(e)), static_cast<float>(distance * std::sin(e))};
-}
+#include "support/places.h"
 
 /// Uniform numbers that are the same with every library.
 class Uniform {
@@ -44,21 +37,15 @@ inline std::vector<float> GainsAt(Lume::AmplitudePanning& panner, Lume::Cartesia
 
 /// Places the only source and waits until all glides and fades are over.
 inline void PlaceAndWait(Lume::Pan& panner, Lume::CartesianVector const& position) {
-    Channels silence(1, 512, 0.0f), out(2, 512, 0.0f);
     for (const bool jump : {false, true}) {  // a glide ends beside its target, a jump on it
         panner.SetSourcePosition(0, position, jump);
-        for (int i = 0; i < 8; ++i)
-            panner.Process(out.pointers.data(), silence.pointers.data(), 512, orvandsp::allActiveInputs);
+        Processed(panner, Channels(1, 4096, 0.0f), 2, 512);
     }
 }
 
 /// The responses of two outputs to an impulse on the only input.
 inline Channels ImpulseResponses(Lume::Pan& panner, std::size_t length = 2048) {
-    Channels in(1, length, 0.0f), out(2, length, 0.0f);
-    in.data[0][0] = 1.0f;
-    for (std::size_t i = 0; i < length; i += 512)
-        panner.Process(out.From(i).data(), in.From(i).data(), 512, orvandsp::allActiveInputs);
-    return out;
+    return Processed(panner, Channels({MakeImpulse(length)}), 2, 512);
 }
 
 /// Sums of the responses of two outputs to an impulse, and their centres of gravity [samples]. An allpass that reads

@@ -46,3 +46,11 @@ std::string SetFile(SetDescription const& set, Coefficient&& coefficient) {
     }
     return writer.bytes;
 }
+
+/// A file of one direction, ahead, whose filters are a gain.
+inline std::string FlatSetFile(float gain = 0.5f, std::uint32_t numChannels = 2) {
+    SetDescription set;
+    set.numChannels = numChannels;
+    set.positions = {{0.0f, 1.0f, 0.0f}};
+    return SetFile(set, [=](std::uint32_t, std::uint32_t) { return gain; });
+}

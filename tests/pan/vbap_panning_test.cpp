@@ -18,7 +18,7 @@ namespace {
 
 using Lume::CartesianVector;
 using Lume::VbapPanning;
-using Layout = std::vector<CartesianVector>;
+using Layout = Positions;
 
 /// Loudspeakers on rings, each given by its elevation and its azimuths.
 Layout Rings(std::initializer_list<std::pair<double, std::vector<double>>> rings) {
@@ -32,24 +32,6 @@ std::vector<double> Regular(unsigned int n, double offset = 0.0) {
     std::vector<double> azimuths;
     for (unsigned int i = 0; i < n; ++i) azimuths.push_back(offset + 360.0 * i / n);
     return azimuths;
-}
-
-/// (+-a, +-b, +-c) and its two rotations, without repetitions for coordinates of 0.
-/// @param sign  of the product, 0 for both
-Layout Signed(float a, float b, float c, int sign = 0) {
-    Layout layout;
-    for (int signs = 0; signs < 8; ++signs) {
-        if ((a == 0.0f && (signs & 1)) || (b == 0.0f && (signs & 2)) || (c == 0.0f && (signs & 4))) continue;
-        const float x = signs & 1 ? -a : a, y = signs & 2 ? -b : b, z = signs & 4 ? -c : c;
-        if (x * y * z * static_cast<float>(sign) < 0.0f) continue;
-        for (CartesianVector const& p : {CartesianVector{x, y, z}, {y, z, x}, {z, x, y}}) layout.push_back(p);
-    }
-    return layout;
-}
-
-Layout Joined(Layout first, Layout const& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
 }
 
 struct NamedLayout {
@@ -74,9 +56,7 @@ const std::vector<NamedLayout> layouts = {
     {"dodecahedron",
      Joined(Layout(std::begin(Lume::Speakers::cube), std::end(Lume::Speakers::cube)), Signed(0, 1 / golden, golden)),
      36},
-    // McLaren's improved snub cube, a 7-design: even permutations with an even number of signs, odd with odd.
-    {"snub cube", Joined(Signed(0.8662468f, 0.4225187f, 0.2666354f, 1), Signed(0.4225187f, 0.8662468f, 0.2666354f, -1)),
-     44}};
+    {"snub cube", SnubCube(), 44}};
 
 double Determinant(CartesianVector const& a, CartesianVector const& b, CartesianVector const& c) {
     const auto d = [](float x) { return static_cast<double>(x); };

@@ -30,14 +30,10 @@ std::vector<float> Column(Shuffle& shuffle, unsigned int channel) {
 TEST(Shuffle, KeepsTheEnergyForEveryChannelCount) {
     for (unsigned int n = 2; n <= 64; ++n) {
         Shuffle shuffle(n);
-        Channels in(n, 64, 0.0f), out(n, 64, 9.0f);
+        const Channels in = NoiseChannels(n, 64);
         double before = 0.0, after = 0.0;
-        for (unsigned int c = 0; c < n; ++c) {
-            std::ranges::copy(MakeNoise(c, 64), in.pointers[c]);
-            before += EnergyOf(in.data[c]);
-        }
-        shuffle.Process(out.pointers.data(), in.pointers.data(), 64, orvandsp::allActiveInputs);
-        for (auto const& channel : out.data) after += EnergyOf(channel);
+        for (auto const& channel : in.data) before += EnergyOf(channel);
+        for (auto const& channel : Processed(shuffle, in, n).data) after += EnergyOf(channel);
         EXPECT_NEAR(after / before, 1.0, 1e-5) << n;
     }
 }

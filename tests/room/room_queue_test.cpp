@@ -18,12 +18,6 @@ using Lume::ControlIndex;
 
 constexpr std::size_t tr0 = ControlIndex("tr0"), gain = ControlIndex("gain");
 
-std::string FlatSetFile() {
-    SetDescription set;
-    set.positions = {{0.0f, 1.0f, 0.0f}};
-    return SetFile(set, [](std::uint32_t, std::uint32_t) { return 0.5f; });
-}
-
 }  // namespace
 
 // Red if a message acts before it is delivered, if an earlier one for the same control wins, or if the order of sources

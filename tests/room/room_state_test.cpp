@@ -9,6 +9,7 @@
 #include "pan/set_file.h"
 #include "room/room.h"
 #include "room/room_rig.h"
+#include "support/failure.h"
 #include "support/temporary_file.h"
 
 namespace {
@@ -18,12 +19,7 @@ using Lume::Room;
 using Lume::RoomState;
 
 std::string Complaint(std::string const& text) {
-    try {
-        RoomState::Parse(text);
-    } catch (std::invalid_argument const& error) {
-        return error.what();
-    }
-    return {};
+    return ComplaintOf([&] { RoomState::Parse(text); });
 }
 
 /// What a room plays that begins with a state.
@@ -39,12 +35,7 @@ Recording Heard(RoomState const& state, Room& room) {
 // Red if anything that a room was told is missing from its state, or comes back rounded: also times that an object's
 // words let past their range, which change what the cluster plays.
 TEST(RoomState, BringsBackWhatWasHeardToTheLastBit) {
-    const std::string set = [] {
-        SetDescription description;
-        description.positions = {{0.0f, 1.0f, 0.0f}};
-        return SetFile(description, [](std::uint32_t, std::uint32_t) { return 0.4f; });
-    }();
-    const TemporaryFile file(".hrtf", set);
+    const TemporaryFile file(".hrtf", FlatSetFile());
     for (const unsigned int speakers : {2u, 5u}) {
         Room room(2, speakers, 4);
         if (speakers == 2) room.LoadEars(file.name);
@@ -162,9 +153,7 @@ TEST(RoomState, SaysWhatIsWrongAndWhere) {
 
 // Red if a room changes although its new state can't be had.
 TEST(RoomState, LeavesTheRoomAsItWasIfItCannotBeHad) {
-    SetDescription description;
-    description.positions = {{0.0f, 1.0f, 0.0f}};
-    const TemporaryFile file(".hrtf", SetFile(description, [](std::uint32_t, std::uint32_t) { return 0.4f; }));
+    const TemporaryFile file(".hrtf", FlatSetFile());
     Room room(1, 2);
     room.LoadEars(file.name);
     RoomState state = room.SaveState();

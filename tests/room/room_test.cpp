@@ -12,6 +12,7 @@
 #include "room/layout_remarks.h"
 #include "room/room_rig.h"
 #include "support/allocation_count.h"
+#include "support/failure.h"
 #include "support/lock_count.h"
 #include "support/temporary_file.h"
 
@@ -21,22 +22,6 @@ using Lume::ControlIndex;
 using Lume::Room;
 
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
-
-std::string FlatSetFile(float gain) {
-    SetDescription set;
-    set.positions = {{0.0f, 1.0f, 0.0f}};
-    return SetFile(set, [=](std::uint32_t, std::uint32_t) { return gain; });
-}
-
-template <typename Call>
-std::string Complaint(Call call) {
-    try {
-        call();
-    } catch (std::exception const& error) {
-        return error.what();
-    }
-    return {};
-}
 
 bool DenormalsCount() {
     volatile float tiny = 1e-40f;
@@ -184,7 +169,7 @@ TEST(Room, RefusesWhatNoRoomHas) {
     Room room(1, 6);
     room.Configure(48000.0f, 64);
     for (const float rate : {0.0f, -48000.0f, 1e9f, notANumber})
-        EXPECT_NE(Complaint([&] { room.Configure(rate, 64); }).find("1000 to 768000 Hz"), std::string::npos) << rate;
+        EXPECT_NE(ComplaintOf([&] { room.Configure(rate, 64); }).find("1000 to 768000 Hz"), std::string::npos) << rate;
     EXPECT_THROW(room.Configure(48000.0f, 0), std::invalid_argument);
     for (const std::size_t vector : {8u, 48u, 16384u})
         EXPECT_THROW(room.Configure(48000.0f, 96, vector), std::invalid_argument) << vector;
@@ -348,17 +333,14 @@ TEST(Room, TakesEarsWhileItRuns) {
     room.Configure(48000.0f, 128);
     EXPECT_FALSE(room.TakeEars(ears)) << "made for other vectors";
 
-    SetDescription one;
-    one.numChannels = 1;
-    one.positions = {{0.0f, 1.0f, 0.0f}};
-    const TemporaryFile mono(".hrtf", SetFile(one, [](std::uint32_t, std::uint32_t) { return 1.0f; }));
+    const TemporaryFile mono(".hrtf", FlatSetFile(1.0f, 1));
     const TemporaryFile noise(".hrtf", "no set"), other(".wav", "RIFF");
-    EXPECT_EQ(Complaint([&] { room.LoadEars(mono.name); }), mono.name + ": NumChannels: 2 ears are expected, not 1");
-    EXPECT_EQ(Complaint([&] { room.LoadEars(other.name); }),
+    EXPECT_EQ(ComplaintOf([&] { room.LoadEars(mono.name); }), mono.name + ": NumChannels: 2 ears are expected, not 1");
+    EXPECT_EQ(ComplaintOf([&] { room.LoadEars(other.name); }),
               other.name + ": a name that ends in .hrtf or .coll is expected");
-    EXPECT_EQ(Complaint([&] { room.LoadEars("/nowhere/x.hrtf"); }), "/nowhere/x.hrtf: No such file or directory");
-    EXPECT_NE(Complaint([&] { room.LoadEars(noise.name); }).find(noise.name + ": "), std::string::npos);
-    EXPECT_EQ(Complaint([&] { Room(1, 4).LoadEars(loud.name); }),
+    EXPECT_EQ(ComplaintOf([&] { room.LoadEars("/nowhere/x.hrtf"); }), "/nowhere/x.hrtf: No such file or directory");
+    EXPECT_NE(ComplaintOf([&] { room.LoadEars(noise.name); }).find(noise.name + ": "), std::string::npos);
+    EXPECT_EQ(ComplaintOf([&] { Room(1, 4).LoadEars(loud.name); }),
               loud.name + ": ears are for headphones, and this room plays 4 loudspeakers");
     EXPECT_EQ(room.CurrentEars().path, quiet.name);
 }

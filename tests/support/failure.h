@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <exception>
 #include <string>
 
 #include "dsp/orvan_dsp_exception.h"
@@ -23,4 +24,15 @@ Failure FailureOf(Call const& call) {
     }
     failure.line = testing::internal::GetCapturedStderr();
     return failure;
+}
+
+/// The message of the exception that ends a call; empty if it comes to its end.
+template <typename Call>
+std::string ComplaintOf(Call const& call) {
+    try {
+        call();
+    } catch (std::exception const& error) {
+        return error.what();
+    }
+    return {};
 }
