@@ -61,6 +61,7 @@ class Browser:
         self.driver.quit()
 
     def open(self, url):
+        self.driver.get("about:blank")  # what the page before still complains of is not this one's
         self.errors()
         self.driver.get(url)
 
