@@ -149,9 +149,9 @@ public:
     Orientation const& GetOrientation() const noexcept { return orientation; }
 
     /// Places the loudspeakers: what they play of direct sound and early reflections changes within 30 ms. The diffuse
-    /// field doesn't know where loudspeakers stand, but in formats that say so (RoomFormat::bySolidAngle). Real-time
-    /// safe but in formats that choose triplets: vbap, dome and vdbap allocate. Without effect on the two channels of a
-    /// binaural engine.
+    /// field doesn't know where loudspeakers stand, but in formats that say so (RoomFormat::bySolidAngle). Takes no
+    /// memory; vbap, dome and vdbap, which choose triplets, take up to 4 ms for 24 loudspeakers and 17 for 48. Without
+    /// effect on the two channels of a binaural engine.
     /// @param positions  one per loudspeaker [m]
     void SetSpeakersPositions(CartesianVector const* positions);
 

@@ -34,10 +34,10 @@ namespace Lume {
 /// whole state as a value and as text (RoomState).
 ///
 /// Threads: one at a time. Set, SetDirectLevel, SetRoomLevel, PlaceSource, PlaceSpeaker, SetOrientation, SetMuted,
-/// SetBypassed, Clear, TakeEars and Process are real-time safe (no heap, no lock, bounded), but for PlaceSpeaker in the
-/// formats angular, vbap, vdbap and dome, which look for pairs or triplets anew; call them on the audio thread between
-/// two blocks, or send them from other threads by a RoomQueue. Everything else allocates or reads files and must not
-/// run beside Process; of the calls that other threads may make meanwhile there is one, PrepareEars. The thread's
+/// SetBypassed, Clear, TakeEars and Process are real-time safe (no heap, no lock, bounded), though PlaceSpeaker takes
+/// longer than a block where it chooses triplets of many loudspeakers; call them on the audio thread between two
+/// blocks, or send them from other threads by a RoomQueue. Everything else allocates or reads files and must not run
+/// beside Process; of the calls that other threads may make meanwhile there is one, PrepareEars. The thread's
 /// floating-point mode stays as it was.
 class Room {
 public:
@@ -155,8 +155,8 @@ public:
     /// @return false, and nothing has changed, if an angle is not finite
     bool SetOrientation(Orientation const& orientation);
     Orientation const& GetOrientation() const noexcept { return engine->GetOrientation(); }
-    /// The same as for a source for a loudspeaker, and for all of them. Allocates in the formats vbap, dome and vdbap,
-    /// which choose triplets of them.
+    /// The same as for a source for a loudspeaker, and for all of them. The formats vbap, dome and vdbap choose
+    /// triplets: up to 4 ms for 24 loudspeakers, 17 for 48.
     bool PlaceSpeaker(unsigned int speaker, CartesianVector const& position);
     bool PlaceSpeakers(std::span<CartesianVector const> positions);
     std::vector<CartesianVector> const& SpeakerPositions() const { return engine->GetSpeakersPositions(); }

@@ -130,11 +130,12 @@ TEST(RoomFormat, EveryFormTurnsWithTheListener) {
 // Red if the shares of the sphere are others than geometry gives, or don't reach the field: octahedron and cube by
 // symmetry, a dome whose ring stands for the upper half alone.
 TEST(RoomFormat, DomesSpreadTheLateFieldBySolidAngle) {
-    const std::vector<float> octahedron =
-        Lume::SolidAngleShares({{1, 0, 0}, {-2, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 3}, {0, 0, -1}});
-    for (const float share : octahedron) EXPECT_NEAR(share, 1.0 / 6.0, 0.002);
+    using Layout = std::vector<Lume::CartesianVector>;
+    const auto octahedron =
+        Lume::SolidAngleShares(Layout{{1, 0, 0}, {-2, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 3}, {0, 0, -1}});
+    for (unsigned int i = 0; i < 6; ++i) EXPECT_NEAR(octahedron[i], 1.0 / 6.0, 0.002);
     // A ring and a loudspeaker above meet at 45 degrees.
-    const std::vector<float> half = Lume::SolidAngleShares({{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}});
+    const auto half = Lume::SolidAngleShares(Layout{{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}});
     double top = 0.0;  // below pi/4 seen from above each sector ends where cos(el) cos(az) = sin(el)
     constexpr int steps = 10000;
     for (int i = 0; i < steps; ++i)
@@ -144,7 +145,7 @@ TEST(RoomFormat, DomesSpreadTheLateFieldBySolidAngle) {
 
     const Lume::NamedLayout layout = Lume::FindNamedLayout("dome24");
     const Recording tail = Tail("dome", 24, 16, layout.positions);
-    const std::vector<float> shares = Lume::SolidAngleShares(layout.positions);
+    const auto shares = Lume::SolidAngleShares(layout.positions);
     double sum = 0.0;
     for (auto const& channel : tail) sum += Product(channel, channel);
     for (std::size_t j = 0; j < tail.size(); ++j)

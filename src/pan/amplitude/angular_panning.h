@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <vector>
 
 #include "pan/amplitude_panning.h"
@@ -23,8 +22,12 @@ public:
     void convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) override;
 
 private:
-    std::vector<CartesianVector> speakerPositions;
-    std::map<float, unsigned int> speakersByAngle;  // mathematical azimuth [rad] to output channel
+    struct Speaker {
+        float angle;  // mathematical azimuth [rad]
+        unsigned int output;
+    };
+
+    std::vector<Speaker> speakersByAngle;
 };
 
 }  // namespace Lume

@@ -26,6 +26,19 @@ CartesianVector NormalisedCross(CartesianVector const& a, CartesianVector const&
     return length > 0.0f ? n / length : n;
 }
 
+/// How useful a triangle is whose third corner is this one. @param length  of its three sides [rad]
+float VolumePerLength(CartesianVector const& normal, CartesianVector const& corner, float length) {
+    return length > 1e-5f ? std::abs(Dot(normal, corner)) / length : 0.0f;
+}
+
+/// Whether the ends of an arc lie so far on one side of a plane through the listener that no point of the plane counts
+/// as being on the arc: with the tolerance such a point is at most 0.17 rad beside an arc of this length.
+/// @param a, b  the heights of the ends above the plane, seen from distance 1
+bool IsClear(float arc, float a, float b) {
+    constexpr float shortest = 0.01f, longest = 2.4f, height = 0.2f;
+    return arc > shortest && arc < longest && ((a > height && b > height) || (a < -height && b < -height));
+}
+
 /// Whether a point that lies at these angles from the ends of an arc is on the arc.
 bool IsOnArc(float arc, float fromOneEnd, float fromOtherEnd) {
     return !(std::abs(arc - fromOneEnd - fromOtherEnd) > crossingTolerance);
@@ -69,6 +82,8 @@ void VbapPanning::Matrix3D::matrixProduct(float* result, CartesianVector const& 
 
 VbapPanning::VbapPanning(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : AmplitudePanning(numberOfInputs, numberOfOutputs), speakers(numberOfOutputs) {
+    sides.reserve(std::size_t{numOutputs} * numOutputs / 2);
+    triplets.reserve(std::size_t{4} * numOutputs);
     constexpr float elevation = 0.7853982f;  // 45 degrees
     for (unsigned int i = 0; i < numOutputs; ++i) {
         const float degrees = static_cast<float>(i) * 360.0f / static_cast<float>(numOutputs);
@@ -129,57 +144,77 @@ void VbapPanning::compute() {
 
 void VbapPanning::choose_triplets() {
     const auto count = static_cast<unsigned int>(speakers.size());
-    std::vector<std::vector<bool>> connections(count, std::vector<bool>(count, false));
-    const auto connect = [&](unsigned int i, unsigned int j, bool connected) {
-        connections[i][j] = connected;
-        connections[j][i] = connected;
+    const auto at = [count](unsigned int i, unsigned int j) { return std::size_t{i} * count + j; };
+    const auto position = [this](unsigned int i) -> CartesianVector const& { return speakers[i].position; };
+    directions.resize(count);
+    arcs.resize(std::size_t{count} * count);
+    for (unsigned int i = 0; i < count; ++i) {
+        // Those from whose positions no plane can be computed count as being in all planes.
+        const float radius = position(i).radius();
+        directions[i] = radius > 1e-6f && radius < 1e9f ? position(i) / radius : CartesianVector{};
+        for (unsigned int j = 0; j < i; ++j)
+            arcs[at(i, j)] = arcs[at(j, i)] = std::abs(angle(position(i), position(j)));
+    }
+
+    connections.assign(arcs.size(), 0);
+    const auto connect = [&](unsigned int i, unsigned int j, char connected) {
+        connections[at(i, j)] = connections[at(j, i)] = connected;
     };
+    const auto isUseful = [&](CartesianVector const& normal, unsigned int i, unsigned int j, unsigned int k) {
+        return VolumePerLength(normal, position(k), arcs[at(i, j)] + arcs[at(i, k)] + arcs[at(j, k)]) >
+               minVolumePerLength;
+    };
+    for (unsigned int i = 0; i < count; ++i) {
+        for (unsigned int j = i + 1; j < count; ++j) {
+            const CartesianVector normal = NormalisedCross(position(i), position(j));
+            for (unsigned int k = j + 1; k < count; ++k) {
+                if (!isUseful(normal, i, j, k)) continue;
+                connect(i, j, 1);
+                connect(i, k, 1);
+                connect(j, k, 1);
+            }
+        }
+    }
+
+    sides.clear();
+    for (unsigned int i = 0; i < count; ++i)
+        for (unsigned int j = i + 1; j < count; ++j)
+            if (connections[at(i, j)]) sides.push_back({arcs[at(i, j)], i, j});
+    // Of equal lengths the later pair comes first. Which of two crossing diagonals of a square survives depends on it.
+    std::sort(sides.begin(), sides.end(), [](Side const& a, Side const& b) {
+        if (a.length != b.length) return a.length < b.length;
+        return a.first != b.first ? a.first > b.first : a.second > b.second;
+    });
+
+    for (auto const& [length, first, second] : sides) {
+        if (!connections[at(first, second)]) continue;
+        const CartesianVector normal = NormalisedCross(position(first), position(second));
+        for (unsigned int j = 0; j < count; ++j) {
+            if (j == first || j == second) continue;
+            const float height = Dot(normal, directions[j]);
+            for (unsigned int k = j + 1; k < count; ++k) {
+                if (k == first || k == second || !connections[at(j, k)]) continue;
+                // Most arcs are far from one another, which is seen much sooner than where they would meet.
+                if (IsClear(arcs[at(j, k)], height, Dot(normal, directions[k]))) continue;
+                const CartesianVector other = NormalisedCross(position(j), position(k));
+                if (IsClear(length, Dot(other, directions[first]), Dot(other, directions[second]))) continue;
+                if (lines_intersect(first, second, j, k)) connect(j, k, 0);
+            }
+        }
+    }
 
     triplets.clear();
     for (unsigned int i = 0; i < count; ++i) {
         for (unsigned int j = i + 1; j < count; ++j) {
+            if (!connections[at(i, j)]) continue;
+            const CartesianVector normal = NormalisedCross(position(i), position(j));
             for (unsigned int k = j + 1; k < count; ++k) {
-                if (!(vol_p_side_lgth(i, j, k) > minVolumePerLength)) continue;
-                connect(i, j, true);
-                connect(i, k, true);
-                connect(j, k, true);
-                triplets.push_back({{}, i, j, k});
+                if (connections[at(i, k)] && connections[at(j, k)] && isUseful(normal, i, j, k) &&
+                    !any_ls_inside_triplet(i, j, k))
+                    triplets.push_back({{}, i, j, k});
             }
         }
     }
-
-    struct Connection {
-        float length;  // [rad]
-        unsigned int first, second;
-    };
-    std::vector<Connection> byLength;
-    for (unsigned int i = 0; i < count; ++i) {
-        for (unsigned int j = i + 1; j < count; ++j) {
-            if (!connections[i][j]) continue;
-            const float length = std::abs(angle(speakers[i].position, speakers[j].position));
-            // Of equal lengths the later pair comes first. Which of two crossing diagonals of a square survives depends
-            // on it.
-            const auto place = std::find_if(byLength.begin(), byLength.end(),
-                                            [&](Connection const& other) { return !(other.length < length); });
-            byLength.insert(place, {length, i, j});
-        }
-    }
-
-    for (Connection const& side : byLength) {
-        if (!connections[side.first][side.second]) continue;
-        for (unsigned int j = 0; j < count; ++j) {
-            if (j == side.first || j == side.second) continue;
-            for (unsigned int k = j + 1; k < count; ++k) {
-                if (k == side.first || k == side.second || !connections[j][k]) continue;
-                if (lines_intersect(side.first, side.second, j, k)) connect(j, k, false);
-            }
-        }
-    }
-
-    std::erase_if(triplets, [&](Triplet const& t) {
-        return !connections[t.first][t.second] || !connections[t.first][t.third] || !connections[t.second][t.third] ||
-               any_ls_inside_triplet(t.first, t.second, t.third);
-    });
 }
 
 void VbapPanning::find_triplet(CartesianVector const& position, float* gains, unsigned int* indices) const {
@@ -214,9 +249,8 @@ float VbapPanning::vol_p_side_lgth(unsigned int i, unsigned int j, unsigned int 
     CartesianVector const& a = speakers[i].position;
     CartesianVector const& b = speakers[j].position;
     CartesianVector const& c = speakers[k].position;
-    const float volume = std::abs(Dot(NormalisedCross(a, b), c));
     const float length = std::abs(angle(a, b)) + std::abs(angle(a, c)) + std::abs(angle(b, c));
-    return length > 1e-5f ? volume / length : 0.0f;
+    return VolumePerLength(NormalisedCross(a, b), c, length);
 }
 
 bool VbapPanning::lines_intersect(unsigned int i, unsigned int j, unsigned int k, unsigned int l) const {
@@ -227,13 +261,15 @@ bool VbapPanning::lines_intersect(unsigned int i, unsigned int j, unsigned int k
     // The great circles of the two arcs meet in v and, opposite to it, in w.
     const CartesianVector v = NormalisedCross(NormalisedCross(a, b), NormalisedCross(c, d));
     const CartesianVector w = {-v.x, -v.y, -v.z};
-    const float av = angle(a, v), bv = angle(b, v), cv = angle(c, v), dv = angle(d, v);
-    const float aw = angle(a, w), bw = angle(b, w), cw = angle(c, w), dw = angle(d, w);
+    const float arc = angle(a, b), av = angle(a, v), bv = angle(b, v), aw = angle(a, w), bw = angle(b, w);
+    const bool onV = IsOnArc(arc, av, bv), onW = IsOnArc(arc, aw, bw);
+    if (!onV && !onW) return false;
+    const float cv = angle(c, v), dv = angle(d, v), cw = angle(c, w), dw = angle(d, w);
     for (const float distance : {av, bv, cv, dv, aw, bw, cw, dw}) {
         if (!(std::abs(distance) > crossingTolerance)) return false;
     }
-    const float arc1 = angle(a, b), arc2 = angle(c, d);
-    return (IsOnArc(arc1, av, bv) && IsOnArc(arc2, cv, dv)) || (IsOnArc(arc1, aw, bw) && IsOnArc(arc2, cw, dw));
+    const float otherArc = angle(c, d);
+    return (onV && IsOnArc(otherArc, cv, dv)) || (onW && IsOnArc(otherArc, cw, dw));
 }
 
 bool VbapPanning::any_ls_inside_triplet(unsigned int a, unsigned int b, unsigned int c) const {

@@ -46,7 +46,8 @@ public:
         return CreateIf<VbapPanning>(requestedOutputs >= 3, requestedInputs, requestedOutputs);
     }
 
-    /// Chooses the triplets anew. Takes the fourth power of the number of loudspeakers in time.
+    /// Chooses the triplets anew: 0.1 ms for 12 loudspeakers, 1 ms for 24, up to 7 ms for 64. Allocates nothing, unless
+    /// there are more triplets than four for each loudspeaker, which no layout was seen to have.
     void SetLoudspeakerPositions(CartesianVector const* positions) override;
     void convert(CartesianVector const& position, float* gains, unsigned int sourceIndex) override;
 
@@ -84,9 +85,19 @@ private:
         unsigned int index = 0;  // output channel
     };
 
+    struct Side {
+        float length;  // [rad]
+        unsigned int first, second;
+    };
+
     bool needsComputing = true;
     std::vector<Triplet> triplets;
     std::vector<Speaker> speakers;
+    // Room for the choice, so that it needs none of its own when loudspeakers move.
+    std::vector<CartesianVector> directions;
+    std::vector<float> arcs;        // between any two [rad]
+    std::vector<char> connections;  // of any two
+    std::vector<Side> sides;
 };
 
 /// The angle between two vectors [rad]. Where one of them has no length, the mathematical azimuth of the other.

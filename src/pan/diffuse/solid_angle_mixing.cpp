@@ -7,20 +7,21 @@
 
 namespace Lume {
 
-std::vector<float> SolidAngleShares(std::vector<CartesianVector> const& positions) {
+std::array<float, orvandsp::MaxNumChannels> SolidAngleShares(std::span<CartesianVector const> positions) {
     constexpr unsigned int numDirections = 16384;
     constexpr double goldenAngle = 2.39996322972865332;
     constexpr float lowestOfDome = -0.17364818f;  // the height at 10 degrees below the ears
-    std::vector<CartesianVector> directions;
-    for (CartesianVector const& p : positions) {
+    std::array<CartesianVector, orvandsp::MaxNumChannels> room;
+    const std::span directions(room.data(), positions.size());
+    std::transform(positions.begin(), positions.end(), directions.begin(), [](CartesianVector const& p) {
         const float radius = p.radius();
-        directions.push_back(radius > 0.0f ? p / radius : p);
-    }
+        return radius > 0.0f ? p / radius : p;
+    });
     const bool isDome =
         std::all_of(directions.begin(), directions.end(), [](CartesianVector const& p) { return p.z >= lowestOfDome; });
     const double bottom = isDome ? 0.0 : -1.0;
-    std::vector<float> shares(positions.size(), 0.0f);
-    if (shares.empty()) return shares;
+    std::array<float, orvandsp::MaxNumChannels> shares{};
+    if (positions.empty()) return shares;
     for (unsigned int i = 0; i < numDirections; ++i) {
         // A spiral of golden angles, equally dense everywhere.
         const double z = 1.0 - (1.0 - bottom) * (i + 0.5) / numDirections, radius = std::sqrt(1.0 - z * z);
@@ -35,18 +36,19 @@ std::vector<float> SolidAngleShares(std::vector<CartesianVector> const& position
 }
 
 SolidAngleMixing::SolidAngleMixing(orvandsp::Matrix<float> newMixing)
-    : ReverbPanning(newMixing.GetNumRows(), newMixing.GetNumColumns()), mixing(std::move(newMixing)) {
-    Mix(std::vector<float>(numOutputs, 1.0f / static_cast<float>(numOutputs)));
+    : ReverbPanning(newMixing.GetNumRows(), newMixing.GetNumColumns()), mixing(std::move(newMixing)), gains(mixing) {
+    std::array<float, orvandsp::MaxNumChannels> equal;
+    equal.fill(1.0f / static_cast<float>(numOutputs));
+    Mix(equal.data());
 }
 
 void SolidAngleMixing::SetLoudspeakerPositions(CartesianVector const* positions) {
-    Mix(SolidAngleShares({positions, positions + numOutputs}));
+    Mix(SolidAngleShares({positions, numOutputs}).data());
 }
 
-void SolidAngleMixing::Mix(std::vector<float> const& shares) {
-    orvandsp::Matrix<float> gains = mixing;
+void SolidAngleMixing::Mix(float const* shares) {
     for (unsigned int i = 0; i < numInputs; ++i)
-        for (unsigned int j = 0; j < numOutputs; ++j) gains[i][j] *= std::sqrt(shares[j]);
+        for (unsigned int j = 0; j < numOutputs; ++j) gains[i][j] = mixing[i][j] * std::sqrt(shares[j]);
     SetGains(gains);
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
-#include <vector>
+#include <array>
+#include <span>
 
+#include "dsp/constants.h"
 #include "geometry/cartesian_vector.h"
 #include "math/matrix.h"
 #include "pan/diffuse/reverb_panning.h"
@@ -13,7 +15,10 @@ namespace Lume {
 /// of the sphere alone, or its lowest ring would stand for what comes from below, too.
 ///
 /// Counted over 16384 directions, and so within 0.001 of the whole.
-std::vector<float> SolidAngleShares(std::vector<CartesianVector> const& positions);
+///
+/// @param positions  at most MaxNumChannels
+/// @return 0 behind the last of them
+std::array<float, orvandsp::MaxNumChannels> SolidAngleShares(std::span<CartesianVector const> positions);
 
 /// A diffuse field over loudspeakers in space whose power comes equally from every direction, however densely
 /// loudspeakers stand there: each plays in proportion to the solid angle that it stands for.
@@ -22,13 +27,14 @@ public:
     /// @param newMixing  from inputs of power 1 to outputs of power 1; rows are inputs
     explicit SolidAngleMixing(orvandsp::Matrix<float> newMixing);
 
-    /// Until it is called all outputs are equally loud. Allocates, and takes some milliseconds. New gains slide.
+    /// Until it is called all outputs are equally loud. Takes 1 ms for 24 loudspeakers. New gains slide.
     void SetLoudspeakerPositions(CartesianVector const* positions) override;
 
 private:
-    void Mix(std::vector<float> const& shares);
+    void Mix(float const* shares);
 
     orvandsp::Matrix<float> mixing;
+    orvandsp::Matrix<float> gains;
 };
 
 }  // namespace Lume
