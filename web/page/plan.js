@@ -4,6 +4,7 @@ import { clamp, digits, direction, silent, sourceHue, turned } from "./values.js
 
 const radius = 100; // of the outermost ring, in the picture's own units
 const ranges = [1, 2, 3, 5, 10, 20, 50, 100]; // [m]
+const longestName = 16; // letters below a source; its tab has all of them
 const degrees = 180 / Math.PI;
 
 export class Plan {
@@ -55,13 +56,14 @@ export class Plan {
 
   updateSource(index) {
     const source = this.#room.sources[index];
-    const { group, hit, label, stem } = this.#dots[index];
+    const { group, hit, below } = this.#dots[index];
     const [x, y] = this.#point(source);
     group.setAttribute("transform", `translate(${x} ${y})`);
     group.classList.toggle("muted", source.mute || source.gain <= silent);
     group.classList.toggle("selected", index === this.#room.selected);
-    label.textContent = source.name || String(index + 1);
-    stem.textContent = Math.abs(source.elevation) >= 1 ? `${source.elevation > 0 ? "↑" : "↓"}${digits(Math.abs(source.elevation))}°` : "";
+    const height = Math.abs(source.elevation) >= 1 ? `${source.elevation > 0 ? "↑" : "↓"}${digits(Math.abs(source.elevation))}°` : "";
+    const name = source.name ?? "";
+    below.textContent = `${name.length > longestName ? `${name.slice(0, longestName - 1)}…` : name} ${height}`.trim();
     hit.setAttribute("aria-valuenow", String(Math.round(source.azimuth)));
     hit.setAttribute("aria-valuetext",
       `${direction(source.azimuth)}, ${digits(source.distance)} metres, ${digits(source.elevation)}° up`);
@@ -114,16 +116,16 @@ export class Plan {
 
   #makeSource(index) {
     const halo = svg("circle", { r: 7, class: "halo" });
-    const label = svg("text", { class: "name", y: 0.5 });
-    const stem = svg("text", { class: "stem", y: 14 });
+    const number = svg("text", { class: "name", y: 0.5 }, String(index + 1));
+    const below = svg("text", { class: "below", y: 14 });
     const hit = svg("circle", { r: 14, class: "hit", tabindex: 0, role: "slider", "aria-valuemin": -180, "aria-valuemax": 180 });
     const group = svg("g", { class: "source", style: `--hue: ${sourceHue(index)}`, "data-index": index },
-      halo, svg("circle", { r: 8, class: "dot" }), label, stem, hit);
+      halo, svg("circle", { r: 8, class: "dot" }), number, below, hit);
     hit.addEventListener("pointerdown", (event) => this.#drag(event, hit, (at) => this.#dragSource(index, at)));
     hit.addEventListener("pointerdown", () => this.#onselect(index));
     hit.addEventListener("focus", () => this.#onselect(index));
     hit.addEventListener("keydown", (event) => this.#key(event, index));
-    return { group, hit, halo, label, stem };
+    return { group, hit, halo, below };
   }
 
   #drag(event, target, move) {

@@ -9,7 +9,7 @@ const ratesWithEars = [44100, 48000];
 const firstPlaces = [
   { azimuth: -40, elevation: 0, distance: 1.5 },
   { azimuth: 35, elevation: 0, distance: 2.5 },
-  { azimuth: 150, elevation: 20, distance: 3 },
+  { azimuth: 130, elevation: 20, distance: 3 },
 ];
 
 const decibels = (peak) => (peak > 1e-6 ? 20 * Math.log10(peak) : silence);
