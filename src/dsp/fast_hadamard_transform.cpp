@@ -47,7 +47,7 @@ void FastHadamardTransform::ApplyNormalizationScaling(bool apply) {
     applyScaling = apply;
 }
 
-void FastHadamardTransform::Process(float* data, [[maybe_unused]] unsigned int count) const {
+void FastHadamardTransform::Process(float* data, [[maybe_unused]] unsigned int count) const noexcept {
     switch (ordering) {
         case sequencyWalsh:
             processSequencyWalshOrdering(data);
@@ -63,18 +63,18 @@ void FastHadamardTransform::Process(float* data, [[maybe_unused]] unsigned int c
         for (int i = 0; i < size; ++i) data[i] *= inverseSize;
 }
 
-void FastHadamardTransform::Process(float* out, float const* in, unsigned int count) const {
+void FastHadamardTransform::Process(float* out, float const* in, unsigned int count) const noexcept {
     std::copy_n(in, count, out);
     Process(out, count);
 }
 
 void FastHadamardTransform::Process(float** channels, [[maybe_unused]] unsigned int numChannels,
-                                    unsigned int count) const {
+                                    unsigned int count) const noexcept {
     ForEachButterfly(size, halfSize, stages,
                      [&](int first, int second, int) { SumDiff(channels[first], channels[second], count); });
 }
 
-void FastHadamardTransform::processNaturalOrdering(float* data) const {
+void FastHadamardTransform::processNaturalOrdering(float* data) const noexcept {
     ForEachButterfly(size, halfSize, stages, [data](int first, int second, int) {
         const float a = data[first];
         const float b = data[second];
@@ -83,12 +83,12 @@ void FastHadamardTransform::processNaturalOrdering(float* data) const {
     });
 }
 
-void FastHadamardTransform::processDyadicPaleyOrdering(float* data) const {
+void FastHadamardTransform::processDyadicPaleyOrdering(float* data) const noexcept {
     bitReversal.Reorder(data, static_cast<unsigned int>(size));
     processNaturalOrdering(data);
 }
 
-void FastHadamardTransform::processSequencyWalshOrdering(float* data) const {
+void FastHadamardTransform::processSequencyWalshOrdering(float* data) const noexcept {
     bitReversal.Reorder(data, static_cast<unsigned int>(size));
     ForEachButterfly(size, halfSize, stages, [data](int first, int second, int group) {
         const float a = data[first];

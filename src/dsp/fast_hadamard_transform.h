@@ -29,20 +29,20 @@ public:
 
     /// Transforms an array of N values in place. Real-time safe.
     /// @param count  has no effect: the order decides
-    void Process(float* data, unsigned int count) const;
+    void Process(float* data, unsigned int count) const noexcept;
 
     /// Copies count values from in to out and transforms the first N of them there. Real-time safe.
-    void Process(float* out, float const* in, unsigned int count) const;
+    void Process(float* out, float const* in, unsigned int count) const noexcept;
 
     /// Transforms across channels, in place: for each sample k < count, the N values channels[c][k]. Always in natural
     /// order and never scaled. Real-time safe.
     /// @param numChannels  has no effect: the order decides
-    void Process(float** channels, unsigned int numChannels, unsigned int count) const;
+    void Process(float** channels, unsigned int numChannels, unsigned int count) const noexcept;
 
 private:
-    void processNaturalOrdering(float* data) const;
-    void processDyadicPaleyOrdering(float* data) const;
-    void processSequencyWalshOrdering(float* data) const;
+    void processNaturalOrdering(float* data) const noexcept;
+    void processDyadicPaleyOrdering(float* data) const noexcept;
+    void processSequencyWalshOrdering(float* data) const noexcept;
 
     HadamardOrdering ordering;
     int size = 0;

@@ -42,7 +42,7 @@ void Ramp::Begin(float newTarget, float timeMs) {
     increment = (newTarget - current) / static_cast<float>(total);
 }
 
-void Ramp::Process(float* out, int numSamples) {
+void Ramp::Process(float* out, int numSamples) noexcept {
     if (numSamples == 0) return;
     while (remaining > 0) {
         const int count = std::min<int>(remaining, numSamples);
@@ -60,7 +60,7 @@ void Ramp::Process(float* out, int numSamples) {
     std::fill_n(out, numSamples, current);
 }
 
-float Ramp::Advance(unsigned long numSamples) {
+float Ramp::Advance(unsigned long numSamples) noexcept {
     const float value = current;
     if (remaining > 0) {
         const auto count = static_cast<std::int32_t>(std::min(static_cast<unsigned long>(remaining), numSamples));

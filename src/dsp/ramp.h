@@ -28,13 +28,13 @@ struct Ramp {
     /// was to where it will be: the last sample of one block equals the first of the next. A piece of a single sample
     /// (a block of one, or one sample left) is 0 times infinity and comes out as not a number (kept: quirks.md 4);
     /// for gains there is ProcessGain.
-    void Process(float* out, int numSamples);
+    void Process(float* out, int numSamples) noexcept;
 
     /// Moves the ramp forward by a block without writing samples. Real-time safe.
     ///
     /// The end isn't snapped to the target: the value may stop a rounding error beside it.
     /// @return the value at the start of the block, the one to use for all of it
-    float Advance(unsigned long numSamples);
+    float Advance(unsigned long numSamples) noexcept;
 
     /// Rescales the ramp to another sample rate [Hz]. A ramp that has ended runs again, flat, over its rescaled length.
     void SetSamplerate(float newSamplerate);
@@ -54,7 +54,7 @@ private:
 
 /// Process for whoever multiplies by what it writes: a piece of a single sample takes the value at its start. Real-time
 /// safe.
-inline void ProcessGain(Ramp& ramp, float* out, int numSamples) {
+inline void ProcessGain(Ramp& ramp, float* out, int numSamples) noexcept {
     const float start = ramp.current;
     // A call holds at most one piece that is a ramp, and that comes first.
     const bool isSingle = ramp.remaining == 1 || (ramp.remaining > 0 && numSamples == 1);

@@ -97,14 +97,14 @@ void Delay::Process(float** outputs, float** inputs, unsigned long numSamples, s
     if (activeInputs[0] != 0) Process(outputs[0], inputs[0], static_cast<int>(numSamples));
 }
 
-void Delay::Process(float* out, float* in, int count) {
+void Delay::Process(float* out, float* in, int count) noexcept {
     orvandsp::FlushDenormals();
     tapIn(in, count, 0);
     ReadBuiltIn(out, count);
     AdvanceWritePosition(count);
 }
 
-void Delay::tapIn(float* src, int count, int offset) {
+void Delay::tapIn(float* src, int count, int offset) noexcept {
     const int begin = (writePosition + offset) & mask;
     if (src != Ring() + begin) {
         const int first = std::min(count, size - begin);
@@ -121,7 +121,7 @@ void Delay::RefreshGuards() noexcept {
     ring[size + 1] = ring[1];
 }
 
-void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode readMode, float& state) {
+void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode readMode, float& state) noexcept {
     const float position = PositionOf(delaySamples);
     const bool rounds = readMode == nearest || readMode == nearestXfade;
     const interpolation::Position split = interpolation::Split(position);
@@ -159,7 +159,7 @@ std::optional<orvandsp::kernels::GlideJob> Delay::FindBuiltInGlide(float* output
                                        .output = output};
 }
 
-void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode readMode, float& state) {
+void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode readMode, float& state) noexcept {
     if (ramp.remaining <= 0) {
         tapOut(out, static_cast<int>(count), ramp.current, interpolationMode, allpassState);
         return;
@@ -204,7 +204,7 @@ void Delay::CrossfadeRamp(float* out, unsigned int count, Ramp& ramp) noexcept {
     ramp.remaining = remaining;
 }
 
-void Delay::tapOut(float* out, float* delaySamples, int count, InterpolationMode readMode, float& state) {
+void Delay::tapOut(float* out, float* delaySamples, int count, InterpolationMode readMode, float& state) noexcept {
     float* const ring = Ring();
     const auto positionOf = [&](int k) {
         return interpolation::Split(static_cast<float>(writePosition + k) - delaySamples[k]);

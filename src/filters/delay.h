@@ -47,7 +47,7 @@ public:
     /// Writes a block, reads the built-in head and moves on. Real-time safe.
     /// @param out, in  may be the same array
     /// @param count    at most the block size last configured
-    void Process(float* out, float* in, int count);
+    void Process(float* out, float* in, int count) noexcept;
 
     /// Clears the line, and the delay glides to where it was. Like every change of rate or block size it raises the
     /// maximum delay by a further 5 ms; the ring's length, and with it the rounding of the read position, follows.
@@ -61,7 +61,7 @@ public:
 
     /// Writes a block into the ring, `offset` samples ahead of the write position, without moving the latter. Nothing
     /// is copied of a block that was computed where FindCells says. Real-time safe.
-    void tapIn(float* src, int count, int offset);
+    void tapIn(float* src, int count, int offset) noexcept;
 
     /// The cells that tapIn would copy a block to, if they lie in a row; otherwise null. Real-time safe.
     float* FindCells(int count, int offset) noexcept {
@@ -72,16 +72,16 @@ public:
     /// Reads a block at a fixed delay. Real-time safe.
     /// @param delaySamples  [samples], counted back from the write position
     /// @param state         previous output of this head, used by the mode allpass
-    void tapOut(float* out, int count, float delaySamples, InterpolationMode mode, float& state);
+    void tapOut(float* out, int count, float delaySamples, InterpolationMode mode, float& state) noexcept;
 
     /// Reads a block along a ramp of the delay and moves the ramp forward. Once the ramp has ended, the line reads in
     /// its own mode and with its own state, whatever the arguments are: a head with another mode uses it during its
     /// glides only (kept: quirks.md 3). Real-time safe.
-    void tapOut(float* out, unsigned int count, orvandsp::Ramp& ramp, InterpolationMode mode, float& state);
+    void tapOut(float* out, unsigned int count, orvandsp::Ramp& ramp, InterpolationMode mode, float& state) noexcept;
 
     /// Reads a block with a delay for each sample. A delay beyond the ring wraps around. Real-time safe.
     /// @param delaySamples  [samples], `count` values
-    void tapOut(float* out, float* delaySamples, int count, InterpolationMode mode, float& state);
+    void tapOut(float* out, float* delaySamples, int count, InterpolationMode mode, float& state) noexcept;
 
     /// The head that tapOut along this ramp would read with, for kernels, if it stands still in the mode allpass. It
     /// holds until the line changes or moves on. Real-time safe.
@@ -93,7 +93,7 @@ public:
     std::optional<orvandsp::kernels::AllpassHead> FindBuiltInHead() noexcept { return FindAllpassHead(delayRamp); }
     std::optional<orvandsp::kernels::GlideJob> FindBuiltInGlide(float* output) noexcept;
     /// Reads a block with the built-in head, without writing or moving on. Real-time safe.
-    void ReadBuiltIn(float* out, int count) {
+    void ReadBuiltIn(float* out, int count) noexcept {
         tapOut(out, static_cast<unsigned int>(count), delayRamp, interpolationMode, allpassState);
     }
 

@@ -6,7 +6,7 @@ namespace Lume {
 
 namespace kernels = orvandsp::kernels;
 
-void ProcessDelays(std::span<DelayJob const> jobs, int count) {
+void ProcessDelays(std::span<DelayJob const> jobs, int count) noexcept {
     orvandsp::FlushDenormals();
     for (DelayJob const& job : jobs) job.delay->tapIn(job.input, count, 0);
     kernels::HeadJob heads[kernels::maxLanes];

@@ -15,6 +15,6 @@ struct DelayJob {
 
 /// Delays several channels: what Process of each line does. Real-time safe.
 /// @param jobs  at most orvandsp::kernels::maxLanes
-void ProcessDelays(std::span<DelayJob const> jobs, int count);
+void ProcessDelays(std::span<DelayJob const> jobs, int count) noexcept;
 
 }  // namespace Lume

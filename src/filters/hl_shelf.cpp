@@ -130,7 +130,7 @@ bool HLShelf::IsMinimumPhase() const {
     return DurbinStepDownRecursion({taps[b0], taps[b1], taps[b2]});
 }
 
-double HLShelf::LargestMagnitude() const {
+double HLShelf::LargestMagnitude() const noexcept {
     const double poles1 = static_cast<double>(taps[a1]), poles2 = static_cast<double>(taps[a2]);
     // Written as "not inside", so that not a number counts as unstable too.
     if (!(std::abs(poles2) < 1.0 && std::abs(poles1) < 1.0 + poles2)) return std::numeric_limits<double>::infinity();
@@ -152,7 +152,7 @@ double HLShelf::LargestMagnitude() const {
     return std::sqrt(largest);
 }
 
-double HLShelf::LargestNoiseGain() const {
+double HLShelf::LargestNoiseGain() const noexcept {
     const SquaredMagnitude below(1.0, static_cast<double>(taps[a1]), static_cast<double>(taps[a2]));
     double smallest = std::min(below(0.0), below(2.0));
     const double lowest = -0.5 * below.linear / below.square;

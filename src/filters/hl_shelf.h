@@ -44,10 +44,10 @@ public:
     bool IsMinimumPhase() const override;
     /// The largest magnitude over all frequencies, the overall gain left out, of the filter as its taps are rounded:
     /// exact to the last digits, in closed form. Infinite if a pole isn't inside the unit circle. Real-time safe.
-    double LargestMagnitude() const;
+    double LargestMagnitude() const noexcept;
     /// The largest factor over all frequencies by which the recursion brings out what it rounds off: above 1e6 for
     /// poles so near to the unit circle that rounding is heard. For a stable filter. Real-time safe.
-    double LargestNoiseGain() const;
+    double LargestNoiseGain() const noexcept;
     /// The overall gain as it is heard behind the recursion [linear].
     float GetOverallGain() const noexcept { return OutputGain(); }
     /// Copies the six parameters as the last SetAll, SetCoefficients or new sample rate left them: SetParameters

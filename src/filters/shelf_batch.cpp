@@ -4,7 +4,7 @@
 
 namespace Lume {
 
-void FilterShelves(std::span<ShelfJob const> jobs, unsigned long numSamples) {
+void FilterShelves(std::span<ShelfJob const> jobs, unsigned long numSamples) noexcept {
     static_assert(sizeof(ShelfJob) == sizeof(orvandsp::kernels::ShelfJob), "the kernel reads them in a row");
     orvandsp::FlushDenormals();
     orvandsp::kernels::Get().shelves(jobs.data(), jobs.size(), numSamples);

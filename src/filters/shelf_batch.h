@@ -16,6 +16,6 @@ struct ShelfJob : orvandsp::kernels::ShelfJob {
 
 /// Filters several channels: what Process of each shelf does. Real-time safe.
 /// @param jobs  at most orvandsp::kernels::maxLanes
-void FilterShelves(std::span<ShelfJob const> jobs, unsigned long numSamples);
+void FilterShelves(std::span<ShelfJob const> jobs, unsigned long numSamples) noexcept;
 
 }  // namespace Lume

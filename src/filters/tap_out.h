@@ -16,7 +16,9 @@ public:
     explicit TapOut(Delay* source) : line(source) {}
 
     /// Reads a block that the line's owner has written. Real-time safe.
-    void Process(float* out, unsigned int count) { line->tapOut(out, count, delayRamp, interpolationMode, state); }
+    void Process(float* out, unsigned int count) noexcept {
+        line->tapOut(out, count, delayRamp, interpolationMode, state);
+    }
 
     /// The head that Process would read with, if it stands still in the mode allpass.
     std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead() noexcept {
