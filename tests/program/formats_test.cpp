@@ -180,6 +180,7 @@ TEST_F(SoundFields, GoToFumaAndBack) {
     for (std::size_t k = 0; k < 16; ++k) EXPECT_NEAR(Gain(fuma, k, tone), expected[k], 1e-4) << k;
     WriteSound(directory / "fuma.wav", fuma);
     const Sound back = Decoded({"ambix", "--fuma"}, "fuma.wav");
+    EXPECT_EQ(back.samples[0].size(), fuma.samples[0].size());
     Encode({"ambix", "--source", "1", "-60", "10", "1"});
     const Sound ambix = ReadSound(directory / "field.wav");
     for (std::size_t k = 0; k < 16; ++k) EXPECT_NEAR(Gain(back, k, tone), Gain(ambix, k, tone), 1e-4) << k;

@@ -109,7 +109,7 @@ void AddDecodeCommand(CLI::App& app, Call& call) {
     command->add_option("--filters", decode.filters, "A set for the transaural network, .bin2trans or .coll")
         ->type_name("FILE")
         ->take_last();
-    AddFileOptions(*command, decode, words->common, "Time behind the end of the input [0.1]");
+    AddFileOptions(*command, decode, words->common, "Time behind the end of the input [0.1, or 0 for ambix and fuma]");
     command->add_flag("--list", decode.list, "Show the types and what each takes");
     command->add_flag("--matrix", decode.matrix, "Print the ambisonic decoder's gains, condition and regularity");
     command->footer(

@@ -9,7 +9,8 @@ Machine MakeDecodeMachine(DecodeOptions const& options, DecodeSetup& setup, int 
                           std::function<void(std::string const&)> warn) {
     if (const std::string remark = setup.RateRemark(samplerate); !remark.empty()) warn(remark);
 
-    constexpr double usualTailSeconds = 0.1;  // what filters and delays still give when the input has ended
+    // What filters and delays still give when the input has ended.
+    const double usualTailSeconds = setup.EndsWithTheInput() ? 0.0 : 0.1;
     Machine machine;
     machine.vectorSize = std::max(options.vectorSize, setup.blockLength.value_or(0));
     setup.Start(samplerate, static_cast<unsigned int>(machine.vectorSize));

@@ -38,6 +38,9 @@ public:
     /// What to tell of filters that were made for another rate; empty if there is nothing.
     std::string RateRemark(int samplerate) const;
 
+    /// Whether nothing sounds behind the end: a sound field stays one.
+    bool EndsWithTheInput() const { return field == Field::ambix || field == Field::fuma; }
+
     unsigned int NumInputs() const { return numInputs; }
     unsigned int NumOutputs() const { return layout.NumOutputs(); }
 

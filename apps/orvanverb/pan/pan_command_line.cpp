@@ -25,18 +25,18 @@ constexpr char const* footer =
     "Angles are the listener's: azimuth 0 is ahead, +90 right, -90 left; elevation 90 is above. Distances are in\n"
     "metres. Without --source and --scene, sources stand at the built-in places for their number.\n"
     "  orvanverb pan voice.wav -o five.wav --method vbap2d --speakers 5 --source 1 20 0 2\n"
-    "  orvanverb pan voice.wav -o walk.amb.wav --method hoa3d --order 3 --ambix --scene walk.scene\n"
+    "  orvanverb pan voice.wav -o walk.amb.wav --ambix --order 3 --scene walk.scene\n"
     "  orvanverb pan --list";
 
 void TakeMeaning(Words const& words, PanOptions& pan) {
     TakeCommonMeaning(words.common, pan);
     if (pan.list) return;
     pan.AlsoReads("the --nearfield", pan.nearfield);
-    if (pan.method.empty()) throw UsageError("--method: is required; orvanverb pan --list shows them");
-    if (pan.method == "ambix") {
+    if (pan.method == "ambix" || (pan.method.empty() && pan.ambix)) {
         pan.method = "hoa3d";
         pan.ambix = true;
     }
+    if (pan.method.empty()) throw UsageError("--method: is required; orvanverb pan --list shows them");
     if (!words.outputs.empty()) {
         pan.outputs = ParseCount(words.outputs);
         if (!pan.outputs) throw UsageError("--outputs: '" + words.outputs + "' is no count");
@@ -83,7 +83,7 @@ void AddPanCommand(CLI::App& app, Call& call) {
     command->add_option("--sorting", words->sorting, "IncreasingDegrees (ACN) or AlternateDegrees")
         ->type_name("NAME")
         ->take_last();
-    command->add_flag("--ambix", pan.ambix, "For hoa3d: the form that other tools read, ACN, SN3D, x ahead");
+    command->add_flag("--ambix", pan.ambix, "The method hoa3d as other tools read it: ACN, SN3D, x ahead");
     AddPlaces(*command, pan, words->common);
     AddEars(*command, pan);
     command->add_option("--near", pan.nearfield, "A set of near-field compensation filters, for --model nearfield")
