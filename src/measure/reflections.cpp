@@ -17,6 +17,12 @@ double Decibels(double power) {
     return power > 1e-20 ? 10.0 * std::log10(power) : -200.0;
 }
 
+double Energy(std::span<float const> samples) {
+    double sum = 0.0;
+    for (const float value : samples) sum += static_cast<double>(value) * static_cast<double>(value);
+    return sum;
+}
+
 }  // namespace
 
 Echogram MakeEchogram(Channels response, double sampleRate, std::size_t direct, double seconds) {
@@ -32,37 +38,34 @@ Echogram MakeEchogram(Channels response, double sampleRate, std::size_t direct, 
     std::vector<double> power;
     for (std::size_t n = direct - before; n + step <= end; n += step) {
         double sum = 0.0;
-        for (std::span<float const> channel : response)
-            for (const float value : channel.subspan(n, step))
-                sum += static_cast<double>(value) * static_cast<double>(value);
+        for (std::span<float const> channel : response) sum += Energy(channel.subspan(n, step));
         power.push_back(sum);
     }
     const double greatest = power.empty() ? 0.0 : *std::max_element(power.begin(), power.end());
     if (!(greatest > 0.0)) return echogram;
 
-    std::vector<std::pair<double, Reflection>> found;  // how clear it is
     const auto count = static_cast<std::ptrdiff_t>(power.size());
     for (std::ptrdiff_t i = 0; i < count; ++i) {
         const double here = power[static_cast<std::size_t>(i)];
         const double levelDb = Decibels(here / greatest);
         echogram.levels.push_back(static_cast<float>(levelDb));
         const double time = echogram.startSeconds + static_cast<double>(i) * echogram.stepSeconds;
-        const auto begin = [&](std::ptrdiff_t reach) { return power.begin() + std::max<std::ptrdiff_t>(0, i - reach); };
+        const auto start = [&](std::ptrdiff_t reach) { return power.begin() + std::max<std::ptrdiff_t>(0, i - reach); };
         const auto stop = [&](std::ptrdiff_t reach) { return power.begin() + std::min(count, i + reach + 1); };
         if (time < static_cast<double>(nearSteps) * echogram.stepSeconds || here <= 0.0 ||
-            *std::max_element(begin(nearSteps), stop(nearSteps)) > here)
+            *std::max_element(start(nearSteps), stop(nearSteps)) > here)
             continue;
         double around = 0.0;
-        for (auto at = begin(surroundSteps); at != stop(surroundSteps); ++at) around += *at;
-        const auto others = static_cast<double>(stop(surroundSteps) - begin(surroundSteps) - 1);
+        for (auto at = start(surroundSteps); at != stop(surroundSteps); ++at) around += *at;
+        const auto others = static_cast<double>(stop(surroundSteps) - start(surroundSteps) - 1);
         const double clearness = Decibels(here / ((around - here) / others + 1e-9 * greatest));
-        if (clearness >= clearanceDb) found.push_back({clearness, {time, levelDb}});
+        if (clearness < clearanceDb || echogram.reflections.size() == mostReflections) continue;
+        const std::size_t begin = direct - before + static_cast<std::size_t>(i) * step;
+        const auto strongest = std::max_element(response.begin(), response.end(), [&](auto a, auto b) {
+            return Energy(a.subspan(begin, step)) < Energy(b.subspan(begin, step));
+        });
+        echogram.reflections.push_back({time, levelDb, static_cast<std::size_t>(strongest - response.begin())});
     }
-    std::stable_sort(found.begin(), found.end(), [](auto& a, auto& b) { return a.second.levelDb > b.second.levelDb; });
-    if (found.size() > mostReflections) found.resize(mostReflections);
-    for (auto const& entry : found) echogram.reflections.push_back(entry.second);
-    std::sort(echogram.reflections.begin(), echogram.reflections.end(),
-              [](Reflection const& a, Reflection const& b) { return a.seconds < b.seconds; });
     return echogram;
 }
 

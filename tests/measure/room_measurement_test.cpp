@@ -323,11 +323,13 @@ TEST(Echogram, MarksWhatStandsOut) {
     AddNoise(response, 0.001, 1);
     response[1000] = 1.0f;
     response[1000 + 1440] = -0.5f;  // 30 ms, -6 dB
-    const std::vector<std::span<float const>> channels{response};
+    const std::vector<float> other(9600, 0.0f);
+    const std::vector<std::span<float const>> channels{other, response};
     const Echogram echogram = MakeEchogram(channels, sampleRate, 1000, 0.1);
     ASSERT_EQ(echogram.reflections.size(), 1u);
     EXPECT_NEAR(echogram.reflections[0].seconds, 0.03, 0.0003);
     EXPECT_NEAR(echogram.reflections[0].levelDb, -6.02, 0.1);
+    EXPECT_EQ(echogram.reflections[0].channel, 1u);
 }
 
 }  // namespace

@@ -77,6 +77,13 @@ void DrawDecays(std::ostream& out, RoomMeasurement const& measured) {
     out << "\nset key off\nunset yrange\n";
 }
 
+/// Where a reflection is loudest; nothing for the only channel.
+std::string ChannelName(std::size_t channel, std::size_t numChannels) {
+    if (numChannels == 1) return "";
+    if (numChannels == 2) return channel == 0 ? " left" : " right";
+    return " ch " + std::to_string(channel + 1);
+}
+
 void DrawEchoes(std::ostream& out, ResponseFile const& response, RoomMeasurement const& measured) {
     const auto channels = response.Spans();
     constexpr double shownSeconds = 0.15;
@@ -94,9 +101,10 @@ void DrawEchoes(std::ostream& out, ResponseFile const& response, RoomMeasurement
         const bool named = milliseconds >= written + legible;
         if (named) written = milliseconds;
         out << milliseconds << ' ' << echoes.reflections[i].levelDb << " \""
-            << (named ? FixedText(milliseconds, 1) : "") << "\"\n";
+            << (named ? FixedText(milliseconds, 1) + ChannelName(echoes.reflections[i].channel, channels.size()) : "")
+            << "\"\n";
     }
-    out << "EOD\nset title 'First echoes: energy of 0.25 ms; clear reflections with their times in ms'\n"
+    out << "EOD\nset title 'First echoes: energy of 0.25 ms; reflections by ms and channel'\n"
         << "set xlabel 'ms behind the direct sound'\nset ylabel 'dB'\nset xrange [-3:" << 1000.0 * shownSeconds
         << "]\nset yrange [-60:9]\nset ytics -60,10,0\nset label 1 'direct' at -2,6.5 left textcolor rgb '" << ink
         << "' font ',9'\nplot $echoes using 1:(-60):(0):($2+60) with vectors nohead lw 2 lc rgb '#3b528b'";
