@@ -57,7 +57,7 @@ HostedRoom::HostedRoom(std::vector<max::t_atom> words, max::BoxListener newListe
     if (!IsMade()) return;
     Room().Engine().SilenceAirOnRestart(true);
     orvanverb_place_defaults(record, sources, speakers);
-    if (const std::string remark = Room().InternalsRemark(); !remark.empty()) Warn(remark);
+    for (std::string const& remark : remarks->settings.Of(Room(), false)) Warn(remark);
 }
 
 /// The object brings what its box says into range without a word.

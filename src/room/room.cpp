@@ -195,11 +195,33 @@ bool Room::SetRoomLevel(float gainDb) {
     return true;
 }
 
+namespace {
+
+/// Whether a decay time comes out within 5 %: the sound must pass through the room's lines often enough meanwhile, the
+/// more often the longer each pass is. docs/engine.md has it measured.
+bool DecaysAsAsked(unsigned int numInternals, float decaySeconds, float delaySum, float leastDelay) {
+    constexpr unsigned int tooFewToMix = 2;
+    const float pass = std::max(delaySum / static_cast<float>(numInternals), leastDelay);  // of the mean line
+    const float passesNeeded = numInternals < 4 || pass > 0.3f ? 9.0f : 4.0f;
+    // Many lines that are all pressed against the least delay are too alike.
+    const bool alike = numInternals > 8 && leastDelay * static_cast<float>(numInternals) > delaySum;
+    return numInternals > tooFewToMix && !alike && decaySeconds >= passesNeeded * pass;
+}
+
+}  // namespace
+
 std::string Room::InternalsRemark() const {
-    constexpr unsigned int fewest = 4;  // of those that decay as asked: docs/engine.md has them measured
-    if (NumInternals() >= fewest) return {};
-    return "a room of " + std::to_string(NumInternals()) +
-           " internal channels doesn't decay as asked: they are too few to mix; 4 to 16 do";
+    if (engine->IsInfinite()) return {};
+    const float decay = engine->GetReverbParameters().decayTime, sum = engine->GetReverbModalDensity();
+    const float least = 0.001f * std::max(0.0f, engine->GetReverbStart() - engine->GetClusterStart());
+    const auto keepsIt = [&](unsigned int count) { return DecaysAsAsked(count, decay, sum, least); };
+    if (keepsIt(NumInternals())) return {};
+    constexpr unsigned int greatest = 16;
+    unsigned int enough = NumInternals() + 1;
+    while (enough <= greatest && !keepsIt(enough)) ++enough;
+    return "a room of " + std::to_string(NumInternals()) + " internal channels may miss tr0 " + NumberText(decay) +
+           " s by more than 5 % at modaldensity " + NumberText(sum) + "; " +
+           (enough <= greatest ? std::to_string(enough) + " keep it" : "another one keeps it");
 }
 
 CartesianVector Room::Limited(CartesianVector const& p) noexcept {

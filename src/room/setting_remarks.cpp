@@ -38,6 +38,7 @@ std::string WithoutNumbers(std::string text) {
 std::vector<std::string> SettingRemarks::Of(Room const& room, bool speakersMoved) {
     std::vector<std::string> remarks = speakersMoved ? LayoutRemarks(room) : std::vector<std::string>{};
     for (std::string& remark : OrderRemarks(room)) remarks.push_back(std::move(remark));
+    if (std::string remark = room.InternalsRemark(); !remark.empty()) remarks.push_back(std::move(remark));
     // Two of a kind at a time are two faults.
     std::erase_if(remarks, [&](std::string const& remark) { return said.contains(WithoutNumbers(remark)); });
     for (std::string const& remark : remarks) said.insert(WithoutNumbers(remark));

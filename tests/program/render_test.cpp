@@ -261,6 +261,11 @@ TEST_F(Rendering, DryRunsWriteNothingAndQuietOnesOnlyWarn) {
     EXPECT_NE(warned.err.find("3 internal channels"), std::string::npos) << warned.err;
     EXPECT_NE(warned.err.find(" dB at 0."), std::string::npos) << warned.err;
     EXPECT_EQ(std::count(warned.err.begin(), warned.err.end(), '\n'), 2) << warned.err;
+    // The limit by decay, number of channels and density that docs/engine.md has measured.
+    for (auto const& [setting, isKept] : {std::pair{"tr0=0.5", true}, {"tr0=0.4", false}, {"modaldensity=4", false}}) {
+        const RunResult room = RunProgram(Joined(words, {directory / "out.wav", "-qn", "--set", setting}));
+        EXPECT_EQ(room.err.find("8 internal channels may miss") == std::string::npos, isKept) << room.err;
+    }
 }
 
 // Two places in a file were headphones without a word.

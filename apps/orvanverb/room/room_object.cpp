@@ -68,7 +68,6 @@ RoomObject::RoomObject(unsigned int numSources, unsigned int numSpeakers, std::s
     orvanverb_format(nullptr);
     ThrowComplaint();
     Room().Engine().SilenceAirOnRestart(true);
-    if (const std::string remark = Room().InternalsRemark(); !remark.empty()) remarks.push_back("warning: " + remark);
 }
 
 void RoomObject::Hear(max::ConsoleLevel level, std::string const& text) {
