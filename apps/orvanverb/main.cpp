@@ -6,6 +6,7 @@
 #include "orvanverb/command_line.h"
 #include "orvanverb/common/interrupt.h"
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/common/reader_left.h"
 #include "orvanverb/common/standard_streams.h"
 
 int main(int argc, char** argv) {
@@ -17,6 +18,8 @@ int main(int argc, char** argv) {
         const program::Call call = program::ParseCommandLine(argc, argv);
         const int status = call.run ? call.run() : 0;
         return program::FinishStandardOutput() ? status : 1;
+    } catch (program::ReaderLeft const& error) {
+        return error.ExitStatus();
     } catch (program::ProgramError const& error) {
         std::fprintf(stderr, "orvanverb: %s\n", error.what());
         return error.ExitStatus();

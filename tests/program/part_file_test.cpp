@@ -167,6 +167,11 @@ TEST_F(Files, GoThroughPipes) {
     EXPECT_EQ(raw.out.size(), 2 * direct.NumFrames() * sizeof(float));
     ExpectComplaint(RunCommand({"sh", "-c", program + in + " --format wav -o - | cat"}), 0, "can't go through a pipe");
     ExpectComplaint(RunCommand({"sh", "-c", program + in + " -o /dev/full"}), 1, "/dev/full");
+    // A reader that leaves is no failure to speak of, whether it goes before the header or amid the samples.
+    for (char const* reader : {"true", "head -c 1000"}) {
+        const std::string call = program + in + " --quiet --tail 100 -o - | " + reader + " | wc -c";
+        EXPECT_EQ(RunCommand({"timeout", "20", "sh", "-c", call}).err, "") << reader;
+    }
 }
 
 // Red if a command says that all went well when nothing of what it printed arrived.

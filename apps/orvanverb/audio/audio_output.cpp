@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cmath>
 #include <stdexcept>
-#include <system_error>
 
 #include "orvanverb/audio/channel_mask.h"
 #include "orvanverb/audio/vector_channels.h"
@@ -17,8 +16,10 @@ namespace {
 
 constexpr std::size_t pieceFrames = 4096;
 
-std::string SystemMessage() {
-    return std::generic_category().message(errno);
+/// Fails with the system's reason, or with the library's where there is none.
+[[noreturn]] void Fail(PartFile const& part, char const* otherwise) {
+    if (errno != 0) part.FailAsErrno();
+    part.Fail(otherwise);
 }
 
 }  // namespace
@@ -31,8 +32,9 @@ AudioOutput::AudioOutput(std::string const& path, AudioFormat const& newFormat, 
     info.samplerate = samplerate;
     info.channels = static_cast<int>(channels);
     info.format = format.SndfileFormat();
+    errno = 0;
     file.reset(sf_open_fd(dup(part.Descriptor()), SFM_WRITE, &info, SF_TRUE));
-    if (!file) part.Fail(sf_strerror(nullptr));
+    if (!file) Fail(part, sf_strerror(nullptr));
     sf_command(file.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
     // The chunk of peaks has the time of day in it: two renderings are to be the same bytes. WAV has it in any case.
     sf_command(file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
@@ -62,15 +64,14 @@ void AudioOutput::Flush() {
         for (const float sample : interleaved) numClipped += std::abs(sample) > 1.0f ? 1 : 0;
     const auto count = static_cast<sf_count_t>(interleaved.size());
     errno = 0;
-    if (sf_write_float(file.get(), interleaved.data(), count) != count)
-        part.Fail(errno != 0 ? SystemMessage() : sf_strerror(file.get()));
+    if (sf_write_float(file.get(), interleaved.data(), count) != count) Fail(part, sf_strerror(file.get()));
     interleaved.clear();
 }
 
 void AudioOutput::Commit() {
     Flush();
     errno = 0;
-    if (const int error = sf_close(file.release())) part.Fail(errno != 0 ? SystemMessage() : sf_error_number(error));
+    if (const int error = sf_close(file.release())) Fail(part, sf_error_number(error));
     if (format.container == Container::Wav && !part.PartPath().empty()) {
         try {
             SetChannelMask(part.PartPath(), channelMask);

@@ -14,7 +14,7 @@
 namespace program {
 
 std::vector<Line> ReadLines(std::string const& path) {
-    std::ifstream file(path);
+    std::ifstream file(path == "-" ? "/dev/stdin" : path);
     if (!file) throw WorkError(path + ": " + std::generic_category().message(errno));
     if (std::filesystem::is_directory(path)) throw WorkError(path + ": is a directory");
 

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "orvanverb/common/program_error.h"
+#include "orvanverb/common/reader_left.h"
 
 namespace program {
 
@@ -101,6 +102,7 @@ void PartFile::Fail(std::string const& why) const {
 }
 
 void PartFile::FailAsErrno() const {
+    if (errno == EPIPE) throw ReaderLeft(path + ": nobody reads it any more");
     Fail(std::generic_category().message(errno != 0 ? errno : EIO));
 }
 

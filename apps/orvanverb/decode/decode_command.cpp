@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "orvanverb/common/messages.h"
+#include "orvanverb/common/program_error.h"
 #include "orvanverb/decode/decode_machine.h"
 #include "orvanverb/decode/decode_setup.h"
 #include "orvanverb/job/job.h"
@@ -11,6 +12,7 @@ namespace program {
 
 void RunDecode(DecodeOptions const& options) {
     if (options.list) {
+        if (options.json) throw UsageError("--json: is for a rendering, not for tables");
         std::fputs(DecoderList().c_str(), stdout);
         return;
     }

@@ -52,6 +52,14 @@ void RequireSeparateFiles(Options const& options) {
     }
 }
 
+void RequireOneReaderOfStandardInput(Options const& options) {
+    Files files = ReadFiles(options);
+    std::erase_if(files, [](Options::NamedFile const& file) { return file.path != "-"; });
+    if (files.size() > 1)
+        throw UsageError(std::string("-: standard input can't be ") + files[0].role + " and " + files[1].role +
+                         " at once");
+}
+
 }  // namespace
 
 Files OtherReadFiles(Options const& options) {
@@ -73,6 +81,7 @@ Files WrittenFiles(Options const& options) {
 }
 
 void RequireSafeOutputs(Options const& options) {
+    RequireOneReaderOfStandardInput(options);
     RequireSeparateFiles(options);
     std::error_code ignored;
     if (options.force) return;

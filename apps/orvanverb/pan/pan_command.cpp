@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "orvanverb/common/messages.h"
+#include "orvanverb/common/program_error.h"
 #include "orvanverb/job/job.h"
 #include "orvanverb/pan/gain_table.h"
 #include "orvanverb/pan/pan_machine.h"
@@ -27,6 +28,7 @@ void Render(PanOptions const& options) {
 
 void RunPan(PanOptions const& options) {
     if (options.list) {
+        if (options.json) throw UsageError("--json: is for a rendering, not for tables");
         std::fputs(PanMethodList().c_str(), stdout);
         return;
     }

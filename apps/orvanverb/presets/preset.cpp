@@ -102,7 +102,8 @@ std::vector<std::filesystem::path> AllPresets() {
 
 std::string FindPreset(std::string const& word) {
     std::error_code error;
-    if (std::filesystem::exists(word, error) && !std::filesystem::is_directory(word, error)) return word;
+    if (word == "-" || (std::filesystem::exists(word, error) && !std::filesystem::is_directory(word, error)))
+        return word;
     std::vector<std::string> names;
     for (std::filesystem::path const& path : AllPresets()) {
         if (path.stem() == word || path.filename() == word) return path.string();

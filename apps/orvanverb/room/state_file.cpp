@@ -22,7 +22,7 @@ std::filesystem::path FolderOf(std::string const& path) {
 }  // namespace
 
 Lume::RoomState ReadState(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(path == "-" ? "/dev/stdin" : path, std::ios::binary);
     if (!file) throw WorkError(path + ": " + std::generic_category().message(errno));
     if (std::filesystem::is_directory(path)) throw WorkError(path + ": is a directory");
     const std::string text{std::istreambuf_iterator<char>(file), {}};
