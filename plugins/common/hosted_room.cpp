@@ -1,8 +1,10 @@
 #include "common/hosted_room.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <system_error>
 #include <utility>
 
 #include "dsp/floating_point_mode.h"
@@ -11,6 +13,7 @@
 #include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
 #include "object/room_exchange.h"
+#include "room/file_checksum.h"
 #include "room/setting_remarks.h"
 
 namespace plugin {
@@ -113,11 +116,13 @@ Lume::RoomState HostedRoom::NamedState() {
             Warn(error.what());
         }
     }
-    return orvanverb_save_state(record);
+    Lume::RoomState state = orvanverb_save_state(record);
+    if (UsesMeasurements()) state.ears = fitting.Measurements();
+    return state;
 }
 
-void HostedRoom::Warn(std::string const& text) const {
-    if (listener.console) listener.console(max::ConsoleLevel::warn, text);
+void HostedRoom::Tell(max::ConsoleLevel level, std::string const& text) const {
+    if (listener.console) listener.console(level, text);
 }
 
 bool HostedRoom::Send(char const* selector, std::vector<max::t_atom> atoms) {
@@ -157,6 +162,11 @@ void HostedRoom::Restore(std::vector<max::t_atom> state) {
 void HostedRoom::Restore(Lume::RoomState state) {
     if (loadingEars.valid()) loadingEars.wait();
     loadingEars = {};
+    Lume::EarsFile measurements;
+    if (EarsFitting::IsFor(state.ears.path)) measurements = std::exchange(state.ears, Room().CurrentEars());
+    Lume::EarsFile const& known = fitting.Measurements();
+    const bool same = UsesMeasurements() && measurements.path == known.path && measurements.checksum == known.checksum;
+    if (!same) fitting.GiveUp();
     try {
         orvanverb_restore_state(record, state);
     } catch (std::runtime_error const& error) {
@@ -164,9 +174,29 @@ void HostedRoom::Restore(Lume::RoomState state) {
         state.ears = Room().CurrentEars();
         orvanverb_restore_state(record, state);
     }
+    if (!measurements.path.empty() && !same) Fit(measurements);
+}
+
+bool HostedRoom::UsesMeasurements() const {
+    return fitting.IsBusy() || (!fitting.Set().empty() && Room().CurrentEars().path == fitting.Set());
 }
 
 void HostedRoom::LoadEars(std::filesystem::path const& file) {
+    fitting.GiveUp();
+    if (!EarsFitting::IsFor(file)) return LoadSet(file);
+    if (!std::filesystem::exists(file))
+        throw std::runtime_error(file.string() + ": " + std::generic_category().message(ENOENT));
+    Fit({std::filesystem::absolute(file), Lume::FileChecksum(file)});
+}
+
+void HostedRoom::Fit(Lume::EarsFile const& measurements) {
+    if (!Room().HasEars())
+        throw std::runtime_error(measurements.path.string() + ": ears are for headphones, and this room plays " +
+                                 std::to_string(NumOutputs()) + " loudspeakers");
+    fitting.Begin(measurements, sampleRate > 0.0f ? sampleRate : expectedRate);
+}
+
+void HostedRoom::LoadSet(std::filesystem::path const& file) {
     if (sampleRate == 0.0f) return Room().LoadEars(file);
     if (loadingEars.valid()) loadingEars.wait();
     earsFile = file;
@@ -174,6 +204,11 @@ void HostedRoom::LoadEars(std::filesystem::path const& file) {
 }
 
 bool HostedRoom::TakeEars() {
+    const bool fits = fitting.IsBusy();
+    std::optional<std::filesystem::path> set = fitting.Take();
+    for (auto const& [level, text] : fitting.TakeLines()) Tell(level, text);
+    if (set) LoadSet(*set);
+    if (fits && !set) return false;
     if (!loadingEars.valid()) return true;
     if (loadingEars.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return false;
     Lume::Ears ears = loadingEars.get();
@@ -186,6 +221,7 @@ void HostedRoom::Start(float newSampleRate, std::size_t blockSize) {
     if (loadingEars.valid()) loadingEars.wait();
     sampleRate = newSampleRate;
     Room().Configure(sampleRate, blockSize);
+    if (UsesMeasurements() && fitting.Samplerate() != sampleRate) Fit(Lume::EarsFile(fitting.Measurements()));
 }
 
 void HostedRoom::Process(float const* const* inputs, float* const* outputs) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "common/ears_fitting.h"
 #include "patcher/box.h"
 #include "room/ears.h"
 #include "room/room_state.h"
@@ -49,16 +50,19 @@ public:
     /// The state with names, which holds the ears, too.
     Lume::RoomState NamedState();
     /// @throws std::exception for sizes that don't fit: nothing has changed then. Ears that can't be loaded are told,
-    ///         and the present ones stay
+    ///         and the present ones stay. Those that are measurements come later, as by LoadEars
     void Restore(Lume::RoomState state);
 
-    /// Loads ears: at once before the first Start, later beside the host's thread, and they fade in once TakeEars finds
-    /// them.
+    /// Loads ears: a set of filters at once before the first Start, later beside the host's thread, and they fade in
+    /// once TakeEars finds them. Measurements are fitted beside it in every case (EarsFitting).
     /// @throws std::runtime_error as TakeEars
     void LoadEars(std::filesystem::path const& file);
-    /// Hands loaded ears to the room, if there are any. @return false as long as some are being loaded
+    /// Hands loaded ears to the room, if there are any, and tells how far they are. To be called again and again after
+    /// LoadEars, Restore and Start. @return false as long as some are being loaded
     /// @throws std::runtime_error "FILE: FIELD: why" if they can't be used; the present ones stay
     bool TakeEars();
+    /// The rate for which measurements are fitted before the first Start [Hz].
+    void ExpectRate(float newSampleRate) { expectedRate = newSampleRate; }
 
     /// Prepares for audio and silences the room.
     /// @param sampleRate  [Hz]
@@ -84,7 +88,12 @@ private:
 
     Lume::Room& Room() const;
     void RemarkOnRanges(std::vector<max::t_atom> const& words);
-    void Warn(std::string const& text) const;
+    void Tell(max::ConsoleLevel level, std::string const& text) const;
+    void Warn(std::string const& text) const { Tell(max::ConsoleLevel::warn, text); }
+    void LoadSet(std::filesystem::path const& file);
+    void Fit(Lume::EarsFile const& measurements);
+    /// Whether the ears are measurements, or are about to be.
+    bool UsesMeasurements() const;
 
     max::BoxListener listener;
     std::unique_ptr<max::Box> box;
@@ -93,6 +102,8 @@ private:
     std::unique_ptr<Remarks> remarks;
     std::filesystem::path earsFile;  // being loaded
     std::future<Lume::Ears> loadingEars;
+    float expectedRate = 44100.0f;  // [Hz]
+    EarsFitting fitting;
 };
 
 }  // namespace plugin

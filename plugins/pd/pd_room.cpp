@@ -176,9 +176,15 @@ void PdRoom::SetState(std::span<t_atom const> atoms) {
     if (atoms.empty()) return Line(max::ConsoleLevel::error, "setstate: a state is expected behind it, from getstate");
     const std::string text = StateText(atoms);
     if (Lume::RoomState::IsState(text))
-        room.Restore(Lume::RoomState::Parse(text, Folder()));
+        TakeState(Lume::RoomState::Parse(text, Folder()));
     else
         room.Restore(StateFromPd(atoms));
+}
+
+void PdRoom::TakeState(Lume::RoomState const& state) {
+    clock_delay(earsClock, 0.0);
+    room.ExpectRate(sys_getsr());
+    room.Restore(state);
 }
 
 void PdRoom::LoadEars(std::span<t_atom const> atoms) {
@@ -186,6 +192,7 @@ void PdRoom::LoadEars(std::span<t_atom const> atoms) {
         Line(max::ConsoleLevel::error, "hrtf: a file is expected behind it");
         return;
     }
+    room.ExpectRate(sys_getsr());
     room.LoadEars(std::filesystem::path(Folder()) / WordsText(atoms));
     clock_delay(earsClock, 0.0);
 }
@@ -209,6 +216,7 @@ void PdRoom::Dsp(t_signal** signals) {
     const auto blockSize = static_cast<std::size_t>(signals[0]->s_n);
     if (signals[0]->s_sr != room.SampleRate() || blockSize != room.BlockSize() || MissedABlock()) {
         room.Start(signals[0]->s_sr, blockSize);
+        clock_delay(earsClock, 0.0);
         lastBlockTime = clock_getlogicaltime();
     }
     for (float const*& input : inputs) input = (*signals++)->s_vec;

@@ -41,6 +41,7 @@ private:
     PdRoom(t_object* newOwner, BoxWords box);
     void Line(max::ConsoleLevel level, std::string const& text);
     void SetState(std::span<t_atom const> atoms);
+    void TakeState(Lume::RoomState const& state);
     void LoadEars(std::span<t_atom const> atoms);
     void PollEars();
     void Turn(std::span<t_atom const> atoms);

@@ -102,7 +102,7 @@ std::vector<std::string> HelpLines() {
         "  get tr0                  sends a value out of the right outlet",
         "  reset, reset tr0         puts all controls back, or one",
         "  preset hall              takes a room by its name; preset alone lists them",
-        "  hrtf mine.hrtf           other ears for headphones",
+        "  hrtf mine.sofa           other ears for headphones; also .hrtf and .coll",
         "  mute 1, bypass 1, clear  silence; the inputs as they are; empties the room",
         "  getstate, setstate ...   the whole state, out of the right outlet and back",
     };

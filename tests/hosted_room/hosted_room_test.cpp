@@ -1,15 +1,27 @@
 #include "common/hosted_room.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "dsp/floating_point_mode.h"
+#include "hrtf/hrtf.h"
 #include "object/orvanverb.h"
 #include "object/orvanverb_class.h"
+#include "orvanverb/design/set_conversion.h"
+#include "orvanverb/hrtf/sdif_set_writer.h"
 #include "patcher/api.h"
+#include "room/file_checksum.h"
 #include "support/allocation_count.h"
 
 namespace {
@@ -92,4 +104,67 @@ TEST(HostedRoom, LoadsEarsBesideTheAudio) {
     room.LoadEars("/nowhere.hrtf");
     EXPECT_THROW(wait(), std::runtime_error);
     EXPECT_EQ(room.NamedState().Text(), state.Text());
+}
+
+/// Measurements that everybody has, and a user's cache with a set that stands for what was fitted for 48 kHz.
+struct FittedOnce {
+    FittedOnce() {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder / "orvanverb");
+        std::filesystem::copy("/usr/share/libmysofa/MIT_KEMAR_normal_pinna.sofa", sofa);
+        const std::string bytes = program::SdifSetBytes(program::CopySet(Lume::Hrtf::Builtin(96000.0f)), "me");
+        char name[100];
+        std::snprintf(name, sizeof name, "%016" PRIx64 "-48000-" ORVANVERB_VERSION "-%016" PRIx64 ".hrtf",
+                      Lume::FileChecksum(sofa), Lume::Checksum(bytes));
+        std::ofstream(folder / "orvanverb" / name, std::ios::binary) << bytes;
+        setenv("XDG_CACHE_HOME", folder.c_str(), 1);
+    }
+    ~FittedOnce() { std::filesystem::remove_all(folder); }
+
+    std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / ("fitted" + std::to_string(getpid()));
+    std::filesystem::path sofa = folder / "my head.sofa";
+};
+
+// Red if measurements are fitted again each time or for another rate, if a state names what lies in a cache, or if the
+// host has to wait for a fit that nobody wants any more.
+TEST(HostedRoom, FitsMeasurementsBesideTheHost) {
+    const FittedOnce fitted;
+    std::vector<std::string> lines;
+    plugin::HostedRoom room(max::ParseAtoms("@numsources 1 @numspeakers 2"),
+                            {[&](max::ConsoleLevel, std::string const& text) { lines.push_back(text); }, {}, {}});
+    const auto wait = [&] {
+        while (!room.TakeEars()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    };
+    room.ExpectRate(48000.0f);
+    room.LoadEars(fitted.sofa);
+    EXPECT_EQ(room.NamedState().ears.path, fitted.sofa);
+    wait();
+    const Lume::RoomState state = room.NamedState();
+    EXPECT_EQ(state.ears.path, fitted.sofa);
+    room.Start(48000.0f, 64);
+    EXPECT_TRUE(room.TakeEars());
+    room.Restore(state);
+    EXPECT_TRUE(room.TakeEars());
+    EXPECT_EQ(lines, std::vector<std::string>{});
+
+    room.Start(44100.0f, 64);
+    while (lines.empty()) EXPECT_FALSE(room.TakeEars());
+    EXPECT_EQ(lines[0], fitted.sofa.string() + ": fitting 1420 filters for 44100 Hz, which takes a while ...");
+    const auto begin = std::chrono::steady_clock::now();
+    room.LoadEars(ORVAN_SET);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    wait();
+    EXPECT_EQ(room.NamedState().ears.path, ORVAN_SET);
+
+    room.Start(48000.0f, 64);
+    room.Restore(state);
+    wait();
+    EXPECT_EQ(room.NamedState().Text(), state.Text());
+    std::ofstream(fitted.sofa, std::ios::app) << " ";
+    room.LoadEars(ORVAN_SET);
+    wait();
+    room.Restore(state);
+    EXPECT_THROW(wait(), std::runtime_error);
+    EXPECT_EQ(room.NamedState().ears.path, ORVAN_SET);
+    EXPECT_EQ(lines.size(), 1u);
 }

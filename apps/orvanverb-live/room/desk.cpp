@@ -9,7 +9,7 @@
 #include "engine/room_controls.h"
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/text.h"
-#include "orvanverb/hrtf/set_reading.h"
+#include "orvanverb/hrtf/sofa_file.h"
 #include "orvanverb/presets/preset.h"
 #include "orvanverb/room/control.h"
 

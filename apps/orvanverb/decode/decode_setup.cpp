@@ -16,7 +16,7 @@
 #include "orvanverb/common/text.h"
 #include "orvanverb/decode/transaural_filters.h"
 #include "orvanverb/design/transaural_design.h"
-#include "orvanverb/hrtf/ears_cache.h"
+#include "orvanverb/hrtf/ears_options.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/layout/channel_words.h"

@@ -50,10 +50,17 @@ MeasuredSet::Ear const& EarOf(MeasuredSet const& set, std::size_t number) {
 }
 
 /// Levels of all ears on an axis.
-std::vector<Levels> MeasuredLevels(MeasuredSet const& set, std::vector<double> frequencies) {
+/// @param tell  as in ConversionSettings: nothing of the fit is done yet
+std::vector<Levels> MeasuredLevels(MeasuredSet const& set, std::vector<double> frequencies,
+                                   std::function<void(double)> const& tell) {
     for (double& hertz : frequencies) hertz = std::min(hertz, heldFrom * 0.5 * set.samplerate);
     std::vector<Levels> levels(2 * set.directions.size());
+    std::mutex telling;
     ForEachNumber(levels.size(), [&](std::size_t number) {
+        if (tell) {
+            const std::lock_guard lock(telling);
+            tell(0.0);
+        }
         for (Complex const& value : SpectrumAt(EarOf(set, number).response, frequencies, set.samplerate))
             levels[number].push_back(Decibels(std::norm(value)));
     });
@@ -276,10 +283,10 @@ Lume::SdifSet ConvertSet(MeasuredSet const& all, ConversionSettings const& setti
     const ErbAxis axis(settings.samplerate);
     const MeasuredSet measured = Wanted(all, settings);
     const std::vector<Lume::CartesianVector> places = Places(measured);
-    std::vector<Levels> levels = MeasuredLevels(measured, axis.Frequencies());
+    std::vector<Levels> levels = MeasuredLevels(measured, axis.Frequencies(), settings.tell);
     Levels diffuse;
     if (settings.equalise && settings.wanted)
-        diffuse = DiffuseLevel(MeasuredLevels(all, axis.Frequencies()), SphereShares(Places(all)));
+        diffuse = DiffuseLevel(MeasuredLevels(all, axis.Frequencies(), settings.tell), SphereShares(Places(all)));
     else if (settings.equalise)
         diffuse = DiffuseLevel(levels, SphereShares(places));
 

@@ -22,7 +22,7 @@ struct ConversionSettings {
     /// The directions to convert, by their positions, one at least; none: all of them. All count for the mean over the
     /// sphere.
     std::function<bool(Lume::CartesianVector const&)> wanted;
-    /// Told how much of the fit is done, 0 to 1. From any thread, one call at a time.
+    /// Told how much of the fit is done, 0 to 1. From any thread, one call at a time. What it throws ends the fit.
     std::function<void(double part)> tell;
 };
 

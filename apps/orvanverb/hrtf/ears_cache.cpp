@@ -16,7 +16,6 @@
 #include "orvanverb/common/whole_file.h"
 #include "orvanverb/design/set_conversion.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
-#include "orvanverb/hrtf/set_reading.h"
 #include "orvanverb/hrtf/sofa_file.h"
 #include "room/file_checksum.h"
 
@@ -74,31 +73,12 @@ fs::path NewTemporaryFile() {
     return name;
 }
 
-std::string FittedBytes(fs::path const& path, int samplerate, bool quick) {
-    const MeasuredSet measured = ReadSofaFile(path.string());
-    if (quick)
-        Say(path.string() + ": would be fitted for " + std::to_string(samplerate) + " Hz");
-    else
-        Say(path.string() + ": fitting " + std::to_string(2 * measured.directions.size()) + " filters for " +
-            std::to_string(samplerate) + " Hz, which takes a while ...");
-    ProgressLine progress(stderr);
-    ConversionSettings settings;
-    settings.samplerate = samplerate;
-    settings.fir = quick;
-    settings.tell = [&](double part) { progress.ShowPart("fitting", part); };
-    ConversionErrors errors;
-    try {
-        return SdifSetBytes(ConvertSet(measured, settings, errors), "orvanverb " ORVANVERB_VERSION);
-    } catch (std::invalid_argument const& refusal) {
-        throw WorkError(path.string() + ": " + refusal.what());
-    }
-}
-
 }  // namespace
 
-EarsCache::Fitting FittingOf(Options const& options) {
-    using enum EarsCache::Fitting;
-    return options.dryRun ? quick : options.noCache ? anew : kept;
+EarsCache::EarsCache(int newSamplerate, Fitting newFitting, Listener newListener)
+    : samplerate(newSamplerate), fitting(newFitting), listener(std::move(newListener)) {
+    if (!listener.say) listener.say = Say;
+    if (!listener.warn) listener.warn = Warn;
 }
 
 EarsCache::Temporary::~Temporary() {
@@ -139,7 +119,7 @@ fs::path EarsCache::Fit(Lume::EarsFile const& measurements) {
     const fs::path folder = fitting != Fitting::anew ? UserFolder("XDG_CACHE_HOME", ".cache") : fs::path();
     if (!folder.empty())
         if (const std::optional<fs::path> kept = FindKept(folder, name)) return *kept;
-    const std::string bytes = FittedBytes(measurements.path, samplerate, fitting == Fitting::quick);
+    const std::string bytes = FittedBytes(measurements.path);
     if (!folder.empty() && fitting == Fitting::kept) {
         std::error_code error;
         fs::create_directories(folder, error);
@@ -148,12 +128,33 @@ fs::path EarsCache::Fit(Lume::EarsFile const& measurements) {
             WholeFile(file.string()).Write(bytes);
             return file;
         } catch (WorkError const& failure) {  // the set is there all the same
-            Warn(std::string("warning: the fitted set isn't kept: ") + failure.what());
+            listener.warn(std::string("warning: the fitted set isn't kept: ") + failure.what());
         }
     }
     temporary.push_back(std::make_unique<Temporary>(NewTemporaryFile()));
     WholeFile(temporary.back()->path.string()).Write(bytes);
     return temporary.back()->path;
+}
+
+std::string EarsCache::FittedBytes(fs::path const& path) const {
+    const MeasuredSet measured = ReadSofaFile(path.string());
+    const bool quick = fitting == Fitting::quick;
+    const std::string rate = std::to_string(samplerate) + " Hz";
+    listener.say(path.string() + (quick ? ": would be fitted for " + rate
+                                        : ": fitting " + std::to_string(2 * measured.directions.size()) +
+                                              " filters for " + rate + ", which takes a while ..."));
+    std::optional<ProgressLine> progress;
+    if (!listener.tell) progress.emplace(stderr);
+    ConversionSettings settings;
+    settings.samplerate = samplerate;
+    settings.fir = quick;
+    settings.tell = [&](double part) { progress ? progress->ShowPart("fitting", part) : listener.tell(part); };
+    ConversionErrors errors;
+    try {
+        return SdifSetBytes(ConvertSet(measured, settings, errors), "orvanverb " ORVANVERB_VERSION);
+    } catch (std::invalid_argument const& refusal) {
+        throw WorkError(path.string() + ": " + refusal.what());
+    }
 }
 
 }  // namespace program

@@ -1,20 +1,20 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "orvanverb/common/interrupt.h"
-#include "orvanverb/options/options.h"
 #include "room/room_state.h"
 
 namespace program {
 
 /// The sets of filters for headphones that a user names, as the engine reads them, at one sample rate.
 ///
-/// Measurements (SOFA) are fitted for the rate, which takes up to minutes and is told on standard error. The result is
+/// Measurements (SOFA) are fitted for the rate, which takes up to minutes and is told. The result is
 /// kept in $XDG_CACHE_HOME/orvanverb, usually ~/.cache/orvanverb, under the contents of the file, the rate and the
 /// program's version; its own checksum is part of the name too, so that a damaged one is fitted anew.
 class EarsCache {
@@ -26,8 +26,16 @@ public:
         quick,  ///< where nothing is kept they stay as they are: to check them, not to listen
     };
 
+    /// Who hears of the work; for what is empty, standard error does.
+    struct Listener {
+        std::function<void(std::string const&line)> say, warn;
+        /// How much of a fit is done, 0 to 1. From any thread, one call at a time. What it throws ends the fit.
+        std::function<void(double part)> tell;
+    };
+
     /// @param newSamplerate  [Hz]
-    EarsCache(int newSamplerate, Fitting newFitting) : samplerate(newSamplerate), fitting(newFitting) {}
+    EarsCache(int newSamplerate, Fitting newFitting, Listener newListener);
+    EarsCache(int newSamplerate, Fitting newFitting) : EarsCache(newSamplerate, newFitting, Listener()) {}
 
     /// The file to load for one that the user named: itself, unless it holds measurements.
     /// @throws WorkError that names the file
@@ -59,14 +67,13 @@ private:
 
     std::filesystem::path FittedFor(Lume::EarsFile const& measurements);
     std::filesystem::path Fit(Lume::EarsFile const& measurements);
+    std::string FittedBytes(std::filesystem::path const& path) const;
 
     int samplerate;
     Fitting fitting;
+    Listener listener;
     std::vector<Fitted> fitted;
     std::vector<std::unique_ptr<Temporary>> temporary;
 };
-
-/// As options ask for it.
-EarsCache::Fitting FittingOf(Options const& options);
 
 }  // namespace program

@@ -57,10 +57,6 @@ Lume::SdifSet ReadAnySet(std::string const& path, int rate) {
     return set;
 }
 
-bool IsSofa(std::string const& path) {
-    return path.ends_with(".sofa") || path.ends_with(".SOFA");
-}
-
 bool IsBlockLength(unsigned int samples) {
     return samples <= maxBlockLength && std::has_single_bit(samples);
 }

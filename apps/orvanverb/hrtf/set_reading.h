@@ -15,9 +15,6 @@ namespace program {
 /// A set of any kind, as it stands. @param rate  [Hz] the built-in one is that for this rate, or the nearest; 0: 44100
 Lume::SdifSet ReadAnySet(std::string const& path, int rate = 0);
 
-/// Whether a file holds measurements, by its name.
-bool IsSofa(std::string const& path);
-
 /// The longest blocks in which a recursive network runs [samples]. A vector of any rendering is a multiple of it.
 constexpr unsigned int maxBlockLength = 64;
 

@@ -86,6 +86,10 @@ double Delay(MYSOFA_HRTF const& set, unsigned int measurement, unsigned int ear)
 
 }  // namespace
 
+bool IsSofa(std::string const& path) {
+    return path.ends_with(".sofa") || path.ends_with(".SOFA");
+}
+
 MeasuredSet ReadSofaFile(std::string const& path) {
     if (!std::ifstream(path)) throw WorkError(path + ": " + std::generic_category().message(errno));
     int error = MYSOFA_OK;

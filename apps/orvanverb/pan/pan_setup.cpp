@@ -12,7 +12,7 @@
 #include "orvanverb/audio/channel_mask.h"
 #include "orvanverb/audio/vector_channels.h"
 #include "orvanverb/common/program_error.h"
-#include "orvanverb/hrtf/ears_cache.h"
+#include "orvanverb/hrtf/ears_options.h"
 #include "orvanverb/hrtf/engine_loading.h"
 #include "orvanverb/layout/channel_words.h"
 #include "pan/ambisonic/hoa2d_panning.h"

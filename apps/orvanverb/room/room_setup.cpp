@@ -10,6 +10,7 @@
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/hrtf/ears_options.h"
 #include "orvanverb/presets/preset.h"
 #include "orvanverb/room/control.h"
 #include "orvanverb/room/source_motion.h"
