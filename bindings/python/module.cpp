@@ -4,12 +4,17 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cmath>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "dsp/console.h"
@@ -18,6 +23,8 @@
 #include "measure/room_measurement.h"
 #include "orvan/version.h"
 #include "orvanverb/hrtf/ears_cache.h"
+#include "orvanverb/layout/speaker_layout.h"
+#include "orvanverb/measure/figure_columns.h"
 #include "room/control_range.h"
 #include "room/room.h"
 #include "samples.h"
@@ -46,10 +53,15 @@ private:
     std::atomic<bool>& busy;
 };
 
+/// Loudspeaker of the room for each channel that comes out; none for one that stays silent.
+using Order = std::vector<std::optional<std::size_t>>;
+
 class PythonRoom {
 public:
-    PythonRoom(unsigned int sources, unsigned int speakers, unsigned int internals, float newRate)
+    /// @param newOrder  empty: the channels are the loudspeakers
+    PythonRoom(unsigned int sources, unsigned int speakers, unsigned int internals, float newRate, Order newOrder)
         : room(sources, speakers, internals),
+          order(std::move(newOrder)),
           rate(Checked(newRate)),
           ears(static_cast<int>(rate), program::EarsCache::Fitting::kept) {}
 
@@ -71,11 +83,10 @@ public:
         if (!room.PlaceSource(source, Lume::FromAzimuthDistanceElevation(azimuthDeg, distance, elevationDeg)))
             throw py::value_error("a position that is not a number");
     }
-    void PlaceSpeakers(std::vector<std::array<float, 3>> const& places) {
+    void PlaceSpeakers(std::vector<std::array<float, 3>> const& coordinates) {
         const Use use(busy);
         std::vector<Lume::CartesianVector> positions;
-        for (auto const& [azimuthDeg, elevationDeg, distance] : places)
-            positions.push_back(Lume::FromAzimuthDistanceElevation(azimuthDeg, distance, elevationDeg));
+        for (auto const& [x, y, z] : coordinates) positions.push_back({x, y, z});
         if (!room.PlaceSpeakers(positions))
             throw py::value_error("a room with " + std::to_string(room.NumSpeakers()) +
                                   " loudspeakers needs as many places, all of them numbers");
@@ -89,9 +100,17 @@ public:
                                   " sources takes an array of the shape (" + std::to_string(room.NumSources()) +
                                   ", frames), channels first, not " + orvanpython::ShapeText(inputs));
         const auto numFrames = static_cast<std::size_t>(inputs.shape(1));
-        Samples outputs({static_cast<py::ssize_t>(room.NumSpeakers()), inputs.shape(1)});
+        Samples outputs({static_cast<py::ssize_t>(NumOutputs()), inputs.shape(1)});
         std::vector<float const*> in = orvanpython::Channels(inputs);
-        const std::vector<float*> out = orvanpython::MutableChannels(outputs);
+        std::vector<float*> out = orvanpython::MutableChannels(outputs);
+        if (!order.empty()) {
+            const std::vector<float*> channels = std::exchange(out, std::vector<float*>(room.NumSpeakers()));
+            for (std::size_t c = 0; c < channels.size(); ++c)
+                if (order[c])
+                    out[*order[c]] = channels[c];
+                else
+                    std::fill_n(channels[c], numFrames, 0.0f);
+        }
         const py::gil_scoped_release released;
         Begin();
         room.Process(out.data(), in.data(), numFrames);
@@ -123,7 +142,10 @@ public:
         room.RestoreState(state);
     }
 
+    std::size_t NumOutputs() const { return order.empty() ? room.NumSpeakers() : order.size(); }
+
     Lume::Room room;
+    Order order;
 
 private:
     /// With the first sound, and not before: a room that was told everything by then sounds from its first sample on as
@@ -153,6 +175,24 @@ private:
     std::atomic<bool> busy = false;
 };
 
+/// Loudspeakers by the words that the program takes, or by azimuths, elevations [degrees] and distances [m].
+/// @return their coordinates, and what the channels are
+std::pair<std::vector<std::array<float, 3>>, Order> Layout(
+    std::variant<std::string, std::vector<std::array<float, 3>>> const& speakers) {
+    program::SpeakerLayout layout;
+    if (auto const* const text = std::get_if<std::string>(&speakers))
+        layout = program::SpeakerLayout::Parse(*text);
+    else
+        for (auto const& [azimuthDeg, elevationDeg, distance] : std::get<1>(speakers))
+            layout.positions.push_back(Lume::FromAzimuthDistanceElevation(azimuthDeg, distance, elevationDeg));
+    std::vector<std::array<float, 3>> coordinates;
+    for (Lume::CartesianVector const& p : layout.positions) coordinates.push_back({p.x, p.y, p.z});
+    Order order;
+    for (const std::size_t index : layout.fileOrder)
+        order.push_back(index < coordinates.size() ? std::optional(index) : std::nullopt);
+    return {coordinates, order};
+}
+
 py::dict Controls() {
     constexpr char const* groups[] = {"late", "direct", "room", "early", "cluster"};
     constexpr char const* scales[] = {"linear", "logarithmic", "switch"};
@@ -176,25 +216,43 @@ py::object Value(orvanmeasure::Figure const& figure) {
     return figure.IsThere() ? py::object(py::float_(figure.value)) : py::object(py::none());
 }
 
-py::dict Figures(orvanmeasure::BandFigures const& band, bool twoEars) {
-    py::dict figures;
-    figures["edt_s"] = Value(band.edt.seconds);
-    figures["t20_s"] = Value(band.t20.seconds);
-    figures["t30_s"] = Value(band.t30.seconds);
-    figures["t30_correlation"] = band.t30.correlation;
-    figures["c50_db"] = Value(band.c50Db);
-    figures["c80_db"] = Value(band.c80Db);
-    figures["d50"] = Value(band.d50);
-    figures["ts_s"] = Value(band.centreSeconds);
-    if (twoEars) {
-        figures["iacc_early"] = Value(band.iaccEarly);
-        figures["iacc_late"] = Value(band.iaccLate);
-        figures["iacc_all"] = Value(band.iaccAll);
+/// A figure's name in Python, always with its unit: that of Ts is the second, as everywhere here.
+std::string KeyOf(program::FigureColumn const& column) {
+    const std::string key = column.key;
+    if (key == "ts_ms") return "ts_s";
+    return key == "edt" || key == "t20" || key == "t30" ? key + "_s" : key;
+}
+
+py::array_t<float> Curve(std::vector<float> const& values) {
+    return py::array_t<float>(static_cast<py::ssize_t>(values.size()), values.data());
+}
+
+py::dict Figures(orvanmeasure::BandFigures const& band, bool twoEars, bool curves) {
+    py::dict figures, missing, inexact;
+    for (program::FigureColumn const& column : program::FigureColumns()) {
+        if (column.needsEars && !twoEars) continue;
+        const py::str key = KeyOf(column);
+        orvanmeasure::Figure figure = column.get(band);
+        if (std::string_view(column.key) == "ts_ms") figure.value /= 1000.0;
+        figures[key] = Value(figure);
+        if (const std::string why = WhyMissing(figure, band, column.lowerDb); !why.empty()) missing[key] = why;
+        if (const std::string why = column.whyInexact(band); !why.empty()) inexact[key] = why;
     }
+    figures["noise_found"] = band.floor.found;
+    figures["missing"] = missing;
+    figures["inexact"] = inexact;
+    if (curves) figures["curve_db"] = Curve(band.curve);
     return figures;
 }
 
-py::dict Measure(Samples const& response, double rate, bool thirds) {
+py::dict Pair(orvanmeasure::ChannelPair const& pair) {
+    py::dict told;
+    told["channels"] = py::make_tuple(pair.first, pair.second);
+    told["correlation"] = pair.correlation;
+    return told;
+}
+
+py::dict Measure(Samples const& response, double rate, bool thirds, bool curves) {
     if (response.ndim() != 2 || response.shape(0) < 1 || response.shape(1) < 1)
         throw py::value_error("a response has the shape (channels, frames), with at least one of each");
     std::vector<std::span<float const>> channels;
@@ -211,14 +269,33 @@ py::dict Measure(Samples const& response, double rate, bool thirds) {
     }
     const bool twoEars = measured.numChannels == 2;
     py::dict result, bands;
-    for (orvanmeasure::BandFigures const& band : measured.bands) bands[band.band.name.c_str()] = Figures(band, twoEars);
+    py::list neighbours;
+    for (orvanmeasure::BandFigures const& band : measured.bands)
+        bands[band.band.name.c_str()] = Figures(band, twoEars, curves);
+    for (orvanmeasure::ChannelPair const& pair : measured.neighbours) neighbours.append(Pair(pair));
+    const auto optional = [](auto const& from, auto value) -> py::object {
+        if (!from) return py::none();
+        return value(*from);
+    };
     result["bands"] = bands;
-    result["all"] = Figures(measured.whole, twoEars);
+    result["all"] = Figures(measured.whole, twoEars, curves);
     result["t30_mid_s"] = Value(measured.Mid(&orvanmeasure::BandFigures::t30));
     result["edt_mid_s"] = Value(measured.Mid(&orvanmeasure::BandFigures::edt));
+    result["nearly_mixed_s"] = Value(measured.density.nearlyMixed);
     result["mixing_time_s"] = Value(measured.density.mixingTime);
+    result["direct_s"] = optional(
+        measured.direct, [&](auto const& direct) { return py::float_(static_cast<double>(direct.sample) / rate); });
     result["direct_to_rest_db"] =
-        measured.direct ? py::object(py::float_(measured.direct->directToRestDb)) : py::object(py::none());
+        optional(measured.direct, [](auto const& direct) { return py::float_(direct.directToRestDb); });
+    result["neighbours"] = neighbours;
+    result["most_alike"] = optional(measured.mostAlike, Pair);
+    if (curves) {
+        result["curve_step_s"] = orvanmeasure::curveStepSeconds;
+        result["echo_density"] = Curve(measured.density.values);
+        result["echo_density_step_s"] = measured.density.stepSeconds;
+        result["centroid_hz"] = Curve(measured.centroidHz);
+        result["centroid_step_s"] = measured.centroidStepSeconds;
+    }
     return result;
 }
 
@@ -230,7 +307,7 @@ PYBIND11_MODULE(_orvanverb, m) {
     orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const&) {});  // exceptions say it
     orvanpython::AddProgram(m);
     py::class_<PythonRoom>(m, "Room")
-        .def(py::init<unsigned int, unsigned int, unsigned int, float>())
+        .def(py::init<unsigned int, unsigned int, unsigned int, float, Order>())
         .def("set", &PythonRoom::Set)
         .def("get", &PythonRoom::Get)
         .def("place", &PythonRoom::Place)
@@ -243,9 +320,12 @@ PYBIND11_MODULE(_orvanverb, m) {
         .def_property_readonly("latency", [](PythonRoom const& r) { return r.room.Latency(); })
         .def_property_readonly("num_sources", [](PythonRoom const& r) { return r.room.NumSources(); })
         .def_property_readonly("num_speakers", [](PythonRoom const& r) { return r.room.NumSpeakers(); })
+        .def_property_readonly("num_outputs", &PythonRoom::NumOutputs)
+        .def_readonly("order", &PythonRoom::order)
         .def_property_readonly("num_internals", [](PythonRoom const& r) { return r.room.NumInternals(); })
         .def_property_readonly("bad_inputs", [](PythonRoom const& r) { return r.room.NumBadInputs(); })
         .def_property_readonly("bad_outputs", [](PythonRoom const& r) { return r.room.NumBadOutputs(); });
+    m.def("layout", Layout);
     m.def("controls", Controls);
     m.def("measure", Measure);
 }

@@ -18,12 +18,13 @@ one thread at a time, and says so otherwise; rooms on several threads run at onc
 from __future__ import annotations
 
 import json
+import os
 from typing import Any, Iterable, Mapping, Sequence
 
 import numpy
 
 from . import _orvanverb
-from ._formats import convert_hrtf, decode, decoders, pan, pan_methods, places
+from ._formats import convert_hrtf, decode, decoders, in_pythons_words, pan, pan_methods, places, require_file
 
 __version__: str = _orvanverb.__version__
 
@@ -103,8 +104,9 @@ class Room:
     """A room with sources and loudspeakers in it.
 
     :param sources: how many, 1 to 64
-    :param speakers: "headphones", a number from 3 to 64 (a ring), or their places: azimuths in degrees, or rows of
-        azimuth, elevation [degrees] and distance [m]
+    :param speakers: "headphones"; a number from 3 to 64 (a ring), the name of a layout as "7.1.4", or a file of places,
+        with the channels in the order that `orvanverb render` gives them, silent ones included; or their places:
+        azimuths in degrees, or rows of azimuth, elevation [degrees] and distance [m]
     :param rate: samples a second
     :param internals: channels of the room, 2 to 16; more are denser
     """
@@ -113,22 +115,26 @@ class Room:
 
     def __init__(self, sources: int = 1, speakers: int | str | Iterable[Any] = "headphones", rate: float = 48000,
                  internals: int = 8) -> None:
-        rows = None
-        if isinstance(speakers, str):
+        coordinates: list[Any] = []
+        order: list[int | None] = []
+        if str(speakers).isdigit() and not 3 <= int(str(speakers)) <= 64:
+            raise ValueError(f"speakers: {speakers} is not from 3 to 64; two ears are 'headphones'")
+        if isinstance(speakers, (str, os.PathLike, int, numpy.integer)):
             if speakers != "headphones":
-                raise ValueError(f"speakers: '{speakers}' is no number, no list of places and not 'headphones'")
-            number = 2
-        elif isinstance(speakers, (int, numpy.integer)):
-            number = int(speakers)
-            if not 3 <= number <= 64:
-                raise ValueError(f"speakers: {number} is not from 3 to 64; two ears are 'headphones'")
+                coordinates, order = in_pythons_words(lambda: _orvanverb.layout(str(speakers)))
+        elif isinstance(speakers, Iterable):
+            coordinates, _ = _orvanverb.layout(places(speakers, "speakers"))
         else:
-            rows = places(speakers, "speakers")
-            number = len(rows)
+            raise ValueError(f"speakers: {speakers!r} is no number, no layout, no list of places and not 'headphones'")
+        if speakers != "headphones" and not 3 <= len(coordinates) <= 64:
+            raise ValueError(f"speakers: {speakers!r}: loudspeakers are 3 to 64; two ears are 'headphones'")
         self._rate = float(rate)
-        object.__setattr__(self, "_room", _orvanverb.Room(sources, number, internals, rate))
-        if rows is not None:
-            self._room.place_speakers(rows)
+        object.__setattr__(self, "_room", _orvanverb.Room(sources, len(coordinates) or 2, internals, rate, order))
+        if coordinates:
+            self._room.place_speakers(coordinates)
+        self._add_groups()
+
+    def _add_groups(self) -> None:
         self.direct = _Direct(self._room)
         self.room = _Shelf(self._room)
         self.early = _Early(self._room)
@@ -150,7 +156,7 @@ class Room:
     @property
     def outputs(self) -> int:
         """How many channels come out: loudspeakers, or the left and the right ear."""
-        return self._room.num_speakers
+        return self._room.num_outputs
 
     @property
     def internals(self) -> int:
@@ -180,7 +186,8 @@ class Room:
     def load_ears(self, path: str) -> None:
         """Takes ears of your own for headphones: a .hrtf or .coll file, or measurements (.sofa), which are fitted once
         for each rate."""
-        self._room.load_ears(str(path))
+        require_file(path)
+        in_pythons_words(lambda: self._room.load_ears(str(path)))
 
     # Sound
 
@@ -225,6 +232,8 @@ class Room:
         """From each source to each output: (sources, outputs, frames), by default as long as the decay time and a
         half."""
         longest = max(1.0, self["trl"], self["trm"], self["trh"])
+        if seconds is not None and not seconds > 0:
+            raise ValueError(f"seconds: {seconds} is not above 0")
         length = int(round((1.5 * self["tr0"] * longest if seconds is None else seconds) * self._rate))
         responses = numpy.zeros((self.sources, self.outputs, length), numpy.float32)
         for source in range(self.sources):
@@ -235,7 +244,8 @@ class Room:
 
     def _fresh(self) -> Any:
         """The same room at rest."""
-        other = _orvanverb.Room(self.sources, self.outputs, self.internals, self._rate)
+        room = self._room
+        other = _orvanverb.Room(room.num_sources, room.num_speakers, room.num_internals, self._rate, room.order)
         other.restore(self._room.state())
         return other
 
@@ -252,7 +262,11 @@ class Room:
         return state
 
     @state.setter
-    def state(self, state: Mapping[str, Any]) -> None:
+    def state(self, state: Mapping[str, Any] | str) -> None:
+        if isinstance(state, str):  # of to_json
+            state = json.loads(state)
+        if not isinstance(state, Mapping):
+            raise ValueError(f"state: a dictionary of names and values, or that as JSON, is expected, not {state!r}")
         lines = ["orvanverb-state 1"]
         for name, value in state.items():
             values = value if isinstance(value, (list, tuple)) else [value]
@@ -264,15 +278,19 @@ class Room:
         return json.dumps(self.state)
 
     def __getstate__(self) -> dict[str, Any]:
-        return {"rate": self._rate, "shape": (self.sources, self.outputs, self.internals), "text": self._room.state()}
+        room = self._room
+        return {"rate": self._rate, "shape": (room.num_sources, room.num_speakers, room.num_internals),
+                "order": room.order, "text": room.state()}
 
     def __setstate__(self, saved: Mapping[str, Any]) -> None:
-        sources, outputs, internals = saved["shape"]
-        self.__init__(sources, "headphones" if outputs == 2 else outputs, saved["rate"], internals)  # type: ignore
+        self._rate = saved["rate"]
+        object.__setattr__(self, "_room", _orvanverb.Room(*saved["shape"], self._rate, saved["order"]))
         self._room.restore(saved["text"])
+        self._add_groups()
 
     def __repr__(self) -> str:
-        where = "headphones" if self.outputs == 2 else f"{self.outputs} loudspeakers"
+        number = self._room.num_speakers
+        where = "headphones" if number == 2 else f"{number} loudspeakers"
         return (f"<orvanverb.Room: {self.sources} source{'s' if self.sources > 1 else ''} to {where}, "
                 f"{self._rate:g} Hz, decay {self['tr0']:.3g} s>")
 
@@ -332,15 +350,18 @@ def _until_it_has_died_away(room: Any, x: numpy.ndarray, rate: float) -> numpy.n
         ahead[:] = 0
 
 
-def measure(response: Any, rate: float, bands: str = "octave") -> dict[str, Any]:
+def measure(response: Any, rate: float, bands: str = "octave", curves: bool = False) -> dict[str, Any]:
     """Measures an impulse response after ISO 3382-1: decay times, energy ratios, correlation of two ears.
 
     :param response: (channels, frames) or (frames,)
     :param bands: "octave" or "third"
-    :return: {"all": figures, "bands": {"125": figures, ...}, "t30_mid_s": ..., ...}; None is what can't be told
+    :param curves: with the decay curves, the echo density and the spectrum's centroid over time, as arrays
+    :return: {"all": figures, "bands": {"125": figures, ...}, "t30_mid_s": ..., ...}; None is what can't be told. The
+        figures' "missing" says why, and "inexact" why one may be off by more than 1 % or 0.1 dB
     """
     if bands not in ("octave", "third"):
         raise ValueError(f"bands: '{bands}' is neither 'octave' nor 'third'")
     if not rate > 0:
         raise ValueError(f"rate: {rate} is not above 0")
-    return _orvanverb.measure(numpy.atleast_2d(numpy.asarray(response, numpy.float32)), rate, bands == "third")
+    return _orvanverb.measure(numpy.atleast_2d(numpy.asarray(response, numpy.float32)), rate, bands == "third",
+                              curves)

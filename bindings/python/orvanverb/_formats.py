@@ -36,7 +36,7 @@ def _recording(x: ArrayLike) -> NDArray[numpy.float32]:
     return samples
 
 
-def _in_pythons_words(work: Callable[[], Any]) -> Any:
+def in_pythons_words(work: Callable[[], Any]) -> Any:
     """The program names its options in what it says: here they are keywords."""
     try:
         return work()
@@ -49,6 +49,11 @@ def _keywords(text: str) -> str:
     return re.sub(r"--([a-z]+(?:-[a-z]+)*)", lambda found: found[1].replace("-", "_"), text)
 
 
+def require_file(path: Path) -> None:
+    if not os.path.exists(path):
+        raise FileNotFoundError(errno.ENOENT, os.strerror(errno.ENOENT), os.fspath(path))
+
+
 def _number(value: Any) -> Any:
     return value if value is None else str(value)
 
@@ -57,8 +62,8 @@ def _played(call: Callable[..., Any], x: ArrayLike, rate: int, sources: Any, ori
             convention: Any, sorting: Any, speakers: Any, hrtf: Any, scene: Any, tail: Any, ambix: bool,
             files: Sequence[Any], words: dict[str, Any]) -> NDArray[numpy.float32]:
     for path in (hrtf, scene, *files):
-        if path is not None and not os.path.exists(path):
-            raise FileNotFoundError(errno.ENOENT, os.strerror(errno.ENOENT), os.fspath(path))
+        if path is not None:
+            require_file(path)
     with tempfile.NamedTemporaryFile("w", suffix=".txt") as layout:  # the program reads a list of places from a file
         if speakers is not None and not isinstance(speakers, (str, int, numpy.integer)):
             layout.writelines(f"{a!r} {e!r} {d!r}\n" for a, e, d in places(speakers, "speakers"))
@@ -73,7 +78,7 @@ def _played(call: Callable[..., Any], x: ArrayLike, rate: int, sources: Any, ori
                 hrtf=_number(hrtf), scene=_number(scene), tail=_number(tail), ambix=ambix)
             return call(_recording(x), common, **words)
 
-        played, remarks = _in_pythons_words(work)
+        played, remarks = in_pythons_words(work)
     for remark in remarks:
         warnings.warn(remark, stacklevel=3)
     return played
@@ -205,13 +210,13 @@ def convert_hrtf(source: Path, target: Path, rate: int | None = None, *, fir: bo
     :param equalise: take out the diffuse field; none: for measurements
     :param force: replace a file that is there
     """
-    if source != "kemar" and not os.path.exists(source):
-        raise FileNotFoundError(errno.ENOENT, os.strerror(errno.ENOENT), os.fspath(source))
+    if source != "kemar":
+        require_file(source)
     if os.path.exists(target) and not force:
         raise FileExistsError(errno.EEXIST, os.strerror(errno.EEXIST), os.fspath(target))
     if length is not None and not (fir and 16 <= length <= 65536):
         raise ValueError(f"length: {length} is not from 16 to 65536 samples, or fir is not set")
     if rate is not None and not 8000 <= rate <= 384000:
         raise ValueError(f"rate: {rate} is not from 8000 to 384000 Hz")
-    _in_pythons_words(lambda: _orvanverb.convert_hrtf(os.fspath(source), os.fspath(target), rate, fir, length,
+    in_pythons_words(lambda: _orvanverb.convert_hrtf(os.fspath(source), os.fspath(target), rate, fir, length,
                                                       equalise))

@@ -2,7 +2,7 @@
 
     python3 -m orvanverb.batch rooms.csv --out DIRECTORY [--format npz|wav|zarr] [--scheduler tcp://...] [--workers N]
 
-Each row of the table is a room: any control of `orvanverb.controls()`, and `id`, `speakers` ("headphones", a number),
+Each row of the table is a room: any control of `orvanverb.controls()`, and `id`, `speakers` ("headphones", a number, a layout as 7.1.4),
 `rate`, `internals`, `azimuth`, `elevation`, `distance`, `seconds`. What a row leaves out has its standard. A room gives
 one NPZ file with the response (outputs, frames), the rate and the figures of `orvanverb.measure`; or a WAV file of
 32-bit float and the figures beside it as JSON; or an array, with the figures as its attributes, in the Zarr group that
@@ -77,6 +77,8 @@ def read_table(path: str | os.PathLike[str]) -> list[dict[str, Any]]:
             if name not in known and name not in _OWN:
                 raise ValueError(f"{path}: '{name}' is no control of a room, and none of {', '.join(_OWN)}")
             try:
+                if name == "speakers" and isinstance(value, float):
+                    value = int(value)  # as columns with gaps have whole numbers
                 room[name] = str(value) if name in ("id", "speakers") else float(value)
             except ValueError:
                 raise ValueError(f"{path}:{number}: {name}: '{value}' is no number") from None
@@ -94,11 +96,8 @@ def read_table(path: str | os.PathLike[str]) -> list[dict[str, Any]]:
 
 def make_response(room: Mapping[str, Any]) -> tuple[numpy.ndarray, dict[str, Any]]:
     """The response of a described room (outputs, frames), and its labels."""
-    speakers: Any = room.get("speakers", "headphones")
-    if speakers != "headphones":
-        speakers = int(float(speakers))
     rate = float(room.get("rate", 48000))
-    made = Room(1, speakers, rate, int(room.get("internals", 8)))
+    made = Room(1, room.get("speakers", "headphones"), rate, int(room.get("internals", 8)))
     for name in controls():
         if name in room:
             made[name] = room[name]
