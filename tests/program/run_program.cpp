@@ -49,6 +49,8 @@ RunResult RunCommand(std::vector<std::string> const& words, std::string const& b
     result.out = ReadText(directory / "out");
     result.err = ReadText(directory / "err");
     result.peakMemoryKb = usage.ru_maxrss;
+    for (timeval const& time : {usage.ru_utime, usage.ru_stime})
+        result.processorSeconds += static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
     return result;
 }
 

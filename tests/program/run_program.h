@@ -8,6 +8,7 @@ struct RunResult {
     int status = -1;       // exit status
     std::string out, err;  // standard output and standard error
     long peakMemoryKb = 0;
+    double processorSeconds = 0.0;
 };
 
 /// Runs a command, whose first word is its program.

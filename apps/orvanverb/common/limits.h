@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 namespace program {
 
 // What the room offers and what the program accepts.
@@ -7,6 +9,11 @@ constexpr unsigned int maxSources = 64;
 constexpr unsigned int minSpeakers = 2;
 constexpr unsigned int maxSpeakers = 64;
 constexpr char const* defaultSpeakers = "2";
+
+// Lines of a preset: many times the number of all controls, each of which costs a design of filters.
+constexpr std::size_t mostSettings = 1000;
+constexpr char const* tooManySettings = "is no preset: it has more than 1000 lines";
+
 constexpr int minRate = 8000;    // [Hz]
 constexpr int maxRate = 384000;  // [Hz]
 

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "engine/room_controls.h"
+#include "orvanverb/common/limits.h"
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
@@ -17,6 +18,7 @@ namespace program {
 namespace {
 
 constexpr char const* ending = ".room";
+constexpr std::size_t longestTitle = 1000;
 constexpr char const* measuredWord = "measured:";
 
 std::vector<std::filesystem::path> Folders() {
@@ -43,8 +45,11 @@ Preset ReadPreset(std::filesystem::path const& path) {
     Preset preset;
     preset.name = path.stem().string();
     preset.path = path;
-    for (Line const& line : ReadLines(path.string()))
+    ForEachLine(path.string(), [&preset](Line const& line) {
+        if (preset.settings.size() == mostSettings)
+            throw WorkError(At(preset.path.string(), line.number) + tooManySettings);
         preset.settings.push_back({line.words.front(), {line.words.begin() + 1, line.words.end()}});
+    });
     std::ifstream file(path);
     bool inTitle = true;
     for (std::string line; std::getline(file, line);) {
@@ -56,10 +61,9 @@ Preset ReadPreset(std::filesystem::path const& path) {
         if (words.starts_with(measuredWord)) preset.measured = words.substr(std::string(measuredWord).size());
         if (!inTitle) continue;
         preset.title.append(preset.title.empty() ? "" : " ").append(words);
-        if (const std::size_t end = preset.title.find(". "); end != std::string::npos) {
-            preset.title.resize(end);
-            inTitle = false;
-        }
+        const std::size_t end = preset.title.find(". ");
+        inTitle = end == std::string::npos && preset.title.size() < longestTitle;
+        preset.title.resize(std::min({preset.title.size(), end, longestTitle}));
     }
     return preset;
 }

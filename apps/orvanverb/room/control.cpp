@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "engine/room_controls.h"
+#include "orvanverb/common/limits.h"
 #include "orvanverb/common/line_file.h"
 #include "orvanverb/common/text.h"
 #include "room/control_range.h"
@@ -90,6 +91,7 @@ std::vector<Options::Setting> LoadPreset(std::string const& path) {
     std::vector<Options::Setting> settings;
     ReadLineFile(path, [&settings](std::span<std::string const> words) {
         CheckControl(words[0], words.subspan(1));
+        if (settings.size() == mostSettings) throw std::invalid_argument(tooManySettings);
         settings.push_back({words[0], {words.begin() + 1, words.end()}});
     });
     return settings;

@@ -38,6 +38,8 @@ double RequireTime(std::string const& word) {
     if (!seconds)
         throw std::invalid_argument("'" + word + "' is no time: seconds or m:s are expected, or two with .. between");
     if (*seconds < 0.0) throw std::invalid_argument("a time of 0 or more is expected, not " + word);
+    // Thirty years: what counts samples or steps on the way to it stays within its numbers.
+    if (*seconds > 1e9) throw std::invalid_argument("a time of 1e9 s or less is expected, not " + word);
     return *seconds;
 }
 
@@ -53,24 +55,29 @@ double RequireNumber(std::vector<std::string> const& words, std::size_t index) {
 
 }  // namespace
 
-std::string Scene::Event::Message(double at) const {
-    std::vector<std::string> text = words;
-    for (auto const& [word, from, to] : glides)
-        text[word] = NumberText(static_cast<float>(from + (to - from) * (at - seconds) / (end - seconds)));
-    return JoinWords(text);
+std::string Scene::Message(Event const& event, double at) const {
+    std::string message = messages.substr(event.message, event.length);
+    if (event.numGlides == 0) return message;
+    std::vector<std::string> words = SplitWords(message);
+    for (std::size_t i = 0; i < event.numGlides; ++i) {
+        auto const& [word, from, to] = glides[event.firstGlide + i];
+        words[word] =
+            NumberText(static_cast<float>(from + (to - from) * (at - event.seconds) / (event.end - event.seconds)));
+    }
+    return JoinWords(words);
 }
 
 Scene::Scene(std::string const& newPath, std::vector<Remark>* faults)
     : path(newPath), folder(std::filesystem::path(newPath).parent_path()) {
-    for (Line& line : ReadLines(path)) {
+    ForEachLine(path, [&](Line&& line) {
         const int number = line.number;
         try {
             Add(std::move(line));
         } catch (std::invalid_argument const& error) {
             if (faults == nullptr) throw WorkError(At(path, number) + error.what());
-            faults->push_back({number, At(path, number) + error.what()});
+            if (faults->size() < mostRemarks) faults->push_back({number, At(path, number) + error.what()});
         }
-    }
+    });
 }
 
 void Scene::Add(Line line) {
@@ -88,21 +95,26 @@ void Scene::Add(Line line) {
         words.erase(words.begin());
         if (words.empty()) throw std::invalid_argument("a message is expected behind the time");
     }
+    event.firstGlide = static_cast<std::uint32_t>(glides.size());
     for (auto arrow = std::find_if(words.begin(), words.end(), IsArrow); arrow != words.end();
          arrow = std::find_if(arrow, words.end(), IsArrow)) {
         const auto index = static_cast<std::size_t>(arrow - words.begin());
         const double from = RequireNumber(words, index - 1);  // before the first word there is none, either
         double to = RequireNumber(words, index + 1);
         if (*arrow == "~>") to = from + std::remainder(to - from, 360.0);
-        event.glides.push_back({index - 1, from, to});
+        glides.push_back({index - 1, from, to});
+        ++event.numGlides;
         arrow = words.erase(arrow, arrow + 2);
     }
-    if (event.glides.empty() == (event.end > event.seconds))
-        throw std::invalid_argument(event.glides.empty() ? "between two times there must be a movement, as in 0 -> 90"
+    if ((event.numGlides == 0) == (event.end > event.seconds))
+        throw std::invalid_argument(event.numGlides == 0 ? "between two times there must be a movement, as in 0 -> 90"
                                                          : "a movement needs two times, as in 0..16");
-    event.words = std::move(words);
-    if (hasTime) queue.push({event.seconds, timed.size(), 0});
-    (hasTime ? timed : start).push_back(std::move(event));
+    const std::string message = JoinWords(words);
+    event.message = messages.size();
+    event.length = static_cast<std::uint32_t>(message.size());
+    messages += message;
+    if (hasTime) queue.push({event.seconds, static_cast<std::uint32_t>(timed.size()), 0});
+    (hasTime ? timed : start).push_back(event);
 }
 
 std::vector<Scene::Remark> Scene::Try(Listener const& listener) const {
@@ -117,15 +129,17 @@ std::vector<Scene::Remark> Scene::Try(Listener const& listener) const {
         }
     };
     for (auto const* const events : {&start, &timed})
-        for (Event const& event : *events)
+        for (Event const& event : *events) {
+            if (remarks.size() >= mostRemarks) return remarks;
             if (hear(event, event.seconds) && event.end > event.seconds) hear(event, event.end);
+        }
     return remarks;
 }
 
 std::vector<std::string> Scene::Tell(Listener const& listener, Event const& event, double at) const {
     std::vector<std::string> lines;
     try {
-        for (std::string const& line : listener(event.Message(at), folder))
+        for (std::string const& line : listener(Message(event, at), folder))
             lines.push_back(At(path, event.line) + line);
     } catch (std::invalid_argument const& error) {
         throw WorkError(At(path, event.line) + error.what());
@@ -166,7 +180,7 @@ std::vector<std::string> Scene::PlayNext(Listener const& listener) {
     return Tell(listener, event, due.seconds);
 }
 
-std::vector<std::string> Scene::Play(Listener const& listener, int samplerate, std::uint64_t beforeFrame) {
+std::vector<std::string> Scene::Play(Listener const& listener, double samplerate, std::uint64_t beforeFrame) {
     std::vector<std::string> lines;
     while (!queue.empty() && std::llround(queue.top().seconds * samplerate) < static_cast<long long>(beforeFrame)) {
         try {
@@ -178,12 +192,20 @@ std::vector<std::string> Scene::Play(Listener const& listener, int samplerate, s
     return lines;
 }
 
+std::size_t Scene::NumMovements() const {
+    return static_cast<std::size_t>(
+        std::count_if(timed.begin(), timed.end(), [](Event const& event) { return event.numGlides > 0; }));
+}
+
 unsigned int Scene::HighestSource() const {
     unsigned int highest = 0;
     for (auto const* const events : {&start, &timed})
-        for (Event const& event : *events)
-            if (event.words.size() > 1 && event.words[0] == "source")
-                highest = std::max(highest, ParseCount(event.words[1]).value_or(0));
+        for (Event const& event : *events) {
+            const std::string_view message = std::string_view(messages).substr(event.message, event.length);
+            if (!message.starts_with("source ")) continue;
+            const std::string_view number = message.substr(std::string_view("source ").size());
+            highest = std::max(highest, ParseCount(number.substr(0, number.find(' '))).value_or(0));
+        }
     return highest;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -25,9 +27,6 @@ namespace program {
 ///     20..24 source 1 azim 170 ~> -170  the same for an angle, by the shorter way around the circle: over 180
 class Scene {
 public:
-    /// Time from one message of a movement to the next [s].
-    static constexpr double stepSeconds = 0.02;
-
     /// Whoever the messages are for. Throws std::invalid_argument for one that is wrong.
     /// @param folder  of the scene
     /// @return lines to be shown
@@ -47,8 +46,10 @@ public:
     explicit Scene(std::string const& newPath, std::vector<Remark>* faults = nullptr);
 
     /// Tells everything in one go, of movements both ends, and goes on after complaints.
-    /// @return all that the listener had to say, complaints or not
+    /// @return what the listener had to say, complaints or not, until that is more than anybody reads
     std::vector<Remark> Try(Listener const& listener) const;
+    /// As many lines are shown; a file of nothing else would make many times its size of them.
+    static constexpr std::size_t mostRemarks = 1000;
 
     /// Tells what has no time.
     /// @return lines to be shown
@@ -63,7 +64,11 @@ public:
     /// end a performance.
     /// @param samplerate  [Hz]
     /// @return lines to be shown
-    std::vector<std::string> Play(Listener const& listener, int samplerate, std::uint64_t beforeFrame);
+    std::vector<std::string> Play(Listener const& listener, double samplerate, std::uint64_t beforeFrame);
+
+    /// Makes the time from one message of a movement to the next longer than the usual 20 ms [s], for those who look at
+    /// a scene and don't play it.
+    void Coarsen(double seconds) { stepSeconds = std::max(stepSeconds, seconds); }
 
     /// When the next of what has a time and wasn't told yet is due [s]; nothing behind the last one.
     std::optional<double> NextSeconds() const;
@@ -76,6 +81,8 @@ public:
     std::string PendingRemark() const;
     /// Lines with a time.
     std::size_t NumTimed() const noexcept { return timed.size(); }
+    /// Those in which something moves, and that have more than one message.
+    std::size_t NumMovements() const;
     /// The greatest number of a source that a message "source" names; 0 if there is none.
     unsigned int HighestSource() const;
     /// When the last of them has happened [s].
@@ -88,19 +95,19 @@ private:
         double from, to;
     };
 
+    /// Small: scenes that were recorded have millions.
     struct Event {
         double seconds = 0.0, end = 0.0;  // the same unless something moves
+        std::size_t message = 0;          // where it begins among the messages
+        std::uint32_t length = 0;
+        std::uint32_t firstGlide = 0, numGlides = 0;
         int line = 0;
-        std::vector<std::string> words = {};
-        std::vector<Glide> glides = {};
-
-        std::string Message(double at) const;
     };
 
     /// When an event is to be told next.
     struct Due {
         double seconds;
-        std::size_t event, step;
+        std::uint32_t event, step;
 
         bool operator>(Due const& other) const noexcept {
             return seconds > other.seconds || (seconds == other.seconds && event > other.event);
@@ -108,12 +115,17 @@ private:
     };
 
     void Add(Line line);
+    std::string Message(Event const& event, double at) const;
     std::vector<std::string> Tell(Listener const& listener, Event const& event, double at) const;
 
     std::string path;
     std::filesystem::path folder;
-    std::vector<Event> start, timed;
-    std::priority_queue<Due, std::vector<Due>, std::greater<>> queue;  // as the file has them where times are equal
+    std::string messages;
+    // None of them grows by copies, which for large scenes would need room for two.
+    std::deque<Event> start, timed;
+    std::deque<Glide> glides;
+    std::priority_queue<Due, std::deque<Due>, std::greater<>> queue;  // as the file has them where times are equal
+    double stepSeconds = 0.02;
 };
 
 }  // namespace program

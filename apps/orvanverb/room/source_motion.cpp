@@ -31,7 +31,7 @@ bool IsUnderstood(max::t_symbol* selector) {
 
 }  // namespace
 
-SourceMotion::SourceMotion(unsigned int numSources, Options const& options, int newSamplerate)
+SourceMotion::SourceMotion(unsigned int numSources, Options const& options, double newSamplerate)
     : samplerate(newSamplerate),
       box(std::vector<max::t_atom>{},
           {[this](max::ConsoleLevel level, std::string const& text) {
@@ -47,6 +47,7 @@ SourceMotion::SourceMotion(unsigned int numSources, Options const& options, int 
     const std::vector<Lume::CartesianVector> builtIn = positions;
     if (options.scene) {
         scene = Scene(*options.scene);
+        scene.Coarsen(1.0 / samplerate);  // a movement has no more messages than anybody asks for
         // A complaint of any line comes before the work.
         scene.Begin(Listener());
         scene.Rehearse(Listener());

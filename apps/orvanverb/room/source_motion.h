@@ -17,8 +17,9 @@ namespace program {
 /// say, and a scene, of which only the messages that move sources or turn the listener act.
 class SourceMotion {
 public:
+    /// @param newSamplerate  [Hz]
     /// @throws ProgramError that names the option, or file and line
-    SourceMotion(unsigned int numSources, Options const& options, int newSamplerate);
+    SourceMotion(unsigned int numSources, Options const& options, double newSamplerate);
 
     /// What happens before a frame, counted from the recording's first.
     /// @return lines to be shown
@@ -35,7 +36,7 @@ private:
     void Move(std::vector<max::t_atom> const& atoms);
     Scene::Listener Listener();
 
-    int samplerate;  // [Hz]
+    double samplerate;  // [Hz]
     std::vector<Lume::CartesianVector> positions;
     Lume::Orientation orientation;  // of the listener
     Scene scene;

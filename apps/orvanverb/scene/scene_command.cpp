@@ -81,6 +81,7 @@ int Check(SceneOptions const& options) {
     std::stable_sort(remarks.begin(), remarks.end(), [](auto const& a, auto const& b) { return a.line < b.line; });
     std::string text;
     for (Scene::Remark const& remark : remarks) text += remark.text + "\n";
+    if (remarks.size() >= Scene::mostRemarks) text += options.file + ": there may be more\n";
     if (remarks.empty()) {
         const std::size_t lines = scene.NumTimed();
         text = options.file + ": " + std::to_string(lines) + (lines == 1 ? " line" : " lines") + " with a time" +
@@ -92,19 +93,25 @@ int Check(SceneOptions const& options) {
 }
 
 int Plot(SceneOptions const& options) {
-    constexpr int momentsPerSecond = 50;
-    constexpr std::size_t mostMoments = 3000;
-    const Scene scene(options.file);
-    unsigned int named = scene.HighestSource();
+    constexpr double momentsPerSecond = 50.0;
+    constexpr double mostMessages = 3e6;  // seconds of work
+    unsigned int named = 0;
+    double seconds = 0.0, mostMoments = 0.0;
+    {
+        const Scene scene(options.file);
+        named = scene.HighestSource();
+        seconds = scene.EndSeconds();
+        mostMoments = std::clamp(mostMessages / static_cast<double>(scene.NumMovements()), 10.0, 3000.0);
+    }
     for (Options::SourcePlace const& place : options.sources) named = std::max(named, place.number);
-    SourceMotion motion(NumSources(options, named), options, momentsPerSecond);
-    const auto numMoments = static_cast<std::size_t>(std::ceil(scene.EndSeconds() * momentsPerSecond)) + 1;
+    const double rate = std::min(momentsPerSecond, mostMoments / seconds);
+    SourceMotion motion(NumSources(options, named), options, rate);
+    const auto numMoments = static_cast<std::size_t>(std::ceil(seconds * rate)) + 1;
     Plan plan;
     plan.title = std::filesystem::path(options.file).filename().string();
-    const std::size_t step = numMoments / mostMoments + 1;
-    for (std::size_t i = 0; i < numMoments; i += step) {
+    for (std::size_t i = 0; i < numMoments; ++i) {
         for (std::string const& line : motion.Advance(i + 1)) Say(line);
-        plan.moments.push_back({static_cast<double>(i) / momentsPerSecond, motion.Positions()});
+        plan.moments.push_back({static_cast<double>(i) / rate, motion.Positions()});
     }
     if (options.speakers) plan.speakers = SpeakerLayout::Parse(*options.speakers).positions;
     if (plan.speakers.size() == 2) plan.speakers.clear();
