@@ -179,6 +179,29 @@ TEST_F(Rendering, MemoryDoesNotGrowWithTheInput) {
     EXPECT_LT(memoryKb[1] - memoryKb[0], 4000);
 }
 
+// Red if a day is too long, or if lengths end where 32 bits do. A hole in the file stands for the recording.
+TEST_F(Rendering, SLOW_ADayPassesFourGibibytes) {
+    if (std::filesystem::space(directory / "").available < (7ull << 30)) GTEST_SKIP() << "needs 7 GiB of disk";
+    constexpr std::size_t frames = 24ull * 3600 * 8000;
+    Sound sound;
+    sound.samplerate = 8000;
+    sound.samples = {{0.5f}};
+    const std::string in = directory / "day.wav", out = directory / "out.wav";
+    WriteSound(in, sound, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    std::string header = ReadText(in);
+    const std::size_t data = header.find("data") + 4;
+    for (std::size_t i = 0; i < 4; ++i) header[data + i] = static_cast<char>(2 * frames >> 8 * i & 0xff);
+    WriteText(in, header.substr(0, data + 4));
+    std::filesystem::resize_file(in, data + 4 + 2 * frames);
+    const RunResult run = RunProgram({"pan", in, "-o", out, "--method", "ms"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_LT(run.peakMemoryKb, 32000);
+    SF_INFO info{};
+    sf_close(sf_open(out.c_str(), SFM_READ, &info));
+    EXPECT_EQ(info.format & SF_FORMAT_TYPEMASK, SF_FORMAT_RF64);
+    EXPECT_EQ(info.frames, static_cast<sf_count_t>(frames));
+}
+
 // Red if the gain isn't the output's, if it isn't seen by what clips, or if what is told against clipping doesn't help.
 TEST_F(Rendering, AGainKeepsAnOutputFromClipping) {
     const Sound usual = ImpulseResponse("4", "-45"), softer = ImpulseResponse("4", "-45", "1", {"--gain", "-6.0206"});
