@@ -2,9 +2,13 @@
 
 #include <mysofa.h>
 
+#include <algorithm>
 #include <cmath>
+#include <complex>
 #include <memory>
 #include <vector>
+
+#include "support/frequency_response.h"
 
 /// The ways from two loudspeakers to the ears of a KEMAR manikin, as Gardner and Martin, "HRTF measurements of a
 /// KEMAR", J. Acoust. Soc. Am. 97(6), 1995, measured them.
@@ -33,4 +37,16 @@ struct Ways {
         ll = leftEar(left), lr = leftEar(-left), rl = leftEar(-right), rr = leftEar(right);
     }
     std::vector<float> ll, lr, rl, rr;
+
+    /// What the ears hear of both loudspeakers' signals, and how much less of it goes astray than from the bare
+    /// loudspeaker of one side [dB].
+    struct Heard {
+        double ears[2], reductionDb;
+    };
+    Heard Hear(std::complex<double> left, std::complex<double> right, std::size_t side, double hertz) const {
+        const auto at = [=](std::vector<float> const& way) { return ResponseAt(way, hertz / measuredRate); };
+        const double bare = std::abs(side == 0 ? at(lr) / at(ll) : at(rl) / at(rr));
+        const double ears[] = {std::abs(left * at(ll) + right * at(rl)), std::abs(left * at(lr) + right * at(rr))};
+        return {{ears[0], ears[1]}, 20.0 * std::log10(bare * ears[side] / std::max(ears[1 - side], 1e-7))};
+    }
 };

@@ -85,12 +85,8 @@ double CrosstalkReduction(Decoder& decoder, Ways const& ways) {
         in.data[input][0] = 0.25f;  // low enough for every loop
         const Channels feeds = Processed(decoder, in, 2);
         for (double f = 200.0; f <= 8000.0; f *= std::pow(2.0, 1.0 / 24.0)) {
-            const auto at = [f](std::vector<float> const& response) { return ResponseAt(response, f / measuredRate); };
-            const auto left = at(feeds.data[0]), right = at(feeds.data[1]);
-            const double ears[] = {std::abs(left * at(ways.ll) + right * at(ways.rl)),
-                                   std::abs(left * at(ways.lr) + right * at(ways.rr))};
-            const double bare = std::abs(input == 0 ? at(ways.lr) / at(ways.ll) : at(ways.rl) / at(ways.rr));
-            sum += 20.0 * std::log10(bare * ears[input] / std::max(ears[1 - input], 1e-7));
+            const auto feed = [&](std::size_t speaker) { return ResponseAt(feeds.data[speaker], f / measuredRate); };
+            sum += ways.Hear(feed(0), feed(1), input, f).reductionDb;
             ++count;
         }
     }

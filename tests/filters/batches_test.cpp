@@ -9,8 +9,6 @@
 #include "filters/multi_delay.h"
 #include "filters/multi_faded_hl_shelf.h"
 #include "filters/multi_hl_shelf.h"
-#include "filters/shelf_batch.h"
-#include "filters/unitary_hl_shelf.h"
 #include "support/channels.h"
 
 // What works on several channels at once must give each of them the bits that it would have alone. Runs with each width
@@ -36,36 +34,6 @@ void InBlocks(Process process) {
     for (const std::size_t length : blocks) {
         process(first, length);
         first += length;
-    }
-}
-
-/// Another design for each number.
-void Design(HLShelf& shelf, std::size_t i) {
-    const auto f = static_cast<float>(i);
-    shelf.SetAll(1.0f - f, 6.0f - 2.0f * f, -f, f - 12.0f, 200.0f + 50.0f * f, 3000.0f + 500.0f * f);
-}
-
-TEST(Batches, ShelvesGiveTheBitsOfOne) {
-    for (const std::size_t n : {1u, 3u, 5u, 8u, 9u, 16u}) {
-        std::vector<HLShelf> alone(n), together(n);
-        Lume::UnitaryHLShelf unitaryAlone, unitaryTogether;  // in the place of the last
-        Channels expected = Noise(1, n, totalLength), actual = expected;
-        const auto shelfOf = [n](std::vector<HLShelf>& shelves, HLShelf& last, std::size_t i) {
-            return i + 1 == n ? &last : &shelves[i];
-        };
-        for (std::size_t i = 0; i < n; ++i) {
-            Design(*shelfOf(alone, unitaryAlone, i), i);
-            Design(*shelfOf(together, unitaryTogether, i), i);
-        }
-        InBlocks([&](std::size_t first, std::size_t length) {
-            std::vector<Lume::ShelfJob> jobs;
-            for (std::size_t i = 0; i < n; ++i) {
-                shelfOf(alone, unitaryAlone, i)->Process(&expected[i][first], &expected[i][first], length);
-                jobs.push_back({shelfOf(together, unitaryTogether, i), &actual[i][first], &actual[i][first]});
-            }
-            FilterShelves(jobs, length);
-        });
-        ExpectSameBits(expected.data, actual.data);
     }
 }
 

@@ -43,7 +43,7 @@ TEST(HrtfFiltering, SeveralWaysGiveTheBitsOfOne) {
     }
 }
 
-// Red if an FIR filter isn't a tap longer than its set (the length of its transform has always followed that), if a
+// Red if an FIR filter isn't a tap longer than its set (the length of its transform follows that), if a
 // shorter set leaves old values behind it, or if a delay acts that isn't wanted.
 TEST(HrtfFiltering, SetsAndDelays) {
     Lume::HrtfFiltering fir(Lume::firFilter, false), biquads(Lume::biquadFilters, false);

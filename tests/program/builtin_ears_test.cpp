@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <complex>
 #include <map>
 #include <memory>
 #include <numbers>
@@ -67,15 +66,7 @@ private:
 
     std::vector<double> PowerOf(std::span<float const> response) const {
         std::vector<double> power;
-        for (const double hertz : axis.Frequencies()) {
-            const std::complex<double> step = std::polar(1.0, -2.0 * std::numbers::pi * hertz / 44100.0);
-            std::complex<double> phasor = 1.0, sum = 0.0;
-            for (const float sample : response) {
-                sum += static_cast<double>(sample) * phasor;
-                phasor *= step;
-            }
-            power.push_back(std::norm(sum));
-        }
+        for (const double hertz : axis.Frequencies()) power.push_back(std::norm(ResponseAt(response, hertz / 44100.0)));
         return power;
     }
 };

@@ -72,15 +72,9 @@ protected:
                     return ResponseAt(std::span(feeds.samples[speaker]).subspan(input * length, length), hertz / rate) /
                            static_cast<double>(height);
                 };
-                const auto way = [&](std::vector<float> const& response) {
-                    return ResponseAt(response, hertz / measuredRate);
-                };
-                const std::complex<double> first = feed(0), second = feed(1);
-                const std::complex<double> ll = way(ways.ll), lr = way(ways.lr), rl = way(ways.rl), rr = way(ways.rr);
-                const double ears[] = {std::abs(ll * first + rl * second), std::abs(lr * first + rr * second)};
-                const double bare = input == 0 ? std::abs(lr / ll) : std::abs(rl / rr);
-                reduction += 20.0 * std::log10(bare * ears[input] / std::max(ears[1 - input], 1e-7));
-                levels.push_back(20.0 * std::log10(ears[input]));
+                const auto heard = ways.Hear(feed(0), feed(1), input, hertz);
+                reduction += heard.reductionDb;
+                levels.push_back(20.0 * std::log10(heard.ears[input]));
                 level += levels.back();
             }
             const auto count = static_cast<double>(levels.size());
