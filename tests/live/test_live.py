@@ -235,7 +235,7 @@ def test_measured_ears_come_beside_the_sound(tmp_path):
             hear(page, rb'"snapshot"')
             page.sendall(frame(json.dumps({"state": state})))
             client.await_answer("/orvanverb/tr0", [4.0])
-            hear(page, rb'"remark":"[^"]*fog 1\\n[^"]*ice 2"')
+            hear(page, rb'"remark":"[^"]*fog 1\\n[^"]*ice 2')
         client.await_answer("/orvanverb/ears", ["my head.sofa"])
         assert "no.sofa: is no SOFA file" in live.log.read_text()
     assert f"ears {checksum(sofa.read_bytes())} my head.sofa" in autosave.read_text().splitlines()

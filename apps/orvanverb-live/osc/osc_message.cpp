@@ -30,6 +30,14 @@ std::uint32_t BigEndian(char const* bytes) {
     return std::endian::native == std::endian::little ? __builtin_bswap32(value) : value;
 }
 
+/// An argument's number. Arguments stand at whole words of four bytes, where a union with larger ones must not be read.
+template <class Value>
+Value ValueOf(lo_arg const* argument) {
+    Value value;
+    std::memcpy(&value, static_cast<void const*>(argument), sizeof value);
+    return value;
+}
+
 void ReadMessage(std::span<char> bytes, std::function<void(OscMessage const&)> const& take) {
     const Message read(lo_message_deserialise(bytes.data(), bytes.size(), nullptr), lo_message_free);
     if (!read || bytes.front() != '/') throw std::invalid_argument("no OSC message");
@@ -40,16 +48,16 @@ void ReadMessage(std::span<char> bytes, std::function<void(OscMessage const&)> c
     for (int i = 0; i < lo_message_get_argc(read.get()); ++i) {
         switch (types[i]) {
             case LO_FLOAT:
-                message.arguments.emplace_back(values[i]->f);
+                message.arguments.emplace_back(ValueOf<float>(values[i]));
                 break;
             case LO_DOUBLE:
-                message.arguments.emplace_back(static_cast<float>(values[i]->d));
+                message.arguments.emplace_back(static_cast<float>(ValueOf<double>(values[i])));
                 break;
             case LO_INT32:
-                message.arguments.emplace_back(values[i]->i);
+                message.arguments.emplace_back(ValueOf<std::int32_t>(values[i]));
                 break;
             case LO_INT64:
-                message.arguments.emplace_back(static_cast<float>(values[i]->h));
+                message.arguments.emplace_back(static_cast<float>(ValueOf<std::int64_t>(values[i])));
                 break;
             case LO_TRUE:
                 message.arguments.emplace_back(1);
@@ -59,7 +67,7 @@ void ReadMessage(std::span<char> bytes, std::function<void(OscMessage const&)> c
                 break;
             case LO_STRING:
             case LO_SYMBOL:
-                message.arguments.emplace_back(std::string(&values[i]->s));
+                message.arguments.emplace_back(std::string(reinterpret_cast<char const*>(values[i])));
                 break;
             default:
                 break;
