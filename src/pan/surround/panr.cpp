@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 #include "geometry/azimuth.h"
 
@@ -43,6 +44,10 @@ Corners CornersOf(float x, float y) {
     const float front = (1.0f + clampedY) / 2.0f;
     const float rear = (1.0f - clampedY) / 2.0f;
     return {left * front, right * front, right * rear, left * rear};
+}
+
+void Write(std::initializer_list<float> powers, float* gains) {
+    std::copy(powers.begin(), powers.end(), gains);
 }
 
 }  // namespace
@@ -91,32 +96,20 @@ void panc(CartesianVector const& position, float const* corners, float& px, floa
 
 void panr4(float x, float y, float* gains) {
     const Corners corners = CornersOf(x, y);
-    gains[0] = corners.frontLeft;
-    gains[1] = corners.frontRight;
-    gains[2] = corners.rearRight;
-    gains[3] = corners.rearLeft;
+    Write({corners.frontLeft, corners.frontRight, corners.rearRight, corners.rearLeft}, gains);
 }
 
 void panr5(float x, float y, float* gains) {
     const Corners corners = CornersOf(x, y);
     const Split front = split(corners.frontLeft, corners.frontRight);
-    gains[0] = front.onlyP;
-    gains[1] = front.shared;
-    gains[2] = front.onlyQ;
-    gains[3] = corners.rearRight;
-    gains[4] = corners.rearLeft;
+    Write({front.onlyP, front.shared, front.onlyQ, corners.rearRight, corners.rearLeft}, gains);
 }
 
 void panr6(float x, float y, float* gains) {
     const Corners corners = CornersOf(x, y);
     const Split left = split(corners.frontLeft, corners.rearLeft);
     const Split right = split(corners.frontRight, corners.rearRight);
-    gains[0] = left.onlyP;
-    gains[1] = right.onlyP;
-    gains[2] = right.shared;
-    gains[3] = right.onlyQ;
-    gains[4] = left.onlyQ;
-    gains[5] = left.shared;
+    Write({left.onlyP, right.onlyP, right.shared, right.onlyQ, left.onlyQ, left.shared}, gains);
 }
 
 void panr7(float x, float y, float* gains) {
@@ -124,13 +117,7 @@ void panr7(float x, float y, float* gains) {
     const Split front = split(corners.frontLeft, corners.frontRight);
     const Split left = split(front.onlyP, corners.rearLeft);
     const Split right = split(front.onlyQ, corners.rearRight);
-    gains[0] = left.onlyP;
-    gains[1] = front.shared;
-    gains[2] = right.onlyP;
-    gains[3] = right.shared;
-    gains[4] = right.onlyQ;
-    gains[5] = left.onlyQ;
-    gains[6] = left.shared;
+    Write({left.onlyP, front.shared, right.onlyP, right.shared, right.onlyQ, left.onlyQ, left.shared}, gains);
 }
 
 void panr8(float x, float y, float* gains) {
@@ -139,14 +126,8 @@ void panr8(float x, float y, float* gains) {
     const Split right = split(corners.frontRight, corners.rearRight);
     const Split front = split(left.onlyP, right.onlyP);
     const Split rear = split(left.onlyQ, right.onlyQ);
-    gains[0] = front.onlyP;
-    gains[1] = front.shared;
-    gains[2] = front.onlyQ;
-    gains[3] = right.shared;
-    gains[4] = rear.onlyQ;
-    gains[5] = rear.shared;
-    gains[6] = rear.onlyP;
-    gains[7] = left.shared;
+    Write({front.onlyP, front.shared, front.onlyQ, right.shared, rear.onlyQ, rear.shared, rear.onlyP, left.shared},
+          gains);
 }
 
 void panr12(float x, float y, float* gains) {
@@ -156,18 +137,9 @@ void panr12(float x, float y, float* gains) {
     const Split frontRight = split(frontLeft.onlyQ, u[2]);
     const Split rearRight = split(u[4], u[5]);
     const Split rearLeft = split(rearRight.onlyQ, u[6]);
-    gains[0] = frontLeft.onlyP;
-    gains[1] = frontLeft.shared;
-    gains[2] = frontRight.onlyP;
-    gains[3] = frontRight.shared;
-    gains[4] = frontRight.onlyQ;
-    gains[5] = u[3];
-    gains[6] = rearRight.onlyP;
-    gains[7] = rearRight.shared;
-    gains[8] = rearLeft.onlyP;
-    gains[9] = rearLeft.shared;
-    gains[10] = rearLeft.onlyQ;
-    gains[11] = u[7];
+    Write({frontLeft.onlyP, frontLeft.shared, frontRight.onlyP, frontRight.shared, frontRight.onlyQ, u[3],
+           rearRight.onlyP, rearRight.shared, rearLeft.onlyP, rearLeft.shared, rearLeft.onlyQ, u[7]},
+          gains);
 }
 
 }  // namespace Lume
