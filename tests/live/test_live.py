@@ -410,6 +410,9 @@ def test_words(tmp_path):
         return done.stderr
 
     assert "file:IN:OUT" in fails("--audio", "alsa", status=2)
+    endless = tmp_path / "endless.scene"  # which would be worked out to its end
+    endless.write_text("0..1e9 source 1 azim 0 -> 360\n")
+    assert "more than 200000 messages" in fails("--audio", f"file:{VOICE}:{tmp_path}/o.wav", "--scene", endless, *OFF, status=1)
     assert "missing.wav" in fails("--audio", f"file:missing.wav:{tmp_path}/o.wav", status=1)
     assert "--force" in fails("--audio", f"file:{VOICE}:{__file__}", status=1)
     assert "--osc" in fails("--osc", "70000", status=2)

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "orvanverb/common/messages.h"
+#include "orvanverb/common/program_error.h"
 #include "orvanverb/room/scene.h"
 
 namespace live {
@@ -17,7 +18,10 @@ SceneTrack::SceneTrack(std::string const& path, program::RoomObject& object) {
         object.Tell(message, folder);
         return object.TakeRemarks();
     };
+    constexpr std::size_t mostEvents = 200000;  // each keeps a whole state
     while (const std::optional<double> seconds = scene.NextSeconds()) {
+        if (events.size() == mostEvents)
+            throw program::WorkError(path + ": has more than 200000 messages, of which a movement makes 50 a second");
         clears = false;
         for (std::string const& line : scene.PlayNext(tell)) program::Say(line);
         Event event;
