@@ -77,7 +77,8 @@ void Post(max::ConsoleLevel level, std::string const& text) {
 extern "C" __attribute__((visibility("default"))) void orvanverb_tilde_setup() {
     max::Host::Get().SetConsole(Post);
     theClass = class_new(gensym("orvanverb~"), reinterpret_cast<t_newmethod>(Method(New)), Method(Free),
-                         sizeof(t_orvanverb_tilde), CLASS_DEFAULT, A_GIMME, A_NULL);
+                         sizeof(t_orvanverb_tilde),
+                         pd::FindSetChannels() != nullptr ? pd::classMultichannel : CLASS_DEFAULT, A_GIMME, A_NULL);
     class_domainsignalin(theClass, offsetof(t_orvanverb_tilde, signal));
     class_addmethod(theClass, Method(Dsp), gensym("dsp"), A_CANT, A_NULL);
     class_addanything(theClass, Method(Message));

@@ -32,13 +32,14 @@ t_symbol* SavedStateReceiver() {
 PdRoom::PdRoom(t_object* newOwner, BoxWords words)
     : owner(newOwner),
       autosave(words.autosave),
+      multichannel(words.multichannel),
       room(FromPd(words.words),
            {[this](max::ConsoleLevel level, std::string const& text) { Line(level, text); }, nullptr, nullptr}),
       canvas(canvas_getcurrent()) {
     for (std::string const& remark : words.remarks) Line(max::ConsoleLevel::warn, remark);
     if (!IsMade()) return;
-    for (std::size_t i = 1; i < room.NumInputs(); ++i) signalinlet_new(owner, 0.0f);
-    for (std::size_t i = 0; i < room.NumOutputs(); ++i) outlet_new(owner, &s_signal);
+    for (std::size_t i = 1; i < (multichannel ? 1 : room.NumInputs()); ++i) signalinlet_new(owner, 0.0f);
+    for (std::size_t i = 0; i < (multichannel ? 1 : room.NumOutputs()); ++i) outlet_new(owner, &s_signal);
     stateOutlet = outlet_new(owner, &s_anything);
     inputs.resize(room.NumInputs());
     outputs.resize(room.NumOutputs());
@@ -219,14 +220,35 @@ void PdRoom::Dsp(t_signal** signals) {
         clock_delay(earsClock, 0.0);
         lastBlockTime = clock_getlogicaltime();
     }
-    for (float const*& input : inputs) input = (*signals++)->s_vec;
-    for (float*& output : outputs) output = (*signals++)->s_vec;
+    Connect(signals, blockSize);
     dsp_add(
         [](t_int* words) {
             reinterpret_cast<PdRoom*>(words[1])->Perform();  // NOLINT(performance-no-int-to-ptr): words are pointers
             return words + 2;
         },
         1, reinterpret_cast<t_int>(this));
+}
+
+void PdRoom::Connect(t_signal** signals, std::size_t blockSize) {
+    const std::size_t perCord = multichannel ? inputs.size() : 1;
+    silence.assign(blockSize, 0.0f);
+    std::size_t most = 0;
+    for (std::size_t i = 0; i < inputs.size(); i += perCord) {
+        t_signal const& signal = **signals++;
+        const auto channels = static_cast<std::size_t>(NumChannels(signal));
+        most = std::max(most, channels);
+        for (std::size_t c = 0; c < perCord; ++c)
+            inputs[i + c] = c < channels ? signal.s_vec + c * blockSize : silence.data();
+    }
+    if (most > perCord)
+        SayOnce("channels", "a cord holds " + std::to_string(most) + " channels, of which " + std::to_string(perCord) +
+                                (multichannel ? " have a source" : " counts; with @multichannel 1 each is a source"));
+    SetChannels const setChannels = FindSetChannels();
+    const std::size_t perOutlet = multichannel ? outputs.size() : 1;
+    for (std::size_t i = 0; i < outputs.size(); i += perOutlet, ++signals) {
+        if (setChannels != nullptr) setChannels(signals, static_cast<int>(perOutlet));
+        for (std::size_t c = 0; c < perOutlet; ++c) outputs[i + c] = (*signals)->s_vec + c * blockSize;
+    }
 }
 
 void PdRoom::Perform() {

@@ -55,15 +55,17 @@ private:
     /// Where the patch lies: what file names are relative to.
     std::string Folder() const;
     bool MissedABlock() const;
+    void Connect(t_signal** signals, std::size_t blockSize);
     void ReportReplaced();
 
     t_object* owner;
-    bool autosave;
+    bool autosave, multichannel;
     std::set<std::string> said;  // remarks that are made once, and while the box is made everything
     t_outlet* stateOutlet = nullptr;
     plugin::HostedRoom room;
     std::vector<float const*> inputs;
     std::vector<float*> outputs;
+    std::vector<float> silence;    // a block, for sources that no channel reaches
     double lastBlockTime = 0.0;    // of Pd's clock
     t_glist* canvas;               // the patch
     t_clock* earsClock = nullptr;  // looks for ears that were loaded

@@ -83,12 +83,19 @@ BoxWords ReadBoxWords(std::span<t_atom const> words) {
         const auto name = next;
         next = std::find_if(name + 1, words.end(), IsAttributeWord);
         const std::span<t_atom const> values(name + 1, next);
-        if (std::strcmp(name->a_w.w_symbol->s_name, "@autosave") == 0) {
-            box.autosave = !values.empty() && atom_getfloat(&values[0]) != 0.0f;
+        const std::string_view word = name->a_w.w_symbol->s_name;
+        if (word == "@autosave" || word == "@multichannel") {
+            (word == "@autosave" ? box.autosave : box.multichannel) =
+                !values.empty() && atom_getfloat(&values[0]) != 0.0f;
             continue;
         }
         RemarkOnSize(box, *name, values);
         box.words.insert(box.words.end(), name, next);
+    }
+    if (box.multichannel && FindSetChannels() == nullptr) {
+        box.multichannel = false;
+        box.remarks.emplace_back(
+            "@multichannel needs Pd 0.54 or newer: here each source and loudspeaker has its own cord");
     }
     return box;
 }

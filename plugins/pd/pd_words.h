@@ -13,6 +13,7 @@ struct BoxWords {
     std::vector<t_atom> words;         // for the object: @NAME VALUE...
     std::vector<std::string> remarks;  // what means nothing, and what would be right
     bool autosave = false;             // the box's own @autosave
+    bool multichannel = false;         // and @multichannel: all sources in one cord, all loudspeakers in another
 };
 
 /// Reads the words behind a box's name: [SOURCES [LOUDSPEAKERS]] @NAME VALUE...

@@ -257,6 +257,18 @@ TEST_F(InPd, SaysWhatMeansNothing) {
                   warning("positions are limited to 1e+06 m\n"));
 }
 
+// Red if the object is not there in a Pd without cords of several channels, or says nothing of it.
+TEST_F(InPd, HasACordForEachWherePdKnowsNoOthers) {
+    const std::string plain = "orvanverb~: numspeakers : 2 \n",
+                      said = Tell("1 2 @multichannel 1", {"postattributes numspeakers"});
+    if (said != plain)  // Pd 0.54 and newer
+        EXPECT_EQ(
+            said,
+            "verbose(2): warning: orvanverb~: @multichannel needs Pd 0.54 or newer: here each source and loudspeaker "
+            "has its own cord\n" +
+                plain);
+}
+
 // Red if Pd keeps quiet about loudspeakers that can't play, or tells of places that they pass on the way there; or if a
 // source that rises to above the listener falls behind.
 TEST_F(InPd, LooksAtTheRoomWhenAllIsSaid) {
