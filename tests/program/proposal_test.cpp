@@ -75,6 +75,10 @@ TEST(Proposal, TakesOtherForms) {
     EXPECT_TRUE(words.out.starts_with("@gain ")) << words.out;
     EXPECT_NE(words.out.find(" @numinternals 16\n"), std::string::npos) << words.out;
     EXPECT_TRUE(RunProgram(Joined(room, {"state"})).out.starts_with("orvanverb-state 1\n"));
+    const RunResult json = RunProgram({"room", "--volume", "60", "--rt60", "0.4", "--json", "--quiet"});
+    EXPECT_EQ(json.err, "");
+    EXPECT_NE(json.out.find("\"numinternals\": 16"), std::string::npos) << json.out.substr(0, 500);
+    EXPECT_NEAR(DecayAt(json.out, "1000"), 0.4, 0.02);
     ExpectComplaint(RunProgram(Joined(room, {"poem"})), 2, "none of preset, words and state");
     ExpectComplaint(RunProgram({"room", "--volume", "5", "--rt60", "1"}), 2, "'5' is no number from 10 to 15000");
 }

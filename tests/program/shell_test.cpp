@@ -115,6 +115,7 @@ TEST(Reference, BecomesAPage) {
     for (std::size_t at = page.find("<tr id="); at != page.npos; at = page.find("<tr id=", at + 1)) ++rows;
     EXPECT_EQ(rows, 32u);
 
+    ExpectComplaint(RunProgram({"reference"}, "cd '" + (directory / "") + "' && exec"), 1, "--force");
     EXPECT_EQ(RunProgram({"reference"}, "cd /proc && exec").status, 1);
 }
 

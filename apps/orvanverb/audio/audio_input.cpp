@@ -42,7 +42,8 @@ AudioInput::AudioInput(std::string newPath) : path(std::move(newPath)) {
     if (!file && !S_ISREG(status.st_mode))
         throw WorkError(path + ": is no WAV or AU, which are what can be read through a pipe");
     if (!file)
-        throw WorkError(path + ": is no WAV, AIFF, FLAC or Ogg file that can be read (" + sf_strerror(nullptr) + ")");
+        throw WorkError(path + ": is no WAV, AIFF, FLAC or Ogg file that can be read (" + sf_strerror(nullptr) +
+                        "); ffmpeg makes WAV of others");
     if (info.frames == 0) throw WorkError(path + ": holds no samples");
     // Who writes into a pipe often doesn't know the length, and says 2 or 4 GiB of bytes, or all that there can be.
     constexpr sf_count_t incredibleSamples = 1 << 27;

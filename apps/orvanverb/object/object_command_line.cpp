@@ -57,9 +57,11 @@ void AddObjectCommands(CLI::App& app, Call& call) {
         "orvanverb~.ref.xml and orvan.xsl; browsers, and xsltproc, make a page of the two.\n"
         "  orvanverb reference\n"
         "  orvanverb reference && xsltproc orvan.xsl 'orvanverb~.ref.xml' > reference.html");
-    reference->callback([&call] {
-        call.run = [] {
-            WriteReference();
+    const auto force = std::make_shared<bool>(false);
+    reference->add_flag("-f,--force", *force, "Replace files that are there");
+    reference->callback([&call, force] {
+        call.run = [force] {
+            WriteReference(*force);
             return 0;
         };
     });

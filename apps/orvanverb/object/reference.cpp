@@ -45,7 +45,10 @@ void WritePage() {
 
 }  // namespace
 
-void WriteReference() {
+void WriteReference(bool force) {
+    for (char const* name : {pageName, styleSheetName})
+        if (!force && std::filesystem::exists(name))
+            throw WorkError(std::string(name) + ": is there already; --force replaces it");
     WriteStyleSheet();
     WritePage();
     std::fprintf(stderr, "%s: written, to be read with %s beside it\n", pageName, styleSheetName);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/room_controls.h"
+#include "orvanverb/common/json.h"
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
@@ -19,6 +20,7 @@ namespace {
 
 struct Words {
     std::string preset, size, volume, decay, low, high, distance, form = "preset";
+    bool json = false, quiet = false;
 };
 
 constexpr char const* footer =
@@ -40,7 +42,10 @@ float Parse(char const* option, std::string const& word, float least, float most
 void TakeMeaning(Words const& words, RoomOptions& room) {
     constexpr float shortest = 0.15f, longest = 9.0f;
     if (!words.distance.empty()) room.distance = Parse("--distance", words.distance, 0.3f, 100.0f, " m");
-    if (words.form == "preset")
+    room.quiet = words.quiet;
+    if (words.json)
+        room.form = RoomOptions::Form::Json;
+    else if (words.form == "preset")
         room.form = RoomOptions::Form::Preset;
     else if (words.form == "words")
         room.form = RoomOptions::Form::Words;
@@ -80,35 +85,52 @@ std::vector<std::pair<std::string, std::string>> Attributes(Lume::Room const& ro
     return attributes;
 }
 
+std::string PresetText(Proposal const& proposal) {
+    std::string text = "# " + proposal.title + ". Made by orvanverb room.\n";
+    const orvanmeasure::Figure mid = proposal.report.measured.Mid(&orvanmeasure::BandFigures::t30);
+    if (mid.IsThere()) text += "# measured: T30 " + FixedText(mid.value, 2) + " s\n";
+    for (auto const& [name, value] : Attributes(*proposal.room)) text.append(name + " " + value + "\n");
+    return text;
+}
+
+std::string WordsText(Lume::Room const& room) {
+    std::string text;
+    for (auto const& [name, value] : Attributes(room))
+        text.append(text.empty() ? "@" : " @").append(name + " " + value);
+    return text + "\n";
+}
+
+std::string Json(Proposal const& proposal) {
+    JsonObject controls, all;
+    for (std::size_t i = 0; i < Lume::roomControls.size(); ++i)
+        controls.Add(Lume::roomControls[i].name, NumberText(proposal.room->Get(i)));
+    controls.Add("numinternals", std::to_string(proposal.room->NumInternals()));
+    all.Add("title", JsonString(proposal.title));
+    all.Add("controls", controls.Text());
+    all.Add("report", proposal.report.Json());
+    all.Add("warnings", JsonStrings(proposal.remarks));
+    return all.Text() + "\n";
+}
+
+std::string Text(Proposal const& proposal, RoomOptions::Form form) {
+    switch (form) {
+        case RoomOptions::Form::Preset:
+            return PresetText(proposal);
+        case RoomOptions::Form::Words:
+            return WordsText(*proposal.room);
+        case RoomOptions::Form::State:
+            return proposal.room->SaveState().Text();
+        case RoomOptions::Form::Json:
+            return Json(proposal);
+    }
+    return "";
+}
+
 void RunRoom(RoomOptions const& wanted) {
     const Proposal proposal = wanted.preset ? ResizeRoom(wanted) : ProposeRoom(wanted);
     for (std::string const& remark : proposal.remarks) Say("warning: " + remark);
-    const std::string report = proposal.report.Text();
-    if (wanted.form == RoomOptions::Form::State) {
-        std::fputs(proposal.room->SaveState().Text().c_str(), stdout);
-    } else {
-        std::string text;
-        const bool preset = wanted.form == RoomOptions::Form::Preset;
-        for (auto const& [name, value] : Attributes(*proposal.room))
-            text.append(preset         ? ""
-                        : text.empty() ? "@"
-                                       : " @")
-                .append(name)
-                .append(" ")
-                .append(value)
-                .append(preset ? "\n" : "");
-        if (preset) {
-            std::string head = "# " + proposal.title + ". Made by orvanverb room.\n";
-            if (const orvanmeasure::Figure mid = proposal.report.measured.Mid(&orvanmeasure::BandFigures::t30);
-                mid.IsThere())
-                head += "# measured: T30 " + FixedText(mid.value, 2) + " s\n";
-            text.insert(0, head);
-        } else {
-            text += "\n";
-        }
-        std::fputs(text.c_str(), stdout);
-    }
-    std::fputs(report.c_str(), stderr);
+    std::fputs(Text(proposal, wanted.form).c_str(), stdout);
+    if (!wanted.quiet) std::fputs(proposal.report.Text().c_str(), stderr);
 }
 
 }  // namespace
@@ -128,6 +150,8 @@ void AddRoomCommand(CLI::App& app, Call& call) {
     add("--size", words->size, "FACTOR", "How many times as long, wide and high that one is to be, 0.1 to 10 [1]");
     add("--distance", words->distance, "M", "How far the source is, for the room's level [3]");
     add("--as", words->form, "FORM", "preset, words (@NAME VALUE...) or state [preset]");
+    command->add_flag("--json", words->json, "Print controls and report as JSON, for programs");
+    command->add_flag("-q,--quiet", words->quiet, "Tell of nothing but warnings and errors");
     command->footer(footer);
     command->callback([&call, words] {
         RoomOptions wanted;
