@@ -1,6 +1,6 @@
 # make demo   renders real recordings into three rooms and says how to listen to them
 # make test   builds and runs the tests
-# make slow   runs the tests that take minutes
+# make slow   runs the tests that take minutes, and judges the built-in ears against their measurements
 # make soak   plays for an hour in three shapes under random control, or for SOAK_SECONDS
 # make asan   builds and runs the tests with address and undefined-behaviour sanitizers
 # make tsan   runs the tests of what crosses threads, with the thread sanitizer
@@ -44,7 +44,9 @@ test: build
 	ctest --preset release
 
 slow: build
+	@tools/setup hrtf
 	ctest --preset slow
+	tools/hrtf/make_kemar.py --check
 
 SOAK_SECONDS ?= 3600
 soak: configure
