@@ -65,6 +65,13 @@ def program(folder, *words, audio=None, environment=None):
     assert status == 0, log.read_text()
 
 
+def await_frames(folder, frames):
+    """Waits until so much was played on headphones; what is played stands beside the output until the end."""
+    end = time.monotonic() + 60
+    while max((part.stat().st_size for part in folder.glob("out.wav.*")), default=0) < 8 * frames and time.monotonic() < end:
+        time.sleep(0.05)
+
+
 class Client:
     """Speaks OSC by another library, and hears what is answered."""
 
@@ -113,7 +120,7 @@ def test_file_is_render_sample_for_sample(tmp_path):
 def test_signals_that_come_together_are_one_wish(tmp_path):
     """A terminal that closes sends several: what was played is written all the same, and said."""
     with program(tmp_path, *OFF) as live:
-        time.sleep(0.5)
+        await_frames(tmp_path, 5000)
         for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
             live.send_signal(number)
     assert len(samples(tmp_path / "out.wav")) > 4800
@@ -276,7 +283,7 @@ def test_left_is_left_in_the_sound(tmp_path):
             Client(port).ask("/orvanverb/tr0")
             client = Client(to)
             client.send(path, azimuth)
-            time.sleep(1.5)
+            await_frames(tmp_path, 72000)
         left, right = numpy.sum(samples(tmp_path / "out.wav")[24000:] ** 2, axis=0)
         assert left > 2 * right, path
 
