@@ -86,6 +86,7 @@ public:
     void PlaceSpeakers(std::vector<std::array<float, 3>> const& coordinates) {
         const Use use(busy);
         std::vector<Lume::CartesianVector> positions;
+        positions.reserve(coordinates.size());
         for (auto const& [x, y, z] : coordinates) positions.push_back({x, y, z});
         if (!room.PlaceSpeakers(positions))
             throw py::value_error("a room with " + std::to_string(room.NumSpeakers()) +
