@@ -111,9 +111,9 @@ CartesianVector EarAt(std::size_t side, double radius) {
 /// What the ears hear without the torso's reflection, and with one as strong as the direct sound: half of each.
 std::array<Channels, 2> RenderBoth(BinauralPanningSnowmanModel& panner, CartesianVector const& position) {
     panner.SetTorsoReflectionCoefficient(-1.0f);  // becomes 0
-    Channels without = Render(panner, position);
+    const Channels without = Render(panner, position);
     panner.SetTorsoReflectionCoefficient(2.0f);  // becomes 1
-    return {std::move(without), Render(panner, position)};
+    return {without, Render(panner, position)};
 }
 
 // Red if the cone of the torso's shadow is on the wrong side or has another width, or if the torso moves with the
