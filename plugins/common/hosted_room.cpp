@@ -174,6 +174,8 @@ void HostedRoom::Restore(Lume::RoomState state) {
         state.ears = Room().CurrentEars();
         orvanverb_restore_state(record, state);
     }
+    for (std::string const& line : state.unknown)
+        Warn("the state has a line that this version doesn't know and keeps: " + line);
     if (!measurements.path.empty() && !same) Fit(measurements);
 }
 

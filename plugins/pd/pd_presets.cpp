@@ -2,16 +2,16 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <map>
-#include <sstream>
+#include <span>
 #include <stdexcept>
 #include <system_error>
 
 #include "engine/room_controls.h"
-#include "room/control_range.h"
+#include "orvanverb/common/line_file.h"
+#include "orvanverb/common/text.h"
+#include "orvanverb/room/control.h"
 #include "room/room.h"
 #include "room/user_rooms.h"
 
@@ -37,28 +37,16 @@ std::vector<std::filesystem::path> Folders(std::filesystem::path const& patch) {
     return folders;
 }
 
-void TakeLine(RoomFile& room, std::string const& line) {
-    std::istringstream words(line);
-    std::string attribute, word;
-    words >> attribute;
-    for (unsigned int element = 0; words >> word; ++element) {
-        char* end = nullptr;
-        const float value = std::strtof(word.c_str(), &end);
-        if (*end != '\0') throw std::runtime_error("'" + word + "' is no number");
-        if (attribute == "numinternals" && element == 0) {
-            room.numInternals = static_cast<unsigned int>(std::clamp(value, 2.0f, 16.0f));
-            continue;
-        }
-        const auto control =
-            std::find_if(Lume::roomControls.begin(), Lume::roomControls.end(), [&](Lume::RoomControl const& each) {
-                return each.attribute != nullptr && attribute == each.attribute && element == each.element;
-            });
-        if (control == Lume::roomControls.end())
-            throw std::runtime_error(element == 0 ? "a room has no '" + attribute + "'"
-                                                  : attribute + ": '" + word + "' is a value too many");
-        if (!Lume::IsInRange(*control, value))
-            throw std::runtime_error(attribute + ": " + word + " is not " + Lume::RangeText(*control));
-        room.controls[static_cast<std::size_t>(control - Lume::roomControls.begin())] = value;
+void TakeLine(RoomFile& room, std::string const& name, std::span<std::string const> values) {
+    program::CheckControl(name, values);
+    const auto number = [&](std::size_t i) { return program::ParseNumber(values[i]).value(); };
+    if (name == "numinternals") room.numInternals = static_cast<unsigned int>(number(0));
+    for (std::size_t i = 0; i < Lume::roomControls.size(); ++i) {
+        Lume::RoomControl const& control = Lume::roomControls[i];
+        if (name == control.name)
+            room.controls[i] = number(0);
+        else if (control.attribute != nullptr && name == control.attribute)
+            room.controls[i] = number(control.element);
     }
 }
 
@@ -67,27 +55,21 @@ void TakeLine(RoomFile& room, std::string const& line) {
 RoomFile ReadRoomFile(std::filesystem::path const& path) {
     RoomFile room{{}, Lume::Room::usualInternals};
     for (Lume::RoomControl const& control : Lume::roomControls) room.controls.push_back(control.standard);
-    std::ifstream file(path);
-    if (!file) throw std::runtime_error(path.string() + ": can't be read");
-    std::size_t number = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        line.erase(std::min(line.find('#'), line.size()));
-        try {
-            TakeLine(room, line);
-        } catch (std::runtime_error const& error) {
-            throw std::runtime_error(path.string() + ":" + std::to_string(number) + ": " + error.what());
-        }
-    }
+    program::ReadLineFile(path.string(),
+                          [&room](std::span<std::string const> words) { TakeLine(room, words[0], words.subspan(1)); });
     return room;
 }
 
 std::filesystem::path FindRoomFile(std::string const& word, std::filesystem::path const& folder) {
     std::error_code error;
     if (auto path = folder / word; std::filesystem::is_regular_file(path, error)) return path;
-    for (std::filesystem::path const& file : AllRoomFiles(folder))
+    std::vector<std::string> names;
+    for (std::filesystem::path const& file : AllRoomFiles(folder)) {
         if (file.stem() == word) return file;
-    throw std::runtime_error("there is no room '" + word + "'; preset alone lists those that there are");
+        names.push_back(file.stem().string());
+    }
+    throw std::runtime_error("there is no room '" + word + "'" + program::DidYouMean(word, names) +
+                             "; preset alone lists those that there are");
 }
 
 std::vector<std::filesystem::path> AllRoomFiles(std::filesystem::path const& folder) {
@@ -95,7 +77,8 @@ std::vector<std::filesystem::path> AllRoomFiles(std::filesystem::path const& fol
     for (std::filesystem::path const& place : Folders(folder)) {
         std::error_code error;
         for (auto const& entry : std::filesystem::directory_iterator(place, error))
-            if (entry.path().extension() == ending) files.emplace(entry.path().stem(), entry.path().lexically_normal());
+            if (entry.path().extension() == ending && entry.is_regular_file(error))
+                files.emplace(entry.path().stem(), entry.path().lexically_normal());
     }
     std::vector<std::filesystem::path> paths;
     paths.reserve(files.size());

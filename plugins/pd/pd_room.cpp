@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "orvanverb/common/text.h"
 #include "patcher/atom.h"
 #include "pd/pd_atoms.h"
 #include "pd/pd_presets.h"
@@ -22,6 +23,16 @@ constexpr double earsInterval = 10.0;
 
 /// A second after the first sample that was replaced, so that the line can say how many there were [ms].
 constexpr double reportDelay = 1000.0;
+
+/// Of the names of controls and attributes.
+std::string DidYouMean(std::string const& word) {
+    std::vector<std::string> names{"sourcespositions", "speakerspositions", "mute", "bypass"};
+    for (Lume::RoomControl const& control : Lume::roomControls) {
+        names.emplace_back(control.name);
+        if (control.attribute != nullptr) names.emplace_back(control.attribute);
+    }
+    return program::DidYouMean(word, names);
+}
 
 t_symbol* SavedStateReceiver() {
     return gensym("#A");
@@ -117,7 +128,8 @@ void PdRoom::Turn(std::span<t_atom const> atoms) {
     for (std::size_t i = 0; i < std::min(atoms.size(), std::size(angles)); ++i) angles[i] = atom_getfloat(&atoms[i]);
     const bool areNumbers =
         std::all_of(atoms.begin(), atoms.end(), [](t_atom const& atom) { return atom.a_type == A_FLOAT; });
-    if (atoms.empty() || !areNumbers || !room.SetOrientation(angles[0], angles[1], angles[2]))
+    if (atoms.empty() || atoms.size() > std::size(angles) || !areNumbers ||
+        !room.SetOrientation(angles[0], angles[1], angles[2]))
         Line(max::ConsoleLevel::error, "orientation: expected YAW [PITCH [ROLL]] in degrees");
 }
 
@@ -134,15 +146,18 @@ void PdRoom::Help(std::span<t_atom const> atoms) {
         post("%s: %s; %s, usually %s", control.name, control.what, Lume::RangeText(control).c_str(),
              Lume::NumberText(control.standard).c_str());
     }
-    if (!found) Line(max::ConsoleLevel::error, "help: there is no control " + name + "; print shows all of them");
+    if (!found)
+        Line(max::ConsoleLevel::error,
+             "help: there is no control " + name + DidYouMean(name) + "; print shows all of them");
 }
 
 void PdRoom::Get(std::span<t_atom const> atoms) {
     const std::string name = WordsText(atoms);
     const std::optional<std::vector<max::t_atom>> value = room.Value(name);
     if (name.empty() || !value) {
-        Line(max::ConsoleLevel::error, name.empty() ? "get: a name is expected behind it"
-                                                    : "get: there is no " + name + "; print shows all names");
+        Line(max::ConsoleLevel::error, name.empty()
+                                           ? "get: a name is expected behind it"
+                                           : "get: there is no " + name + DidYouMean(name) + "; print shows all names");
         return;
     }
     std::vector<t_atom> values = ToPd(*value);

@@ -243,10 +243,22 @@ bool RoomState::IsState(std::string_view text) noexcept {
 }
 
 bool IsText(std::string_view text) noexcept {
-    return std::none_of(text.begin(), text.end(), [](char c) {
-        const auto byte = static_cast<unsigned char>(c);
-        return byte < ' ' ? c != '\t' && c != '\r' && c != '\n' : byte == 0x7F;
-    });
+    while (!text.empty()) {
+        const auto first = static_cast<unsigned char>(text.front());
+        if (first < ' ' ? first != '\t' && first != '\r' && first != '\n' : first == 0x7F) return false;
+        // Of UTF-8: how many bytes begin with 10 behind the first. What could be written with fewer is no harm.
+        const std::size_t more = first < 0x80   ? 0
+                                 : first < 0xC0 ? text.size()
+                                 : first < 0xE0 ? 1
+                                 : first < 0xF0 ? 2
+                                                : 3;
+        if (first >= 0xF8 || more >= text.size()) return false;
+        text.remove_prefix(1);
+        for (std::size_t i = 0; i < more; ++i)
+            if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return false;
+        text.remove_prefix(more);
+    }
+    return true;
 }
 
 RoomState RoomState::Parse(std::string_view text, std::filesystem::path const& folder) {

@@ -19,7 +19,7 @@ struct EarsFile {
     std::uint64_t checksum = 0;  ///< of the file's bytes
 };
 
-/// Whether a text is one: no control characters but blanks and line ends.
+/// Whether a text is one: UTF-8, with no control characters but blanks and line ends.
 bool IsText(std::string_view text) noexcept;
 
 /// All that a room was told, as a value, and as text that people can read and programs keep:

@@ -261,12 +261,12 @@ TEST_F(InPd, SaysWhatMeansNothing) {
 TEST_F(InPd, HasACordForEachWherePdKnowsNoOthers) {
     const std::string plain = "orvanverb~: numspeakers : 2 \n",
                       said = Tell("1 2 @multichannel 1", {"postattributes numspeakers"});
-    if (said != plain)  // Pd 0.54 and newer
-        EXPECT_EQ(
-            said,
-            "verbose(2): warning: orvanverb~: @multichannel needs Pd 0.54 or newer: here each source and loudspeaker "
-            "has its own cord\n" +
-                plain);
+    if (said == plain) return;  // Pd 0.54 and newer
+    EXPECT_EQ(
+        said,
+        "verbose(2): warning: orvanverb~: @multichannel needs Pd 0.54 or newer: here each source and loudspeaker has "
+        "its own cord\n" +
+            plain);
 }
 
 // Red if Pd keeps quiet about loudspeakers that can't play, or tells of places that they pass on the way there; or if a
@@ -288,10 +288,14 @@ TEST_F(InPd, LooksAtTheRoomWhenAllIsSaid) {
     EXPECT_NE(said.find("warning: orvanverb~: loudspeakers 2 and 3 stand at one azimuth"), std::string::npos) << said;
 }
 
-// Red if a value doesn't come out at the right, or if a room from a file leaves something of the one before.
+// Red if a value doesn't come out at the right, if a room from a file leaves something of the one before, or if what is
+// no room is taken for one, or shown.
 TEST_F(InPd, GivesValuesAndTakesRooms) {
     WriteText(directory / "mine.room", "# a room\ntr0 3.5\ndirect 0 1 2 3 400 5000\n");
     WriteText(directory / "bad.room", "tr0 3\ntro 4\n");
+    WriteText(directory / "binary.room", "\x1b[31m\xeb\xd7\n");
+    WriteText(directory / "latin.room", "k\xf6ln 2\n");
+    std::filesystem::create_directory(directory / "folder.room");
     PdPatch patch;
     const int room = patch.Object("orvanverb~ 1 2 @gain 6");
     patch.Connect(patch.Object("r room"), 0, room, 0);
@@ -299,14 +303,21 @@ TEST_F(InPd, GivesValuesAndTakesRooms) {
     patch.At(
         0.0,
         "\\; room get gain \\; room preset mine \\; room get gain \\; room get direct \\; room get direct_gain_low "
-        "\\; room preset bad \\; room get tr0 \\; room preset hall \\; room get tr0 \\; room get tro \\; pd quit");
-    EXPECT_EQ(Open(patch).err,
-              "print: gain 6\nprint: gain 0\n"
-              "print: direct 0 1 2 3 400 5000\nprint: direct_gain_low 1\n"
-              "error: orvanverb~: " +
-                  (directory / "bad.room") +
-                  ":2: a room has no 'tro'\nprint: tr0 3.5\nprint: tr0 2.1\n"
-                  "error: orvanverb~: get: there is no tro; print shows all names\n");
+        "\\; room preset bad \\; room get tr0 \\; room preset hall \\; room get tr0 \\; room get tro \\; room preset "
+        "binary \\; room preset latin \\; room preset folder "
+        "\\; room preset hal \\; room get tr0 \\; pd quit");
+    std::string said = Open(patch).err;
+    const std::size_t list = said.find("; there are: numinternals ");  // all names
+    ASSERT_NE(list, said.npos) << said;
+    said.erase(list, said.find('\n', list) - list);
+    const std::string error = "error: orvanverb~: ", there = "; preset alone lists those that there are\n";
+    EXPECT_EQ(said, "print: gain 6\nprint: gain 0\nprint: direct 0 1 2 3 400 5000\nprint: direct_gain_low 1\n" + error +
+                        (directory / "bad.room") +
+                        ":2: 'tro' is no control (did you mean tr0?)\nprint: tr0 3.5\nprint: tr0 2.1\n" + error +
+                        "get: there is no tro (did you mean tr0?); print shows all names\n" + error +
+                        (directory / "binary.room") + ":1: is no text\n" + error + (directory / "latin.room") +
+                        ":1: is no text\n" + error + "there is no room 'folder'" + there + error +
+                        "there is no room 'hal' (did you mean hall?)" + there + "print: tr0 2.1\n");
 }
 
 /// What a patch file keeps of a state: the text behind #A, line by line.
