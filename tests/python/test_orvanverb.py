@@ -148,6 +148,17 @@ def test_streaming_remembers():
     assert whole.latency == 0
 
 
+def test_floating_point_mode_stays_what_it_was():
+    """Rooms flush what is too small for normal numbers; nobody else's numbers do."""
+    small, x = numpy.full(64, 1e-40, numpy.float32), noise(2, 640)
+    room = furnished("headphones")
+    for work in (lambda: room.process(x), lambda: room.render(x, 0), lambda: setattr(room, "state", room.state),
+                 lambda: orvanverb.pan(x, "ab"), lambda: orvanverb.decode(x, "transaural"),
+                 lambda: orvanverb.measure(x, 48000)):
+        work()
+        assert (small * numpy.float32(0.5) > 0).all()
+
+
 def test_front_left_is_left():
     room = orvanverb.Room(speakers="headphones")
     room.place(0, azimuth_deg=-90)
