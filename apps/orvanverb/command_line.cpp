@@ -63,7 +63,7 @@ Call ParseCommandLine(int argc, char const* const* argv) {
     app.footer(
         "orvanverb COMMAND --help tells the options of one, with examples.\n"
         "  orvanverb render voice.wav -o wet.wav --preset church\n"
-        "  orvanverb ir -o church.wav --preset church && orvanverb measure church.wav");
+        "  orvanverb ir -o ir.wav --preset church --tail 4 && orvanverb measure ir.wav");
     app.get_formatter()->column_width(36);
 
     Call call;

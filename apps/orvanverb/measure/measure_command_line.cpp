@@ -24,7 +24,7 @@ struct Words {
 constexpr char const* footer =
     "Figures are those of ISO 3382-1; the energies of all channels count together, as a microphone among the\n"
     "loudspeakers would hear them. Where a figure can't be told, a line says why.\n"
-    "  orvanverb ir -o hall.wav --preset hall\n"
+    "  orvanverb ir -o hall.wav --preset hall --tail 3\n"
     "  orvanverb measure hall.wav --plot hall.svg\n"
     "  orvanverb measure yours.wav --bands third --against hall.wav";
 

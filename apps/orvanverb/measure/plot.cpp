@@ -94,7 +94,10 @@ void DrawEchoes(std::ostream& out, ResponseFile const& response, RoomMeasurement
         out << 1000.0 * (echoes.startSeconds + static_cast<double>(i) * echoes.stepSeconds) << ' '
             << std::max(echoes.levels[i], -60.0f) << '\n';
     out << "EOD\n$marks << EOD\n";
-    constexpr double legible = 4.0;  // [ms] from one text to the next
+    double namesDb = -60.0;  // all at one height, above the points
+    for (orvanmeasure::Reflection const& reflection : echoes.reflections)
+        namesDb = std::max(namesDb, reflection.levelDb + 1.5);
+    constexpr double legible = 6.5;  // [ms] from one text to the next
     double written = -legible;
     for (std::size_t i = 0; i < echoes.reflections.size(); ++i) {
         const double milliseconds = 1000.0 * echoes.reflections[i].seconds;
@@ -102,15 +105,15 @@ void DrawEchoes(std::ostream& out, ResponseFile const& response, RoomMeasurement
         if (named) written = milliseconds;
         out << milliseconds << ' ' << echoes.reflections[i].levelDb << " \""
             << (named ? FixedText(milliseconds, 1) + ChannelName(echoes.reflections[i].channel, channels.size()) : "")
-            << "\"\n";
+            << "\" " << namesDb << '\n';
     }
     out << "EOD\nset title 'First echoes: energy of 0.25 ms; reflections by ms and channel'\n"
         << "set xlabel 'ms behind the direct sound'\nset ylabel 'dB'\nset xrange [-3:" << 1000.0 * shownSeconds
-        << "]\nset yrange [-60:9]\nset ytics -60,10,0\nset label 1 'direct' at -2,6.5 left textcolor rgb '" << ink
+        << "]\nset yrange [-60:20]\nset ytics -60,10,0\nset label 1 'direct' at -2,17 left textcolor rgb '" << ink
         << "' font ',9'\nplot $echoes using 1:(-60):(0):($2+60) with vectors nohead lw 2 lc rgb '#3b528b'";
     if (!echoes.reflections.empty())
         out << ", $marks using 1:2 with points pt 7 ps 0.6 lc rgb '" << mark
-            << "', $marks using 1:($2+1.5):3 with labels rotate by 60 left font ',9' textcolor rgb '" << mark << "'";
+            << "', $marks using 1:4:3 with labels rotate by 60 left font ',9' textcolor rgb '" << mark << "'";
     out << "\nunset label 1\nset ytics autofreq\n";
 }
 
