@@ -46,7 +46,7 @@ test: build
 slow: build
 	@tools/setup hrtf
 	ctest --preset slow
-	tools/hrtf/make_kemar.py --check
+	tools/hrtf/check_kemar.py
 
 SOAK_SECONDS ?= 3600
 soak: configure
