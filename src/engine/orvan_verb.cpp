@@ -197,11 +197,12 @@ void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSample
 
     directLayer.shelf.Process(sourceBus->GetChannels(), AtTheDoor(inputs, numSamples), numSamples, allActiveInputs);
     ProcessRoom(numSamples);
+    MixLateLayer(numSamples, clusterGain * internalScale * ofRoom, reverbLayerGain * internalScale * ofRoom);
 
     AudioBuffer(outputs, numOutputs, static_cast<unsigned int>(numSamples), 0).Clear();
     AddDirectLayer(outputs, numSamples, sourceScale * internalScale * directGain * ofDirect);
     AddEarlyLayer(outputs, numSamples, earlyGain * internalScale * ofRoom);
-    AddLateLayer(outputs, numSamples, clusterGain * internalScale * ofRoom, reverbLayerGain * internalScale * ofRoom);
+    diffusePan->ProcessAdding(outputs, lateMixBus->GetChannels(), numSamples, allActiveInputs);
 }
 
 /// The inputs, but for channels with samples that aren't finite: of these, copies where such samples are 0. A single
@@ -223,8 +224,8 @@ float** OrvanVerb::AtTheDoor(float** inputs, unsigned long numSamples) {
     return doorInputs.data();
 }
 
-/// Fills the buses of the three room blocks from the filtered sources. The blocks stand in series, each on the raw
-/// output of the one before: gains and shelves of the layers come behind all of them.
+/// Fills the early bus from the filtered sources. The three room blocks stand in series, each on the raw output of the
+/// one before: gains and shelves of the layers come behind all of them.
 void OrvanVerb::ProcessRoom(unsigned long numSamples) {
     orvandsp::kernels::MixTerm sends[orvandsp::MaxNumChannels];
     for (unsigned int i = 0; i < numInputs; ++i)
@@ -235,8 +236,6 @@ void OrvanVerb::ProcessRoom(unsigned long numSamples) {
                                  numSamples, false);
     roomLayer.shelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
     early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
-    cluster->Process(clusterBus->GetChannels(), earlyBus->GetChannels(), numSamples, allActiveInputs);
-    reverb->Process(reverbBus->GetChannels(), clusterBus->GetChannels(), numSamples, allActiveInputs);
 }
 
 void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float gain) {
@@ -263,12 +262,26 @@ void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float g
 }
 
 /// The late field is added behind the cluster's shelf: its only shelf is that of the room.
-void OrvanVerb::AddLateLayer(float** outputs, unsigned long numSamples, float clusterScale, float reverbScale) {
+void OrvanVerb::MixLateLayer(unsigned long numSamples, float clusterScale, float reverbScale) {
+    if (MixLateLayerAtOnce(numSamples, clusterScale, reverbScale)) return;
+    cluster->Process(clusterBus->GetChannels(), earlyBus->GetChannels(), numSamples, allActiveInputs);
+    reverb->Process(reverbBus->GetChannels(), clusterBus->GetChannels(), numSamples, allActiveInputs);
     AudioBuffer mixed = BlockOf(*lateMixBus, numSamples);
     mixed.CopyFrom(*clusterBus, clusterScale);
     clusterLayer.shelf.Process(lateMixBus->GetChannels(), lateMixBus->GetChannels(), numSamples, allActiveInputs);
     mixed.AddFrom(*reverbBus, reverbScale);
-    diffusePan->ProcessAdding(outputs, lateMixBus->GetChannels(), numSamples, allActiveInputs);
+}
+
+/// The same bits in one pass, in which the processor works on one filter while another one waits for what it made last.
+/// @return false, and nothing has happened, while delays glide or the shelf fades
+bool OrvanVerb::MixLateLayerAtOnce(unsigned long numSamples, float clusterScale, float reverbScale) {
+    orvandsp::kernels::AllpassHead heads[orvandsp::MaxNumChannels];
+    orvandsp::kernels::Shelf shelves[orvandsp::MaxNumChannels];
+    if (!reverb->StandsStill() || !cluster->FindHeads(heads) || !clusterLayer.shelf.FindFilters(shelves)) return false;
+    cluster->WriteBlock(earlyBus->GetChannels(), numSamples);
+    reverb->ProcessMixed(lateMixBus->GetChannels(), {heads, shelves, clusterScale, reverbScale}, numSamples);
+    cluster->FinishBlock(numSamples);
+    return true;
 }
 
 void OrvanVerb::SetSamplerate(float newSamplerate) {

@@ -393,7 +393,8 @@ protected:
     void CrossfadeEars(float** outputs, unsigned long numSamples);
     void EndEarsCrossfade();
     void AddEarlyLayer(float** outputs, unsigned long numSamples, float gain);
-    void AddLateLayer(float** outputs, unsigned long numSamples, float clusterScale, float reverbScale);
+    void MixLateLayer(unsigned long numSamples, float clusterScale, float reverbScale);
+    bool MixLateLayerAtOnce(unsigned long numSamples, float clusterScale, float reverbScale);
     void UpdateEarlyDelays();
     void UpdateEarlyGains();
     void UpdateClusterDelays();

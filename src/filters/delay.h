@@ -87,7 +87,7 @@ public:
     /// holds until the line changes or moves on. Real-time safe.
     std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead(orvandsp::Ramp const& ramp) noexcept {
         if (ramp.remaining > 0 || interpolationMode != allpass) return std::nullopt;
-        return orvandsp::kernels::AllpassHead{Ring(), size, PositionOf(ramp.current), &allpassState};
+        return orvandsp::kernels::AllpassHead{Ring(), size, PositionOf(ramp.current), &allpassState, 0};
     }
     /// The built-in head, if it stands still in the mode allpass, or if it glides in that mode.
     std::optional<orvandsp::kernels::AllpassHead> FindBuiltInHead() noexcept { return FindAllpassHead(delayRamp); }

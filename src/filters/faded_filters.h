@@ -101,8 +101,8 @@ public:
     /// @param jobs  orvandsp::Batch of jobs that are made of a filter, an output and an input
     template <typename Jobs>
     void BeginBlock(float* output, float* input, unsigned long numSamples, Jobs& jobs) {
-        if (!IsFading() && !updatePending) {
-            jobs.Add({&Incoming(), output, input});
+        if (T* const only = FindOnly()) {
+            jobs.Add({only, output, input});
             return;
         }
         PrepareBlock(numSamples);
@@ -120,6 +120,9 @@ public:
     void FinishBlock(float* output, unsigned long numSamples, FadeGains& gains) {
         if (IsFading()) MixFade(output, numSamples, false, gains);
     }
+
+    /// The filter that runs, if neither a fade runs nor a set waits.
+    T* FindOnly() noexcept { return IsFading() || updatePending ? nullptr : &Incoming(); }
 
     /// Starts the fade to a waiting set, if there is one that isn't held and no fade runs. ProcessBlock does so itself;
     /// for users who choose the moment.

@@ -26,6 +26,25 @@ void MultiDelay::Process(float** outputs, float** inputs, unsigned long numSampl
     jobs.Finish();
 }
 
+bool MultiDelay::FindHeads(orvandsp::kernels::AllpassHead* heads) noexcept {
+    return std::ranges::all_of(delays, [&heads](auto const& delay) {
+        const auto head = delay->FindBuiltInHead();
+        if (head) *heads++ = *head;
+        return head.has_value();
+    });
+}
+
+void MultiDelay::WriteBlock(float** inputs, unsigned long numSamples) {
+    for (auto const& delay : delays) delay->tapIn(*inputs++, static_cast<int>(numSamples), 0);
+}
+
+void MultiDelay::FinishBlock(unsigned long numSamples) noexcept {
+    for (auto const& delay : delays) {
+        delay->AdvanceWritePosition(static_cast<int>(numSamples));
+        delay->ExpectBlock(static_cast<int>(numSamples), 0);
+    }
+}
+
 void MultiDelay::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
     for (auto& delay : delays) delay->SetSamplerate(newSamplerate);

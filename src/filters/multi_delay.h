@@ -20,6 +20,14 @@ public:
     void SetMaxBlockSize(unsigned int blockSize) override;
     void Clear() override;
 
+    /// Process in parts, of which the middle one is somebody else's, who reads all lines together with something else:
+    /// the heads to read with, if all stand still in the mode allpass; what writes the lines; what moves on.
+    /// @param heads  one for each channel
+    /// @return false if some head doesn't stand still: then Process is the way
+    bool FindHeads(orvandsp::kernels::AllpassHead* heads) noexcept;
+    void WriteBlock(float** inputs, unsigned long numSamples);
+    void FinishBlock(unsigned long numSamples) noexcept;
+
     /// Where Process would copy a line's input to, as Delay::FindCells has it.
     float* FindCells(unsigned int index, unsigned long numSamples) noexcept {
         return delays[index]->FindCells(static_cast<int>(numSamples), 0);

@@ -53,6 +53,14 @@ void MultiFadedHLShelf::Process(float** outputs, float** inputs, unsigned long n
         if (activeInputs[i] != 0) shelves[i].FinishBlock(outputs[i], numSamples, gains);
 }
 
+bool MultiFadedHLShelf::FindFilters(orvandsp::kernels::Shelf* filters) noexcept {
+    return std::ranges::all_of(shelves, [&filters](FadedHLShelf& shelf) {
+        HLShelf* const alone = shelf.FindOnly();
+        if (alone != nullptr) *filters++ = alone->GetKernelShelf();
+        return alone != nullptr;
+    });
+}
+
 void MultiFadedHLShelf::SetSamplerate(float newSamplerate) {
     samplerate = newSamplerate;
     for (FadedHLShelf& shelf : shelves) shelf.SetSamplerate(newSamplerate);

@@ -25,6 +25,11 @@ public:
 
     /// Filters each channel. An inactive channel's output is cleared; its filters and its fade wait. Real-time safe.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    /// The filters that Process would run, for whoever runs them together with something else: they hold until a setter
+    /// is called.
+    /// @param filters  one for each channel
+    /// @return false if a channel fades or is about to: then Process is the way
+    bool FindFilters(orvandsp::kernels::Shelf* filters) noexcept;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
     void Clear() override;

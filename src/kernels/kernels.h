@@ -33,8 +33,9 @@ struct ShelfJob {
 struct AllpassHead {
     float const* ring;  // with one guard cell behind its end
     int size;           // of the ring [samples]
-    float position;     // of the next sample [samples], to be folded into the ring
+    float position;     // of the block's first sample [samples], to be folded into the ring
     float* state;       // previous output
+    int first;          // sample of the block to begin with
 };
 
 struct HeadJob {
@@ -48,6 +49,26 @@ struct LossyHeadJob {
     Shelf absorbent;
     Shelf air;
     float* output;
+};
+
+/// The cluster and the late field that it feeds, with the mix of both: what one of the room's channels goes through
+/// from the lines of the one to the loop of the other. Arrays with an entry for each channel.
+///
+///     cluster head --+--> x clusterGain --> shelf ----------------+--> mixed
+///                    |                                            |
+///                    +--> x inGain --+        +--> x outGain --> x lateGain
+///                                    |        |
+///     late head --> absorbent --> air --------+--(sum)--> loop
+struct LateMix {
+    AllpassHead const* clusterHeads;
+    Shelf const* clusterShelves;
+    AllpassHead const* lateHeads;
+    Shelf const* absorbents;
+    Shelf const* airs;  // null: no losses in air
+    float* const* mixed;
+    float* const* loops;
+    std::size_t first;  // sample of the mixed channels
+    float clusterGain, inGain, outGain, lateGain;
 };
 
 /// An allpass head whose delay runs along a ramp.
@@ -110,6 +131,7 @@ struct Kernels {
     void (*shelves)(ShelfJob const* jobs, std::size_t numJobs, std::size_t numSamples);
     void (*allpassHeads)(HeadJob const* jobs, std::size_t numJobs, std::size_t numSamples);
     void (*lossyHeads)(LossyHeadJob const* jobs, std::size_t numJobs, std::size_t numSamples, bool throughAir);
+    void (*lateMix)(LateMix const& mix, std::size_t numChannels, std::size_t numSamples);
     void (*glides)(GlideJob const* jobs, std::size_t numJobs, std::size_t numSamples);
     /// Of cascades with one number of stages, 1 to maxCascadeStages.
     void (*cascades)(CascadeJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples);

@@ -188,9 +188,42 @@ inline std::size_t Least(std::size_t a, std::size_t b) noexcept {
     return b < a ? b : a;
 }
 
+/// Two frames side by side, and the arrays that they come from or go to.
+struct Pair {
+    Lanes a, b;
+};
+template <typename Sample>
+struct PairOfArrays {
+    Sample* const* a;
+    Sample* const* b;
+};
+inline void LoadFrames(Pair (&frames)[4], PairOfArrays<float const> const& arrays, std::size_t first) noexcept {
+    Lanes a[4], b[4];
+    LoadFrames(a, arrays.a, first);
+    LoadFrames(b, arrays.b, first);
+    for (std::size_t i = 0; i < 4; ++i) frames[i] = {a[i], b[i]};
+}
+inline void StoreFrames(PairOfArrays<float> const& arrays, std::size_t first, Pair (&frames)[4]) noexcept {
+    Lanes a[4], b[4];
+    for (std::size_t i = 0; i < 4; ++i) {
+        a[i] = frames[i].a;
+        b[i] = frames[i].b;
+    }
+    StoreFrames(arrays.a, first, a);
+    StoreFrames(arrays.b, first, b);
+}
+inline Pair LoadFrame(PairOfArrays<float const> const& arrays, std::size_t index) noexcept {
+    return {LoadFrame(arrays.a, index), LoadFrame(arrays.b, index)};
+}
+inline void StoreFrame(PairOfArrays<float> const& arrays, std::size_t index, Pair frame) noexcept {
+    StoreFrame(arrays.a, index, frame.a);
+    StoreFrame(arrays.b, index, frame.b);
+}
+
 /// A filter that takes a frame and returns one has this for a base if it returns what comes of that very frame.
 struct Immediate {
     static constexpr std::size_t lag = 0;
+    using Output = Lanes;
 };
 
 /// Filters in a row, of which the second one takes what the first one made of the sample before, so that no step waits
@@ -200,25 +233,28 @@ struct Immediate {
 template <typename First, typename Second>
 struct InSeries {
     static constexpr std::size_t lag = Second::lag + 1;
-    Lanes operator()(Lanes x) noexcept {
-        const Lanes result = second(between);
+    using Output = typename Second::Output;
+    template <typename Frame>
+    Output operator()(Frame x) noexcept {
+        const Output result = second(between);
         between = first(x);
         return result;
     }
-    template <std::size_t number>
-    void Fill(Lanes x) noexcept {
+    template <std::size_t number, typename Frame>
+    void Fill(Frame x) noexcept {
         if constexpr (number > 0) second.template Fill<number - 1>(between);
         between = first(x);
     }
     template <std::size_t number>
-    Lanes Drain() noexcept {
+    Output Drain() noexcept {
         if constexpr (number == 0)
             return second(between);
         else
             return second.template Drain<number - 1>();
     }
     /// A sample of its own, which is no part of a run.
-    Lanes Alone(Lanes x) noexcept {
+    template <typename Frame>
+    Output Alone(Frame x) noexcept {
         if constexpr (lag > 1)
             return second.Alone(first(x));
         else
@@ -226,34 +262,36 @@ struct InSeries {
     }
     First first{};
     Second second{};
-    Lanes between{};
+    typename First::Output between{};
 };
 
 /// Runs numLanes channels, sample by sample, through filters in series.
-/// @return the filters with their states behind the last sample
-template <typename First, typename Second>
-inline InSeries<First, Second> RunLanes(float* const* outputs, float const* const* inputs, std::size_t numSamples,
-                                        InSeries<First, Second> filter) noexcept {
-    constexpr std::size_t lag = filter.lag;
+/// @param outputs, inputs  arrays, or pairs of them
+/// @param filter           by reference: several of them are more than registers hold, and copying them takes time
+template <typename Outputs, typename Inputs, typename First, typename Second>
+inline void RunLanes(Outputs const& outputs, Inputs const& inputs, std::size_t numSamples,
+                     InSeries<First, Second>& filter) noexcept {
+    constexpr std::size_t lag = InSeries<First, Second>::lag;
     static_assert(lag == 1 || lag == 2);
     std::size_t k = 0;
     if (numSamples >= 4) {
-        filter.template Fill<0>(LoadFrame(inputs, 0));
-        if constexpr (lag > 1) filter.template Fill<1>(LoadFrame(inputs, 1));
-        Lanes frames[4];
-        for (; k + 8 <= numSamples; k += 4) {
-            LoadFrames(frames, inputs, k + lag);
-            for (Lanes& frame : frames) frame = filter(frame);
-            StoreFrames(outputs, k, frames);
+        decltype(LoadFrame(inputs, 0)) in[4];
+        typename Second::Output out[4];
+        LoadFrames(in, inputs, 0);
+        filter.template Fill<0>(in[0]);
+        if constexpr (lag > 1) filter.template Fill<1>(in[1]);
+        for (std::size_t i = lag; i < 4; ++i) out[i - lag] = filter(in[i]);
+        for (k = 4; k + 4 <= numSamples; k += 4) {
+            LoadFrames(in, inputs, k);
+            for (std::size_t i = 0; i < lag; ++i) out[4 - lag + i] = filter(in[i]);
+            StoreFrames(outputs, k - 4, out);
+            for (std::size_t i = lag; i < 4; ++i) out[i - lag] = filter(in[i]);
         }
-        for (std::size_t i = 0; i < 4 - lag; ++i) frames[i] = filter(LoadFrame(inputs, k + lag + i));
-        frames[4 - lag] = filter.template Drain<0>();
-        if constexpr (lag > 1) frames[3] = filter.template Drain<1>();
-        StoreFrames(outputs, k, frames);
-        k += 4;
+        out[4 - lag] = filter.template Drain<0>();
+        if constexpr (lag > 1) out[3] = filter.template Drain<1>();
+        StoreFrames(outputs, k - 4, out);
     }
     for (; k < numSamples; ++k) StoreFrame(outputs, k, filter.Alone(LoadFrame(inputs, k)));
-    return filter;
 }
 
 /// Runs numLanes channels, sample by sample, through a filter.

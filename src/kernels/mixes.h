@@ -192,12 +192,26 @@ void MixTerms(float* const* outputs, std::size_t first, std::size_t numOutputs, 
     }
 }
 
-/// Butterflies over N channels, of one sample of each: recursive, so that the compiler sees each index.
+/// Up to so many channels the compiler sees each index. More of them than registers hold take loops.
+constexpr std::size_t mostInRegisters = 16;
+
+/// Butterflies over N channels, of one sample of each.
 template <std::size_t N, typename Value>
 inline void Butterflies(Value* v) noexcept {
-    if constexpr (N > 1) {
+    if constexpr (N > mostInRegisters) {
+        for (std::size_t half = N / 2; half >= mostInRegisters; half /= 2) {
+            for (std::size_t j = 0; j < N; ++j) {
+                if ((j & half) != 0) continue;
+                const Value a = v[j];
+                const Value b = v[j + half];
+                v[j] = a + b;
+                v[j + half] = a - b;
+            }
+        }
+        for (std::size_t first = 0; first < N; first += mostInRegisters) Butterflies<mostInRegisters>(v + first);
+    } else if constexpr (N > 1) {
         constexpr std::size_t half = N / 2;
-#pragma GCC unroll 32
+#pragma GCC unroll 16
         for (std::size_t j = 0; j < half; ++j) {
             const Value a = v[j];
             const Value b = v[j + half];
@@ -218,10 +232,10 @@ void RunHadamard(float* const* outputs, float const* const* inputs, unsigned int
         Value mixed[maxChannels];
         for (std::size_t first = 0; first < numChannels; first += N) {
             Value v[N];
-#pragma GCC unroll 64
+#pragma GCC unroll 16
             for (std::size_t c = 0; c < N; ++c) v[c] = load(inputs[first + c] + k);
             Butterflies<N>(v);
-#pragma GCC unroll 64
+#pragma GCC unroll 16
             for (std::size_t c = 0; c < N; ++c) mixed[first + c] = v[c] * scale;
         }
         for (std::size_t c = 0; c < numChannels; ++c) store(outputs[c] + k, mixed[order[c]]);

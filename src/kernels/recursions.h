@@ -120,6 +120,43 @@ struct HeadLanes : Immediate {
     Lanes coefficient{}, older{}, state{};
 };
 
+/// The heads of numLanes jobs on their ways around their rings.
+struct HeadsOnRings {
+    /// @param heads  made ready to read
+    template <typename Jobs, typename GetHead>
+    HeadsOnRings(Jobs const& jobs, GetHead getHead, HeadLanes& heads) noexcept {
+        Lanes position{};
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            head[lane] = &getHead(jobs[lane]);
+            position[lane] = head[lane]->position;
+            heads.state[lane] = *head[lane]->state;
+        }
+        const auto [wholes, fraction] = Split(position);
+        heads.coefficient = AllpassCoefficient(fraction);
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            index[lane] = (wholes[lane] + head[lane]->first) & (head[lane]->size - 1);
+            heads.older[lane] = head[lane]->ring[index[lane]];
+        }
+    }
+    /// The newer neighbours of the samples to come, and how many of them lie in a row, if not more than `length`.
+    std::size_t FindRun(float const* (&newer)[numLanes], std::size_t length) const noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            length = Least(length, static_cast<std::size_t>(head[lane]->size - index[lane]));
+            newer[lane] = head[lane]->ring + index[lane] + 1;
+        }
+        return length;
+    }
+    void MoveOn(std::size_t length) noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane)
+            index[lane] = (index[lane] + static_cast<int>(length)) & (head[lane]->size - 1);
+    }
+    void Keep(HeadLanes const& heads) const noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) *head[lane]->state = heads.state[lane];
+    }
+    AllpassHead const* head[numLanes];
+    int index[numLanes];
+};
+
 inline HeadLanes& HeadsOf(HeadLanes& heads) noexcept {
     return heads;
 }
@@ -132,38 +169,23 @@ inline HeadLanes& HeadsOf(InSeries<HeadLanes, Losses>& series) noexcept {
 /// @param filter  the heads, alone or with what they read passes through
 template <typename Jobs, typename Filter>
 inline Filter ReadHeads(Jobs const& jobs, std::size_t numSamples, Filter filter) noexcept {
+    HeadsOnRings heads(
+        jobs, [](auto const& job) -> AllpassHead const& { return job.head; }, HeadsOf(filter));
     float* outputs[numLanes];
-    int indices[numLanes];
-    Lanes position{};
-    for (std::size_t lane = 0; lane < numLanes; ++lane) {
-        outputs[lane] = jobs[lane].output;
-        position[lane] = jobs[lane].head.position;
-        HeadsOf(filter).state[lane] = *jobs[lane].head.state;
-    }
-    const auto [wholes, fraction] = Split(position);
-    HeadsOf(filter).coefficient = AllpassCoefficient(fraction);
-    for (std::size_t lane = 0; lane < numLanes; ++lane) {
-        AllpassHead const& head = jobs[lane].head;
-        indices[lane] = wholes[lane] & (head.size - 1);
-        HeadsOf(filter).older[lane] = head.ring[indices[lane]];
-    }
+    for (std::size_t lane = 0; lane < numLanes; ++lane) outputs[lane] = jobs[lane].output;
     // Straight runs, from the end of one of the rings to the next.
     for (std::size_t done = 0; done < numSamples;) {
-        std::size_t length = numSamples - done;
         float const* newer[numLanes];
-        for (std::size_t lane = 0; lane < numLanes; ++lane) {
-            AllpassHead const& head = jobs[lane].head;
-            length = Least(length, static_cast<std::size_t>(head.size - indices[lane]));
-            newer[lane] = head.ring + indices[lane] + 1;
-        }
-        filter = RunLanes(outputs, newer, length, filter);
-        for (std::size_t lane = 0; lane < numLanes; ++lane) {
-            indices[lane] = (indices[lane] + static_cast<int>(length)) & (jobs[lane].head.size - 1);
-            outputs[lane] += length;
-        }
+        const std::size_t length = heads.FindRun(newer, numSamples - done);
+        if constexpr (Filter::lag > 0)
+            RunLanes(outputs, newer, length, filter);
+        else
+            filter = RunLanes(outputs, newer, length, filter);
+        heads.MoveOn(length);
+        for (float*& output : outputs) output += length;
         done += length;
     }
-    for (std::size_t lane = 0; lane < numLanes; ++lane) *jobs[lane].head.state = HeadsOf(filter).state[lane];
+    heads.Keep(HeadsOf(filter));
     return filter;
 }
 
@@ -194,6 +216,88 @@ void LossyHeads(LossyHeadJob const* jobs, std::size_t numJobs, std::size_t numSa
                 .second.Keep(group, absorbentOf);
         }
     });
+}
+
+/// What LateMix draws, in three steps, each of which takes what the one before it made of the sample before.
+struct MixHeads : Immediate {
+    using Output = Pair;
+    Pair operator()(Pair newer) noexcept { return {cluster(newer.a), late(newer.b)}; }
+    HeadLanes cluster, late;
+};
+struct MixShelves {
+    static constexpr std::size_t lag = 0;
+    struct Output {
+        Lanes cluster, coloured, late;
+    };
+    Output operator()(Pair read) noexcept { return {read.a, shelf(read.a * clusterGain), absorbent(read.b)}; }
+    ShelfLanes shelf, absorbent;
+    float clusterGain;
+};
+struct MixLoops {
+    static constexpr std::size_t lag = 0;
+    using Output = Pair;
+    Pair operator()(MixShelves::Output x) noexcept {
+        const Lanes aired = air(x.late);
+        const Lanes lost = throughAir ? aired : x.late;
+        return {x.coloured + lost * outGain * lateGain, lost + inGain * x.cluster};
+    }
+    ShelfLanes air;
+    LaneInts throughAir;  // in lanes, so that no second loop is made for an air without losses
+    float inGain, outGain, lateGain;
+};
+
+void MixGroup(LateMix const& mix, std::size_t firstChannel, std::size_t number, std::size_t numSamples) {
+    const auto itself = [](auto const& job) -> auto const& {
+        return job;
+    };
+    const Group<Shelf> shelves(mix.clusterShelves + firstChannel, number);
+    const Group<Shelf> absorbents(mix.absorbents + firstChannel, number);
+    const Group<Shelf> airs((mix.airs != nullptr ? mix.airs : mix.absorbents) + firstChannel, number);
+    InSeries<MixHeads, InSeries<MixShelves, MixLoops>> filter = {
+        .second = {.first = {.shelf = ShelfLanes(shelves, itself),
+                             .absorbent = ShelfLanes(absorbents, itself),
+                             .clusterGain = mix.clusterGain},
+                   .second = {.air = ShelfLanes(airs, itself),
+                              .throughAir = LaneInts{} - (mix.airs != nullptr ? 1 : 0),
+                              .inGain = mix.inGain,
+                              .outGain = mix.outGain,
+                              .lateGain = mix.lateGain}}};
+    auto& [heads, losses, _] = filter;
+    HeadsOnRings cluster(Group<AllpassHead>(mix.clusterHeads + firstChannel, number), itself, heads.cluster);
+    HeadsOnRings late(Group<AllpassHead>(mix.lateHeads + firstChannel, number), itself, heads.late);
+    float* mixed[numLanes];
+    float* loops[numLanes];
+    for (std::size_t lane = 0; lane < numLanes; ++lane) {
+        const std::size_t channel = firstChannel + Least(lane, number - 1);
+        mixed[lane] = mix.mixed[channel] + mix.first;
+        loops[lane] = mix.loops[channel];
+    }
+    for (std::size_t done = 0; done < numSamples;) {
+        float const* newerOfCluster[numLanes];
+        float const* newerOfLate[numLanes];
+        const std::size_t length = late.FindRun(newerOfLate, cluster.FindRun(newerOfCluster, numSamples - done));
+        RunLanes(PairOfArrays<float>{mixed, loops}, PairOfArrays<float const>{newerOfCluster, newerOfLate}, length,
+                 filter);
+        cluster.MoveOn(length);
+        late.MoveOn(length);
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            mixed[lane] += length;
+            loops[lane] += length;
+        }
+        done += length;
+    }
+    cluster.Keep(heads.cluster);
+    late.Keep(heads.late);
+    losses.first.shelf.Keep(shelves, itself);
+    losses.first.absorbent.Keep(absorbents, itself);
+    if (mix.airs != nullptr) losses.second.air.Keep(airs, itself);
+}
+
+void MixLate(LateMix const& mix, std::size_t numChannels, std::size_t numSamples) {
+    // Sixteen lanes are moved in and out more slowly than twice eight.
+    if (FitsNarrower(numChannels) || numLanes == 16) return narrower->lateMix(mix, numChannels, numSamples);
+    for (std::size_t first = 0; first < numChannels; first += numLanes)
+        MixGroup(mix, first, Least(numLanes, numChannels - first), numSamples);
 }
 
 /// Allpass heads on the move: for each sample the place between two neighbours, and from that the coefficient.

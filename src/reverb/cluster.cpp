@@ -26,16 +26,26 @@ void Cluster::DeleteCluster(Cluster* cluster) {
     delete cluster;
 }
 
-void Cluster::Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) {
+void Cluster::Mix(float** mixed, float** inputs, unsigned long numSamples) {
     const auto length = static_cast<unsigned int>(numSamples);
     if (scratch.GetNumSamples() != length) scratch.Resize(numInputs, length);
-    float* mixed[orvandsp::MaxNumChannels];
     for (unsigned int i = 0; i < numInputs; ++i) {
         float* const cells = delays->FindCells(i, numSamples);
         mixed[i] = cells != nullptr ? cells : scratch.GetChannel(i);
     }
     shuffle.Process(mixed, inputs, numSamples, orvandsp::allActiveInputs);
+}
+
+void Cluster::Process(float** outputs, float** inputs, unsigned long numSamples, short const* /*activeInputs*/) {
+    float* mixed[orvandsp::MaxNumChannels];
+    Mix(mixed, inputs, numSamples);
     delays->Process(outputs, mixed, numSamples, orvandsp::allActiveInputs);
+}
+
+void Cluster::WriteBlock(float** inputs, unsigned long numSamples) {
+    float* mixed[orvandsp::MaxNumChannels];
+    Mix(mixed, inputs, numSamples);
+    delays->WriteBlock(mixed, numSamples);
 }
 
 void Cluster::SetSamplerate(float newSamplerate) {

@@ -24,6 +24,10 @@ public:
 
     /// All channels count as active. Allocates only in a call whose length differs from the one before.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    /// Process in parts, as MultiDelay has them.
+    bool FindHeads(orvandsp::kernels::AllpassHead* heads) noexcept { return delays->FindHeads(heads); }
+    void WriteBlock(float** inputs, unsigned long numSamples);
+    void FinishBlock(unsigned long numSamples) noexcept { delays->FinishBlock(numSamples); }
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
     void Clear() override;
@@ -36,6 +40,10 @@ public:
     void GetDelays(float* ms) const { delays->GetDelays(ms); }
 
 private:
+    /// Mixes a block, where it can into the lines themselves.
+    /// @param mixed  where it lies
+    void Mix(float** mixed, float** inputs, unsigned long numSamples);
+
     std::unique_ptr<MultiDelay> delays;
     Shuffle shuffle;
     orvandsp::AudioBuffer scratch;  // the mixed signal, where it has no place in a line

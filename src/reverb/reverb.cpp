@@ -276,29 +276,67 @@ void Reverb::ClearAirFilters() {
     for (AirAbsorption& filter : airFilters) filter.Clear();
 }
 
-void Reverb::Process(float** outputs, float** inputs, unsigned long numSamples, short const*) {
+template <typename Run>
+void Reverb::ForEachChunk(unsigned long numSamples, Run run) {
     // At least one sample, so that a rate of a few hertz, where the shortest delay is no sample long, can't stop the
     // loop.
     const auto maxChunk =
         std::clamp(static_cast<unsigned int>(samplerate * minimumDelay * 0.001f), 1u, maxChunkSamples);
     for (unsigned long done = 0; done < numSamples;) {
         const auto chunk = static_cast<unsigned int>(std::min<unsigned long>(numSamples - done, maxChunk));
+        if (chunk != tapBuffer.GetNumSamples()) {
+            tapBuffer.Resize(GetNumDelays(), chunk);
+            feedbackBuffer.Resize(GetNumDelays(), chunk);
+        }
         // One gain for the chunk, that from before its step.
         const float gain = inputGain.Advance(chunk);
-        const float compensation = compensateInputPower ? 1.0f / gain : 1.0f;
-        ProcessChunk(outputs, inputs, done, chunk, gain, compensation);
+        run(done, chunk, gain, compensateInputPower ? 1.0f / gain : 1.0f);
         done += chunk;
     }
 }
 
-void Reverb::ProcessChunk(float** outputs, float** inputs, unsigned long first, unsigned int chunk, float gain,
-                          float compensation) {
-    if (chunk != tapBuffer.GetNumSamples()) {
-        tapBuffer.Resize(GetNumDelays(), chunk);
-        feedbackBuffer.Resize(GetNumDelays(), chunk);
+void Reverb::Process(float** outputs, float** inputs, unsigned long numSamples, short const*) {
+    ForEachChunk(numSamples, [&](unsigned long first, unsigned int chunk, float gain, float compensation) {
+        ReadTaps(chunk);
+        kernels::Get().feedback(tapBuffer.GetChannels(), outputs, inputs, first, GetNumDelays(), gain, compensation,
+                                chunk);
+        WriteLines(chunk);
+    });
+}
+
+bool Reverb::StandsStill() noexcept {
+    return std::ranges::all_of(taps, [](auto const& tap) { return tap->FindAllpassHead().has_value(); });
+}
+
+void Reverb::ProcessMixed(float** mixed, Mix const& mix, unsigned long numSamples) {
+    kernels::AllpassHead heads[orvandsp::MaxNumChannels];
+    kernels::Shelf absorbents[orvandsp::MaxNumChannels], airs[orvandsp::MaxNumChannels];
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) {
+        absorbents[i] = absorbentFilters[i].GetKernelShelf();
+        airs[i] = airFilters[i].GetShelf().GetKernelShelf();
     }
-    ReadTaps(chunk);
-    kernels::Get().feedback(tapBuffer.GetChannels(), outputs, inputs, first, GetNumDelays(), gain, compensation, chunk);
+    orvandsp::FlushDenormals();
+    ForEachChunk(numSamples, [&](unsigned long first, unsigned int chunk, float gain, float compensation) {
+        for (unsigned int i = 0; i < GetNumDelays(); ++i) heads[i] = *taps[i]->FindAllpassHead();
+        kernels::Get().lateMix({.clusterHeads = mix.clusterHeads,
+                                .clusterShelves = mix.clusterShelves,
+                                .lateHeads = heads,
+                                .absorbents = absorbents,
+                                .airs = airAbsorptionOn ? airs : nullptr,
+                                .mixed = mixed,
+                                .loops = tapBuffer.GetChannels(),
+                                .first = first,
+                                .clusterGain = mix.clusterGain,
+                                .inGain = gain,
+                                .outGain = compensation,
+                                .lateGain = mix.lateGain},
+                               GetNumDelays(), chunk);
+        for (unsigned int i = 0; i < GetNumDelays(); ++i) mix.clusterHeads[i].first += static_cast<int>(chunk);
+        WriteLines(chunk);
+    });
+}
+
+void Reverb::WriteLines(unsigned int chunk) {
     float* mixed[orvandsp::MaxNumChannels];
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
         // Before the line is written: what goes in now is read a chunk and a delay later, and the loop of each line is
@@ -308,7 +346,10 @@ void Reverb::ProcessChunk(float** outputs, float** inputs, unsigned long first, 
         mixed[i] = cells != nullptr ? cells : feedbackBuffer.GetChannel(i);
     }
     shuffle.Process(mixed, tapBuffer.GetChannels(), chunk, orvandsp::allActiveInputs);
-    for (unsigned int i = 0; i < GetNumDelays(); ++i) lines[i]->tapIn(mixed[i], static_cast<int>(chunk), 0);
+    for (unsigned int i = 0; i < GetNumDelays(); ++i) {
+        lines[i]->tapIn(mixed[i], static_cast<int>(chunk), 0);
+        lines[i]->ExpectBlock(static_cast<int>(chunk), static_cast<int>(chunk));
+    }
 }
 
 void Reverb::ReadTaps(unsigned int chunk) {
@@ -319,7 +360,6 @@ void Reverb::ReadTaps(unsigned int chunk) {
     orvandsp::Batch<kernels::LossyHeadJob, decltype(read)> heads(read);
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
         float* const tapped = tapBuffer.GetChannel(i);
-        lines[i]->ExpectBlock(static_cast<int>(chunk), static_cast<int>(chunk));
         if (const auto head = taps[i]->FindAllpassHead())
             heads.Add({*head, absorbentFilters[i].GetKernelShelf(), airFilters[i].GetShelf().GetKernelShelf(), tapped});
         else

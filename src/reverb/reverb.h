@@ -57,6 +57,19 @@ public:
     void SetMaxBlockSize(unsigned int blockSize) override;
     /// Silences lines, taps and absorbent filters. The air filters keep their memory; gain and delays stay.
     void Clear() override;
+    /// Whether no tap is on its way to another delay.
+    bool StandsStill() noexcept;
+    /// What the field can be computed together with, in one pass: the cluster that feeds it, and the mix of both that
+    /// is heard, in which a shelf colours the cluster alone. Arrays with an entry for each channel.
+    struct Mix {
+        orvandsp::kernels::AllpassHead* clusterHeads;  // moved on
+        orvandsp::kernels::Shelf const* clusterShelves;
+        float clusterGain;  // in front of the shelf
+        float lateGain;
+    };
+    /// Process on what the heads of the cluster read, and the mix. While the field stands still. Real-time safe.
+    /// @param mixed  N channels
+    void ProcessMixed(float** mixed, Mix const& mix, unsigned long numSamples);
     /// Silences the air filters.
     void ClearAirFilters();
     /// Whether a gain that jumps silences the air filters as well. They hold what came in at the old gain; an infinite
@@ -108,13 +121,15 @@ private:
     void update();
     /// The input gain as it is in the midst of its ramp.
     float PresentInputGain() const noexcept;
+    /// Calls run(first, count, gain, compensation) for one chunk of a block after the other.
+    template <typename Run>
+    void ForEachChunk(unsigned long numSamples, Run run);
+    /// Mixes the tap buffer back into the lines.
+    void WriteLines(unsigned int chunk);
     /// Fills the tap buffer: what comes out of the lines, behind the filters.
     void ReadTaps(unsigned int chunk);
     /// The same for a channel whose head is on the move.
     void ReadTapAlone(unsigned int channel, float* tapped, unsigned int chunk);
-    /// @param first  where the chunk begins in the block
-    void ProcessChunk(float** outputs, float** inputs, unsigned long first, unsigned int chunk, float gain,
-                      float compensation);
 
     float decayTime;               // [s]
     float relativeDecayLow;        // factors of the decay time

@@ -9,6 +9,9 @@
 #include "filters/multi_delay.h"
 #include "filters/multi_faded_hl_shelf.h"
 #include "filters/multi_hl_shelf.h"
+#include "kernels/kernels.h"
+#include "reverb/cluster.h"
+#include "reverb/reverb.h"
 #include "support/channels.h"
 
 // What works on several channels at once must give each of them the bits that it would have alone. Runs with each width
@@ -140,6 +143,59 @@ TEST(Batches, BanksGiveTheBitsOfTheirChannels) {
                 ExpectSameBits(expected[b].data, actual[b].data);
             }
         }
+    }
+}
+
+// Cluster and late field with their mix in one pass, against one after the other: with and without losses in air, in
+// blocks of several chunks, across the ends of all lines, and with a level that changes inside a block.
+TEST(Batches, TheLateMixGivesTheBitsOfItsSteps) {
+    constexpr float rate = 44100.0f, clusterGain = 0.7f, lateGain = 0.3f;
+    for (const unsigned int n : {3u, 4u, 8u, 9u, 16u}) {
+        SCOPED_TRACE(n);
+        struct Room {
+            explicit Room(unsigned int n) : cluster(n, rate), late(n, rate), shelf(n) {
+                cluster.Configure(rate, 128, true);
+                late.Configure(rate, 128, true);
+                shelf.Configure(rate, 128, true);
+                shelf.SetParameters({.gain = -2.0f, .gainLow = 3.0f, .gainMed = 0.0f, .gainHigh = -4.0f});
+            }
+            Lume::Cluster cluster;
+            Lume::Reverb late;
+            Lume::MultiFadedHLShelf shelf;
+        } steps(n), once(n);
+        int numAtOnce = 0;
+        for (std::uint32_t round = 0; round < 64; ++round) {
+            const Channels inputs = Noise(round, n, totalLength);
+            Channels clustered = inputs, field = inputs, expected = inputs, actual = inputs;
+            for (Room* const room : {&steps, &once}) {
+                room->late.UseAirAbsorption(round % 3 != 0);
+                if (round % 16 == 0) room->late.SetDecayTime(2.0f + 0.1f * static_cast<float>(round));
+            }
+            const auto inSteps = [&](Room& room, float** in, float** out, std::size_t first, std::size_t length) {
+                std::vector<float*> reflected = clustered.From(first), late = field.From(first);
+                short const* const active = orvandsp::allActiveInputs;
+                room.cluster.Process(reflected.data(), in, length, active);
+                room.late.Process(late.data(), reflected.data(), length, active);
+                const std::vector<float> gains(n, clusterGain);
+                orvandsp::kernels::Get().scale(out, reflected.data(), gains.data(), n, length);
+                room.shelf.Process(out, out, length, active);
+                orvandsp::kernels::Get().addScaled(out, late.data(), lateGain, n, length);
+            };
+            InBlocks([&](std::size_t first, std::size_t length) {
+                std::vector<float*> in = inputs.From(first), out = expected.From(first), outOnce = actual.From(first);
+                inSteps(steps, in.data(), out.data(), first, length);
+                orvandsp::kernels::AllpassHead heads[16];
+                orvandsp::kernels::Shelf shelves[16];
+                if (!once.late.StandsStill() || !once.cluster.FindHeads(heads) || !once.shelf.FindFilters(shelves))
+                    return inSteps(once, in.data(), outOnce.data(), first, length);
+                ++numAtOnce;
+                once.cluster.WriteBlock(in.data(), length);
+                once.late.ProcessMixed(outOnce.data(), {heads, shelves, clusterGain, lateGain}, length);
+                once.cluster.FinishBlock(length);
+            });
+            ASSERT_NO_FATAL_FAILURE(ExpectSameBits(expected.data, actual.data)) << "round " << round;
+        }
+        EXPECT_GT(numAtOnce, 300);
     }
 }
 
