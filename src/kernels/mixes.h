@@ -192,29 +192,35 @@ void MixTerms(float* const* outputs, std::size_t first, std::size_t numOutputs, 
     }
 }
 
+/// The butterflies of distances from `half` down to `last`, over all groups.
+template <typename Value>
+inline void ButterfliesInLoops(Value* v, std::size_t numChannels, std::size_t half, std::size_t last) noexcept {
+    for (; half >= last; half /= 2) {
+        for (std::size_t j = 0; j < numChannels; ++j) {
+            if ((j & half) != 0) continue;
+            const Value a = v[j];
+            const Value b = v[j + half];
+            v[j] = a + b;
+            v[j + half] = a - b;
+        }
+    }
+}
+
 /// Up to so many channels the compiler sees each index. More of them than registers hold take loops.
 constexpr std::size_t mostInRegisters = 16;
 
-/// Butterflies over N channels, of one sample of each.
-template <std::size_t N, typename Value>
-inline void Butterflies(Value* v) noexcept {
+/// Butterflies over N channels.
+template <std::size_t N>
+inline void Butterflies(Lanes* v) noexcept {
     if constexpr (N > mostInRegisters) {
-        for (std::size_t half = N / 2; half >= mostInRegisters; half /= 2) {
-            for (std::size_t j = 0; j < N; ++j) {
-                if ((j & half) != 0) continue;
-                const Value a = v[j];
-                const Value b = v[j + half];
-                v[j] = a + b;
-                v[j + half] = a - b;
-            }
-        }
+        ButterfliesInLoops(v, N, N / 2, mostInRegisters);
         for (std::size_t first = 0; first < N; first += mostInRegisters) Butterflies<mostInRegisters>(v + first);
     } else if constexpr (N > 1) {
         constexpr std::size_t half = N / 2;
 #pragma GCC unroll 16
         for (std::size_t j = 0; j < half; ++j) {
-            const Value a = v[j];
-            const Value b = v[j + half];
+            const Lanes a = v[j];
+            const Lanes b = v[j + half];
             v[j] = a + b;
             v[j + half] = a - b;
         }
@@ -228,25 +234,25 @@ void RunHadamard(float* const* outputs, float const* const* inputs, unsigned int
                  float scale, std::size_t numSamples) {
     // Every channel of a sample is read before one is written: outputs may be inputs in any order.
     constexpr std::size_t maxChannels = N == 4 ? 12 : N;
-    const auto run = [=]<typename Value>(auto load, auto store, Value*, std::size_t k) {
-        Value mixed[maxChannels];
+    std::size_t k = 0;
+    for (; k + numLanes <= numSamples; k += numLanes) {
+        Lanes mixed[maxChannels];
         for (std::size_t first = 0; first < numChannels; first += N) {
-            Value v[N];
+            Lanes v[N];
 #pragma GCC unroll 16
-            for (std::size_t c = 0; c < N; ++c) v[c] = load(inputs[first + c] + k);
+            for (std::size_t c = 0; c < N; ++c) v[c] = Load(inputs[first + c] + k);
             Butterflies<N>(v);
 #pragma GCC unroll 16
             for (std::size_t c = 0; c < N; ++c) mixed[first + c] = v[c] * scale;
         }
-        for (std::size_t c = 0; c < numChannels; ++c) store(outputs[c] + k, mixed[order[c]]);
-    };
-    std::size_t k = 0;
-    for (; k + numLanes <= numSamples; k += numLanes)
-        run([](float const* at) { return Load(at); }, [](float* at, Lanes value) { Store(at, value); },
-            static_cast<Lanes*>(nullptr), k);
-    for (; k < numSamples; ++k)
-        run([](float const* at) { return *at; }, [](float* at, float value) { *at = value; },
-            static_cast<float*>(nullptr), k);
+        for (std::size_t c = 0; c < numChannels; ++c) Store(outputs[c] + k, mixed[order[c]]);
+    }
+    for (; k < numSamples; ++k) {
+        float mixed[maxChannels] = {};
+        for (std::size_t c = 0; c < numChannels; ++c) mixed[c] = inputs[c][k];
+        ButterfliesInLoops(mixed, numChannels, N / 2, 1);
+        for (std::size_t c = 0; c < numChannels; ++c) outputs[c][k] = mixed[order[c]] * scale;
+    }
 }
 
 void Hadamard(float* const* outputs, float const* const* inputs, std::size_t groupSize, std::size_t numGroups,
