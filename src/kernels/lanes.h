@@ -81,36 +81,6 @@ inline void Transpose(Lanes (&rows)[4]) noexcept {
     rows[3] = ORVAN_SHUFFLE(high01, high23, 2, 3, 2, 3);
 }
 
-/// Rows to columns of a whole square: lane i of row j changes places with lane j of row i.
-inline void TransposeSquare(Lanes (&rows)[numLanes]) noexcept {
-    using Quarter = Lanes[4];
-    for (std::size_t row = 0; row < numLanes; row += 4) Transpose(reinterpret_cast<Quarter&>(rows[row]));
-#if ORVAN_KERNEL_LANES == 8
-    for (std::size_t row = 0; row < 4; ++row) {
-        const Lanes a = rows[row], b = rows[row + 4];
-        rows[row] = __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11);
-        rows[row + 4] = __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
-    }
-#elif ORVAN_KERNEL_LANES == 16
-// NOLINTBEGIN(bugprone-macro-parentheses)
-#define ORVAN_BLOCKS(x, y, a, b, c, d)                                                                            \
-    __builtin_shufflevector(x, y, 4 * a, 4 * a + 1, 4 * a + 2, 4 * a + 3, 4 * b, 4 * b + 1, 4 * b + 2, 4 * b + 3, \
-                            16 + 4 * c, 17 + 4 * c, 18 + 4 * c, 19 + 4 * c, 16 + 4 * d, 17 + 4 * d, 18 + 4 * d,   \
-                            19 + 4 * d)
-    // NOLINTEND(bugprone-macro-parentheses)
-    for (std::size_t row = 0; row < 4; ++row) {
-        const Lanes a = rows[row], b = rows[row + 4], c = rows[row + 8], d = rows[row + 12];
-        const Lanes lowAb = ORVAN_BLOCKS(a, b, 0, 1, 0, 1), lowCd = ORVAN_BLOCKS(c, d, 0, 1, 0, 1);
-        const Lanes highAb = ORVAN_BLOCKS(a, b, 2, 3, 2, 3), highCd = ORVAN_BLOCKS(c, d, 2, 3, 2, 3);
-        rows[row] = ORVAN_BLOCKS(lowAb, lowCd, 0, 2, 0, 2);
-        rows[row + 4] = ORVAN_BLOCKS(lowAb, lowCd, 1, 3, 1, 3);
-        rows[row + 8] = ORVAN_BLOCKS(highAb, highCd, 0, 2, 0, 2);
-        rows[row + 12] = ORVAN_BLOCKS(highAb, highCd, 1, 3, 1, 3);
-    }
-#undef ORVAN_BLOCKS
-#endif
-}
-
 /// Two neighbours of each lane: at[lane][0] and at[lane][1]. A load takes both.
 inline void LoadNeighbours(float const* const (&at)[numLanes], Lanes& first, Lanes& second) noexcept {
     using Pairs [[gnu::vector_size(numLanes * sizeof(float))]] = double;

@@ -114,27 +114,82 @@ void Feedback(float* const* tapped, float* const* outputs, float const* const* i
     }
 }
 
-/// A gain is a chain of additions: numLanes of them side by side, turned so that each has its samples in a row.
+/// Whether a chain of additions, `gain + step + step...`, goes in equal steps, so that it may be computed by a product.
+///
+/// Between two powers of two numbers lie equally far apart, and each sum is rounded to one of them: by the same amount
+/// each time, if the step doesn't end in the middle between two of them, where the even one is taken. Products of the
+/// step as it is `taken` are then exact.
+/// @param last  behind the last addition, by the product: the chain passes no power of two if that lies between the two
+///              that the gain lies between
+template <typename Bits, typename Value>
+inline auto GoesInEqualSteps(Value gain, Value step, Value taken, Value last) noexcept {
+    constexpr auto withoutMantissa = static_cast<std::int32_t>(0xff800000u);
+    constexpr float unitsInHalf = 16777216.0f;  // of a power of two: 2^24 halves of the last place
+    Bits bits;
+    __builtin_memcpy(&bits, &gain, sizeof bits);
+    bits &= withoutMantissa;
+    Value power;
+    __builtin_memcpy(&power, &bits, sizeof power);
+    const Value lost = (step - taken) * unitsInHalf;
+    return ((last - power) * (2.0f * power - last) > 0.0f) & (lost != power) & (lost != -power);
+}
+
+struct SampleNumbers {
+    constexpr SampleNumbers() noexcept : values() {
+        for (int k = 0; k < gainRowLength; ++k) values[k] = static_cast<float>(k);
+    }
+    float values[gainRowLength];
+};
+constexpr SampleNumbers sampleNumbers;
+
+/// Writes whole registers.
+inline void FillInEqualSteps(float* row, float gain, float taken, std::size_t count) noexcept {
+    for (std::size_t k = 0; k < count; k += numLanes) Store(row + k, gain + Load(sampleNumbers.values + k) * taken);
+}
+
+/// A chain that passes a power of two: its halves, of which mostly one goes in equal steps.
+/// @return the gain behind it
+float FillInHalves(float* row, float gain, float step, std::size_t count) noexcept {
+    const float taken = gain + step - gain;
+    const float last = gain + static_cast<float>(count) * taken;
+    if (GoesInEqualSteps<std::int32_t>(gain, step, taken, last)) {
+        FillInEqualSteps(row, gain, taken, count);
+        return last;
+    }
+    if (count <= numLanes) {
+        for (std::size_t k = 0; k < count; ++k, gain += step) row[k] = gain;
+        return gain;
+    }
+    const std::size_t half = (count / 2 + numLanes - 1) / numLanes * numLanes;
+    gain = FillInHalves(row, gain, step, half);
+    return FillInHalves(row + half, gain, step, count - half);
+}
+
 void ComputeGainRamps(GainRamps const& ramps, std::size_t numRamps, GainSection const& section, float* rows,
                       std::size_t numSamples) {
-    if (FitsNarrower(numRamps)) return narrower->gainRamps(ramps, numRamps, section, rows, numSamples);
     for (std::size_t first = 0; first < numRamps; first += numLanes) {
         const Lanes start = Load(ramps.starts + first);
         const Lanes slope = Load(ramps.slopes + first);
         const Lanes begin = section.begin * slope + start;
         const Lanes end = section.end * slope + start;
         const Lanes step = section.numSteps > 0.0f ? (end - begin) / section.numSteps : Lanes{};
-        Lanes gain = section.isFirst ? begin : Load(ramps.gains + first);
-        for (std::size_t k = 0; k < numSamples; k += numLanes) {
-            Lanes square[numLanes];
-            for (std::size_t i = 0; i < numLanes; ++i) {
-                square[i] = gain;
-                if (k + i < numSamples) gain += step;
-            }
-            TransposeSquare(square);
-            for (std::size_t i = 0; i < numLanes; ++i) Store(rows + (first + i) * gainRowLength + k, square[i]);
+        const Lanes gain = section.isFirst ? begin : Load(ramps.gains + first);
+        const Lanes taken = gain + step - gain;
+        const Lanes last = gain + static_cast<float>(numSamples) * taken;
+        const LaneInts equal = GoesInEqualSteps<LaneInts>(gain, step, taken, last);
+        Store(ramps.gains + first, last);
+        float gains[numLanes], steps[numLanes], takenOf[numLanes];
+        Store(gains, gain);
+        Store(steps, step);
+        Store(takenOf, taken);
+        const std::size_t number = Least(numLanes, numRamps - first);
+        for (std::size_t lane = 0; lane < number; ++lane) {
+            float* const row = rows + (first + lane) * gainRowLength;
+            if (equal[lane] != 0)
+                FillInEqualSteps(row, gains[lane], takenOf[lane], numSamples);
+            else
+                ramps.gains[first + lane] = FillInHalves(row, gains[lane], steps[lane], numSamples);
         }
-        Store(ramps.gains + first, gain);
     }
 }
 
