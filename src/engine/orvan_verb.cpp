@@ -196,12 +196,20 @@ void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSample
     const float ofRoom = AdvanceLevel(roomLevelRamp, numSamples);
 
     directLayer.shelf.Process(sourceBus->GetChannels(), AtTheDoor(inputs, numSamples), numSamples, allActiveInputs);
-    ProcessRoom(numSamples);
+    SendToRoom(numSamples);
+    // Early reflections that nothing of this block is in don't wait for the room's shelf, which then runs with theirs.
+    const bool roomWaits = early->ReadsOnlyThePast(numSamples);
+    if (roomWaits) {
+        early->ReadBlock(earlyBus->GetChannels(), numSamples);
+    } else {
+        roomLayer.shelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
+        early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
+    }
     MixLateLayer(numSamples, clusterGain * internalScale * ofRoom, reverbLayerGain * internalScale * ofRoom);
 
     AudioBuffer(outputs, numOutputs, static_cast<unsigned int>(numSamples), 0).Clear();
     AddDirectLayer(outputs, numSamples, sourceScale * internalScale * directGain * ofDirect);
-    AddEarlyLayer(outputs, numSamples, earlyGain * internalScale * ofRoom);
+    AddEarlyLayer(outputs, numSamples, earlyGain * internalScale * ofRoom, roomWaits);
     diffusePan->ProcessAdding(outputs, lateMixBus->GetChannels(), numSamples, allActiveInputs);
 }
 
@@ -224,9 +232,9 @@ float** OrvanVerb::AtTheDoor(float** inputs, unsigned long numSamples) {
     return doorInputs.data();
 }
 
-/// Fills the early bus from the filtered sources. The three room blocks stand in series, each on the raw output of the
-/// one before: gains and shelves of the layers come behind all of them.
-void OrvanVerb::ProcessRoom(unsigned long numSamples) {
+/// Fills the room bus from the filtered sources. The three room blocks that it feeds stand in series, each on the raw
+/// output of the one before: gains and shelves of the layers come behind all of them.
+void OrvanVerb::SendToRoom(unsigned long numSamples) {
     orvandsp::kernels::MixTerm sends[orvandsp::MaxNumChannels];
     for (unsigned int i = 0; i < numInputs; ++i)
         sends[i] = {i, orvandsp::kernels::MixTerm::steady, roomSendRamps[i].Advance(numSamples)};
@@ -234,8 +242,6 @@ void OrvanVerb::ProcessRoom(unsigned long numSamples) {
     const std::size_t end = numInputs;
     orvandsp::kernels::Get().mix(roomBus->GetChannels(), 0, 1, {sourceBus->GetChannels(), 0, nullptr}, sends, 0, &end,
                                  numSamples, false);
-    roomLayer.shelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
-    early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
 }
 
 void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float gain) {
@@ -248,7 +254,8 @@ void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float 
         directPan->ProcessAdding(outputs, sourceBus->GetChannels(), numSamples, allActiveInputs);
 }
 
-void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float gain) {
+/// @param roomWaits  the room's shelf, and with it the input of the early reflections, is still to be computed
+void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float gain, bool roomWaits) {
     BlockOf(*earlyBus, numSamples).ApplyGains(earlyGains.data());
     // Even taps to the first virtual source, odd ones to the second.
     orvandsp::kernels::MixTerm shares[orvandsp::MaxNumChannels];
@@ -257,7 +264,13 @@ void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float g
         shares[c % 2 * ends[0] + c / 2] = {c, orvandsp::kernels::MixTerm::steady, gain};
     orvandsp::kernels::Get().mix(earlyMixBus->GetChannels(), 0, 2, {earlyBus->GetChannels(), 0, nullptr}, shares, 0,
                                  ends, numSamples, true);
-    earlyLayer.shelf.Process(earlyMixBus->GetChannels(), earlyMixBus->GetChannels(), numSamples, allActiveInputs);
+    if (roomWaits) {
+        MultiFadedHLShelf::ProcessBoth(roomLayer.shelf, roomBus->GetChannels(), earlyLayer.shelf,
+                                       earlyMixBus->GetChannels(), numSamples);
+        early->WriteBlock(roomBus->GetChannels(), numSamples);
+    } else {
+        earlyLayer.shelf.Process(earlyMixBus->GetChannels(), earlyMixBus->GetChannels(), numSamples, allActiveInputs);
+    }
     earlyPan->ProcessAdding(outputs, earlyMixBus->GetChannels(), numSamples, allActiveInputs);
 }
 

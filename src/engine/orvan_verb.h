@@ -388,11 +388,11 @@ protected:
     void PlaceReflections(unsigned int source);
     CartesianVector ToPanner(CartesianVector const& position) const;
     float** AtTheDoor(float** inputs, unsigned long numSamples);
-    void ProcessRoom(unsigned long numSamples);
+    void SendToRoom(unsigned long numSamples);
     void AddDirectLayer(float** outputs, unsigned long numSamples, float gain);
     void CrossfadeEars(float** outputs, unsigned long numSamples);
     void EndEarsCrossfade();
-    void AddEarlyLayer(float** outputs, unsigned long numSamples, float gain);
+    void AddEarlyLayer(float** outputs, unsigned long numSamples, float gain, bool roomWaits);
     void MixLateLayer(unsigned long numSamples, float clusterScale, float reverbScale);
     bool MixLateLayerAtOnce(unsigned long numSamples, float clusterScale, float reverbScale);
     void UpdateEarlyDelays();

@@ -38,19 +38,40 @@ void MultiFadedHLShelf::ResetToDefaults() {
     SetAll(defaults.gain, defaults.gainLow, defaults.gainMed, defaults.gainHigh, defaults.freqLow, defaults.freqHigh);
 }
 
-void MultiFadedHLShelf::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
-    const auto filter = [numSamples](auto jobs) { FilterShelves(jobs, numSamples); };
-    orvandsp::Batch<ShelfJob, decltype(filter)> jobs(filter);
+template <typename Jobs>
+void MultiFadedHLShelf::BeginBlock(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs,
+                                   Jobs& jobs) {
     for (std::size_t i = 0; i < shelves.size(); ++i) {
         if (activeInputs[i] != 0)
             shelves[i].BeginBlock(outputs[i], inputs[i], numSamples, jobs);
         else
             std::fill_n(outputs[i], numSamples, 0.0f);
     }
-    jobs.Finish();
+}
+
+void MultiFadedHLShelf::FinishBlock(float** outputs, unsigned long numSamples, short const* activeInputs) {
     orvandsp::FadeGains gains;
     for (std::size_t i = 0; i < shelves.size(); ++i)
         if (activeInputs[i] != 0) shelves[i].FinishBlock(outputs[i], numSamples, gains);
+}
+
+void MultiFadedHLShelf::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
+    const auto filter = [numSamples](auto jobs) { FilterShelves(jobs, numSamples); };
+    orvandsp::Batch<ShelfJob, decltype(filter)> jobs(filter);
+    BeginBlock(outputs, inputs, numSamples, activeInputs, jobs);
+    jobs.Finish();
+    FinishBlock(outputs, numSamples, activeInputs);
+}
+
+void MultiFadedHLShelf::ProcessBoth(MultiFadedHLShelf& a, float** channelsOfA, MultiFadedHLShelf& b,
+                                    float** channelsOfB, unsigned long numSamples) {
+    const auto filter = [numSamples](auto jobs) { FilterShelves(jobs, numSamples); };
+    orvandsp::Batch<ShelfJob, decltype(filter)> jobs(filter);
+    a.BeginBlock(channelsOfA, channelsOfA, numSamples, orvandsp::allActiveInputs, jobs);
+    b.BeginBlock(channelsOfB, channelsOfB, numSamples, orvandsp::allActiveInputs, jobs);
+    jobs.Finish();
+    a.FinishBlock(channelsOfA, numSamples, orvandsp::allActiveInputs);
+    b.FinishBlock(channelsOfB, numSamples, orvandsp::allActiveInputs);
 }
 
 bool MultiFadedHLShelf::FindFilters(orvandsp::kernels::Shelf* filters) noexcept {

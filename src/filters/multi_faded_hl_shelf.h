@@ -25,6 +25,10 @@ public:
 
     /// Filters each channel. An inactive channel's output is cleared; its filters and its fade wait. Real-time safe.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    /// Process of two banks, all channels active, outputs over inputs: in one pass, which takes little longer than one
+    /// of them. Real-time safe.
+    static void ProcessBoth(MultiFadedHLShelf& a, float** channelsOfA, MultiFadedHLShelf& b, float** channelsOfB,
+                            unsigned long numSamples);
     /// The filters that Process would run, for whoever runs them together with something else: they hold until a setter
     /// is called.
     /// @param filters  one for each channel
@@ -35,6 +39,10 @@ public:
     void Clear() override;
 
 private:
+    template <typename Jobs>
+    void BeginBlock(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs, Jobs& jobs);
+    void FinishBlock(float** outputs, unsigned long numSamples, short const* activeInputs);
+
     std::vector<FadedHLShelf> shelves;
 };
 

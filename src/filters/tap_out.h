@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "filters/delay.h"
 
 namespace Lume {
@@ -29,6 +31,9 @@ public:
     void SetDelay(float ms, bool immediately);
     /// The delay [ms] that was set last, which may be still on its way.
     float GetDelay() const noexcept { return 1000.0f * delayRamp.target / samplerate; }
+
+    /// The shortest delay from here to the end of a glide [samples].
+    float GetShortestDelay() const noexcept { return std::min(delayRamp.current, delayRamp.target); }
 
     void SetInterpolationMode(Delay::InterpolationMode newMode) { interpolationMode = newMode; }
     void SetInterpolationMode(char const* name) { SetInterpolationMode(Delay::GetInterpolationMode(name)); }

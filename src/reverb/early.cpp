@@ -47,10 +47,26 @@ void Early::Voice::Process(float** outputs, unsigned int stride, float* input, u
         for (std::size_t i = 0; i < taps.size(); ++i) std::fill_n(outputs[i * stride], numSamples, 0.0f);
         return;
     }
-    delay->tapIn(input, static_cast<int>(numSamples), 0);
+    WriteBlock(input, numSamples);
+    ReadBlock(outputs, stride, numSamples);
+    MoveOn(numSamples);
+}
+
+void Early::Voice::ReadBlock(float** outputs, unsigned int stride, unsigned long numSamples) {
     for (std::size_t i = 0; i < taps.size(); ++i)
         taps[i].Process(outputs[i * stride], static_cast<unsigned int>(numSamples));
-    delay->AdvanceWritePosition(static_cast<int>(numSamples));
+}
+
+void Early::Voice::WriteBlock(float* input, unsigned long numSamples) {
+    delay->tapIn(input, static_cast<int>(numSamples), 0);
+}
+
+bool Early::Voice::ReadsOnlyThePast(unsigned long numSamples) const noexcept {
+    // Above what neighbours and the rounding of a glide add.
+    constexpr float margin = 16.0f;  // [samples]
+    return std::ranges::all_of(taps, [shortest = static_cast<float>(numSamples) + margin](TapOut const& tap) {
+        return tap.GetShortestDelay() >= shortest;
+    });
 }
 
 Early::Early(unsigned int numDelays, unsigned int newNumInputs, float newSamplerate) {
@@ -74,6 +90,24 @@ Early::Early(unsigned int numDelays, unsigned int newNumInputs, float newSampler
 void Early::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
     if (leftVoice) leftVoice->Process(outputs, numInputs, inputs[0], numSamples, activeInputs[0] != 0);
     if (rightVoice) rightVoice->Process(outputs + 1, numInputs, inputs[1], numSamples, activeInputs[1] != 0);
+}
+
+bool Early::ReadsOnlyThePast(unsigned long numSamples) const noexcept {
+    return (!leftVoice || leftVoice->ReadsOnlyThePast(numSamples)) &&
+           (!rightVoice || rightVoice->ReadsOnlyThePast(numSamples));
+}
+
+void Early::ReadBlock(float** outputs, unsigned long numSamples) {
+    if (leftVoice) leftVoice->ReadBlock(outputs, numInputs, numSamples);
+    if (rightVoice) rightVoice->ReadBlock(outputs + 1, numInputs, numSamples);
+}
+
+void Early::WriteBlock(float** inputs, unsigned long numSamples) {
+    for (Voice* const voice : {leftVoice.get(), rightVoice.get()}) {
+        if (voice == nullptr) continue;
+        voice->WriteBlock(*inputs++, numSamples);
+        voice->MoveOn(numSamples);
+    }
 }
 
 void Early::SetSamplerate(float newSamplerate) {

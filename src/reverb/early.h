@@ -40,6 +40,11 @@ public:
         /// Writes a block and reads tap i into outputs[i * stride]. An inactive voice clears these outputs, and its
         /// line's time stands still.
         void Process(float** outputs, unsigned int stride, float* input, unsigned long numSamples, bool active);
+        /// The two halves of it, in either order while ReadsOnlyThePast.
+        void ReadBlock(float** outputs, unsigned int stride, unsigned long numSamples);
+        void WriteBlock(float* input, unsigned long numSamples);
+        bool ReadsOnlyThePast(unsigned long numSamples) const noexcept;
+        void MoveOn(unsigned long numSamples) noexcept { delay->AdvanceWritePosition(static_cast<int>(numSamples)); }
 
         std::vector<TapOut>& GetTaps() noexcept { return taps; }
         std::vector<TapOut> const& GetTaps() const noexcept { return taps; }
@@ -54,6 +59,11 @@ public:
     Early(unsigned int numDelays, unsigned int newNumInputs, float newSamplerate);
 
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
+    /// Whether no delay is as short as a block, so that nothing of its input is in its output: Process may then be
+    /// taken apart, first the outputs, later the inputs, all of them active.
+    bool ReadsOnlyThePast(unsigned long numSamples) const noexcept;
+    void ReadBlock(float** outputs, unsigned long numSamples);
+    void WriteBlock(float** inputs, unsigned long numSamples);
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;
     void Clear() override;
