@@ -56,7 +56,7 @@ void AddObjectCommands(CLI::App& app, Call& call) {
     reference->footer(
         "orvanverb~.ref.xml and orvan.xsl; browsers, and xsltproc, make a page of the two.\n"
         "  orvanverb reference\n"
-        "  orvanverb reference && xsltproc orvan.xsl 'orvanverb~.ref.xml' > reference.html");
+        "  orvanverb reference --force && xsltproc orvan.xsl 'orvanverb~.ref.xml' > reference.html");
     const auto force = std::make_shared<bool>(false);
     reference->add_flag("-f,--force", *force, "Replace files that are there");
     reference->callback([&call, force] {
