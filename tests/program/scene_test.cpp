@@ -241,10 +241,10 @@ TEST_F(Scenes, MovementsGoEvenlyFromNumberToNumber) {
 
 // Red if a fault hides those behind it, if a movement's end isn't looked at, or if the summary is wrong.
 TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
-    WriteText(
-        directory / "bad.scene",
-        "source 1 ade 0 2 0\n1:70 mute 1\n2..1 source 1 azim 0 -> 3\n1..2 source 1 dance -> 3\n"
-        "3 source 1 azim 0 -> 3\n0..1 early_width 20 -> 300\n9 dance\n10 mute\n11 sorce 1 az 3\n12 generatexml\n");
+    WriteText(directory / "bad.scene",
+              "source 1 ade 0 2 0\n1:70 mute 1\n2..1 source 1 azim 0 -> 3\n1..2 source 1 dance -> 3\n"
+              "3 source 1 azim 0 -> 3\n0..1 early_width 20 -> 300\n9 dance\n10 mute\n11 sorce 1 az 3\n12 "
+              "generatexml\n13..14 early_width 300 1 -> 2\n");
     const RunResult bad = RunProgram({"scene", "check", directory / "bad.scene"});
     EXPECT_EQ(bad.status, 1);
     const std::string at = directory / "bad.scene";
@@ -256,7 +256,10 @@ TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
         ":6: warn: early_width: 300 is not from 10 to 180 degrees, the nearest is taken (said once)\n" + at +
         ":7: orvanverb~: doesn't understand \"dance\"\n" + at + ":8: warn: mute: a value is missing, 0 or 1\n" + at +
         ":9: orvanverb~: doesn't understand \"sorce\" (did you mean source?)\n" + at +
-        ":10: generatexml: writes a file; orvanverb reference does it\n";
+        ":10: generatexml: writes a file; orvanverb reference does it\n" + at +
+        ":11: warn: early_width: only the first value counts, not 1\n" + at +
+        ":11: warn: early_width: 300 is not from 10 to 180 degrees, the nearest is taken (said once)\n" + at +
+        ":11: warn: early_width: only the first value counts, not 2\n";
     EXPECT_EQ(bad.out, lines);
     WriteText(directory / "good.scene", "0..1:02.5 source 3 azim 0 -> 300\n1 tr0 2\n");
     const RunResult good = RunProgram({"scene", "check", directory / "good.scene"});

@@ -50,6 +50,11 @@ public:
     void PlaceSource(unsigned int index, Lume::CartesianVector const& position);
     void PlaceSpeakers(std::span<Lume::CartesianVector const> positions);
 
+    /// Lets what was remarked once be remarked again: who checks a scene wants it of each line.
+    void ForgetRemarks() {
+        messageRemarks = {};
+        positionsRemarked = false;
+    }
     /// Adds to the remarks, for once, what can't be as it is set: loudspeakers that messages have moved, and controls
     /// that are meant to lie above others.
     void RemarkSettings();

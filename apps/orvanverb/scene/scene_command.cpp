@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <set>
 
 #include "orvanverb/common/gnuplot.h"
 #include "orvanverb/common/limits.h"
@@ -71,6 +72,7 @@ int Check(SceneOptions const& options) {
     room.RemarkSettings();
     room.TakeRemarks();  // of the layout: not the scene's
     const auto tell = [&room](std::string_view message, std::filesystem::path const& folder) {
+        room.ForgetRemarks();
         room.Tell(message, folder);
         return room.TakeRemarks();
     };
@@ -80,8 +82,9 @@ int Check(SceneOptions const& options) {
         remarks.push_back({std::numeric_limits<int>::max(), options.file + ": at the end: " + remark});
     std::stable_sort(remarks.begin(), remarks.end(), [](auto const& a, auto const& b) { return a.line < b.line; });
     std::string text;
-    for (Scene::Remark const& remark : remarks) text += remark.text + "\n";
-    if (remarks.size() >= Scene::mostRemarks) text += options.file + ": there may be more\n";
+    std::set<std::string> told;  // both ends of a movement may have the same fault
+    for (Scene::Remark const& remark : remarks)
+        if (told.insert(remark.text).second) text += remark.text + "\n";
     if (remarks.empty()) {
         const std::size_t lines = scene.NumTimed();
         text = options.file + ": " + std::to_string(lines) + (lines == 1 ? " line" : " lines") + " with a time" +
