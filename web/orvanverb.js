@@ -355,17 +355,22 @@ export class OrvanRoom extends Base {
   /** To the twin and to the worklet. */
   #send(to, x, y, z) {
     this.#twin.engine.apply(to, x, y, z);
-    if (!this.#ring) {
-      this.port.postMessage(Float32Array.of(to, x, y, z));
-      return;
-    }
     // Of several for one target that have to wait, the last one counts.
     this.#pending.delete(to);
     this.#pending.set(to, [x, y, z]);
-    this.#flush();
+    if (this.#ring) this.#flush();
+    else if (this.#pending.size === 1) queueMicrotask(() => this.#post());
+  }
+
+  /** All that was said in one go as one message: each is garbage for the thread that sounds. */
+  #post() {
+    if (this.#ring || this.#pending.size === 0) return;
+    this.port.postMessage(Float32Array.from([...this.#pending].flatMap(([to, numbers]) => [to, ...numbers])));
+    this.#pending.clear();
   }
 
   #flush() {
+    if (!this.#ring) return;
     if (this.#statesOnTheWay > 0) return;
     for (const [to, numbers] of this.#pending) {
       if (!this.#ring.write(to, ...numbers)) break;
@@ -376,6 +381,7 @@ export class OrvanRoom extends Base {
   }
 
   #ask(question, message) {
+    this.#post();
     return new Promise((resolve) => {
       const others = this.#waiting.get(question);
       this.#waiting.set(question, others ? [...others, resolve] : [resolve]);
