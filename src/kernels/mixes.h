@@ -284,13 +284,15 @@ inline void Butterflies(Lanes* v) noexcept {
     }
 }
 
+/// Whole registers of samples.
+/// @return the number of samples
 template <std::size_t N>
-void RunHadamard(float* const* outputs, float const* const* inputs, unsigned int const* order, std::size_t numChannels,
-                 float scale, std::size_t numSamples) {
-    // Every channel of a sample is read before one is written: outputs may be inputs in any order.
+std::size_t RunHadamard(float* const* outputs, float const* const* inputs, unsigned int const* order,
+                        std::size_t numChannels, float scale, std::size_t numSamples) {
     constexpr std::size_t maxChannels = N == 4 ? 12 : N;
     std::size_t k = 0;
     for (; k + numLanes <= numSamples; k += numLanes) {
+        // Every channel of a sample is read before one is written: outputs may be inputs in any order.
         Lanes mixed[maxChannels];
         for (std::size_t first = 0; first < numChannels; first += N) {
             Lanes v[N];
@@ -302,34 +304,35 @@ void RunHadamard(float* const* outputs, float const* const* inputs, unsigned int
         }
         for (std::size_t c = 0; c < numChannels; ++c) Store(outputs[c] + k, mixed[order[c]]);
     }
-    for (; k < numSamples; ++k) {
-        float mixed[maxChannels] = {};
-        for (std::size_t c = 0; c < numChannels; ++c) mixed[c] = inputs[c][k];
-        ButterfliesInLoops(mixed, numChannels, N / 2, 1);
-        for (std::size_t c = 0; c < numChannels; ++c) outputs[c][k] = mixed[order[c]] * scale;
-    }
+    return k;
 }
 
 void Hadamard(float* const* outputs, float const* const* inputs, std::size_t groupSize, std::size_t numGroups,
               unsigned int const* order, float scale, std::size_t numSamples) {
     const std::size_t numChannels = groupSize * numGroups;
-    switch (groupSize) {
-        case 1:
-            return RunHadamard<1>(outputs, inputs, order, numChannels, scale, numSamples);
-        case 2:
-            return RunHadamard<2>(outputs, inputs, order, numChannels, scale, numSamples);
-        case 4:
-            return RunHadamard<4>(outputs, inputs, order, numChannels, scale, numSamples);
-        case 8:
-            return RunHadamard<8>(outputs, inputs, order, numChannels, scale, numSamples);
-        case 16:
-            return RunHadamard<16>(outputs, inputs, order, numChannels, scale, numSamples);
-        case 32:
-            return RunHadamard<32>(outputs, inputs, order, numChannels, scale, numSamples);
-        case 64:
-            return RunHadamard<64>(outputs, inputs, order, numChannels, scale, numSamples);
-        default:
-            return;
+    const auto runOf = [groupSize] {
+        switch (groupSize) {
+            case 1:
+                return RunHadamard<1>;
+            case 2:
+                return RunHadamard<2>;
+            case 4:
+                return RunHadamard<4>;
+            case 8:
+                return RunHadamard<8>;
+            case 16:
+                return RunHadamard<16>;
+            case 32:
+                return RunHadamard<32>;
+            default:
+                return RunHadamard<64>;
+        }
+    };
+    for (std::size_t k = runOf()(outputs, inputs, order, numChannels, scale, numSamples); k < numSamples; ++k) {
+        float mixed[64];
+        for (std::size_t c = 0; c < numChannels; ++c) mixed[c] = inputs[c][k];
+        ButterfliesInLoops(mixed, numChannels, groupSize / 2, 1);
+        for (std::size_t c = 0; c < numChannels; ++c) outputs[c][k] = mixed[order[c]] * scale;
     }
 }
 
