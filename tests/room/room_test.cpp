@@ -175,6 +175,10 @@ TEST(Room, RefusesWhatNoRoomHas) {
         EXPECT_THROW(room.Configure(48000.0f, 96, vector), std::invalid_argument) << vector;
     EXPECT_EQ(room.Samplerate(), 48000.0f);
     EXPECT_EQ(room.VectorSize(), 64u);
+    for (const std::size_t vector : {16u, 8192u}) {
+        room.Configure(48000.0f, 96, vector);
+        EXPECT_EQ(room.VectorSize(), vector);
+    }
     room.Configure(48000.0f, 1u << 15);
     EXPECT_EQ(Lume::RoomState::Parse(room.SaveState().Text()).vectorSize, Room::maxVectorSize);
 }
