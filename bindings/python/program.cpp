@@ -116,7 +116,6 @@ void FillHarmonics(Common const& common, Options& options) {
 /// @return the sound, and what there is to warn of
 std::pair<Samples, Remarks> Pan(Samples const& x, Common const& common, std::string const& method,
                                 std::string const& model, std::optional<unsigned int> outputs, Text const& near) {
-    const orvandsp::FloatingPointMode unchanged;
     orvandsp::FlushDenormals();
     program::PanOptions options;
     common.Fill(options);
@@ -138,7 +137,6 @@ std::pair<Samples, Remarks> Decode(Samples const& x, Common const& common, std::
                                    std::optional<unsigned int> outputs, Text const& hoaMethod,
                                    std::string const& weights, std::optional<float> crossoverHz, bool fuma,
                                    Text const& filters) {
-    const orvandsp::FloatingPointMode unchanged;
     orvandsp::FlushDenormals();
     program::DecodeOptions options;
     common.Fill(options);
@@ -200,14 +198,15 @@ void AddProgram(py::module_& m) {
              py::arg("rate"), py::arg("sources"), py::arg("orientation"), py::arg("order"), py::arg("convention"),
              py::arg("sorting"), py::arg("speakers"), py::arg("hrtf"), py::arg("scene"), py::arg("tail"),
              py::arg("ambix"));
-    m.def("pan", Pan, py::arg("x"), py::arg("common"), py::kw_only(), py::arg("method"), py::arg("model"),
-          py::arg("outputs"), py::arg("near"));
-    m.def("decode", Decode, py::arg("x"), py::arg("common"), py::kw_only(), py::arg("type"), py::arg("sub_type"),
-          py::arg("outputs"), py::arg("hoa_method"), py::arg("weights"), py::arg("crossover_hz"), py::arg("fuma"),
-          py::arg("filters"));
-    m.def("convert_hrtf", ConvertHrtf);
-    m.def("pan_methods", program::PanMethodList);
-    m.def("decoders", program::DecoderList);
+    const py::call_guard<orvandsp::FloatingPointMode> modeUnchanged;  // engines are made by each of these
+    m.def("pan", Pan, modeUnchanged, py::arg("x"), py::arg("common"), py::kw_only(), py::arg("method"),
+          py::arg("model"), py::arg("outputs"), py::arg("near"));
+    m.def("decode", Decode, modeUnchanged, py::arg("x"), py::arg("common"), py::kw_only(), py::arg("type"),
+          py::arg("sub_type"), py::arg("outputs"), py::arg("hoa_method"), py::arg("weights"), py::arg("crossover_hz"),
+          py::arg("fuma"), py::arg("filters"));
+    m.def("convert_hrtf", ConvertHrtf, modeUnchanged);
+    m.def("pan_methods", program::PanMethodList, modeUnchanged);
+    m.def("decoders", program::DecoderList, modeUnchanged);
 }
 
 }  // namespace orvanpython

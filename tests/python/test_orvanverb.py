@@ -154,7 +154,7 @@ def test_floating_point_mode_stays_what_it_was():
     room = furnished("headphones")
     for work in (lambda: room.process(x), lambda: room.render(x, 0), lambda: setattr(room, "state", room.state),
                  lambda: orvanverb.pan(x, "ab"), lambda: orvanverb.decode(x, "transaural"),
-                 lambda: orvanverb.measure(x, 48000)):
+                 lambda: orvanverb.measure(x, 48000), orvanverb.pan_methods, orvanverb.decoders):
         work()
         assert (small * numpy.float32(0.5) > 0).all()
 
