@@ -201,6 +201,8 @@ TEST(HrtfInfo, ShowsTheHeaderAndFindsFaults) {
         EXPECT_EQ(run.status, fault ? 1 : 0) << run.out;
         EXPECT_EQ(run.out.find("FAULT: 2 filters are unstable") != std::string::npos, fault) << run.out;
         EXPECT_EQ(run.out.find("FAULT: 2 delays have the wrong sign") != std::string::npos, fault) << run.out;
+        const RunResult json = RunProgram({"hrtf", "info", directory / "set.hrtf", "--json"});
+        EXPECT_EQ(json.out.ends_with("\"faults\": []}\n"), !fault) << json.out;
     }
 }
 
@@ -217,7 +219,7 @@ TEST(Hrtf, SetsLoadFromFoldersOfAnyName) {
         {"pan", in, "-o", out, "--method", "binaural", "--hrtf", set},
         {"pan", in, "-o", out, "--method", "binaural", "--model", "nearfield", "--hrtf", set},
         {"hrtf", "info", set},
-        {"hrtf", "convert", set, folder + "/other.hrtf", "--fir", "--length", "128"},
+        {"hrtf", "convert", set, folder + "/other.hrtf", "--fir", "--length", "128", "--json", "--quiet"},
     };
     for (std::vector<std::string> const& call : calls) {
         const RunResult run = RunProgram(call);

@@ -266,7 +266,12 @@ TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
     EXPECT_EQ(good.status, 0) << good.err;
     EXPECT_EQ(good.out, (directory / "good.scene") + ": 2 lines with a time, until 1:02.5; 3 sources\n");
     EXPECT_EQ(RunProgram({"scene", "check", directory / "good.scene", "--sources", "2"}).status, 1);
-    ASSERT_EQ(RunProgram({"scene", "plot", directory / "good.scene", "-o", directory / "plan.svg"}).status, 0);
+    const RunResult json = RunProgram({"scene", "check", directory / "good.scene", "--sources", "2", "--json"});
+    EXPECT_NE(json.out.find("\"timed_lines\": 2, \"end_s\": 62.500, \"sources\": 2, \"faults\": [\"/"),
+              std::string::npos)
+        << json.out;
+    const std::string scene = ReadText(directory / "good.scene");
+    ASSERT_EQ(RunProgram({"scene", "plot", "-", "-o", directory / "plan.svg"}, {}, scene).status, 0);
     EXPECT_NE(ReadText(directory / "plan.svg").find("source 3"), std::string::npos);
 }
 

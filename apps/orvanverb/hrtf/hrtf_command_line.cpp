@@ -110,6 +110,7 @@ void AddTransauralCommand(CLI::App& hrtf, Call& call, std::shared_ptr<HrtfOption
     command->add_option("input", options.input, "A .sofa, .coll or .hrtf file, or kemar")->required()->type_name("IN");
     command->add_option("output", options.output, "The .bin2trans file to write")->required()->type_name("OUT");
     AddForce(*command, options);
+    AddSummary(*command, options);
     command
         ->add_option("--network", transaural.network, "What it is for: a sub-type that orvanverb decode --list shows")
         ->required()
@@ -176,6 +177,7 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
     info->add_option("file", options.input, "A .hrtf, .near, .bin2trans or .coll file, or kemar: the built-in set")
         ->required()
         ->type_name("FILE");
+    info->add_flag("--json", options.json, "Print the same for programs");
     const auto infoRate = std::make_shared<std::string>();
     info->add_option("--rate", *infoRate, "Of kemar: the built-in set for this sample rate, or the nearest [44100]")
         ->type_name("HZ")
@@ -198,6 +200,7 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
         ->required()
         ->type_name("OUT");
     AddForce(*convert, options);
+    AddSummary(*convert, options);
     convert->add_option("--rate", words->rate, "Sample rate of the filters [that of the input]")
         ->type_name("HZ")
         ->take_last();

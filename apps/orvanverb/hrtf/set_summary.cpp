@@ -20,13 +20,6 @@ namespace program {
 
 namespace {
 
-std::string Row(std::string const& name, std::string const& value) {
-    constexpr std::size_t width = 18;
-    std::string row = name;
-    row.resize(std::max(width, name.size() + 2), ' ');
-    return row.append(value);
-}
-
 std::string Range(double least, double most, int decimals, char const* unit) {
     const std::string text = FixedText(least, decimals);
     return (least == most ? text : text + " to " + FixedText(most, decimals)) + unit;
@@ -70,11 +63,11 @@ void CheckPlaces(Lume::SdifSet const& set, SetCheck& check) {
     }
     if (numLost > 0) check.faults.push_back(std::to_string(numLost) + " points have no direction");
     if (units.empty()) return;
-    check.findings.push_back(Row("distances", Range(distance.least, distance.most, 2, " m")));
+    check.findings.emplace_back("distances", Range(distance.least, distance.most, 2, " m"));
     if (set.header.hrtfType != Lume::hrtfBinaural) return;
-    check.findings.push_back(Row("elevations", Range(elevation.least, elevation.most, 0, " degrees")));
-    check.findings.push_back(Row(
-        "largest gap", FixedText(LargestGapDeg(units, elevation.least), 1) + " degrees from the nearest direction"));
+    check.findings.emplace_back("elevations", Range(elevation.least, elevation.most, 0, " degrees"));
+    check.findings.emplace_back(
+        "largest gap", FixedText(LargestGapDeg(units, elevation.least), 1) + " degrees from the nearest direction");
 }
 
 /// A source on the right must be heard later at the left ear.
@@ -88,7 +81,7 @@ void CheckDelays(Lume::SdifSet const& set, SetCheck& check) {
         const float aside = Unit(point.positions[0]).x;
         if (std::abs(aside) > clearlyAside && aside * point.itd < 0.0f) ++numWrong;
     }
-    check.findings.push_back(Row("delays", Range(itd.least, itd.most, 3, " ms, left behind right")));
+    check.findings.emplace_back("delays", Range(itd.least, itd.most, 3, " ms, left behind right"));
     if (numWrong > 0)
         check.faults.push_back(std::to_string(numWrong) +
                                " delays have the wrong sign: the ear that is nearer to the source hears it later");
@@ -161,32 +154,32 @@ void CheckFilters(Lume::SdifSet const& set, SetCheck& check) {
     if (numUnstable > 0) check.faults.push_back(std::to_string(numUnstable) + " filters are unstable");
     if (numSilent > 0) check.faults.push_back(std::to_string(numSilent) + " filters are silent");
     if (numPowers == 0 || power == 0.0) return;
-    check.findings.push_back(Row("largest gains", Range(peaks.least, peaks.most, 1, " dB")));
-    check.findings.push_back(Row("mean level", FixedText(Decibels(power / static_cast<double>(numPowers)), 1) + " dB"));
+    check.findings.emplace_back("largest gains", Range(peaks.least, peaks.most, 1, " dB"));
+    check.findings.emplace_back("mean level", FixedText(Decibels(power / static_cast<double>(numPowers)), 1) + " dB");
 }
 
 }  // namespace
 
-std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header, std::optional<unsigned int> blockLength) {
+SetFacts DescribeHeader(Lume::HrtfHeaderInfos const& header, std::optional<unsigned int> blockLength) {
     const bool isFir = header.filterType == Lume::hrtfFIR;
-    std::vector<std::string> rows{
-        Row("type", Lume::GetHrtfTypeName(header.hrtfType)),
-        Row("owner", header.owner),
-        Row("subject", header.subject),
-        Row("copyright", header.copyright),
-        Row("measured", header.originalMeasurementSet),
-        Row("interpolation",
-            header.interpolationSet + " (" + Lume::GetFlagDataInterpolated(header.flagInterpolated) + ")"),
-        Row("date", header.date),
-        Row("points", std::to_string(header.numPoints)),
-        Row("filters", Lume::GetHrtfFilterTypeName(header.filterType) + ", " + std::to_string(header.numChannels) +
-                           (isFir ? " of " : " sets of ") + std::to_string(header.numCoefficients) +
-                           (isFir ? " samples" : " coefficients") + " a point, " +
-                           Lume::GetFlagItdExtracted(header.flagItdExtracted)),
-        Row("sample rate", std::to_string(header.samplingRate) + " Hz"),
+    SetFacts facts{
+        {"type", Lume::GetHrtfTypeName(header.hrtfType)},
+        {"owner", header.owner},
+        {"subject", header.subject},
+        {"copyright", header.copyright},
+        {"measured", header.originalMeasurementSet},
+        {"interpolation",
+         header.interpolationSet + " (" + Lume::GetFlagDataInterpolated(header.flagInterpolated) + ")"},
+        {"date", header.date},
+        {"points", std::to_string(header.numPoints)},
+        {"filters", Lume::GetHrtfFilterTypeName(header.filterType) + ", " + std::to_string(header.numChannels) +
+                        (isFir ? " of " : " sets of ") + std::to_string(header.numCoefficients) +
+                        (isFir ? " samples" : " coefficients") + " a point, " +
+                        Lume::GetFlagItdExtracted(header.flagItdExtracted)},
+        {"sample rate", std::to_string(header.samplingRate) + " Hz"},
     };
-    if (blockLength) rows.push_back(Row("blocks", std::to_string(*blockLength) + " samples, in which it has to run"));
-    return rows;
+    if (blockLength) facts.emplace_back("blocks", std::to_string(*blockLength) + " samples, in which it has to run");
+    return facts;
 }
 
 std::vector<std::string> FaultsOfFilters(Lume::SdifSet const& set) {

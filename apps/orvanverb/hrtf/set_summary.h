@@ -2,19 +2,23 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hrtf/sdif_set.h"
 
 namespace program {
 
-/// What a set says about itself, a line each: "subject  KEMAR".
-std::vector<std::string> DescribeHeader(Lume::HrtfHeaderInfos const& header, std::optional<unsigned int> blockLength);
+/// Each with its name: "subject", "KEMAR".
+using SetFacts = std::vector<std::pair<std::string, std::string>>;
+
+/// What a set says about itself.
+SetFacts DescribeHeader(Lume::HrtfHeaderInfos const& header, std::optional<unsigned int> blockLength);
 
 /// A short check of a set.
 struct SetCheck {
-    std::vector<std::string> findings;  // lines as those of the header
-    std::vector<std::string> faults;    // what makes it sound wrong, a sentence each
+    SetFacts findings;
+    std::vector<std::string> faults;  // what makes it sound wrong, a sentence each
 };
 SetCheck CheckSet(Lume::SdifSet const& set);
 

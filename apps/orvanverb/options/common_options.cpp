@@ -100,9 +100,13 @@ void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, cha
         ->take_last();
     command.add_option("--tail", words.tail, tail)->type_name("SECONDS|auto")->take_last();
     AddVector(command, words);
-    command.add_flag("-q,--quiet", options.quiet, "Tell of nothing but warnings and errors");
+    AddSummary(command, options);
     command.add_flag("-n,--dry-run", options.dryRun,
                      "Check everything, say what would be read and written, write nothing");
+}
+
+void AddSummary(CLI::App& command, Options& options) {
+    command.add_flag("-q,--quiet", options.quiet, "Tell of nothing but warnings and errors");
     command.add_flag("--json", options.json, "Print a summary for programs on standard output");
 }
 

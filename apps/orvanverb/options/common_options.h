@@ -28,6 +28,8 @@ void AddFileOptions(CLI::App& command, Options& options, CommonWords& words, cha
 
 /// Adds the leave to replace files that are there.
 void AddForce(CLI::App& command, Options& options);
+/// How a command tells what it has done: --quiet, --json.
+void AddSummary(CLI::App& command, Options& options);
 
 /// Adds recordings, and how they follow one another.
 void AddInputs(CLI::App& command, Options& options, CommonWords& words);

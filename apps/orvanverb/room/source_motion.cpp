@@ -32,7 +32,11 @@ bool IsUnderstood(max::t_symbol* selector) {
 }  // namespace
 
 SourceMotion::SourceMotion(unsigned int numSources, Options const& options, double newSamplerate)
+    : SourceMotion(numSources, options, options.scene ? Scene(*options.scene) : Scene(), newSamplerate) {}
+
+SourceMotion::SourceMotion(unsigned int numSources, Options const& options, Scene newScene, double newSamplerate)
     : samplerate(newSamplerate),
+      scene(std::move(newScene)),
       box(std::vector<max::t_atom>{},
           {[this](max::ConsoleLevel level, std::string const& text) {
                if (level == max::ConsoleLevel::error || level == max::ConsoleLevel::bug)
@@ -41,18 +45,15 @@ SourceMotion::SourceMotion(unsigned int numSources, Options const& options, doub
                    remarks.push_back(std::string(max::ConsoleLevelName(level)) + ": " + text);
            },
            nullptr, nullptr}) {
-    complaint.clear();  // an empty box has no object, which is meant
+    complaint.clear();  // of an empty box, that it holds no object
     orvanverb_main();
     Lume::Speakers::GetDefaultForChannels(positions, numSources);
     const std::vector<Lume::CartesianVector> builtIn = positions;
-    if (options.scene) {
-        scene = Scene(*options.scene);
-        scene.Coarsen(1.0 / samplerate);  // a movement has no more messages than anybody asks for
-        // A complaint of any line comes before the work.
-        scene.Begin(Listener());
-        scene.Rehearse(Listener());
-        positions = builtIn;
-    }
+    scene.Coarsen(1.0 / samplerate);  // a movement has no more messages than anybody asks for
+    // A complaint of any line comes before the work.
+    scene.Begin(Listener());
+    scene.Rehearse(Listener());
+    positions = builtIn;
     orientation = options.orientation.value_or(Lume::Orientation{});
     for (Options::SourcePlace const& place : options.sources) {
         RequireSource(place, numSources);

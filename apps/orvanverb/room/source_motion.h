@@ -20,6 +20,8 @@ public:
     /// @param newSamplerate  [Hz]
     /// @throws ProgramError that names the option, or file and line
     SourceMotion(unsigned int numSources, Options const& options, double newSamplerate);
+    /// @param newScene  that of the options, which has been read: a pipe can't be read twice
+    SourceMotion(unsigned int numSources, Options const& options, Scene newScene, double newSamplerate);
 
     /// What happens before a frame, counted from the recording's first.
     /// @return lines to be shown

@@ -11,6 +11,7 @@
 #include <set>
 
 #include "orvanverb/common/gnuplot.h"
+#include "orvanverb/common/json.h"
 #include "orvanverb/common/limits.h"
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
@@ -83,9 +84,19 @@ int Check(SceneOptions const& options) {
     std::stable_sort(remarks.begin(), remarks.end(), [](auto const& a, auto const& b) { return a.line < b.line; });
     std::string text;
     std::set<std::string> told;  // both ends of a movement may have the same fault
+    std::vector<std::string> faults;
     for (Scene::Remark const& remark : remarks)
-        if (told.insert(remark.text).second) text += remark.text + "\n";
-    if (remarks.empty()) {
+        if (told.insert(remark.text).second) faults.push_back(remark.text);
+    for (std::string const& fault : faults) text += fault + "\n";
+    if (options.json) {
+        JsonObject json;
+        json.Add("file", JsonString(options.file));
+        json.Add("timed_lines", std::to_string(scene.NumTimed()));
+        json.Add("end_s", JsonNumber(scene.EndSeconds(), 3));
+        json.Add("sources", std::to_string(numSources));
+        json.Add("faults", JsonStrings(faults));
+        text = json.Text() + "\n";
+    } else if (remarks.empty()) {
         const std::size_t lines = scene.NumTimed();
         text = options.file + ": " + std::to_string(lines) + (lines == 1 ? " line" : " lines") + " with a time" +
                (lines == 0 ? "" : ", until " + TimeText(scene.EndSeconds())) + "; " + std::to_string(numSources) +
@@ -98,17 +109,13 @@ int Check(SceneOptions const& options) {
 int Plot(SceneOptions const& options) {
     constexpr double momentsPerSecond = 50.0;
     constexpr double mostMessages = 3e6;  // seconds of work
-    unsigned int named = 0;
-    double seconds = 0.0, mostMoments = 0.0;
-    {
-        const Scene scene(options.file);
-        named = scene.HighestSource();
-        seconds = scene.EndSeconds();
-        mostMoments = std::clamp(mostMessages / static_cast<double>(scene.NumMovements()), 10.0, 3000.0);
-    }
+    Scene scene(options.file);
+    unsigned int named = scene.HighestSource();
+    const double seconds = scene.EndSeconds();
+    const double mostMoments = std::clamp(mostMessages / static_cast<double>(scene.NumMovements()), 10.0, 3000.0);
     for (Options::SourcePlace const& place : options.sources) named = std::max(named, place.number);
     const double rate = std::min(momentsPerSecond, mostMoments / seconds);
-    SourceMotion motion(NumSources(options, named), options, rate);
+    SourceMotion motion(NumSources(options, named), options, std::move(scene), rate);
     const auto numMoments = static_cast<std::size_t>(std::ceil(seconds * rate)) + 1;
     Plan plan;
     plan.title = std::filesystem::path(options.file).filename().string();
@@ -147,8 +154,10 @@ void AddSceneCommand(CLI::App& app, Call& call) {
         "  orvanverb scene check walk.scene\n"
         "  orvanverb scene plot walk.scene -o walk.svg");
     const auto options = std::make_shared<SceneOptions>();
-    AddSubcommand(*scene, *options, "check", "Say everything that is wrong with a scene", checkFooter)
-        ->callback([&call, options] { call.run = [options] { return Check(*options); }; });
+    CLI::App* check =
+        AddSubcommand(*scene, *options, "check", "Say everything that is wrong with a scene", checkFooter);
+    check->add_flag("--json", options->json, "Print the same for programs");
+    check->callback([&call, options] { call.run = [options] { return Check(*options); }; });
     CLI::App* plot =
         AddSubcommand(*scene, *options, "plot", "Draw where the sources go, .svg or .png (needs gnuplot)", plotFooter);
     plot->add_option("-o,--output", options->output, "The picture, .svg or .png")
