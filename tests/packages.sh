@@ -35,6 +35,7 @@ complete() {
 [ "$(complete ren)" = render ]
 [ "$(complete hrtf con)" = convert ]
 [ "$(complete hrtf convert --eq)" = --equalise ]
+[ "$(complete scene check walk.scene --j)" = --json ]
 [ "$(complete render --preset cat)" = cathedral ]
 
 printf '#include <orvan/verb.h>\nint main() { return Lume::OrvanVerb(8).IsInitialized() ? 1 : 0; }\n' >"$place/try.cpp"

@@ -116,7 +116,7 @@ std::string OptionTable(CLI::App const& command) {
 }
 
 std::string BashCompletion(CLI::App const& program) {
-    std::string cases;
+    std::string cases, parents = "|";
     const std::function<void(CLI::App const&, std::string const&)> add = [&](CLI::App const& command,
                                                                              std::string const& words) {
         std::string completions;
@@ -124,6 +124,7 @@ std::string BashCompletion(CLI::App const& program) {
         for (CLI::Option const* option : command.get_options())
             for (std::string const& name : option->get_lnames()) completions += " --" + name;
         cases += "        \"" + words + "\") words=\"" + completions.substr(1) + "\" ;;\n";
+        if (!Commands(command).empty()) parents += words + "|";
         for (CLI::App const* sub : Commands(command)) add(*sub, words + " " + sub->get_name());
     };
     add(program, program.get_name());
@@ -132,8 +133,10 @@ std::string BashCompletion(CLI::App const& program) {
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command words i\n"
            "    COMPREPLY=()\n"
            "    command=orvanverb\n"
-           "    for ((i = 1; i < COMP_CWORD && i < 3; ++i)); do\n"
-           "        [[ ${COMP_WORDS[i]} == [a-z]* && ( $i == 1 || $command == \"orvanverb hrtf\" ) ]] || break\n"
+           "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
+           "        [[ ${COMP_WORDS[i]} == [a-z]* && \"" +
+           parents +
+           "\" == *\"|$command|\"* ]] || break\n"
            "        command+=\" ${COMP_WORDS[i]}\"\n"
            "    done\n"
            "    case $command in\n" +
