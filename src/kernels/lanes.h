@@ -86,10 +86,13 @@ inline void LoadNeighbours(float const* const (&at)[numLanes], Lanes& first, Lan
     using Pairs [[gnu::vector_size(numLanes * sizeof(float))]] = double;
     // Of each four lanes the first two here, the others there: so they lie as a shuffle within four lanes needs them.
     Pairs here{}, there{};
-    for (std::size_t lane = 0; lane < numLanes; ++lane) {
+    for (std::size_t i = 0; i < numLanes / 2; ++i) {
+        const std::size_t lane = i / 2 * 4 + i % 2;
         double pair;
         __builtin_memcpy(&pair, at[lane], sizeof pair);
-        (lane % 4 < 2 ? here : there)[lane / 4 * 2 + lane % 2] = pair;
+        here[i] = pair;
+        __builtin_memcpy(&pair, at[lane + 2], sizeof pair);
+        there[i] = pair;
     }
     Lanes a, b;
     __builtin_memcpy(&a, &here, sizeof a);
