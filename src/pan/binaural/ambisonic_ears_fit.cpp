@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <complex>
+#include <span>
 
 #include "dsp/orvan_dsp_exception.h"
 #include "harmonics/ambisonic_encoding.h"
@@ -201,8 +202,9 @@ AmbisonicEars MakeAmbisonicEars(std::unique_ptr<Hrtf> set, float rate, unsigned 
             order, ambixAxes ? CartesianVector{p.y, -p.x, p.z} : p, normalization, IncreasingDegrees);
         for (unsigned int c = 0; c < numChannels; ++c) encoding[d][c] = static_cast<float>(gains[c]);
         both.push_back(Measure(head, Measured(p, lowest), size));
-        sides[0].emplace_back(both.back().begin(), both.back().begin() + size);
-        sides[1].emplace_back(both.back().begin() + size, both.back().end());
+        const std::span<float const> ears = both.back(), left = ears.first(size), right = ears.subspan(size);
+        sides[0].emplace_back(left.begin(), left.end());
+        sides[1].emplace_back(right.begin(), right.end());
     }
 
     const double delay = CentreOfEnergy(both, size);
