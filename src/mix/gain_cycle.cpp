@@ -150,12 +150,12 @@ void GainCycle::MixPart(Mix const& mix, Part const& part) {
                                           .isFirst = part.done == 0};
     unsigned int output = 0;
     for (auto const& [endOutput, firstRamp, numRamps] : batches) {
-        // Without a gain that moves there are no arrays to point into.
+        // Without a gain that moves, or a term, there are no arrays to point into.
         kernels::Get().gainRamps(
             {rampStarts.data() + firstRamp, rampSlopes.data() + firstRamp, rampGains.data() + firstRamp}, numRamps,
             section, movingGains.GetChannel(0), count);
         kernels::Get().mix(mix.outputs + output, part.first, endOutput - output, sources, terms.data(),
-                           output == 0 ? 0 : termsEnd[output - 1], &termsEnd[output], count, mix.replace);
+                           output == 0 ? 0 : termsEnd[output - 1], termsEnd.data() + output, count, mix.replace);
         output = endOutput;
     }
 }
