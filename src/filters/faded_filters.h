@@ -246,7 +246,7 @@ private:
         }
     }
 
-    /// Adds a block's mix, in the order in which the sums have always been formed.
+    /// Adds a block's mix: B's part to the sum of the output and A's. Another order gives other bits.
     void AddMix(float* output, unsigned long numSamples) {
         // Local copies: the output might alias the members, for all that the compiler knows.
         float const* const a = bufferA.data();

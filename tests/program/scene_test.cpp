@@ -270,9 +270,14 @@ TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
     EXPECT_NE(json.out.find("\"timed_lines\": 2, \"end_s\": 62.500, \"sources\": 2, \"faults\": [\"/"),
               std::string::npos)
         << json.out;
-    const std::string scene = ReadText(directory / "good.scene");
-    ASSERT_EQ(RunProgram({"scene", "plot", "-", "-o", directory / "plan.svg"}, {}, scene).status, 0);
-    EXPECT_NE(ReadText(directory / "plan.svg").find("source 3"), std::string::npos);
+    ASSERT_EQ(RunProgram({"scene", "plot", directory / "good.scene", "-o", directory / "plan.svg"}).status, 0);
+    const std::string plan = ReadText(directory / "plan.svg");
+    EXPECT_NE(plan.find("source 3"), std::string::npos);
+    // The same from a pipe, which can be read once: all but the title.
+    const RunResult piped = RunCommand({"sh", "-c", "cat \"$1\" | \"$0\" scene plot - -o \"$2\" --force",
+                                        ORVANVERB_PROGRAM, directory / "good.scene", directory / "plan.svg"});
+    ASSERT_EQ(piped.status, 0) << piped.err;
+    EXPECT_EQ(ReadText(directory / "plan.svg").size() + std::string("good.scene").size(), plan.size() + 1);
 }
 
 // Red if a rendering keeps quiet about loudspeakers that can't play, or tells of places that they pass; or if a source
