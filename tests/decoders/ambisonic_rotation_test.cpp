@@ -1,10 +1,10 @@
-#include "decoders/ambisonic/ambisonic_rotation.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
 #include <vector>
 
+#include "decoders/ambisonic/ambisonic_reorder.h"
+#include "decoders/ambisonic/ambisonic_rotation.h"
 #include "harmonics/ambisonic_encoding.h"
 #include "harmonics/harmonics_rotation.h"
 #include "support/channels.h"
@@ -67,6 +67,24 @@ TEST(AmbisonicRotation, SlidesToWhatTheHeadHearsInEitherAxes) {
         EXPECT_NEAR(signal.data[0].back(), 1.0f, 1e-6f);
         EXPECT_NEAR(signal.data[1].back(), ambixAxes ? 1.0f : 0.0f, 1e-6f);   // y
         EXPECT_NEAR(signal.data[3].back(), ambixAxes ? 0.0f : -1.0f, 1e-6f);  // x
+    }
+}
+
+// A plane wave in the channels W X Y Z R S T U V of older files, by their own formulas.
+TEST(AmbisonicReorder, BringsOlderChannelsToThoseOfToday) {
+    const float x = 0.36f, y = 0.48f, z = 0.8f;
+    const auto wanted =
+        Lume::AmbisonicEncodingVector(2, {x, y, z}, Lume::SchmidtSeminormalized3D, Lume::IncreasingDegrees);
+    Channels older(9, 2, 0.0f), today(9, 2, 9.0f);
+    const float wave[] = {std::sqrt(0.5f), x,        y, z, 1.5f * z * z - 0.5f, 2 * x * z, 2 * y * z,
+                          x * x - y * y,   2 * x * y};
+    for (std::size_t c = 0; c < 9; ++c) older.data[c][1] = wave[c];
+    Lume::AmbisonicReorder reorder(Lume::FumaChannels(2),
+                                   Lume::AmbisonicChannels(2, Lume::SchmidtSeminormalized3D, Lume::IncreasingDegrees));
+    reorder.Process(today.pointers.data(), older.pointers.data(), 2, orvandsp::allActiveInputs);
+    for (std::size_t c = 0; c < 9; ++c) {
+        EXPECT_EQ(today.data[c][0], 0.0f);
+        EXPECT_NEAR(today.data[c][1], wanted[c], 1e-6f) << "channel " << c;
     }
 }
 

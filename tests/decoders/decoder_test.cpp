@@ -52,7 +52,7 @@ TEST(Decoder, SupportedAndMadeByNumbersOfChannels) {
     Expect<AmbisonicDecoder>("bformat", 3, 8, true);
     Expect<AmbisonicDecoder>("bformat", 5, 8, false);
     Expect<NullDecoder>("bformat", 6, 8, false);
-    Expect<HOA2DDecoder>("hoa2D", 5, 6, true);
+    Expect<HOA2DDecoder>("hoa2D", 3, 6, true);
     Expect<HOA2DDecoder>("hoa2d", 5, 4, false);
     Expect<NullDecoder>("hoa2d", 6, 6, false);
     Expect<NullDecoder>("hoa2d", 1, 4, true);
@@ -70,6 +70,7 @@ TEST(Decoder, SupportedAndMadeByNumbersOfChannels) {
     Expect<NullDecoder>("surround", 2, 2, true);
     Expect<NullDecoder>("surround", 2, 5, false);
     Expect<Bformat2UHJDecoder>("bformat2uhj", 3, 3, true);
+    Expect<UHJ2BformatDecoder>("uhj2bformat", 2, 3, true);
     Expect<UHJ2BformatDecoder>("uhj2bformat", 4, 4, true);
     Expect<NullDecoder>("no such name", 7, 7, true);
     EXPECT_FALSE(Decoder::SupportsConfiguration("hoa2d", 0, 4));

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "engine/controls.h"
 
@@ -25,6 +27,30 @@ TEST(RoomControls, EachReachesItsOwnValueOnly) {
             EXPECT_EQ(other.get(engine), &other == &control ? value : other.get(untouched))
                 << control.name << " seen by " << other.name;
     }
+}
+
+// Red if a record of a layer or of the late field drops a value, or hands it to its neighbour.
+TEST(RoomControls, RecordsBringEveryValue) {
+    OrvanVerb engine(4);
+    const Lume::HLShelfParameters shelf{1.0f, 2.0f, 3.0f, 4.0f, 500.0f, 6000.0f};
+    for (auto const set : {&OrvanVerb::SetDirectParameters, &OrvanVerb::SetRoomParameters,
+                           &OrvanVerb::SetEarlyParameters, &OrvanVerb::SetClusterParameters})
+        (engine.*set)(shelf);
+    engine.SetReverbParameters({1.0f, 2.0f, 0.3f, 0.4f, 0.5f, 600.0f, 7000.0f});
+    const auto expect = [&](std::string const& layer, std::vector<std::pair<char const*, float>> const& values) {
+        for (auto const& [name, value] : values)
+            EXPECT_EQ(roomControls[Lume::FindControl(layer + name).value()].get(engine), value) << layer << name;
+    };
+    for (char const* layer : {"direct_", "room_", "early_", "cluster_"})
+        expect(layer, {{"gain", 1.0f},
+                       {"gain_low", 2.0f},
+                       {"gain_medium", 3.0f},
+                       {"gain_high", 4.0f},
+                       {"freq_low", 500.0f},
+                       {"freq_high", 6000.0f}});
+    expect(
+        "",
+        {{"gain", 1.0f}, {"tr0", 2.0f}, {"trl", 0.3f}, {"trm", 0.4f}, {"trh", 0.5f}, {"fl", 600.0f}, {"fh", 7000.0f}});
 }
 
 // Red if a row is copied and not finished.

@@ -74,9 +74,15 @@ TEST(EngineSurvival, SettersIgnoreWhatIsNoNumber) {
         }
 }
 
-// Red if places beyond all measure are squared, or if loudspeakers in one direction make gains that aren't numbers.
+// Red if places beyond all measure are squared, if loudspeakers in one direction make gains that aren't numbers, or if
+// an angle of the head that isn't one counts.
 TEST(EngineSurvival, PlacesBeyondMeasureAreHeard) {
     EngineRig rig(2, 3, 8);
+    for (Lume::Orientation const& head : {Lume::Orientation{nan, 0, 0}, {0, infinity, 0}, {0, 0, nan}}) {
+        rig.engine.SetOrientation(head);
+        EXPECT_EQ(rig.engine.GetOrientation(), Lume::Orientation{});
+    }
+    OpenEngine(2).SetOrientation({90, 0, 0});  // while there are no sources
     rig.engine.SetDirectGain(0.0f);
     const auto constant = [](unsigned int, std::size_t) { return 1.0f; };
     const Lume::CartesianVector far = {1.0f, 1e30f, -infinity};

@@ -70,7 +70,7 @@ TEST(SpaceGeometry, LineMeetsSphere) {
     CartesianVector first{7, 7, 7}, second{7, 7, 7};
     EXPECT_FALSE(Lume::IntersectionBetweenLineAndSphere(centre, 2, {0, 5, 3}, {1, 5, 3}, first, second));
     EXPECT_EQ(first.x, 7.0f);
-    ASSERT_TRUE(Lume::IntersectionBetweenLineAndSphere(centre, 2, {-5, 2, 3}, {-4, 2, 3}, first, second));
+    ASSERT_TRUE(Lume::IntersectionBetweenLineAndSphere(centre, 2, {-5, 2, 3}, {-3, 2, 3}, first, second));
     EXPECT_FLOAT_EQ(first.x, 3.0f);
     EXPECT_FLOAT_EQ(second.x, -1.0f);
     EXPECT_FLOAT_EQ(second.z, 3.0f);

@@ -49,6 +49,17 @@ TEST(NamedLayout, HasWhatItsNameSays) {
         EXPECT_EQ(FindNamedLayout(layout.positions).positions.size(), counts.loudspeakers);
     }
     EXPECT_TRUE(FindNamedLayout("6.1").positions.empty());
+    // Numbers without a name are spread over the sphere.
+    for (const unsigned int number : {10u, 33u}) {
+        const auto positions = Lume::UsualLayoutInSpace(number);
+        ASSERT_EQ(positions.size(), number);
+        Lume::CartesianVector sum{};
+        for (auto const& p : positions) sum = sum + p;
+        EXPECT_LT(Length(sum), 0.5f);
+        const float apart = 2.9f / std::sqrt(static_cast<float>(number));
+        for (auto const& p : positions)
+            for (auto const& q : positions) EXPECT_TRUE(&p == &q || Distance(p, q) > apart) << number;
+    }
 }
 
 // Red if a file's channel comes out of another loudspeaker than players of that layout expect, or if the engine's

@@ -10,8 +10,10 @@
 #include "pan/binaural/binaural_panning_snowman_model.h"
 #include "pan/binaural/binaural_panning_spherical_head_model.h"
 #include "pan/binaural/head_shadow.h"
+#include "pan/binaural/snowman_processing.h"
 #include "pan/panning_support.h"
 #include "support/frequency_response.h"
+#include "support/signals.h"
 
 namespace {
 
@@ -183,6 +185,21 @@ TEST(BinauralPanningSnowmanModel, TorsoReflectsWhatIsAboveIt) {
             ExpectFilter(reflection, 0.5, reflected);
         }
     }
+}
+
+// Red if an ear's filters differ as a block of one channel.
+TEST(SnowmanProcessing, IsABlockLikeOthers) {
+    Lume::SnowmanProcessing plain, block;
+    const float pass[] = {1.0f, 0.0f, 0.0f};
+    for (auto* ear : {&plain, &block}) ear->SetDirectPath(1.0f, pass, pass, false);
+    Channels in({MakeNoise(1, 512)}), out(2, 512, 9.0f);
+    const short active[] = {0};
+    plain.Process(out.pointers[0], in.pointers[0], 512);
+    block.Process(&out.pointers[1], in.pointers.data(), 512, orvandsp::allActiveInputs);
+    EXPECT_EQ(out.data[0], out.data[1]);
+    EXPECT_GT(EnergyOf(out.data[0]), 1.0);
+    block.Process(&out.pointers[1], in.pointers.data(), 512, active);
+    EXPECT_EQ(EnergyOf(out.data[1]), 0.0);
 }
 
 // Red if a source, or a torso, in a singular place makes something that isn't a number: filters never get rid of it.

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "pan/binaural/binaural_panning_itd.h"
 #include "pan/panning_support.h"
 #include "support/allocation_count.h"
 #include "support/signals.h"
@@ -18,27 +19,7 @@ namespace {
 using Lume::CartesianVector;
 using Lume::Pan;
 
-struct Kind {
-    std::string type;
-    unsigned int numOutputs;
-    char const* role;
-    bool isSumOfSources;
-};
-
-// Spherical harmonics are left out: without data they are silent.
-const Kind kinds[] = {{"xy", 2, "direct", true},         {"ms", 2, "direct", true},
-                      {"ab", 2, "direct", true},         {"surround", 4, "direct", true},
-                      {"panr", 5, "direct", true},       {"angular", 5, "direct", true},
-                      {"vbap2d", 5, "direct", true},     {"vbap", 7, "direct", true},
-                      {"dbap", 5, "direct", true},       {"dbap3d", 5, "direct", true},
-                      {"vdbap", 6, "direct", true},      {"bformat", 4, "direct", true},
-                      {"hoa2d", 5, "direct", true},      {"hoa3d", 9, "direct", true},
-                      {"vbap2d", 5, "diffuse", false},   {"binaural", 2, "diffuse", false},
-                      {"binaural", 2, "direct", true},   {"binaural", 2, "early", true},
-                      {"binaural", 2, "snowman", true},  {"binaural", 2, "sphericalheadmodel", true},
-                      {"binaural", 2, "nearfield", true}};
-
-std::unique_ptr<Pan> Make(Kind const& kind, unsigned int numInputs) {
+std::unique_ptr<Pan> Make(PannerKind const& kind, unsigned int numInputs) {
     std::unique_ptr<Pan> panner(Pan::factory(numInputs, kind.numOutputs, kind.type.c_str(), kind.role));
     panner->Configure(48000.0f, 64, true);
     return panner;
@@ -65,7 +46,7 @@ const CartesianVector resting = At(-70.0, 10.0);
 // Red if outputs that are inputs are read after they were written, if adding replaces, if Process and ProcessAdding
 // differ, if a block allocates, or if Clear leaves something behind.
 TEST(EveryPanner, WorksInPlaceAddsAndClears) {
-    for (Kind const& kind : kinds)
+    for (PannerKind const& kind : panners)
         for (unsigned int numInputs = kind.isSumOfSources ? 1 : 2; numInputs <= 2; ++numInputs) {
             SCOPED_TRACE(kind.type + " " + kind.role + " of " + std::to_string(numInputs));
             const auto process = Make(kind, numInputs), add = Make(kind, numInputs);
@@ -92,11 +73,31 @@ TEST(EveryPanner, WorksInPlaceAddsAndClears) {
         }
 }
 
+// Red if an input that comes later isn't made ready as those of the beginning are, or if a mode outlives that.
+TEST(EveryPanner, GrowsAsIfMadeSo) {
+    for (PannerKind const& kind : panners) {
+        if (!kind.isSumOfSources) continue;
+        SCOPED_TRACE(kind.type + " " + kind.role);
+        const auto grown = Make(kind, 2), made = Make(kind, 2);
+        if (auto* const itd = dynamic_cast<Lume::BinauralPanningITD*>(grown.get()))
+            itd->SetInterpolationMode(Lume::Delay::nearest);
+        for (const unsigned int numInputs : {1u, 2u}) grown->SetNumInputs(numInputs);
+        const Channels in = NoiseChannels(2, length);
+        Channels outs[2] = {{kind.numOutputs, length, 0.0f}, {kind.numOutputs, length, 0.0f}};
+        for (std::size_t i = 0; i < length; i += block)
+            for (Pan* panner : {grown.get(), made.get()}) {
+                panner->SetSourcePosition(1, Moving(i), false);
+                Play(*panner, false, outs[panner == made.get()].From(i), in.From(i), orvandsp::allActiveInputs);
+            }
+        EXPECT_EQ(outs[0].data, outs[1].data);
+    }
+}
+
 // Red if several sources aren't the sum of each alone, or if an inactive input, whose pointer is null, is read. Red if
 // somebody tidies up: a single source that isn't active leaves the outputs of two panners alone; others clear them.
 TEST(EveryPanner, AddsUpItsActiveSources) {
     constexpr unsigned int numSources = 5;
-    for (Kind const& kind : kinds) {
+    for (PannerKind const& kind : panners) {
         if (!kind.isSumOfSources) continue;
         SCOPED_TRACE(kind.type + " " + kind.role);
         const auto all = Make(kind, numSources);
@@ -146,7 +147,7 @@ TEST(EveryPanner, BinauralSilenceIsForBothEars) {
 TEST(EveryPanner, SurvivesBadLayouts) {
     const float nan = std::nanf("");
     const std::vector<CartesianVector> places = {{1, 1, 0}, {0, 0, 0}, {1e30f, -1e30f, 1e25f}, {nan, nan, nan}};
-    for (Kind const& kind : kinds)
+    for (PannerKind const& kind : panners)
         for (const unsigned int numOutputs : {1u, 2u, 3u, 4u, 5u, 12u})
             for (std::size_t layout = 0; layout < 7; ++layout) {
                 const std::unique_ptr<Pan> panner(Pan::factory(1, numOutputs, kind.type.c_str(), kind.role));

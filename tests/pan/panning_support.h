@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "pan/amplitude_panning.h"
@@ -21,6 +22,25 @@ public:
 private:
     std::mt19937 random;
 };
+
+/// Every panner that the factory makes, but spherical harmonics: without data they are silent.
+struct PannerKind {
+    std::string type;
+    unsigned int numOutputs;
+    char const* role;
+    bool isSumOfSources;
+};
+inline const PannerKind panners[] = {{"xy", 2, "direct", true},         {"ms", 2, "direct", true},
+                                     {"ab", 2, "direct", true},         {"surround", 4, "direct", true},
+                                     {"panr", 5, "direct", true},       {"angular", 5, "direct", true},
+                                     {"vbap2d", 5, "direct", true},     {"vbap", 7, "direct", true},
+                                     {"dbap", 5, "direct", true},       {"dbap3d", 5, "direct", true},
+                                     {"vdbap", 6, "direct", true},      {"bformat", 4, "direct", true},
+                                     {"hoa2d", 5, "direct", true},      {"hoa3d", 9, "direct", true},
+                                     {"vbap2d", 5, "diffuse", false},   {"binaural", 2, "diffuse", false},
+                                     {"binaural", 2, "direct", true},   {"binaural", 2, "early", true},
+                                     {"binaural", 2, "snowman", true},  {"binaural", 2, "sphericalheadmodel", true},
+                                     {"binaural", 2, "nearfield", true}};
 
 inline double Power(std::vector<float> const& gains) {
     double power = 0.0;
