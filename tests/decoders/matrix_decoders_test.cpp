@@ -7,7 +7,6 @@
 #include <numbers>
 #include <vector>
 
-#include "decoders/ambisonic/ambisonic_decoder.h"
 #include "decoders/decoder.h"
 #include "decoders/matrix/ltrt.h"
 #include "dsp/hilbert_transform.h"
@@ -38,24 +37,6 @@ std::vector<std::vector<float>> Responses(orvandsp::SignalProcessing& block, uns
 std::unique_ptr<Lume::Decoder> Make(unsigned int numInputs, unsigned int numOutputs, Lume::Decoder::Type type) {
     return std::unique_ptr<Lume::Decoder>(
         Lume::Decoder::factory(numInputs, numOutputs, type, Lume::Decoder::nullSubType));
-}
-
-// One sample of each input in turn gives the matrix.
-TEST(MatrixDecoders, PlainMatrices) {
-    const double a = std::sqrt(2.0 / 3.0), c = std::sqrt(0.5);
-    const auto check = [](unsigned int numInputs, unsigned int numOutputs,
-                          std::vector<std::vector<double>> const& rows) {
-        const auto decoder = Make(numInputs, numOutputs, Lume::Decoder::surround);
-        for (unsigned int i = 0; i < numInputs; ++i) {
-            const auto responses = Responses(*decoder, i);
-            for (unsigned int j = 0; j < numOutputs; ++j) {
-                EXPECT_NEAR(static_cast<double>(responses[j][0]), rows[j][i], 1e-7) << i << " to " << j;
-                EXPECT_EQ(responses[j][1], 0.0f);
-            }
-        }
-    };
-    check(4, 3, {{1, c, 0, 0}, {0, c, 1, 0}, {0, 0, 0, 1}});
-    check(3, 4, {{a, 0, 0}, {a * c, a * c, 0}, {0, a, 0}, {0, 0, 1}});
 }
 
 // The surround of both decoders is the difference, 15 ms later, and shelved; what both sides share never gets there.
@@ -166,27 +147,6 @@ TEST(Uhj, InactiveInputsSilence) {
             const unsigned int numNeeded = block == encoder.get() ? 3 : 2;
             EXPECT_EQ(out.data[0] == std::vector<float>(64, 0.0f), inactive < numNeeded) << inactive;
         }
-}
-
-// The gains of a loudspeaker in each direction, with the azimuth's sine in the height channel.
-TEST(AmbisonicDecoder, ConvertsDirectionsIntoGains) {
-    const double az = 0.7, el = 0.4, c = std::cos(el);
-    const Lume::CartesianVector position{static_cast<float>(3.0 * c * std::cos(az)),
-                                         static_cast<float>(3.0 * c * std::sin(az)),
-                                         static_cast<float>(3.0 * std::sin(el))};
-    for (const unsigned int numInputs : {3u, 4u, 5u}) {
-        const Lume::AmbisonicDecoder decoder(numInputs, 2);
-        std::vector<float> gains(5, 9.0f);
-        decoder.convert(position, gains.data());
-        std::vector<double> expected = {0.823242, c * std::cos(az), c * std::sin(az)};
-        if (numInputs == 4) expected.push_back(std::sin(el) * std::sin(az));
-        if (numInputs == 5) {
-            expected.push_back(0.442259 * c * c * std::cos(2.0 * az));
-            expected.push_back(0.442259 * c * c * std::sin(2.0 * az));
-        }
-        for (std::size_t i = 0; i < 5; ++i)
-            EXPECT_NEAR(static_cast<double>(gains[i]), i < numInputs ? expected[i] : 9.0, 1e-6) << i;
-    }
 }
 
 }  // namespace
