@@ -80,6 +80,8 @@ std::vector<std::string> MessageRemarks::OfRange(std::string const& attribute, s
         const std::string word = atom_getsym(&atoms[0])->s_name;
         return OfRange(word == "start" ? "reverb_start" : word, atoms.subspan(1));
     }
+    // "early start 500" is a time, which may be beyond its range.
+    if (atoms.size() == 2 && atom_gettype(&atoms[0]) == A_SYM) return {};
     std::vector<std::string> texts;
     for (Lume::RoomControl const& control : Lume::roomControls) {
         if (control.attribute == nullptr || attribute != control.attribute || control.element >= atoms.size()) continue;

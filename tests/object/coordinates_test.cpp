@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,7 @@ TEST_F(Coordinates, FormatsMoveTheSource) {
         {"elev 10", At(az, 10, r)},
         {"elev 100", At(az, -10, r)},
         {"elev -100", At(az, 10, r)},
+        {"elev 370", At(az, 10, r)},
         {"elev++ 10", At(az, el - 10, r)},
         {"dist 2", At(az, el, 2)},
         {"dist -2", At(az, el, 2)},
@@ -163,6 +165,32 @@ TEST_F(Coordinates, LoudspeakersMoveAloneOrAllTogether) {
               "warn: too many loudspeakers positions. only 4 positions will be read|");
 }
 
+// What other objects of the family read with: a listener, and points as many as there are.
+TEST_F(Coordinates, ListenersAndPointsAreReadFromLists) {
+    const auto read = [this](char const* text, unsigned int capacity) {
+        const auto atoms = max::ParseAtoms(text);
+        std::vector<CartesianVector> at(std::max(capacity, 1u), {9, 9, 9});
+        const auto count = static_cast<long>(atoms.size());
+        unsigned int number = 1;
+        std::ostringstream found;
+        found << (capacity == 0 ? get_listener_coordinates_from_atoms(box.Object(), count, atoms.data(), at[0])
+                                : get_points_coordinates_from_atoms(box.Object(), capacity, count, atoms.data(),
+                                                                    at.data(), number));
+        for (unsigned int i = 0; i < number; ++i) found << " " << at[i].x << "," << at[i].y << "," << at[i].z;
+        return found.str() + " " + box.Lines();
+    };
+    EXPECT_EQ(read("xyz 1 2 3", 0), "1 1,2,3 ");
+    EXPECT_EQ(read("xyz 1 2 3 4", 0), "1 1,2,3 warn: too many listener positions. only 1 position will be read|");
+    EXPECT_EQ(read("xyz 1 2", 0), "0 9,9,9 error: invalid listener message|");
+    EXPECT_EQ(read("there 1", 0), "0 9,9,9 error: unknown coordinate type|");
+    EXPECT_EQ(read("xyz 1 2 far", 0), "0 9,9,9 error: error reading listener position|");
+    EXPECT_EQ(read("xy 1 2 3 4", 3), "1 1,2,0 3,4,0 ");
+    EXPECT_EQ(read("xyz 1 2 3 4 5 6", 2), "1 1,2,3 4,5,6 ");
+    EXPECT_EQ(read("x 1 2 3", 2), "1 1,9,9 2,9,9 warn: too many point positions. only 2 positions will be read|");
+    EXPECT_EQ(read("xy 1 2 3", 3), "0 1,2,0 error: error reading 1 th point position|");
+    EXPECT_EQ(read("there 1", 3), "0 error: unknown coordinate type|");
+}
+
 TEST_F(Coordinates, ReverbReachesTheLateFieldByWords) {
     const std::tuple<char const*, char const*, char const*> cases[] = {
         {"tr0 100", "tr0", "10.000000 "},          {"start 900", "reverb_start", "500.000000 "},
@@ -192,9 +220,18 @@ TEST_F(Coordinates, PositionsBecomeAtomsAndComeBack) {
         SCOPED_TRACE(format);
         ExpectNear(back, position, 1e-6f);
     }
-    EXPECT_TRUE(coordinates2atoms({1, 0, 0}, coordinates_wfs, 2, atoms));
-    EXPECT_FLOAT_EQ(atom_getfloat(&atoms[0]), 270.0f);
-    EXPECT_FALSE(coordinates2atoms(position, coordinates_xy, 3, atoms));
+    const std::tuple<CoordinatesFormat, long, std::string> parts[] = {
+        {coordinates_xy, 2, "-1.5 0.5 "}, {coordinates_ae, 2, "-71.565 25.3769 "}, {coordinates_ad, 2, "-71.565 1.75 "},
+        {coordinates_az, 1, "-71.565 "},  {coordinates_wfs, 2, "71.5651 17.5 "},   {coordinates_x, 1, "no "}};
+    for (auto const& [format, count, expected] : parts) {
+        std::ostringstream text;
+        if (!coordinates2atoms(position, format, count, atoms))
+            text << "no ";
+        else
+            for (long i = 0; i < count; ++i) text << atom_getfloat(&atoms[i]) << " ";
+        EXPECT_EQ(text.str(), expected);
+        EXPECT_FALSE(coordinates2atoms(position, format, count + 1, atoms));
+    }
 }
 
 TEST_F(Coordinates, KeywordsAreLookedUpWithTheirOddFallback) {
@@ -214,6 +251,8 @@ TEST_F(Coordinates, ParameterListsAreReadInTheirForms) {
         {"gains 9 8 7 6", {9, 8, 7, 6, 100, 200}},
         {"freqs 50 60", {1, 2, 3, 4, 50, 60}},
         {"gm 100", {1, 2, 20, 4, 100, 200}},
+        {"Gh -5", {1, 2, 3, -5, 100, 200}},
+        {"6 5 4 3 70 80", {6, 5, 4, 3, 70, 80}},
     };
     for (auto const& [text, expected] : cases) {
         Lume::HLShelfParameters p{1, 2, 3, 4, 100, 200};
@@ -221,14 +260,23 @@ TEST_F(Coordinates, ParameterListsAreReadInTheirForms) {
         EXPECT_TRUE(atoms2hlshelf(p, static_cast<long>(atoms.size()), atoms.data()));
         EXPECT_EQ((std::array{p.gain, p.gainLow, p.gainMed, p.gainHigh, p.freqLow, p.freqHigh}), expected) << text;
     }
+    Lume::HLShelfParameters kept{1, 2, 3, 4, 100, 200};
+    for (char const* const text : {"gm 0", "Gx 1", "gm", "1 2 3 4 5", "params 1 2 3 4 5", ""}) {
+        const auto atoms = max::ParseAtoms(text);
+        EXPECT_FALSE(atoms2hlshelf(kept, static_cast<long>(atoms.size()), atoms.data())) << text;
+    }
+    post_hlshelf_parameters(box.Object(), kept, "shelf");
+    EXPECT_EQ(box.Lines(), "post: shelf : 1.000000 2.000000 3.000000 4.000000 100.000000 200.000000 |");
     Lume::ReverbDspParameters p{};
     const auto reverb = [&p](char const* text) {
         const auto atoms = max::ParseAtoms(text);
         return atoms2reverb(p, static_cast<long>(atoms.size()), atoms.data());
     };
-    EXPECT_TRUE(reverb("times 4 0.9 0.8 0.7") && reverb("freqs 111 2222"));
-    EXPECT_FALSE(reverb("gain 1 2 3 4") || reverb("times 1"));  // the form of times decides
-    EXPECT_TRUE(p.decayTime == 4.0f && p.relativeDecayHigh == 0.7f && p.crossoverFrequencyLow == 111.0f);
+    EXPECT_TRUE(reverb("times 4 0.9 0.8 0.7") && reverb("freqs 111 2222") && reverb("gain -3"));
+    EXPECT_FALSE(reverb("gain 1 2 3 4") || reverb("times 1") || reverb("gain 1 2"));  // the form of times decides
+    EXPECT_EQ((std::array{p.gain, p.decayTime, p.relativeDecayLow, p.relativeDecayMedium, p.relativeDecayHigh,
+                          p.crossoverFrequencyLow, p.crossoverFrequencyHigh}),
+              (std::array{-3.0f, 4.0f, 0.9f, 0.8f, 0.7f, 111.0f, 2222.0f}));
 }
 
 }  // namespace

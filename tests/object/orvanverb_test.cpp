@@ -7,9 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "geometry/vector_algebra.h"
+#include "object/message_remarks.h"
 #include "object/orvanverb_class.h"
 #include "object/orvanverb_table.h"
+#include "object/probe_object.h"
 #include "object/recording_box.h"
+#include "object/room_exchange.h"
+#include "patcher/atom.h"
 #include "support/allocation_count.h"
 
 namespace {
@@ -92,6 +97,75 @@ TEST(OrvanverbObject, IsMadeOfItsAttributes) {
     EXPECT_EQ(OrvanBox("@numsources 65").box.NumSignalInlets(), 64);
     EXPECT_EQ(box.Send("dump"), "error: no dump outlet|");
     EXPECT_EQ(box.Send("reset delays"), "warn: attribute delays doesnt have a default value|");
+}
+
+TEST(OrvanverbObject, AnswersInItsWords) {
+    OrvanBox box("@numsources 2 @numspeakers 2 @numinternals 4");
+    const std::string before = box.State();
+    const std::pair<char const*, char const*> cases[] = {
+        {"numsources 2", ""},
+        {"numsources 3", "error: could not dynamically change number of sources|"},
+        {"sourcespositions 1 2 3 4 5", "error: sourcespositions: 6 coordinates are expected, not 5|"},
+        {"speakerspositions 1 2 3 4 5 1e99", "error: speakerspositions: coordinates must be finite|"},
+        {"delays 1 2 3", "error: Wrong number of delays|"},
+        {"early 1 2 3", "error: invalid early parameters : 1 2 3 |"},
+        {"early finish 3", "error: invalid early parameters : finish 3 |"},
+        {"early start 1e99", "error: invalid early parameters : start inf |"},
+        {"postdspstatus", "post: dsp processing is enabled|"},
+        {"bypass 1", ""},
+        {"postdspstatus", "post: dsp processing is bypassed|"},
+        {"mute 1", ""},
+        {"postdspstatus", "post: dsp processing is muted|"},
+        {"mute 0", ""},
+        {"bypass 0", ""},
+    };
+    for (auto const& [message, lines] : cases) EXPECT_EQ(box.Send(message), lines) << message;
+    EXPECT_EQ(box.State(), before);
+}
+
+// Red if a front is silent where the object drops or bends what it was told, or says so twice.
+TEST(OrvanverbObject, RemarksTellWhatAMessageLoses) {
+    OrvanBox box("@numsources 2 @numspeakers 2");
+    const std::pair<char const*, char const*> cases[] = {
+        {"clear", ""},
+        {"clear now", "clear: only the word itself counts, not now|"},
+        {"mute", "mute: a value is missing, 0 or 1|"},
+        {"mute 2", "mute: 2 is not 0 or 1, and counts as 1|"},
+        {"mute 0", ""},
+        {"bypass 1 0.5 x", "bypass: only the first value counts, not 0.5 x|"},
+        {"reverb tr0 1 2", "reverb tr0: only the first value counts, not 2|"},
+        {"reverb tr0 1", ""},
+        {"reverb tr0 20", "tr0: 20 is not from 0.1 to 10 s, the nearest is taken (said once)|"},
+        {"reverb start 900", "reverb_start: 900 is not from 1 to 500 ms, the nearest is taken (said once)|"},
+        {"numsources 7 8", ""},
+        {"sing 7 8", ""},
+        {"room", "room: values are missing, a level and three gains in dB and two frequencies in Hz|"},
+        {"room 20 0 0 0 300 3000", "room_gain: 20 is not from -60 to 10 dB, the nearest is taken (said once)|"},
+        {"early start 900", ""},
+        {"sourcespositions 1 2 3 4 5 6", ""},
+        {"sourcespositions 1 2 3 4 5 6 7", "sourcespositions: only what stands for 2 positions counts, not 7|"},
+        {"speakerspositions 1 2 3 4 5 6 7 8", "speakerspositions: only what stands for 2 positions counts, not 7 8|"},
+        {"delays", ""},
+        {"tr0", "tr0: a value is missing, a number from 0.1 to 10 s|"},
+        {"tr0 9 8", "tr0: only the first value counts, not 8|"},
+        {"tr0 long", ""},
+        {"air", "air: a value is missing, 0 or 1|"},
+    };
+    orvanverb::MessageRemarks all;
+    for (auto const& [message, expected] : cases) {
+        const auto said = [&](orvanverb::MessageRemarks& remarks) {
+            auto atoms = max::ParseAtoms(message);
+            const std::string selector = atom_getsym(atoms.data())->s_name;
+            atoms.erase(atoms.begin());
+            std::string text;
+            for (std::string const& line : remarks.Of(*box.Record(), selector, atoms)) text += line + "|";
+            return text;
+        };
+        orvanverb::MessageRemarks fresh;
+        EXPECT_EQ(said(fresh), expected) << message;
+        said(all);
+        EXPECT_EQ(said(all), "") << message;
+    }
 }
 
 TEST(OrvanverbObject, CreationFailsLoudly) {
@@ -236,6 +310,53 @@ TEST(OrvanverbState, RestoredObjectSoundsTheSame) {
     OrvanBox other("@numsources 3 @numspeakers 5 @numinternals 6");
     EXPECT_EQ(other.box.SetState(state), -1);
     EXPECT_EQ(other.Get("tr0"), "1.995000 ");
+}
+
+// The same between record and room, as fronts save it: also what the room doesn't know.
+TEST(OrvanverbState, RoomAndRecordExchangeIt) {
+    PlacedBox first("@numsources 2 @numspeakers 4 @numinternals 4"),
+        second("@numsources 2 @numspeakers 4 @numinternals 4");
+    for (char const* const message : {"bypass 1", "air 1", "tr0 3", "cluster 1 2 3 4 300 3000", "delays 0 0 3.5 0.001",
+                                      "source 2 xyz 1 2 3", "speakers az -31 32 111 -112"})
+        first.Send(message);
+    Lume::RoomState state = orvanverb_save_state(first.Record());
+    EXPECT_TRUE(state.bypass && !state.mute);
+    EXPECT_EQ(state.unknown, std::vector<std::string>{"delays 0 0 3.5 0.001"});
+    second.Notifications();
+    orvanverb_restore_state(second.Record(), state);
+    EXPECT_EQ(second.Notifications(), 1);
+    EXPECT_EQ(second.State(), first.State());
+    EXPECT_EQ(orvanverb_save_state(second.Record()).Text(), state.Text());
+    second.box.Enable(false);
+    EXPECT_TRUE(orvanverb_save_state(second.Record()).mute);
+    std::swap(state.mute, state.bypass);
+    state.unknown = {"late_width 1 2 3 4"};
+    state.controls[Lume::ControlIndex("air")] = 0.0f;
+    orvanverb_restore_state(second.Record(), state);
+    EXPECT_EQ(second.Get("mute") + second.Get("bypass") + second.Get("air") + second.Get("delays"),
+              "1 0 0 0.000000 0.000000 0.000000 0.000000 ");
+    EXPECT_EQ(orvanverb_save_state(second.Record()).unknown, state.unknown);
+    EXPECT_EQ(orvanverb_record(second.Object()), second.Record());
+    EXPECT_TRUE(orvanverb_record(ProbeBox().Object()) == nullptr && orvanverb_record(nullptr) == nullptr);
+}
+
+TEST(OrvanverbState, PositionsStayWithinReach) {
+    PlacedBox box("@numsources 2 @numspeakers 4");
+    const auto limited = [&](char const* message) {
+        const auto before = orvanverb_source_positions(box.Record());
+        box.Send(message);
+        return orvanverb_limit_positions(box.Record(), before);
+    };
+    EXPECT_FALSE(limited("source 2 xyz -1 0 0"));
+    EXPECT_FALSE(limited("source 2 xyz 0 0 2"));  // straight above: on the side from which it came
+    EXPECT_NEAR(box.Record()->engine->GetSourcePosition(1).x, -4e-6f, 1e-8f);
+    EXPECT_EQ(orvanverb_source_positions(box.Record())[1], box.Record()->engine->GetSourcePosition(1));
+    EXPECT_TRUE(limited("source 1 xyz 1 -2e9 3"));
+    EXPECT_EQ(box.Get("sourcespositions").substr(0, 35), "1.000000 -1000000.000000 3.000000 -");
+    EXPECT_TRUE(limited("speaker 2 xyz 2e9 1 0"));
+    EXPECT_FALSE(limited("speaker 3 xyz 2 1 0"));
+    EXPECT_EQ(box.Record()->speakerspositions[3], 1e6f);
+    EXPECT_EQ(box.Record()->engine->GetSpeakersPositions()[1].x, 1e6f);
 }
 
 }  // namespace

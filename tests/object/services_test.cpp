@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <filesystem>
 #include <fstream>
@@ -9,6 +10,8 @@
 #include "object/attribute_actions.h"
 #include "object/attribute_reflection.h"
 #include "object/console_lines.h"
+#include "object/hoa_infos.h"
+#include "object/hrtf_infos.h"
 #include "object/object_state.h"
 #include "object/probe_object.h"
 #include "object/xml_reference.h"
@@ -48,6 +51,51 @@ TEST_F(Services, ConsoleLinesFindTheirBox) {
     EXPECT_EQ(probe.Lines(), std::string("bug: 3 of ").append(2000, 'x') + "|");
     EXPECT_EQ(RecordingBox("wavelet~").Lines(), "error: wavelet~: no such object|");
     max::Host::Get().SetConsole(nullptr);
+}
+
+TEST_F(Services, HostRefusesWhatIsMissing) {
+    t_object* const x = probe.Object();
+    t_class* const c = max::object_class(x);
+    long count = 0;
+    t_atom number{}, *atoms = nullptr;
+    t_symbol** names = nullptr;
+    t_object* value = nullptr;
+    t_symbol* const level = gensym("level");
+    for (const t_max_err error :
+         {max::class_addattr(nullptr, x), max::class_addattr(c, nullptr), attr_addfilter_clip(x, 0.0, 1.0, 1, 1),
+          object_attr_getnames(nullptr, &count, &names), object_attr_getnames(x, nullptr, &names),
+          object_attr_getnames(x, &count, nullptr), object_attr_getvalueof(nullptr, level, &count, &atoms),
+          object_attr_getvalueof(x, level, nullptr, &atoms), object_attr_getvalueof(x, level, &count, nullptr),
+          object_attr_setvalueof(nullptr, level, 1, &number), max::object_free(nullptr),
+          object_notify(nullptr, level, nullptr), max::object_obex_store(nullptr, level, x),
+          object_obex_lookup(nullptr, level, &value), object_obex_lookup(x, level, nullptr),
+          symbolarray_sort(1, nullptr), symbolarray_sort(-1, &names[0]), max::class_register(nullptr, c),
+          max::class_register(gensym("box"), nullptr)})
+        EXPECT_EQ(error, MAX_ERR_INVALID_PTR);
+    EXPECT_EQ(max::class_register(gensym("box"), c), MAX_ERR_DUPLICATE);
+    for (char const* const name : {"nobody", "opaque1"})
+        EXPECT_EQ(object_attr_setvalueof(x, gensym(name), 1, &number), MAX_ERR_GENERIC) << name;
+    EXPECT_EQ(object_attr_setvalueof(x, level, 0, &number), MAX_ERR_NONE);
+    EXPECT_EQ(object_attr_setvalueof(x, level, 1, nullptr), MAX_ERR_NONE);
+    EXPECT_EQ(probe.Send("level loud"), "error: level: a number is expected, not \"loud\"|");
+    EXPECT_EQ(probe.Send("table 1 two"), "error: table: a number is expected, not \"two\"|");
+    for (auto const& [typed, selector] : {std::pair("7", "int"), std::pair("7.", "float"), std::pair("7 8", "list"),
+                                          std::pair("opaque512 1", "opaque512")})
+        EXPECT_EQ(probe.Send(typed), std::string("error: probe~: doesn't understand \"") + selector + "\"|");
+    EXPECT_EQ(probe.box.NumSignalInlets() + probe.box.NumSignalOutlets(), 0);
+}
+
+// Red if a record, its outlets or an attribute's copy stays behind.
+TEST_F(Services, BoxesGiveTheirMemoryBack) {
+    const auto used = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
+    const auto make = [] {
+        for (int i = 0; i < 100; ++i) ProbeBox().Send("postattributes");
+        probeJournal.clear();
+    };
+    make();
+    const std::size_t before = used();
+    make();
+    EXPECT_LT(used(), before + 2000);
 }
 
 // Red if one of the five reasons to hide an attribute fails, or if the order isn't that of the names.
@@ -160,8 +208,80 @@ TEST_F(Services, PresetsComeBackAsMessages) {
     EXPECT_TRUE(probe.box.RecallPreset(preset));
     EXPECT_EQ(probe.Record()->level, 2.0f);
     EXPECT_FALSE(ProbeBox().box.RecallPreset(preset));
+    EXPECT_TRUE(probe.box.RecallPreset({preset.begin(), preset.begin() + 3}));  // of an object without a state
+    EXPECT_FALSE(probe.box.RecallPreset({preset.begin(), preset.begin() + 2}));
+    EXPECT_FALSE(probe.box.RecallPreset({preset[0], preset[1], preset[3]}));
     EXPECT_EQ(probe.Send("recallpreset"), "");
     probe.Send("preset");  // into no buffer
+}
+
+TEST_F(Services, ObjectsSayWhatTheyHold) {
+    t_object* const x = probe.Object();
+    EXPECT_EQ(probe.Send("version"), "post: Version 1.2.3|");
+    const float floats[] = {1.0f, -0.5f};
+    const double doubles[] = {2.0, 0.25};
+    post_float_array(x, floats, 2, "f");
+    post_double_array(x, doubles, 2, "d");
+    post_float_array(x, floats, -1, "none");
+    const auto word = max::ParseAtoms("w 3");
+    post_warning_message(x, 2, word.data(), "odd");
+    EXPECT_EQ(probe.Lines(),
+              "post: f : 1.000000 -0.500000 |post: d : 2.000000 0.250000 |post: none : |warn: odd : w 3 |");
+    std::string names;
+    for (const long error : {-1L, -2L, -3L, -4L, -5L}) names.append(HostErrorName(error)).append(" ");
+    EXPECT_EQ(names, "MAX_ERR_GENERIC MAX_ERR_INVALID_PTR MAX_ERR_DUPLICATE MAX_ERR_OUT_OF_MEM unknown MAX_ERR ");
+
+    using Lume::HOADecoder, Lume::HOAPanning;
+    post_hoa_infos(x, HOAPanning::HOAPannerInfos{3, HOAPanning::N3D, Lume::AlternateDegrees}, "p");
+    for (const unsigned int inSpace : {0u, 1u})
+        post_hoa_infos(x,
+                       HOADecoder::HOADecoderInfos{2, HOADecoder::pseudoinverse, HOADecoder::maxre, inSpace,
+                                                   HOADecoder::SN3D, 1.236, 0.0, 0.0, Lume::IncreasingDegrees},
+                       "d");
+    const std::string decoder =
+        "post: d : decoding method : pseudoinverse|post: d : decoding type : maxre|"
+        "post: d : decoding convention : SN3D|post: d : decoder matrix conditionning : 1.24 dB|"
+        "post: d : sorting convention : IncreasingDegrees|";
+    EXPECT_EQ(
+        probe.Lines(),
+        "post: p : order : 3 |post: p : encoding convention : N3D|post: p : sorting convention : AlternateDegrees|"
+        "post: d : order : 2 |post: d : subtype : 2D |" +
+            decoder + "post: d : order : 2 |post: d : subtype : 3D |" + decoder);
+    const Lume::HrtfHeaderInfos set{"me",
+                                    "you",
+                                    "free",
+                                    Lume::hrtfBinaural,
+                                    Lume::hrtfFIR,
+                                    Lume::itdExtracted,
+                                    Lume::dataInterpolated,
+                                    "original",
+                                    "between",
+                                    128,
+                                    2,
+                                    44100,
+                                    187,
+                                    ""};
+    const Lume::SphericalHarmonicBasisXmlInfo harmonics{
+        "me", "you", "free", Lume::hrtfBinaural, Lume::hrtfSHCoeff, Lume::SchmidtSeminormalized3D, 4, 65,
+        2,    44100, 187};
+    post_hrtf_xml_infos(x, nullptr, "h");
+    post_hrtf_xml_infos(x, &set, "h");
+    const std::string origin =
+        "post: h : owner : me |post: h : subject : you|post: h : copyright : free|"
+        "post: h : hrtf type : Binaural|";
+    const std::string numbers = "post: h : channels : 2|post: h : sampling rate : 44100|post: h : points : 187|";
+    EXPECT_EQ(probe.Lines(),
+              origin +
+                  "post: h : filter type : FIR|post: h : flagItdExtracted : itd extracted|"
+                  "post: h : flagInterp : data have been interpolated|post: h : original measurement set : original |"
+                  "post: h : interpolation set : between |post: h : coefficients : 128|" +
+                  numbers);
+    post_sh_xml_infos(x, nullptr, "h");
+    post_sh_xml_infos(x, &harmonics, "h");
+    EXPECT_EQ(probe.Lines(), origin +
+                                 "post: h : filter type : SH_COEFF|post: h : normalization : "
+                                 "SchmidtSeminormalized3D|post: h : maxOrder : 4|post: h : numFrequencyBins : 65|" +
+                                 numbers);
 }
 
 // The whole file of a small class, as text: order, blank lines and all.
