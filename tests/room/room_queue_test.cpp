@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "pan/set_file.h"
+#include "room/room_rig.h"
 #include "support/allocation_count.h"
 #include "support/lock_count.h"
 #include "support/temporary_file.h"
@@ -33,6 +34,12 @@ TEST(RoomQueue, TheLastMessageForAControlCounts) {
     queue.PlaceSource(0, {0.0f, -2.0f, 0.0f});
     queue.SetSourceGain(1, -3.0f);
     queue.SetSourceMuted(0, true);
+    queue.PlaceSpeaker(3, {0.5f, 1.5f, 0.0f});
+    queue.SetOrientation({10.0f, 20.0f, -30.0f});
+    for (const unsigned int source : {64u, 1000u})
+        EXPECT_FALSE(queue.PlaceSource(source, {}) || queue.PlaceSpeaker(source, {}) ||
+                     queue.SetSourceGain(source, 0.0f) || queue.SetSourceMuted(source, true) ||
+                     queue.Set(Lume::roomControls.size() + source, 0.0f));
     EXPECT_EQ(room.Get(tr0), wanted.Get(tr0));
     const long allocations = AllocationCount(), locks = LockCount();
     queue.Deliver(room);
@@ -42,6 +49,8 @@ TEST(RoomQueue, TheLastMessageForAControlCounts) {
     EXPECT_EQ(room.Get(gain), -6.0f);
     EXPECT_EQ(room.SourcePosition(0).y, -2.0f);
     EXPECT_EQ(room.SourcePosition(1).x, 1.0f);
+    EXPECT_EQ(room.SpeakerPositions()[3].y, 1.5f);
+    EXPECT_EQ(room.GetOrientation(), (Lume::Orientation{10.0f, 20.0f, -30.0f}));
     EXPECT_EQ(room.SourceStrips()[1], (Lume::SourceStrip{-3.0f, false, ""}));
     EXPECT_EQ(room.SourceStrips()[0], (Lume::SourceStrip{0.0f, true, ""}));
     room.Set(tr0, 2.0f);
@@ -54,6 +63,11 @@ TEST(RoomQueue, TheLastMessageForAControlCounts) {
         EXPECT_EQ(room.SaveState().mute, on);
         EXPECT_EQ(room.SaveState().bypass, !on);
     }
+    room.Configure(48000.0f, 64);
+    Play(room, 9600, 9600);
+    queue.Clear();
+    queue.Deliver(room);
+    EXPECT_EQ(LevelDb(Play(room, 0, 9600)[0]), -std::numeric_limits<double>::infinity());
 }
 
 // Red if a full queue blocks, overwrites what waits, or says nothing; or if it doesn't take any more once it is read.

@@ -134,7 +134,34 @@ TEST(RoomState, SaysWhatIsWrongAndWhere) {
               "sourcespositions: 2 positions are expected, not 1");
     EXPECT_EQ(Complaint(head + "tr0\n"), "2: tr0: a value is missing");
     EXPECT_EQ(Complaint(head + "vector 48\n"), "2: vector: a power of two from 16 to 8192 is expected, not 48");
+    for (auto const& [line, why] : {
+             std::pair("sourcespositions 1 2 2e6", "'2e6' is farther away than 1e+06 m"),
+             std::pair("sourcesgains 0 25", "25 is not from -120 to 20 dB"),
+             std::pair("format square", "'square' is none; there are"),
+             std::pair("ears 12 ", "a file is expected behind the checksum"),
+             std::pair("orientation 1 2", "a value is missing"),
+             std::pair("numsources 1\nsourcesgains 0 0", "sourcesgains, sourcesmutes, sourcename: there are 1 sources"),
+         })
+        EXPECT_NE(Complaint(head + line + "\n").find(why), std::string::npos) << Complaint(head + line + "\n");
+    const std::string early = "early 0. 0. 0. 0. 177. 5657.";
+    EXPECT_EQ(Complaint(early + " 1.\n"), "1: early: six values are expected, '1.' is too many");
     EXPECT_EQ(Complaint(head + "early_start 500\n"), "") << "an object's words let it past its range";
+}
+
+// Whole characters count, of one to four bytes; a name is cut between two of them.
+TEST(RoomState, TextsAreUtf8) {
+    for (char const* const text : {"", "a\tb\r\n", "\xc3\xa4", "\xe2\x82\xac!", "\xf0\x9f\x8e\xb5"})
+        EXPECT_TRUE(Lume::IsText(text)) << text;
+    for (char const* const text :
+         {"\x1b", "\x7f", "\x80", "\xc3", "\xc3z", "\xe2\x82", "\xe2\x82z", "\xf0\x9f\x8e", "\xf8\x80\x80\x80\x80"})
+        EXPECT_FALSE(Lume::IsText(text)) << text;
+    const std::string letters(63, 'x');
+    EXPECT_EQ(Lume::LimitedName(letters + "yz"), letters + "y");
+    EXPECT_EQ(Lume::LimitedName(letters + "\xe2\x82\xac"), letters);
+    EXPECT_EQ(Lume::LimitedName(" \x01 a\x7f"
+                                "b \n"),
+              "a b");
+    EXPECT_EQ(Lume::LimitedName("  "), "");
 }
 
 // Red if a room changes although its new state can't be had.
