@@ -15,6 +15,7 @@
 #include "object/object_state.h"
 #include "object/probe_object.h"
 #include "object/xml_reference.h"
+#include "patcher/binbuf.h"
 #include "patcher/host.h"
 
 namespace {
@@ -82,6 +83,11 @@ TEST_F(Services, HostRefusesWhatIsMissing) {
     for (auto const& [typed, selector] : {std::pair("7", "int"), std::pair("7.", "float"), std::pair("7 8", "list"),
                                           std::pair("opaque512 1", "opaque512")})
         EXPECT_EQ(probe.Send(typed), std::string("error: probe~: doesn't understand \"") + selector + "\"|");
+    max::t_binbuf store;
+    max::binbuf_append(&store, level, 1, &number);
+    max::binbuf_insert(&store, level, 1, &number);
+    max::binbuf_append(&store, nullptr, 1, &number);
+    EXPECT_EQ(store.records.size() * 100 + store.records[0].size() * 10 + store.records[1].size(), 223u);
     EXPECT_EQ(probe.box.NumSignalInlets() + probe.box.NumSignalOutlets(), 0);
 }
 

@@ -185,6 +185,11 @@ TEST(RoomState, LeavesTheRoomAsItWasIfItCannotBeHad) {
         EXPECT_THROW(room.RestoreState(state), std::invalid_argument);
     }
     state.sources = {};
+    state.controls.back() = infinity;
+    EXPECT_THROW(room.RestoreState(state), std::invalid_argument);
+    state.controls.pop_back();
+    EXPECT_THROW(room.RestoreState(state), std::invalid_argument);
+    state.controls = room.SaveState().controls;
     state.numSources = 2;
     EXPECT_THROW(room.RestoreState(state), std::invalid_argument);
     EXPECT_NE(room.Get(ControlIndex("tr0")), 7.0f);

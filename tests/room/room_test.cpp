@@ -74,12 +74,15 @@ TEST(Room, ASourceHasALevelAheadOfTheRoom) {
     EXPECT_EQ(play(plain, quieter), play(room, left));
     // A muted source dies away in 20 ms.
     room.SetBypassed(true);
-    room.SetSourceMuted(0, true);
-    std::fill(left.begin(), left.end(), 1.0f);
-    const std::vector<float> passed = play(room, left)[0];
-    for (std::size_t n = 1; n < numFrames; ++n) ASSERT_NEAR(passed[n], passed[n - 1], 1.1f / 960.0f);
-    EXPECT_GT(passed[0], 0.49f);
-    EXPECT_EQ(passed[960], 0.0f);
+    for (const unsigned int source : {0u, 1u}) room.SetSourceMuted(source, true);
+    for (std::vector<float>* const sound : {&left, &right}) std::fill(sound->begin(), sound->end(), 1.0f);
+    const auto passed = play(room, left);
+    for (std::size_t source : {0u, 1u}) {
+        std::vector<float> const& heard = passed[source];
+        for (std::size_t n = 1; n < numFrames; ++n) ASSERT_NEAR(heard[n], heard[n - 1], 1.1f / 960.0f);
+        EXPECT_NEAR(heard[0], source == 0 ? 0.5f : 1.0f, 0.01f);
+        EXPECT_EQ(heard[960], 0.0f);
+    }
 }
 
 // Red if any of what is promised to be so allocates, locks, or leaves the processor without denormal numbers.
