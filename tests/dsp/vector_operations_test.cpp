@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <numbers>
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -43,27 +44,32 @@ TYPED_TEST(VectorOperations, CrossFadesMeetBothEnds) {
     EXPECT_EQ(out[0], TypeParam{5});
 }
 
-TYPED_TEST(VectorOperations, LevelsFunctionsAndFrames) {
+TYPED_TEST(VectorOperations, FunctionsConversionsAndFrames) {
     using V = std::vector<TypeParam>;
-    V a = {1, -2, 3, 4}, b = {5, 6, -7, 8}, out(4), out2(4);
-    orvandsp::Smax(out.data(), a.data(), 2, 4);
-    EXPECT_EQ(out, (V{2, 2, 3, 4}));
-    V data = {1, 100, 4, 0.25};
-    orvandsp::Lin2dB(out.data(), data.data(), 4);
-    EXPECT_NEAR(out[1], 40.0, 1e-5);
-    orvandsp::Lin2powdB(out.data(), data.data(), 4);
-    EXPECT_NEAR(out[1], 20.0, 1e-5);
-    orvandsp::Sqrt(data.data(), 4);
-    EXPECT_EQ(data, (V{1, 10, 2, 0.5}));
-    orvandsp::Log(out.data(), data.data(), 4);
-    EXPECT_NEAR(out[1], std::numbers::ln10, 1e-6);
-    orvandsp::Exp(out.data(), out.data(), 4);
-    EXPECT_NEAR(out[1], 10.0, 1e-5);
-    orvandsp::Sin(out.data(), data.data(), 4);
-    orvandsp::Cos(out2.data(), data.data(), 4);
-    for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(out[i] * out[i] + out2[i] * out2[i], 1.0, 1e-6);
-    EXPECT_NEAR(out[3], 0.479426, 1e-6);
+    const auto expect = [](auto operation, double (*function)(double)) {
+        V in = {0.25, 1, 4, 9}, out(4);
+        operation(out.data(), in.data());
+        for (std::size_t i = 0; i < 4; ++i) {
+            const double wanted = function(static_cast<double>(in[i]));
+            EXPECT_NEAR(static_cast<double>(out[i]), wanted, 1e-6 * (1.0 + std::abs(wanted)));
+        }
+    };
+    expect([](auto* out, auto* in) { orvandsp::Smax(out, in, 2, 4); }, [](double x) { return std::max(x, 2.0); });
+    expect([](auto* out, auto* in) { orvandsp::Lin2dB(out, in, 4); }, [](double x) { return 20.0 * std::log10(x); });
+    expect([](auto* out, auto* in) { orvandsp::Lin2powdB(out, in, 4); }, [](double x) { return 10.0 * std::log10(x); });
+    expect([](auto* out, auto* in) { orvandsp::Copy(out, in, 4), orvandsp::Sqrt(out, 4); }, std::sqrt);
+    expect([](auto* out, auto* in) { orvandsp::Log(out, in, 4); }, std::log);
+    expect([](auto* out, auto* in) { orvandsp::Exp(out, in, 4); }, std::exp);
+    expect([](auto* out, auto* in) { orvandsp::Sin(out, in, 4); }, std::sin);
+    expect([](auto* out, auto* in) { orvandsp::Cos(out, in, 4); }, std::cos);
 
+    V a = {1, -2, 3, 4}, b = {5, 6, -7, 8}, out(4), out2(4);
+    const float single[] = {0.1f, 2.0f};
+    double wide[2];
+    float narrow[2];
+    orvandsp::SingleToDouble(wide, single, 2);
+    orvandsp::DoubleToSingle(narrow, wide, 2);
+    EXPECT_TRUE(wide[0] == double{0.1f} && wide[1] == 2.0 && narrow[0] == 0.1f && narrow[1] == 2.0f);
     TypeParam* channels[] = {a.data(), b.data()};
     V frames(8);
     orvandsp::InterleaveSamples(frames.data(), channels, 2, 4);
