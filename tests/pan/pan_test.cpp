@@ -103,22 +103,4 @@ TEST(Pan, NamesAndSynonyms) {
     EXPECT_TRUE(Pan::GetListOfAvailablePanType(", ").ends_with("hoa3d, vdbap, null"));
 }
 
-// Red if the stand-in takes channels or touches its outputs.
-TEST(NullPanning, HasNoChannelsAndLeavesItsOutputsAlone) {
-    const std::unique_ptr<Pan> pan(Pan::factory(2, 2, "nonsense", "nonsense"));
-    ASSERT_NE(dynamic_cast<Lume::NullPanning*>(pan.get()), nullptr);
-    pan->SetNumInputs(4);
-    pan->SetNumOutputs(4);
-    pan->Configure(48000.0f, 32, false);
-    EXPECT_EQ(pan->GetNumInputs(), 0u);
-    EXPECT_EQ(pan->GetNumOutputs(), 0u);
-    EXPECT_EQ(pan->GetSamplerate(), 48000.0f);
-    float left = 1.0f, right = 3.0f;
-    float* channels[] = {&left, &right};
-    pan->Process(channels, channels, 1, orvandsp::allActiveInputs);
-    pan->ProcessAdding(channels, channels, 1, orvandsp::allActiveInputs);
-    pan->Mute(channels, 1);
-    EXPECT_TRUE(left == 1.0f && right == 3.0f);
-}
-
 }  // namespace
