@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
+
+#include "dsp/vector_statistics.h"
 
 namespace {
 
@@ -79,6 +82,38 @@ TYPED_TEST(VectorOperations, FunctionsConversionsAndFrames) {
     orvandsp::DeinterleaveSamples(back, frames.data(), 2, 4);
     EXPECT_EQ(out, a);
     EXPECT_EQ(out2, b);
+}
+
+TYPED_TEST(VectorOperations, NormalDistributionHasItsShares) {
+    std::vector<TypeParam> values(20000);
+    orvandsp::NormalRandomDistribution(values.data(), 3, 2, values.size());
+    for (auto const& [from, to, share] : {std::array{1.0, 5.0, 0.6827}, {-1.0, 7.0, 0.9545}, {3.0, 99.0, 0.5}}) {
+        const auto within = std::ranges::count_if(
+            values, [&](TypeParam x) { return x > static_cast<TypeParam>(from) && x < static_cast<TypeParam>(to); });
+        EXPECT_NEAR(static_cast<double>(within) / 20000.0, share, 0.013);  // four deviations
+    }
+    EXPECT_NEAR(orvandsp::StandardDeviation(values.data(), values.size()), 2.0, 0.05);
+}
+
+TYPED_TEST(VectorOperations, FiguresAndOrder) {
+    using V = std::vector<TypeParam>;
+    V x = {-1, 4, 2, 3}, y = {3, 8, 4, 5};
+    unsigned long index;
+    EXPECT_EQ(orvandsp::GetMaximumValueWithIndex(x.data(), 4, index), 4);
+    EXPECT_EQ(index, 1u);
+    EXPECT_EQ(orvandsp::GetMaximumValue(y.data(), 4), 8);
+    EXPECT_EQ(orvandsp::GetMinimumValue(x.data(), 4), -1);
+    EXPECT_EQ(orvandsp::MeanMagnitude(x.data(), 4), 2.5);
+    EXPECT_NEAR(orvandsp::Norm(x.data(), 4), std::sqrt(30.0), 1e-6);
+    EXPECT_NEAR(orvandsp::RootMeanSquare(x.data(), 4), std::sqrt(7.5), 1e-6);
+    TypeParam slope, intercept;
+    orvandsp::LinearRegression(slope, intercept, x.data(), y.data(), 4);
+    EXPECT_NEAR(slope, 6.0 / 7.0, 1e-6);
+    EXPECT_NEAR(intercept, 5.0 - 12.0 / 7.0, 1e-6);
+    orvandsp::SortByIncreasingValues(x.data(), 4);
+    EXPECT_EQ(x, (V{-1, 2, 3, 4}));
+    orvandsp::SortByDecreasingValues(x.data(), 4);
+    EXPECT_EQ(x, (V{4, 3, 2, -1}));
 }
 
 }  // namespace
