@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <set>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "engine/controls.h"
 
@@ -32,25 +30,20 @@ TEST(RoomControls, EachReachesItsOwnValueOnly) {
 // Red if a record of a layer or of the late field drops a value, or hands it to its neighbour.
 TEST(RoomControls, RecordsBringEveryValue) {
     OrvanVerb engine(4);
-    const Lume::HLShelfParameters shelf{1.0f, 2.0f, 3.0f, 4.0f, 500.0f, 6000.0f};
     for (auto const set : {&OrvanVerb::SetDirectParameters, &OrvanVerb::SetRoomParameters,
                            &OrvanVerb::SetEarlyParameters, &OrvanVerb::SetClusterParameters})
-        (engine.*set)(shelf);
+        (engine.*set)({1.0f, 2.0f, 3.0f, 4.0f, 500.0f, 6000.0f});
     engine.SetReverbParameters({1.0f, 2.0f, 0.3f, 0.4f, 0.5f, 600.0f, 7000.0f});
-    const auto expect = [&](std::string const& layer, std::vector<std::pair<char const*, float>> const& values) {
-        for (auto const& [name, value] : values)
-            EXPECT_EQ(roomControls[Lume::FindControl(layer + name).value()].get(engine), value) << layer << name;
+    const auto expect = [&](std::string const& name, float value) {
+        EXPECT_EQ(roomControls[Lume::FindControl(name).value()].get(engine), value) << name;
     };
-    for (char const* layer : {"direct_", "room_", "early_", "cluster_"})
-        expect(layer, {{"gain", 1.0f},
-                       {"gain_low", 2.0f},
-                       {"gain_medium", 3.0f},
-                       {"gain_high", 4.0f},
-                       {"freq_low", 500.0f},
-                       {"freq_high", 6000.0f}});
-    expect(
-        "",
-        {{"gain", 1.0f}, {"tr0", 2.0f}, {"trl", 0.3f}, {"trm", 0.4f}, {"trh", 0.5f}, {"fl", 600.0f}, {"fh", 7000.0f}});
+    for (std::string const layer : {"direct", "room", "early", "cluster"}) {
+        float value = 0.0f;
+        for (char const* gain : {"_gain", "_gain_low", "_gain_medium", "_gain_high"}) expect(layer + gain, ++value);
+        expect(layer + "_freq_low", 500.0f), expect(layer + "_freq_high", 6000.0f);
+    }
+    expect("gain", 1.0f), expect("tr0", 2.0f), expect("trl", 0.3f), expect("trm", 0.4f), expect("trh", 0.5f);
+    expect("fl", 600.0f), expect("fh", 7000.0f);
 }
 
 // Red if a row is copied and not finished.
