@@ -46,16 +46,6 @@ TEST(AmplitudePanning, GainsSlideInTheCycleAfterTheRequest) {
     }
 }
 
-// Red if the slope is that of the whole cycle: a block's last sample has the gain of the next block's first.
-TEST(AmplitudePanning, NeighbouringBlocksShareAGain) {
-    PlainPanning panner(1, 1);
-    panner.SetSourcePosition(0, {1.0f, 0.0f, 0.0f}, false);
-    const std::vector<float> gain = Listen(panner, 2 * cycle, 147);  // 9 blocks a cycle
-    EXPECT_NEAR(gain[cycle + 146], 147.0f / cycle, 1e-6f);
-    EXPECT_EQ(gain[cycle + 147], 147.0f / cycle);
-    EXPECT_NEAR(gain[cycle + 1] - gain[cycle], 147.0f / cycle / 146.0f, 1e-7f);
-}
-
 TEST(AmplitudePanning, WithoutActiveInputProcessClearsAndStandsStillAndAddingGoesOn) {
     const short none[] = {0};
     for (const bool adding : {false, true}) {
