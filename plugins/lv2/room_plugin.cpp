@@ -435,8 +435,6 @@ LV2_State_Status RoomPlugin::Restore(LV2_State_Retrieve_Function retrieve, LV2_S
     try {
         if (const std::string saved = text(urids->state); !saved.empty()) {
             Lume::RoomState state = Lume::RoomState::Parse(saved);
-            if (state.numSources == 0) state.numSources = room->NumSources();
-            if (state.numSpeakers == 0) state.numSpeakers = room->NumSpeakers();
             if (state.numInternals == 0) state.numInternals = Lume::Room::usualInternals;
             Renew(state);
         }

@@ -12,6 +12,7 @@
 #include "hrtf/coll_file.h"
 #include "hrtf/max_msp_coll_file_parser.h"
 #include "hrtf/nearfield_compensation_filters.h"
+#include "hrtf/spherical_harmonic_data.h"
 #include "support/failure.h"
 #include "support/places.h"
 #include "support/temporary_file.h"
@@ -164,6 +165,64 @@ TEST(HrtfData, NearestPointIsTheFirstOfEquals) {
     EXPECT_EQ(set.GetNearestHrtfPoint({1, 0, 0}).index, 1u);
     EXPECT_EQ(set.GetNearestHrtfPoint({0.1f, 0, 0}).index, 3u);
     EXPECT_EQ(set.GetNearestHrtfPoint({std::nanf(""), 0, 0}).index, 0u);
+}
+
+// A rate gets the set whose own rate is nearest by its ratio.
+TEST(Hrtf, BuiltinIsTheNearestInRate) {
+    for (auto const& [rate, wanted] : {std::pair{8000.0f, 44100u},
+                                       {44100.0f, 44100u},
+                                       {46000.0f, 44100u},
+                                       {46100.0f, 48000u},
+                                       {65000.0f, 48000u},
+                                       {65100.0f, 88200u},
+                                       {768000.0f, 192000u},
+                                       {0.0f, 44100u},
+                                       {std::nanf(""), 44100u}})
+        EXPECT_EQ(Hrtf::Builtin(rate).GetSamplingRate(), wanted) << rate;
+}
+
+TEST(Hrtf, TypesAndFlagsHaveNames) {
+    for (int i = 0; i <= 8; ++i) {
+        const auto type = static_cast<Lume::HrtfType>(i);
+        EXPECT_EQ(Lume::GetHrtfType(Lume::GetHrtfTypeName(type)), type);
+    }
+    for (int i = 0; i <= 5; ++i) {
+        const auto type = static_cast<Lume::HrtfFilterType>(i);
+        EXPECT_EQ(Lume::GetHrtfFilterType(Lume::GetHrtfFilterTypeName(type)), type);
+    }
+    EXPECT_EQ(Lume::GetHrtfTypeName(static_cast<Lume::HrtfType>(9)) +
+                  Lume::GetHrtfFilterTypeName(static_cast<Lume::HrtfFilterType>(6)),
+              "");
+    std::string flags;
+    for (int i = 0; i <= 2; ++i)
+        flags += Lume::GetFlagItdExtracted(static_cast<Lume::FlagItdExtracted>(i)) + "|" +
+                 Lume::GetFlagDataInterpolated(static_cast<Lume::FlagDataIterpolated>(i)) + "|";
+    EXPECT_EQ(flags,
+              "itd not extracted|data have not been interpolated|itd extracted|data have been interpolated|"
+              "unknown itd flag|unknown data interpolated flag|");
+}
+
+/// Harmonics up to the first order in two bins, each value telling its ear, row and bin.
+struct FirstOrder : Lume::SphericalHarmonicData {
+    FirstOrder() {
+        for (auto* const ear : {&left, &right}) {
+            *ear = orvandsp::Matrix<std::complex<float>>(4, 2, 0.0f);
+            for (unsigned int row = 0; row < 4; ++row)
+                for (unsigned int bin = 0; bin < 2; ++bin)
+                    (*ear)[row][bin] = {ear == &left ? 1.0f : 2.0f, static_cast<float>(10 * row + bin)};
+        }
+    }
+};
+
+TEST(SphericalHarmonicData, AHarmonicHasItsRow) {
+    const FirstOrder data;
+    EXPECT_EQ(data.GetData(0, 0, 0, 1), std::complex(1.0f, 0.0f));
+    EXPECT_EQ(data.GetData(1, -1, 0, 1), std::complex(1.0f, 10.0f));
+    EXPECT_EQ(data.GetData(1, 0, 1, 2), std::complex(2.0f, 21.0f));
+    EXPECT_EQ(data.GetData(1, 1, 1, 2), std::complex(2.0f, 31.0f));
+    EXPECT_EQ(
+        data.GetData(2, -2, 0, 1) + data.GetData(0, 0, 2, 1) + data.GetData(0, 0, 0, 0) + data.GetData(0, 0, 0, 3),
+        0.0f);
 }
 
 }  // namespace

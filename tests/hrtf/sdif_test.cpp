@@ -209,4 +209,67 @@ TEST(Sdif, AnglesBecomePositions) {
     }
 }
 
+// Numbers of every type that a file can have, by the reader's own calls, as other programs walk through a file.
+TEST(Sdif, EveryTypeOfNumberIsRead) {
+    const std::pair<std::uint32_t, std::vector<double>> numbers[] = {{0x004, {1.5, -2.25}},
+                                                                     {0x008, {1e300, -0.1}},
+                                                                     {0x101, {-128, 127}},
+                                                                     {0x102, {-32768, 258}},
+                                                                     {0x104, {-2147483648.0, 16909060}},
+                                                                     {0x108, {-1, 1099511627776.0}},
+                                                                     {0x201, {255, 7}},
+                                                                     {0x202, {65535, 258}},
+                                                                     {0x204, {4294967295.0, 5}},
+                                                                     {0x208, {1099511627777.0, 3}}};
+    for (auto const& [type, values] : numbers) {
+        SdifWriter writer = GoodSet();
+        writer.Frame("XNUM", 9, {{"XNUM", type, 2, 1, values}, {"XNUM", type, 1, 2, values}});
+        const TemporaryFile path(".sdif", writer.bytes);
+        const Lume::SdifFilePointer file(Lume::SdifFOpen(path.name.c_str(), Lume::SdifReadFile));
+        Lume::SdifFReadGeneralHeader(file.get());
+        Lume::SdifFReadAllASCIIChunks(file.get());
+        std::size_t numBytes = 0;
+        for (int frame = 0; frame < 3; ++frame) {  // those of the set, whose first signature is read already
+            Lume::SdifFReadFrameHeader(file.get());
+            Lume::SdifFSkipFrameData(file.get());
+            ASSERT_EQ(Lume::SdifFGetSignature(file.get(), &numBytes), 0);
+        }
+        EXPECT_EQ(numBytes, 12u);
+        Lume::SdifFReadFrameHeader(file.get());
+        EXPECT_TRUE(Lume::SdifFCurrID(file.get()) == 9 && Lume::SdifFCurrNbMatrix(file.get()) == 2);
+        EXPECT_FALSE(Lume::SdifFIsTypeKnown(file.get(), Lume::SdifFCurrFrameSignature(file.get())));
+        for (const std::uint32_t rows : {2u, 1u}) {
+            Lume::SdifFReadMatrixHeader(file.get());
+            EXPECT_EQ(Lume::SdifFCurrDataType(file.get()), type);
+            std::size_t read = 0;
+            for (std::uint32_t row = 0; row < rows; ++row) {
+                read += Lume::SdifFReadOneRow(file.get());
+                EXPECT_EQ(Lume::SdifFCurrOneRowCol(file.get(), 1), values[row]) << type;
+                EXPECT_EQ(Lume::SdifFCurrOneRowCol(file.get(), 2), rows == 1 ? values[1] : 0.0) << type;
+                EXPECT_EQ(Lume::SdifFCurrOneRowCol(file.get(), 0), 0.0);
+            }
+            EXPECT_EQ(read, 2 * (type & 0xffu));
+            EXPECT_EQ(Lume::SdifFReadPadding(file.get(), Lume::SdifFPaddingCalculate(file.get(), read)),
+                      (8 - read % 8) % 8);
+        }
+        EXPECT_EQ(Lume::SdifFGetSignature(file.get(), &numBytes), Lume::SdifEndOfFile);
+        EXPECT_EQ(Lume::SdifFLastError(file.get()), nullptr);
+        EXPECT_EQ(Lume::SdifFGetSize(file.get()), writer.bytes.size());
+    }
+    const TemporaryFile good(".sdif", GoodSet().bytes), other(".sdif", GoodSet(Header("TableName", "Infos")).bytes),
+        none(".sdif", "");
+    EXPECT_TRUE(Lume::ContainsHrtfInfosHeader(good.name));
+    EXPECT_FALSE(Lume::ContainsHrtfInfosHeader(other.name) || Lume::ContainsHrtfInfosHeader(none.name) ||
+                 Lume::ContainsHrtfInfosHeader("/nowhere"));
+    Lume::HrtfHeaderInfos header;
+    EXPECT_EQ(FailureOf([&] { EXPECT_FALSE(Lume::GetHrtfHeaderInfos("/nowhere", header)); }).line,
+              "error reading /nowhere\n");
+    const Lume::SdifFilePointer file(Lume::SdifFOpen(other.name.c_str(), Lume::SdifReadFile));
+    Lume::SdifFReadGeneralHeader(file.get());
+    Lume::SdifFReadAllASCIIChunks(file.get());
+    std::vector<std::string> names;
+    Lume::GetListOfNVTTableNames(file.get(), names);
+    EXPECT_EQ(names, std::vector<std::string>{"Infos"});
+}
+
 }  // namespace

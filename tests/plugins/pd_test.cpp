@@ -320,6 +320,39 @@ TEST_F(InPd, GivesValuesAndTakesRooms) {
                         "there is no room 'hal' (did you mean hall?)" + there + "print: tr0 2.1\n");
 }
 
+// Red if a question has no answer, or the wrong one, or if a word that is missing or too many goes by.
+TEST_F(InPd, AnswersQuestionsAndSaysWhatIsMissing) {
+    WriteText(directory / "small.room", "numinternals 4\ntr0 3.5\n");
+    std::string said = Tell("1 2", {"help tr0", "help room", "help tro", "get", "getstate 1", "getstate 1", "print now",
+                                    "orientation", "orientation 1 2 3 4", "orientation 1 left", "orientation 1", "hrtf",
+                                    "setstate", "preset small", "preset small", "preset", "help"});
+    const auto cut = [&said](std::string const& from, std::string const& to) {
+        const std::size_t begin = said.find(from), end = said.find(to, begin);
+        ASSERT_NE(end, said.npos) << said;
+        said.erase(begin, end - begin);
+    };
+    cut("orvanverb~: found ", "error: ");  // all attributes
+    cut("orvanverb~: preset: ", "messages of orvanverb~");
+    const std::string error = "error: orvanverb~: ", warning = "verbose(2): warning: orvanverb~: ",
+                      turn = error + "orientation: expected YAW [PITCH [ROLL]] in degrees\n";
+    std::string room;
+    for (auto const& [name, text] : {std::pair("gain: level", "-60 to 10 dB, usually 0"),
+                                     {"gain_low: lows", "-30 to 30 dB, usually 0"},
+                                     {"gain_medium: mids", "-30 to 30 dB, usually 0"},
+                                     {"gain_high: highs", "-30 to 30 dB, usually 0"}})
+        room.append("room_").append(name).append(" of all that the room answers; from ").append(text).append("\n");
+    EXPECT_EQ(said.substr(0, said.find("messages of")),
+              "tr0: time in which the late field falls by 60 dB; from 0.1 to 10 s, usually 1.995\n" + room +
+                  "room_freq_low: where these lows and mids meet; from 20 to 20000 Hz, usually 177\n"
+                  "room_freq_high: where these mids and highs meet; from 20 to 20000 Hz, usually 5657\n" +
+                  error + "help: there is no control tro (did you mean tr0?); print shows all of them\n" + error +
+                  "get: a name is expected behind it\n" + warning + "getstate: only the word itself counts, not 1\n" +
+                  warning + "print: only the word itself counts, not now\n" + turn + turn + turn + error +
+                  "hrtf: a file is expected behind it\n" + error +
+                  "setstate: a state is expected behind it, from getstate\n" + warning +
+                  "small was made for @numinternals 4, here are 8\n");
+}
+
 /// What a patch file keeps of a state: the text behind #A, line by line.
 std::string SavedState(std::string const& file) {
     const std::string mark = "#A setstate ";
@@ -357,6 +390,8 @@ TEST_F(InPd, StatesAreKeptInThePatchFile) {
         const std::vector<max::t_atom> atoms = max::ParseAtoms(message);
         room.Send(max::atom_getsym(atoms.data())->s_name, {atoms.begin() + 1, atoms.end()});
     }
+    script.append(" \\; room orientation 30 -10.5");
+    room.SetOrientation(30.0f, -10.5f, 0.0f);
     const std::string saved = save("patch.pd", script, "saved.pd");
     EXPECT_EQ(SavedState(saved), room.NamedState().Text());
     EXPECT_NE(saved.find(" -0 "), std::string::npos);  // a number of its own, which must come back as it is

@@ -8,7 +8,7 @@
 /// A matrix for SdifWriter, row by row.
 struct SdifMatrix {
     std::string signature;
-    std::uint32_t dataType = 8;  // 4 and 8 are floats of so many bytes, 0x101 bytes
+    std::uint32_t dataType = 8;  // 4 and 8 are floats of so many bytes, 0x101 to 0x108 and 0x201 to 0x208 integers
     std::uint32_t numRows = 1;
     std::uint32_t numColumns = 1;
     std::vector<double> values;
@@ -73,8 +73,9 @@ private:
                 Put8(std::bit_cast<std::uint64_t>(value));
             else if (matrix.dataType == 4)
                 Put4(std::bit_cast<std::uint32_t>(static_cast<float>(value)));
-            else
-                bytes += static_cast<char>(value);
+            else  // integers and text
+                for (std::uint32_t left = matrix.dataType & 0xffu; left-- > 0;)
+                    bytes += static_cast<char>(static_cast<std::int64_t>(value) >> 8 * left & 0xff);
         }
         while ((bytes.size() - begin) % 8 != 0) bytes += '\0';
     }
