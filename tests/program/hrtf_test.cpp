@@ -96,6 +96,14 @@ TEST(HrtfConvert, FitsLevelsAndDelaysAtAnotherRate) {
                         0.2);
         }
     }
+    // At a higher rate, what was never measured falls off gently behind what was.
+    ASSERT_EQ(
+        RunProgram({"hrtf", "convert", directory / "head.hrtf", directory / "high.hrtf", "--rate", "96000"}).status, 0);
+    const Lume::Hrtf high(directory / "high.hrtf");
+    for (unsigned int i = 0; i < 8; ++i) {
+        const std::vector<float> ear = ImpulseResponse(EarOf(high.GetHrtfPoint(i), 0));
+        EXPECT_NEAR(GainDbAt(ear, 24.0 / 96.0) - GainDbAt(ear, 40.0 / 96.0), 3.0 * std::log2(40.0 / 24.0), 0.3) << i;
+    }
     // As impulse responses again: delays are back, samples of another rate make no other level.
     ASSERT_EQ(
         RunProgram({"hrtf", "convert", directory / "own.hrtf", directory / "fir.hrtf", "--fir", "--rate", "96000"})
