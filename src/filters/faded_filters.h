@@ -69,6 +69,11 @@ public:
         hold = holdBack;
     }
 
+    /// The coefficients that are heard, or faded in, as T::GetCoefficients has them.
+    /// @param result  at least GetNumCoefficients() long
+    void GetCoefficients(std::vector<float>& result) const { Incoming().GetCoefficients(result); }
+    unsigned int GetNumCoefficients() const { return Incoming().GetNumCoefficients(); }
+
     /// Length of the fades [ms]; one that runs is not changed. 0 goes over within one sample.
     void SetCrossFadeTime(float ms) { crossFadeTime = ms; }
 
@@ -173,6 +178,14 @@ protected:
     /// The filter that runs or is being faded in.
     T& Incoming() noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
     T const& Incoming() const noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
+
+    /// Gives both filters another order, and sets of coefficients the length that goes with it.
+    template <typename Change>
+    void ChangeOrder(Change change) {
+        change(filterA);
+        change(filterB);
+        newCoefficients.resize(filterA.GetNumCoefficients());
+    }
 
     T filterA;
     T filterB;

@@ -9,16 +9,18 @@ namespace Lume {
 class FadedFIRFilter : public orvandsp::FadedFilters<FIRFilter> {
 public:
     /// @param order  the number of taps less one; they are all 0
-    explicit FadedFIRFilter(unsigned int order);
+    explicit FadedFIRFilter(unsigned int order) { SetOrder(order); }
 
-    void SetOrder(unsigned int order);
-    void SetImplementationMethod(orvandsp::Filter::FIRImplementation implementation);
-    void SetImplementationMethod(char const* name);
-
-    /// The taps that are heard, or faded in.
-    /// @param result  at least GetNumCoefficients() long
-    void GetCoefficients(std::vector<float>& result) const;
-    unsigned int GetNumCoefficients() const;
+    void SetOrder(unsigned int order) {
+        ChangeOrder([order](FIRFilter& filter) { filter.SetOrder(order); });
+    }
+    void SetImplementationMethod(orvandsp::Filter::FIRImplementation implementation) {
+        filterA.SetImplementationMethod(implementation);
+        filterB.SetImplementationMethod(implementation);
+    }
+    void SetImplementationMethod(char const* name) {
+        SetImplementationMethod(orvandsp::Filter::GetFIRImplementation(name));
+    }
 };
 
 }  // namespace Lume

@@ -9,14 +9,11 @@ namespace Lume {
 class FadedFIRTimeDomainFilter : public orvandsp::FadedFilters<FIRTimeDomainFilter> {
 public:
     /// @param order  the number of taps less one; they are all 0
-    explicit FadedFIRTimeDomainFilter(unsigned int order);
+    explicit FadedFIRTimeDomainFilter(unsigned int order) { SetOrder(order); }
 
-    void SetOrder(unsigned int order);
-
-    /// The taps that are heard, or faded in.
-    /// @param result  at least GetNumCoefficients() long
-    void GetCoefficients(std::vector<float>& result) const;
-    unsigned int GetNumCoefficients() const;
+    void SetOrder(unsigned int order) {
+        ChangeOrder([order](FIRTimeDomainFilter& filter) { filter.SetOrder(order); });
+    }
 };
 
 }  // namespace Lume

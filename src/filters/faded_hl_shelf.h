@@ -12,7 +12,11 @@ public:
     static constexpr float DefaultHLShelfCrossFadeTime = 30.0f;
 
     /// Fades to the parameters from the next block on.
-    void SetParameters(HLShelfParameters const& parameters);
+    void SetParameters(HLShelfParameters const& parameters) {
+        const float set[] = {parameters.gain,     parameters.gainLow, parameters.gainMed,
+                             parameters.gainHigh, parameters.freqLow, parameters.freqHigh};
+        SetCoefficients(set, false);
+    }
 };
 
 }  // namespace Lume

@@ -8,9 +8,12 @@ namespace Lume {
 /// An IIRFilter that crossfades to new coefficients. The new filter starts each fade from silence.
 class FadedIIRFilter : public orvandsp::FadedFilters<IIRFilter> {
 public:
-    explicit FadedIIRFilter(unsigned int order);
+    explicit FadedIIRFilter(unsigned int order) { SetOrder(order); }
 
-    void SetOrder(unsigned int order);
+    void SetOrder(unsigned int order) {
+        ChangeOrder([order](IIRFilter& filter) { filter.SetOrder(order); });
+        newCoefficients.resize(2 * (std::size_t{order} + 1));
+    }
 };
 
 }  // namespace Lume

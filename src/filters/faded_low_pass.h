@@ -14,7 +14,7 @@ class FadedLowPass : public orvandsp::FadedFilters<LowPass> {
 public:
     static constexpr float DefaultLowPassCrossFadeTime = 5.0f;  // [ms]
 
-    FadedLowPass();
+    FadedLowPass() { SetCrossFadeTime(DefaultLowPassCrossFadeTime); }
 };
 
 }  // namespace Lume

@@ -7,30 +7,19 @@
 
 namespace Lume {
 
-MultiFadedHLShelf::MultiFadedHLShelf(unsigned int numChannels) {
-    SetNumChannels(numChannels);
+MultiFadedHLShelf::MultiFadedHLShelf(unsigned int numChannels) : Bank(numChannels) {
     MultiFadedHLShelf::SetSamplerate(samplerate);
     SetCrossFadeTime(FadedHLShelf::DefaultHLShelfCrossFadeTime);
 }
 
-void MultiFadedHLShelf::SetNumChannels(unsigned int numChannels) {
-    numInputs = numChannels;
-    numOutputs = numChannels;
-    shelves.resize(numChannels);
-}
-
-void MultiFadedHLShelf::SetCrossFadeTime(float ms) {
-    for (FadedHLShelf& shelf : shelves) shelf.SetCrossFadeTime(ms);
-}
-
 void MultiFadedHLShelf::SetParameters(HLShelfParameters const& parameters) {
-    for (FadedHLShelf& shelf : shelves) shelf.SetParameters(parameters);
+    for (FadedHLShelf& shelf : filters) shelf.SetParameters(parameters);
 }
 
 void MultiFadedHLShelf::SetAll(float gain, float gainLow, float gainMed, float gainHigh, float freqLow,
                                float freqHigh) {
     const float set[] = {gain, gainLow, gainMed, gainHigh, freqLow, freqHigh};
-    for (FadedHLShelf& shelf : shelves) shelf.SetCoefficients(set, false);
+    for (FadedHLShelf& shelf : filters) shelf.SetCoefficients(set, false);
 }
 
 void MultiFadedHLShelf::ResetToDefaults() {
@@ -41,18 +30,14 @@ void MultiFadedHLShelf::ResetToDefaults() {
 template <typename Jobs>
 void MultiFadedHLShelf::BeginBlock(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs,
                                    Jobs& jobs) {
-    for (std::size_t i = 0; i < shelves.size(); ++i) {
-        if (activeInputs[i] != 0)
-            shelves[i].BeginBlock(outputs[i], inputs[i], numSamples, jobs);
-        else
-            std::fill_n(outputs[i], numSamples, 0.0f);
-    }
+    ForActive(outputs, numSamples, activeInputs,
+              [&](std::size_t i) { filters[i].BeginBlock(outputs[i], inputs[i], numSamples, jobs); });
 }
 
 void MultiFadedHLShelf::FinishBlock(float** outputs, unsigned long numSamples, short const* activeInputs) {
     orvandsp::FadeGains gains;
-    for (std::size_t i = 0; i < shelves.size(); ++i)
-        if (activeInputs[i] != 0) shelves[i].FinishBlock(outputs[i], numSamples, gains);
+    for (std::size_t i = 0; i < filters.size(); ++i)
+        if (activeInputs[i] != 0) filters[i].FinishBlock(outputs[i], numSamples, gains);
 }
 
 void MultiFadedHLShelf::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
@@ -74,26 +59,12 @@ void MultiFadedHLShelf::ProcessBoth(MultiFadedHLShelf& a, float** channelsOfA, M
     b.FinishBlock(channelsOfB, numSamples, orvandsp::allActiveInputs);
 }
 
-bool MultiFadedHLShelf::FindFilters(orvandsp::kernels::Shelf* filters) noexcept {
-    return std::ranges::all_of(shelves, [&filters](FadedHLShelf& shelf) {
+bool MultiFadedHLShelf::FindFilters(orvandsp::kernels::Shelf* found) noexcept {
+    return std::ranges::all_of(filters, [&found](FadedHLShelf& shelf) {
         HLShelf* const alone = shelf.FindOnly();
-        if (alone != nullptr) *filters++ = alone->GetKernelShelf();
+        if (alone != nullptr) *found++ = alone->GetKernelShelf();
         return alone != nullptr;
     });
-}
-
-void MultiFadedHLShelf::SetSamplerate(float newSamplerate) {
-    samplerate = newSamplerate;
-    for (FadedHLShelf& shelf : shelves) shelf.SetSamplerate(newSamplerate);
-}
-
-void MultiFadedHLShelf::SetMaxBlockSize(unsigned int blockSize) {
-    buffersize = blockSize;
-    for (FadedHLShelf& shelf : shelves) shelf.SetMaxBlockSize(blockSize);
-}
-
-void MultiFadedHLShelf::Clear() {
-    for (FadedHLShelf& shelf : shelves) shelf.Clear();
 }
 
 }  // namespace Lume

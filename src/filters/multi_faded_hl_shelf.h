@@ -2,21 +2,23 @@
 
 #include <vector>
 
+#include "filters/bank.h"
 #include "filters/faded_hl_shelf.h"
 
 namespace Lume {
 
-/// A bank of FadedHLShelf, one per channel, with as many inputs as outputs.
-class MultiFadedHLShelf : public orvandsp::SignalProcessing {
+/// A bank of FadedHLShelf. New channels are flat, know nothing of earlier settings, and fade in 5 ms until
+/// SetCrossFadeTime is called.
+class MultiFadedHLShelf : public Bank<FadedHLShelf> {
 public:
     /// Channels that fade in FadedHLShelf::DefaultHLShelfCrossFadeTime.
     explicit MultiFadedHLShelf(unsigned int numChannels);
+    using Bank::SetNumChannels;
 
-    /// Grows or shrinks the bank. New channels are flat, know nothing of earlier settings, and fade in 5 ms until
-    /// SetCrossFadeTime is called.
-    void SetNumChannels(unsigned int numChannels);
     /// [ms], for all channels, from their next fade on.
-    void SetCrossFadeTime(float ms);
+    void SetCrossFadeTime(float ms) {
+        ForEach([ms](FadedHLShelf& shelf) { shelf.SetCrossFadeTime(ms); });
+    }
 
     /// Fade every channel to new parameters, from its next active block on.
     void SetParameters(HLShelfParameters const& parameters);
@@ -31,19 +33,14 @@ public:
                             unsigned long numSamples);
     /// The filters that Process would run, for whoever runs them together with something else: they hold until a setter
     /// is called.
-    /// @param filters  one for each channel
+    /// @param found  one for each channel
     /// @return false if a channel fades or is about to: then Process is the way
-    bool FindFilters(orvandsp::kernels::Shelf* filters) noexcept;
-    void SetSamplerate(float newSamplerate) override;
-    void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    bool FindFilters(orvandsp::kernels::Shelf* found) noexcept;
 
 private:
     template <typename Jobs>
     void BeginBlock(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs, Jobs& jobs);
     void FinishBlock(float** outputs, unsigned long numSamples, short const* activeInputs);
-
-    std::vector<FadedHLShelf> shelves;
 };
 
 }  // namespace Lume

@@ -2,35 +2,32 @@
 
 #include <vector>
 
+#include "filters/bank.h"
 #include "filters/hl_shelf.h"
 
 namespace Lume {
 
-/// A bank of HLShelf, one per channel, with as many inputs as outputs.
-class MultiHLShelf : public orvandsp::SignalProcessing {
+/// A bank of HLShelf. New channels are flat, and at the default rate until the next SetSamplerate.
+class MultiHLShelf : public Bank<HLShelf> {
 public:
-    explicit MultiHLShelf(unsigned int numChannels);
-
-    /// Grows or shrinks the bank. New channels are flat, and at the default rate until the next SetSamplerate.
-    void SetNumChannels(unsigned int numChannels);
+    explicit MultiHLShelf(unsigned int numChannels) : Bank(numChannels) {}
+    using Bank::SetNumChannels;
 
     /// Filters each channel. An inactive channel's output is cleared and its filter waits: it goes on from there when
     /// the channel is active again. Real-time safe.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
-    void SetSamplerate(float newSamplerate) override;
-    void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
-    void Clear() override;
 
     /// The operations of HLShelf, on each channel.
     void SetParameters(HLShelfParameters const& parameters);
     void SetAll(float gain, float gainLow, float gainMed, float gainHigh, float freqLow, float freqHigh);
     void ResetToDefaults();
-    void ClearTaps();
+    void ClearTaps() {
+        ForEach([](HLShelf& shelf) { shelf.ClearTaps(); });
+    }
     /// Sets the overall gain of each channel [dB] without a new design.
-    void SetGaindB(float dB);
-
-private:
-    std::vector<HLShelf> shelves;
+    void SetGaindB(float dB) {
+        ForEach([dB](HLShelf& shelf) { shelf.StoreGain(dB); });
+    }
 };
 
 }  // namespace Lume
