@@ -17,7 +17,7 @@ sed 's/StereoMS/StereoWide/g; s/stereo_ms/stereo_wide/g; s/gains\[0\] = .*/gains
     src/pan/stereo/stereo_ms_panning.cpp >src/pan/stereo/stereo_wide_panning.cpp
 sed -i 's/^        null = 15$/        wide = 15,\n        null = 16/' src/pan/pan.h
 sed -i 's/^#include "pan\/stereo\/stereo_xy_panning.h"/#include "pan\/stereo\/stereo_wide_panning.h"\n&/
-        s/^    {Pan::null, {"null"}/    {Pan::wide, {"wide"}, StereoWidePanning::Create, IsFrom<2, 2>,\n     Outputs::two, Choice::none, false, false, 2, "two of a kind"},\n&/' \
+        s/^    {Pan::null, {"null"}/    {Pan::wide, {"wide"}, classOf<StereoWidePanning>, IsFrom<2, 2>,\n     Outputs::two, Choice::none, false, false, 2, "two of a kind"},\n&/' \
     src/pan/pan_factory.cpp
 
 # A decoder that scales and adds: a table, its name, a value, a row.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <concepts>
 #include <limits>
 #include <map>
 
@@ -61,69 +62,78 @@ bool IsNever(unsigned int /*numOutputs*/) {
     return false;
 }
 
+template <typename T, typename Base>
+constexpr auto As() -> Base* (*)(Pan&) {
+    if constexpr (std::derived_from<T, Base>)
+        return [](Pan& panner) -> Base* { return &static_cast<T&>(panner); };
+    else
+        return nullptr;
+}
+
+template <typename T>
+constexpr PanClass classOf{T::Create,
+                           As<T, AmplitudePanning>(),
+                           As<T, VbapPanning>(),
+                           As<T, HOAPanning>(),
+                           As<T, BinauralPanning>(),
+                           As<T, BinauralPanningDirect>(),
+                           As<T, BinauralPanningNearfield>()};
+
 using Outputs = PanKind::Outputs;
 using Choice = PanKind::Choice;
 
 // clang-format off
 constexpr PanKind kinds[] = {
-    {Pan::binaural, {"binaural"}, BinauralPanningDirect::Create, IsFrom<2, 2>,
+    {Pan::binaural, {"binaural"}, classOf<BinauralPanningDirect>, IsFrom<2, 2>,
      Outputs::two, Choice::none, true, true, 2, "headphones, with measured filters or a model of the head (--model)"},
-    {Pan::xy, {"xy"}, StereoXYPanning::Create, IsFrom<2, 2>,
+    {Pan::xy, {"xy"}, classOf<StereoXYPanning>, IsFrom<2, 2>,
      Outputs::two, Choice::none, false, false, 2, "a coincident pair of microphones"},
-    {Pan::ms, {"ms"}, StereoMSPanning::Create, IsFrom<2, 2>,
+    {Pan::ms, {"ms"}, classOf<StereoMSPanning>, IsFrom<2, 2>,
      Outputs::two, Choice::none, false, false, 2, "a mid and a side microphone"},
-    {Pan::ab, {"ab"}, StereoABPanning::Create, IsFrom<2, 2>,
+    {Pan::ab, {"ab"}, classOf<StereoABPanning>, IsFrom<2, 2>,
      Outputs::two, Choice::none, false, true, 2, "a spaced pair of microphones: levels and delays"},
-    {Pan::surround, {"surround"}, SurroundPanning::Create, IsFrom<3, 4>,
+    {Pan::surround, {"surround"}, classOf<SurroundPanning>, IsFrom<3, 4>,
      Outputs::loudspeakers, Choice::azimuths, false, false, 4,
      "left, right and surround, or left, centre, right and surround"},
-    {Pan::panr, {"panr"}, RecursivePanning::Create, IsPanr,
+    {Pan::panr, {"panr"}, classOf<RecursivePanning>, IsPanr,
      Outputs::loudspeakers, Choice::azimuths, false, false, 8, "a fixed set of rings, shared out pair by pair"},
-    {Pan::angular, {"angular"}, AngularPanning::Create, IsFrom<1>,
+    {Pan::angular, {"angular"}, classOf<AngularPanning>, IsFrom<1>,
      Outputs::loudspeakers, Choice::azimuths, false, false, 6, "a ring, a sine law between neighbours"},
-    {Pan::vbap2d, {"vbap2d"}, Vbap2DPanning::Create, IsFrom<2>,
+    {Pan::vbap2d, {"vbap2d"}, classOf<Vbap2DPanning>, IsFrom<2>,
      Outputs::loudspeakers, Choice::pairs, false, false, 6, "a ring, pairs of loudspeakers"},
-    {Pan::vbap, {"vbap", "vbap3d"}, VbapPanning::Create, IsFrom<3>,
+    {Pan::vbap, {"vbap", "vbap3d"}, classOf<VbapPanning>, IsFrom<3>,
      Outputs::loudspeakers, Choice::triplets, true, false, 8, "loudspeakers all around, triplets of them"},
-    {Pan::dbap, {"dbap", "dbap2d"}, DbapPanning2D::Create, IsFrom<3>,
+    {Pan::dbap, {"dbap", "dbap2d"}, classOf<DbapPanning2D>, IsFrom<3>,
      Outputs::loudspeakers, Choice::distances, false, false, 6, "loudspeakers anywhere in the plane, by distance"},
-    {Pan::dbap3d, {"dbap3d"}, DbapPanning3D::Create, IsFrom<3>,
+    {Pan::dbap3d, {"dbap3d"}, classOf<DbapPanning3D>, IsFrom<3>,
      Outputs::loudspeakers, Choice::distances, true, false, 8, "loudspeakers anywhere in space, by distance"},
-    {Pan::bformat, {"bformat"}, AmbisonicPanning::Create, IsFrom<3, 4>,
+    {Pan::bformat, {"bformat"}, classOf<AmbisonicPanning>, IsFrom<3, 4>,
      Outputs::harmonics, Choice::none, true, false, 4, "first-order ambisonics, W X Y or W X Y Z"},
-    {Pan::hoa2d, {"hoa2d", "hoa2D"}, HOA2DPanning::Create, IsHoa2d,
+    {Pan::hoa2d, {"hoa2d", "hoa2D"}, classOf<HOA2DPanning>, IsHoa2d,
      Outputs::harmonics, Choice::none, false, false, 7, "ambisonics in the plane, 2 x order + 1 channels"},
-    {Pan::hoa3d, {"hoa3d", "hoa3D", "hoa", "ambisonic"}, HOA3DPanning::Create, IsHoa3d,
+    {Pan::hoa3d, {"hoa3d", "hoa3D", "hoa", "ambisonic"}, classOf<HOA3DPanning>, IsHoa3d,
      Outputs::harmonics, Choice::none, true, false, 16, "ambisonics in space, (order + 1)^2 channels"},
-    {Pan::vdbap, {"vdbap"}, VDbapPanning::Create, IsFrom<3>,
+    {Pan::vdbap, {"vdbap"}, classOf<VDbapPanning>, IsFrom<3>,
      Outputs::loudspeakers, Choice::triplets, true, false, 8, "dbap3d near the centre, vbap far from it"},
     // Listed as a method, and yet its name is not valid as one.
-    {Pan::null, {"null"}, NullPanning::Create, IsNever,
+    {Pan::null, {"null"}, classOf<NullPanning>, IsNever,
      Outputs::loudspeakers, Choice::none, false, false, 0, "none"},
 };
 
 constexpr PanRole roles[] = {
-    {Pan::direct, {"direct"}, BinauralPanningDirect::Create},
-    {Pan::early, {"early"}, BinauralPanningITD::Create},
-    {Pan::diffuse, {"diffuse"}, BinauralPanningIACC::Create},
-    {Pan::nearfield, {"nearfield"}, BinauralPanningNearfield::Create},
-    {Pan::sphericalharmonics, {"sphericalharmonics", "sh"}, BinauralPanningSphericalHarmonics::Create},
-    {Pan::sphericalheadmodel, {"sphericalheadmodel"}, BinauralPanningSphericalHeadModel::Create},
-    {Pan::snowmanmodel, {"snowmanmodel", "snowman"}, BinauralPanningSnowmanModel::Create},
+    {Pan::direct, {"direct"}, classOf<BinauralPanningDirect>},
+    {Pan::early, {"early"}, classOf<BinauralPanningITD>},
+    {Pan::diffuse, {"diffuse"}, classOf<BinauralPanningIACC>},
+    {Pan::nearfield, {"nearfield"}, classOf<BinauralPanningNearfield>},
+    {Pan::sphericalharmonics, {"sphericalharmonics", "sh"}, classOf<BinauralPanningSphericalHarmonics>},
+    {Pan::sphericalheadmodel, {"sphericalheadmodel"}, classOf<BinauralPanningSphericalHeadModel>},
+    {Pan::snowmanmodel, {"snowmanmodel", "snowman"}, classOf<BinauralPanningSnowmanModel>},
 };
 // clang-format on
 
 /// Values from outside the enumeration count as null.
 PanKind const& KindOf(Pan::Type type) {
     return kinds[std::min(static_cast<unsigned int>(type), static_cast<unsigned int>(Pan::null))];
-}
-
-/// The diffuse role overrides the method, whatever that is; only the binaural method tells the other roles apart.
-Pan* Make(Pan::Type type, Pan::SubType subType, unsigned int numInputs, unsigned int numOutputs) {
-    if (type == Pan::binaural && static_cast<unsigned int>(subType) < std::size(roles))
-        return roles[subType].createBinaural(numInputs, numOutputs);
-    if (type != Pan::binaural && subType == Pan::diffuse) return ReverbPanning::Create(numInputs, numOutputs);
-    return KindOf(type).create(numInputs, numOutputs);
 }
 
 }  // namespace
@@ -136,6 +146,12 @@ std::span<PanRole const> PanRoles() {
     return roles;
 }
 
+PanClass const& PanClassOf(Pan::Type type, Pan::SubType subType) {
+    static constexpr PanClass diffuse = classOf<ReverbPanning>;
+    if (type == Pan::binaural && static_cast<unsigned int>(subType) < std::size(roles)) return roles[subType].binaural;
+    return type != Pan::binaural && subType == Pan::diffuse ? diffuse : KindOf(type).panner;
+}
+
 std::unique_ptr<Pan> MakePanner(Pan::Type type, Pan::SubType subType, unsigned int numInputs, unsigned int numOutputs) {
     std::unique_ptr<Pan> made(Pan::factory(numInputs, numOutputs, type, subType));
     if (dynamic_cast<NullPanning const*>(made.get()) != nullptr) made.reset();
@@ -144,7 +160,7 @@ std::unique_ptr<Pan> MakePanner(Pan::Type type, Pan::SubType subType, unsigned i
 
 Pan* Pan::factory(unsigned int numInputs, unsigned int numOutputs, Type type, SubType subType) {
     try {
-        return Make(type, subType, numInputs, numOutputs);
+        return PanClassOf(type, subType).create(numInputs, numOutputs);
     } catch (...) {
         return new NullPanning;
     }

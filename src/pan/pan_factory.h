@@ -7,6 +7,25 @@
 
 namespace Lume {
 
+class AmplitudePanning;
+class BinauralPanning;
+class BinauralPanningDirect;
+class BinauralPanningNearfield;
+class HOAPanning;
+class VbapPanning;
+
+/// A class of panners: what makes one, and each as what it is beyond a Pan. Null for what it isn't.
+struct PanClass {
+    /// A NullPanning for numbers that don't suit.
+    Pan* (*create)(unsigned int numInputs, unsigned int numOutputs);
+    AmplitudePanning* (*asAmplitudes)(Pan& panner);
+    VbapPanning* (*asTriplets)(Pan& panner);
+    HOAPanning* (*asHarmonics)(Pan& panner);
+    BinauralPanning* (*asBinaural)(Pan& panner);
+    BinauralPanningDirect* (*asDirect)(Pan& panner);
+    BinauralPanningNearfield* (*asNearfield)(Pan& panner);
+};
+
 /// What there is to know about a panning method before a panner is made. A new one is a class, a value of Pan::Type and
 /// a row in pan_factory.cpp.
 struct PanKind {
@@ -16,8 +35,7 @@ struct PanKind {
 
     Pan::Type type;
     char const* names[5];  ///< the primary one, then synonyms, then null
-    /// Makes the panner of every role that has no maker of its own: a NullPanning for numbers that don't suit.
-    Pan* (*create)(unsigned int numInputs, unsigned int numOutputs);
+    PanClass panner;       ///< of every role that has none of its own
     bool (*supports)(unsigned int numOutputs);
     Outputs outputs;
     Choice choice;
@@ -31,14 +49,17 @@ struct PanKind {
 struct PanRole {
     Pan::SubType subType;
     char const* names[3];
-    /// The binaural panner of this role.
-    Pan* (*createBinaural)(unsigned int numInputs, unsigned int numOutputs);
+    PanClass binaural;  ///< the binaural panner of this role
 };
 
 /// A row for each method, in the order of the values; the last one is null.
 std::span<PanKind const> PanKinds();
 /// A row for each role, in the order of the values.
 std::span<PanRole const> PanRoles();
+
+/// The class of a method's panner in a role: the diffuse role overrides the method, whatever that is; only the binaural
+/// method tells the other roles apart.
+PanClass const& PanClassOf(Pan::Type type, Pan::SubType subType);
 
 /// Makes a panner. @return null where there is nothing but a NullPanning
 std::unique_ptr<Pan> MakePanner(Pan::Type type, Pan::SubType subType, unsigned int numInputs, unsigned int numOutputs);

@@ -100,8 +100,8 @@ DecodeSetup::DecodeSetup(DecodeOptions const& options, unsigned int newNumInputs
     if (!decoder)
         throw UsageError("--type " + options.type + ": doesn't take " + std::to_string(numInputs) + " channels to " +
                          std::to_string(NumOutputs()) + "; it takes " + kind.takes);
-    hoa = dynamic_cast<Lume::HOADecoder*>(decoder.get());
-    transaural = dynamic_cast<Lume::TransauralDecoder*>(decoder.get());
+    if (kind.type == Decoder::hoa2d || kind.type == Decoder::hoa3d) hoa = static_cast<Lume::HOADecoder*>(decoder.get());
+    if (kind.type == Decoder::transaural) transaural = static_cast<Lume::TransauralDecoder*>(decoder.get());
     SetUpHarmonics(options);
     if (kind.outputs == Lume::DecoderKind::Outputs::loudspeakers) {
         std::vector<Lume::CartesianVector> positions = layout.positions;

@@ -37,7 +37,7 @@ std::vector<float> ImpulseLevels(PanSetup& setup) {
 }  // namespace
 
 std::string GainTable(PanSetup& setup, ListenerPosition const& place) {
-    auto* const amplitudes = dynamic_cast<Lume::AmplitudePanning*>(setup.panner.get());
+    auto* const amplitudes = setup.As(&Lume::PanClass::asAmplitudes);
     std::string table = "# azimuth";
     for (std::string const& channel : setup.channels) table.append("; ").append(channel);
     table += '\n';
@@ -61,7 +61,7 @@ std::string GainTable(PanSetup& setup, ListenerPosition const& place) {
 }
 
 std::string TripletTable(PanSetup& setup) {
-    auto* const vbap = dynamic_cast<Lume::VbapPanning*>(setup.panner.get());
+    auto* const vbap = setup.As(&Lume::PanClass::asTriplets);
     if (vbap == nullptr) throw UsageError("--triplets: is for the method vbap");
     std::string table;
     for (std::size_t i = 0; i < setup.layout.positions.size(); ++i) {

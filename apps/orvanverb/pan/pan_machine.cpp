@@ -16,7 +16,7 @@ constexpr double usualTailSeconds = 0.1;  // what filters and delays still give 
 
 /// What to tell of ears that were made for another rate; empty if there is nothing.
 std::string EarsRemark(PanOptions const& options, PanSetup const& setup, int samplerate) {
-    auto const* const ears = dynamic_cast<Lume::BinauralPanning const*>(setup.panner.get());
+    auto const* const ears = setup.As(&Lume::PanClass::asBinaural);
     Lume::HrtfHeaderInfos const* const header = ears != nullptr ? ears->GetHrtfHeaderInfos() : nullptr;
     if (header == nullptr) return "";
     return RateRemark(options.hrtf.value_or("the nearest of the built-in ears"), *header, samplerate);

@@ -96,7 +96,7 @@ void PanSetup::ChooseOutputs(PanOptions const& options) {
 }
 
 void PanSetup::SetUpHarmonics(PanOptions const& options) {
-    auto* const harmonics = dynamic_cast<Lume::HOAPanning*>(panner.get());
+    auto* const harmonics = As(&Lume::PanClass::asHarmonics);
     if (options.ambix && method.type != Pan::hoa3d) throw UsageError("--ambix: is for the method hoa3d");
     if (harmonics == nullptr) {
         if (options.convention || options.sorting)
@@ -121,16 +121,15 @@ void PanSetup::SetUpHarmonics(PanOptions const& options) {
 }
 
 void PanSetup::LoadFiles(PanOptions const& options, int samplerate) {
-    auto* const nearfield = dynamic_cast<Lume::BinauralPanningNearfield*>(panner.get());
-    auto* const direct = dynamic_cast<Lume::BinauralPanningDirect*>(panner.get());
+    auto* const nearfield = As(&Lume::PanClass::asNearfield);
     if (options.hrtf) {
-        if (nearfield == nullptr && direct == nullptr)
+        if (nearfield == nullptr && As(&Lume::PanClass::asDirect) == nullptr)
             throw UsageError("--hrtf: is for --method binaural with --model direct or nearfield");
         EarsCache ears(samplerate, FittingOf(options));
         const std::string path = ears.Playable(*options.hrtf).string();
         RequireSetFile(path, ".hrtf or .coll");
         bool taken = false;
-        auto& binaural = static_cast<Lume::BinauralPanning&>(*panner);
+        auto& binaural = *As(&Lume::PanClass::asBinaural);
         LoadQuietly(path, [&](std::string const& name) { taken = binaural.LoadFromFile(name.c_str()); });
         if (!taken) throw WorkError(path + ": is no set of biquads or impulse responses for two ears");
         // Impulse responses come out as the set has them, many times faster. The vectors are powers of two.
@@ -171,20 +170,14 @@ void PanSetup::Place(std::vector<Lume::CartesianVector> const& positions) {
 void PanSetup::Start(int samplerate, unsigned int vectorSize) {
     if (!ownEars) {
         auto builtin = std::make_unique<Lume::Hrtf>(Lume::Hrtf::Builtin(static_cast<float>(samplerate)));
-        if (auto* const direct = dynamic_cast<Lume::BinauralPanningDirect*>(panner.get()))
-            direct->SetHrtf(std::move(builtin));
-        else if (auto* const nearfield = dynamic_cast<Lume::BinauralPanningNearfield*>(panner.get()))
-            nearfield->SetHrtf(std::move(builtin));
+        if (auto* const direct = As(&Lume::PanClass::asDirect)) direct->SetHrtf(std::move(builtin));
+        if (auto* const nearfield = As(&Lume::PanClass::asNearfield)) nearfield->SetHrtf(std::move(builtin));
     }
     panner->Configure(static_cast<float>(samplerate), vectorSize, true);
     VectorChannels silence(std::max(placed.size(), std::size_t{1}), vectorSize);
     VectorChannels discarded(NumOutputs(), vectorSize);
     for (double seconds = 0.0; seconds < settleSeconds; seconds += static_cast<double>(vectorSize) / samplerate)
         panner->Process(discarded.Pointers(), silence.Pointers(), vectorSize, orvandsp::allActiveInputs);
-}
-
-bool PanSetup::HasTail() const {
-    return method.hasTail || subType == Pan::diffuse;
 }
 
 }  // namespace program

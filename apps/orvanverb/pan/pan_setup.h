@@ -36,8 +36,15 @@ public:
 
     unsigned int NumOutputs() const { return layout.NumOutputs(); }
 
+    /// The panner as what it is beyond a Pan, null if it isn't.
+    template <typename Class>
+    Class* As(Class* (*Lume::PanClass::*view)(Lume::Pan&)) const {
+        auto* const as = Lume::PanClassOf(method.type, subType).*view;
+        return as != nullptr ? as(*panner) : nullptr;
+    }
+
     /// Whether the output goes on when the input has ended.
-    bool HasTail() const;
+    bool HasTail() const { return method.hasTail || subType == Lume::Pan::diffuse; }
 
     Lume::PanKind const& method;
     SpeakerLayout layout;  // positions only if the outputs are loudspeakers
