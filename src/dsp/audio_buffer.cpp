@@ -94,35 +94,15 @@ void AudioBuffer::Clear() {
     for (unsigned int i = 0; i < numChannels; ++i) std::memset(channels[i], 0, numSamples * sizeof(float));
 }
 
-void AudioBuffer::Fill(float value) {
-    for (unsigned int i = 0; i < numChannels; ++i) FillChannel(i, value);
-}
-
-void AudioBuffer::FillChannel(unsigned int channel, float value) {
-    std::fill_n(channels[channel], numSamples, value);
-}
-
-void AudioBuffer::Impulse() {
-    for (unsigned int i = 0; i < numChannels; ++i) Impulse(i);
-}
-
 void AudioBuffer::Impulse(unsigned int channel) {
     FillChannel(channel, 0.0f);
     if (numSamples > 0) channels[channel][0] = 1.0f;
-}
-
-void AudioBuffer::FillWithNoise() {
-    for (unsigned int i = 0; i < numChannels; ++i) FillChannelWithNoise(i);
 }
 
 void AudioBuffer::FillChannelWithNoise(unsigned int channel) {
     constexpr double twoByRandMax = 9.313225746154785e-10;  // of a rand() that returns 31 bits
     for (std::size_t i = 0; i < numSamples; ++i)
         channels[channel][i] = static_cast<float>(std::rand() * twoByRandMax - 1.0);
-}
-
-void AudioBuffer::ApplyGain(float gain) {
-    for (unsigned int i = 0; i < numChannels; ++i) ApplyGain(i, gain);
 }
 
 void AudioBuffer::ApplyGain(unsigned int channel, float gain) {
@@ -145,10 +125,6 @@ void AudioBuffer::ApplyGains(float const* gains) {
         by[numScaled++] = gains[i];
     }
     kernels::Get().scale(scaled, scaled, by, numScaled, numSamples);
-}
-
-void AudioBuffer::ApplyRamp(float g0, float g1) {
-    for (unsigned int i = 0; i < numChannels; ++i) ApplyRamp(i, g0, g1);
 }
 
 void AudioBuffer::ApplyRamp(unsigned int channel, float g0, float g1) {

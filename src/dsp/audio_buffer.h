@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -46,22 +47,32 @@ public:
     float const* const* GetChannels() const noexcept { return channels; }
 
     void Clear();
-    void Fill(float value);
-    void FillChannel(unsigned int channel, float value);
+    void Fill(float value) {
+        for (unsigned int i = 0; i < numChannels; ++i) FillChannel(i, value);
+    }
+    void FillChannel(unsigned int channel, float value) { std::fill_n(channels[channel], numSamples, value); }
     /// Clears and sets the first sample to 1.
-    void Impulse();
+    void Impulse() {
+        for (unsigned int i = 0; i < numChannels; ++i) Impulse(i);
+    }
     void Impulse(unsigned int channel);
     /// White noise between -1 and 1 from the C library's rand().
-    void FillWithNoise();
+    void FillWithNoise() {
+        for (unsigned int i = 0; i < numChannels; ++i) FillChannelWithNoise(i);
+    }
     void FillChannelWithNoise(unsigned int channel);
 
     /// A gain of exactly 1 does nothing, one of exactly 0 clears, whatever the samples hold.
-    void ApplyGain(float gain);
+    void ApplyGain(float gain) {
+        for (unsigned int i = 0; i < numChannels; ++i) ApplyGain(i, gain);
+    }
     void ApplyGain(unsigned int channel, float gain);
     /// The same with a gain for each channel.
     void ApplyGains(float const* gains);
     /// A gain that runs linearly from g0 at the first sample to g1 at the last one.
-    void ApplyRamp(float g0, float g1);
+    void ApplyRamp(float g0, float g1) {
+        for (unsigned int i = 0; i < numChannels; ++i) ApplyRamp(i, g0, g1);
+    }
     void ApplyRamp(unsigned int channel, float g0, float g1);
 
     /// Copies gain * src over the shorter of the two lengths that remain behind the offsets [samples].

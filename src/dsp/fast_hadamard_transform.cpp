@@ -39,14 +39,6 @@ void FastHadamardTransform::SetSize(unsigned int newSize) {
     inverseSize = 1.0f / static_cast<float>(size);
 }
 
-void FastHadamardTransform::SetOrdering(HadamardOrdering newOrdering) {
-    ordering = newOrdering;
-}
-
-void FastHadamardTransform::ApplyNormalizationScaling(bool apply) {
-    applyScaling = apply;
-}
-
 void FastHadamardTransform::Process(float* data, [[maybe_unused]] unsigned int count) const noexcept {
     switch (ordering) {
         case sequencyWalsh:

@@ -22,10 +22,10 @@ public:
     /// Sets the order. The bit-reversal table stays that of the constructor's size: after it only the natural ordering
     /// (also that across channels) is the transform of the new size.
     void SetSize(unsigned int newSize);
-    void SetOrdering(HadamardOrdering newOrdering);
+    void SetOrdering(HadamardOrdering newOrdering) { ordering = newOrdering; }
     /// Whether the single-array forms end with a factor 1/N. Two passes of the natural ordering then give x / N;
     /// without it they give N x.
-    void ApplyNormalizationScaling(bool apply);
+    void ApplyNormalizationScaling(bool apply) { applyScaling = apply; }
 
     /// Transforms an array of N values in place. Real-time safe.
     /// @param count  has no effect: the order decides

@@ -47,14 +47,6 @@ void HilbertTransform::SetSamplerate(float newSamplerate) {
     ComputeCoefficients();
 }
 
-void HilbertTransform::SetMaxBlockSize(unsigned int blockSize) {
-    buffersize = blockSize;
-}
-
-void HilbertTransform::Clear() {
-    std::fill(std::begin(states), std::end(states), 0.0f);
-}
-
 void HilbertTransform::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {
     FlushDenormals();
     if (activeInputs[0] == 0) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <algorithm>
+#include <iterator>
+
 #include "dsp/signal_processing.h"
 
 namespace orvandsp {
@@ -19,8 +22,8 @@ public:
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
 
     void SetSamplerate(float newSamplerate) override;
-    void SetMaxBlockSize(unsigned int blockSize) override;
-    void Clear() override;
+    void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
+    void Clear() override { std::fill(std::begin(states), std::end(states), 0.0f); }
 
 private:
     static constexpr unsigned int sectionsPerChain = 6;

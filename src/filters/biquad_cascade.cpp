@@ -53,14 +53,6 @@ void BiquadCascade::SetNumStages(unsigned int newNumStages) {
     inSeries = false;
 }
 
-void BiquadCascade::SetOrder(unsigned int newOrder) {
-    SetNumStages(newOrder >> 1);
-}
-
-void BiquadCascade::Clear() {
-    std::fill(state.begin(), state.end(), 0.0f);
-}
-
 void BiquadCascade::Process(float* output, float* input, unsigned long numSamples) {
     orvandsp::FlushDenormals();
     float const* source = input;
@@ -103,14 +95,6 @@ void BiquadCascade::SetCoefficients(float* set) {
         coefficients[i + One::tapMinusA1] = -set[i + 3];
         coefficients[i + One::tapMinusA2] = -set[i + 4];
     }
-}
-
-void BiquadCascade::SetState(Filter const& /*other*/) {
-    Clear();
-}
-
-void BiquadCascade::ClearTaps() {
-    std::fill(coefficients.begin(), coefficients.end(), 0.0f);
 }
 
 bool BiquadCascade::IsStable() const {

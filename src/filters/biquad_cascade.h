@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "dsp/filter.h"
 #include "kernels/kernels.h"
 
@@ -12,7 +14,7 @@ namespace Lume {
 /// changed, so that the filter adds all products; GetCoefficients returns them as held.
 class BiquadCascade : public orvandsp::Filter {
 public:
-    /// Added to the signal against denormals by the filter's ancestors; the processor's modes do that work now.
+    /// What the signal gets against denormals: nothing, as the processor's modes keep them away.
     static constexpr float DCOffset = 0.0f;
 
     /// All taps are 0 and the gain is 1: the output is the input.
@@ -24,19 +26,19 @@ public:
     void SetNumStages(unsigned int newNumStages);
     unsigned int GetNumStages() const noexcept { return numStages; }
     /// Half as many stages as degrees; an odd order loses its last degree.
-    void SetOrder(unsigned int newOrder) override;
+    void SetOrder(unsigned int newOrder) override { SetNumStages(newOrder >> 1); }
 
     void SetSamplerate(float newSamplerate) override { samplerate = newSamplerate; }
     void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
-    void Clear() override;
+    void Clear() override { std::fill(state.begin(), state.end(), 0.0f); }
     /// Filters one channel; output may be input. Real-time safe.
     void Process(float* output, float* input, unsigned long numSamples) override;
     /// @param set  GetNumCoefficients() values: the gain, then b1, b2, a1, a2 of each stage
     void SetCoefficients(float* set) override;
     /// Clears this filter, whatever the other holds: the memory of other poles would ring wrongly.
-    void SetState(Filter const& other) override;
+    void SetState(Filter const& /*other*/) override { Clear(); }
     /// Sets all taps to 0; the gain stays.
-    void ClearTaps() override;
+    void ClearTaps() override { std::fill(coefficients.begin(), coefficients.end(), 0.0f); }
     bool IsStable() const override;
     bool IsMinimumPhase() const override;
     /// The gain, then b1, b2, -a1, -a2 of each stage: the denominator has the opposite sign of what SetCoefficients

@@ -18,10 +18,6 @@ void FIRFilter::SetImplementationMethod(FIRImplementation newImplementation) {
     Clear();
 }
 
-void FIRFilter::SetImplementationMethod(char const* name) {
-    SetImplementationMethod(GetFIRImplementation(name));
-}
-
 void FIRFilter::SetMaxBlockSize(unsigned int blockSize) {
     if (implementation != fftconvolution) {
         buffersize = 0;
@@ -73,10 +69,6 @@ void FIRFilter::SetOrder(unsigned int newOrder) {
 void FIRFilter::ClearTaps() {
     std::fill(coefficients.begin(), coefficients.end(), 0.0f);
     tapsChanged = true;
-}
-
-bool FIRFilter::IsMinimumPhase() const {
-    return DurbinStepDownRecursion(coefficients);
 }
 
 void FIRFilter::GetCoefficients(std::vector<float>& result) const {

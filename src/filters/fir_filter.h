@@ -25,7 +25,7 @@ public:
 
     /// Choose the implementation; make room and clear.
     void SetImplementationMethod(FIRImplementation newImplementation);
-    void SetImplementationMethod(char const* name);
+    void SetImplementationMethod(char const* name) { SetImplementationMethod(GetFIRImplementation(name)); }
     FIRImplementation GetImplementationMethod() const noexcept { return implementation; }
 
     void SetSamplerate(float newSamplerate) override { samplerate = newSamplerate; }
@@ -42,7 +42,7 @@ public:
     void SetOrder(unsigned int newOrder) override;
     void ClearTaps() override;
     bool IsStable() const override { return true; }
-    bool IsMinimumPhase() const override;
+    bool IsMinimumPhase() const override { return DurbinStepDownRecursion(coefficients); }
     /// @param result  at least GetNumCoefficients() long
     void GetCoefficients(std::vector<float>& result) const override;
     unsigned int GetNumCoefficients() const override { return static_cast<unsigned int>(coefficients.size()); }

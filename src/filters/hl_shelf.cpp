@@ -77,10 +77,6 @@ void HLShelf::SetSamplerate(float newSamplerate) {
     Clear();
 }
 
-void HLShelf::Clear() {
-    std::fill(state.begin(), state.end(), 0.0f);
-}
-
 void HLShelf::Process(float* output, float* input, unsigned long numSamples) {
     orvandsp::FlushDenormals();
     // Local copies: the output might alias the members, for all that the compiler knows.
@@ -101,33 +97,11 @@ void HLShelf::Process(float* output, float* input, unsigned long numSamples) {
     state[y2] = recursion.y2;
 }
 
-void HLShelf::SetCoefficients(float* six) {
-    SetAll(six[0], six[1], six[2], six[3], six[4], six[5]);
-}
-
 void HLShelf::SetCoefficients(HLShelf const& other) {
     // A copy, because the other may be this one.
     float six[numParameters];
     std::copy_n(other.coefficients.begin(), numParameters, six);
     SetCoefficients(six);
-}
-
-void HLShelf::SetState(Filter const& other) {
-    state = static_cast<HLShelf const&>(other).state;
-}
-
-void HLShelf::SetOrder(unsigned int) {}
-
-void HLShelf::ClearTaps() {
-    std::fill_n(taps, static_cast<unsigned int>(numTaps), 0.0f);
-}
-
-bool HLShelf::IsStable() const {
-    return DurbinStepDownRecursion({1.0f, taps[a1], taps[a2]});
-}
-
-bool HLShelf::IsMinimumPhase() const {
-    return DurbinStepDownRecursion({taps[b0], taps[b1], taps[b2]});
 }
 
 double HLShelf::LargestMagnitude() const noexcept {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "dsp/filter.h"
 #include "filters/shelf_recursion.h"
 #include "kernels/kernels.h"
@@ -27,21 +29,21 @@ public:
     /// Redesigns for another rate [Hz] and clears; the rate that it has already changes nothing.
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
-    void Clear() override;
+    void Clear() override { std::fill(state.begin(), state.end(), 0.0f); }
     /// Filters one channel; output may be input. Real-time safe.
     void Process(float* output, float* input, unsigned long numSamples) override;
     /// Takes the six parameters in the order of HLShelfParameters, as SetAll does.
-    void SetCoefficients(float* six) override;
+    void SetCoefficients(float* six) override { SetAll(six[0], six[1], six[2], six[3], six[4], six[5]); }
     /// Takes over the audio memory of another HLShelf, but not its taps: a crossfade then starts without a transient.
-    void SetState(Filter const& other) override;
+    void SetState(Filter const& other) override { state = static_cast<HLShelf const&>(other).state; }
     /// Without effect: a shelf has order 2.
-    void SetOrder(unsigned int newOrder) override;
+    void SetOrder(unsigned int) override {}
     /// Silences the filter until the next design.
-    void ClearTaps() override;
-    bool IsStable() const override;
+    void ClearTaps() override { std::fill_n(taps, static_cast<unsigned int>(numTaps), 0.0f); }
+    bool IsStable() const override { return DurbinStepDownRecursion({1.0f, taps[a1], taps[a2]}); }
     /// The test of IsStable on the numerator as it is, whose first tap that test takes to be 1: a strict verdict for a
     /// filter that boosts.
-    bool IsMinimumPhase() const override;
+    bool IsMinimumPhase() const override { return DurbinStepDownRecursion({taps[b0], taps[b1], taps[b2]}); }
     /// The largest magnitude over all frequencies, the overall gain left out, of the filter as its taps are rounded:
     /// exact to the last digits, in closed form. Infinite if a pole isn't inside the unit circle. Real-time safe.
     double LargestMagnitude() const noexcept;

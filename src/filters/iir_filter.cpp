@@ -40,26 +40,6 @@ void IIRFilter::SetCoefficients(float* set) {
     SetDenominator(set + numerator.size());
 }
 
-void IIRFilter::SetNumerator(float const* taps) {
-    std::copy_n(taps, numerator.size(), numerator.begin());
-}
-
-void IIRFilter::SetNumerator(std::vector<float> const& taps) {
-    SetNumerator(taps.data());
-}
-
-void IIRFilter::SetDenominator(float const* taps) {
-    std::copy_n(taps, denominator.size(), denominator.begin());
-}
-
-void IIRFilter::SetDenominator(std::vector<float> const& taps) {
-    SetDenominator(taps.data());
-}
-
-void IIRFilter::SetState(Filter const& /*other*/) {
-    Clear();
-}
-
 void IIRFilter::SetOrder(unsigned int newOrder) {
     order = newOrder;
     state.resize(order);
@@ -72,20 +52,6 @@ void IIRFilter::ClearTaps() {
     std::fill(numerator.begin(), numerator.end(), 0.0f);
     std::fill(denominator.begin(), denominator.end(), 0.0f);
     denominator[0] = 1.0f;
-}
-
-bool IIRFilter::IsStable() const {
-    return DurbinStepDownRecursion(denominator);
-}
-
-bool IIRFilter::IsMinimumPhase() const {
-    return DurbinStepDownRecursion(numerator);
-}
-
-void IIRFilter::GetCoefficients(std::vector<float>& /*result*/) const {}
-
-unsigned int IIRFilter::GetNumCoefficients() const {
-    return static_cast<unsigned int>(numerator.size() + denominator.size() + 1);
 }
 
 }  // namespace Lume

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "dsp/filter.h"
 
 namespace Lume {
@@ -11,7 +13,7 @@ namespace Lume {
 /// A coefficient set is the numerator b and then the denominator a, order + 1 values each.
 class IIRFilter : public orvandsp::Filter {
 public:
-    /// Added to the signal against denormals by the filter's ancestors; the processor's modes do that work now.
+    /// What the signal gets against denormals: nothing, as the processor's modes keep them away.
     static constexpr float DCOffset = 0.0f;
 
     /// All taps are 0, but a[0], which is 1: silence.
@@ -27,22 +29,24 @@ public:
     /// @param set  2 * (order + 1) values: numerator, then denominator
     void SetCoefficients(float* set) override;
     /// Each takes order + 1 values.
-    void SetNumerator(float const* taps);
-    void SetNumerator(std::vector<float> const& taps);
-    void SetDenominator(float const* taps);
-    void SetDenominator(std::vector<float> const& taps);
+    void SetNumerator(float const* taps) { std::copy_n(taps, numerator.size(), numerator.begin()); }
+    void SetNumerator(std::vector<float> const& taps) { SetNumerator(taps.data()); }
+    void SetDenominator(float const* taps) { std::copy_n(taps, denominator.size(), denominator.begin()); }
+    void SetDenominator(std::vector<float> const& taps) { SetDenominator(taps.data()); }
     /// Clears this filter, whatever the other holds: the memory of other poles would ring wrongly.
-    void SetState(Filter const& other) override;
+    void SetState(Filter const& /*other*/) override { Clear(); }
     /// Makes room; the taps and the memory that stay keep their values.
     void SetOrder(unsigned int newOrder) override;
     /// Sets all taps to 0, but a[0] to 1.
     void ClearTaps() override;
-    bool IsStable() const override;
-    bool IsMinimumPhase() const override;
+    bool IsStable() const override { return DurbinStepDownRecursion(denominator); }
+    bool IsMinimumPhase() const override { return DurbinStepDownRecursion(numerator); }
     /// Without effect.
-    void GetCoefficients(std::vector<float>& result) const override;
+    void GetCoefficients(std::vector<float>& /*result*/) const override {}
     /// The length of a set and one more: callers size their buffers by it.
-    unsigned int GetNumCoefficients() const override;
+    unsigned int GetNumCoefficients() const override {
+        return static_cast<unsigned int>(numerator.size() + denominator.size() + 1);
+    }
 
 private:
     std::vector<float> pastOutputs;  // the newest first; the inputs stand in the base's state

@@ -33,16 +33,10 @@ void LowPass::SetMaxBlockSize(unsigned int blockSize) {
     cascade.SetMaxBlockSize(blockSize);
 }
 
-void LowPass::Process(float* output, float* input, unsigned long numSamples) {
-    cascade.Process(output, input, numSamples);
-}
-
 void LowPass::SetCoefficients(float* five) {
     std::copy_n(five, coefficients.size(), coefficients.begin());
     cascade.SetCoefficients(coefficients.data());
 }
-
-void LowPass::SetOrder(unsigned int) {}
 
 void LowPass::ClearTaps() {
     std::fill(coefficients.begin(), coefficients.end(), 0.0f);

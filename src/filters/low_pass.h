@@ -33,13 +33,15 @@ public:
     void SetMaxBlockSize(unsigned int blockSize) override;
     void Clear() override { cascade.Clear(); }
     /// Filters one channel; output may be input. Real-time safe.
-    void Process(float* output, float* input, unsigned long numSamples) override;
+    void Process(float* output, float* input, unsigned long numSamples) override {
+        cascade.Process(output, input, numSamples);
+    }
     /// @param five  the set of a cascade of one stage, as computeBiquadTapsForLowPass makes it; cutoff and damping stay
     ///              what they were
     void SetCoefficients(float* five) override;
     void SetState(Filter const& other) override { cascade.SetState(other); }
     /// Without effect: a low-pass has order 2.
-    void SetOrder(unsigned int newOrder) override;
+    void SetOrder(unsigned int) override {}
     void ClearTaps() override;
     bool IsStable() const override { return cascade.IsStable(); }
     bool IsMinimumPhase() const override { return cascade.IsMinimumPhase(); }

@@ -12,8 +12,4 @@ void CartesianVector::Set(SphericalVector const& spherical) {
     z = std::sin(spherical.elevation) * spherical.distance;
 }
 
-float CartesianVector::radius() const {
-    return std::sqrt(y * y + x * x + z * z);
-}
-
 }  // namespace Lume

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <concepts>
 
 namespace Lume {
@@ -23,7 +24,7 @@ struct CartesianVector {
     }
 
     /// Distance from the origin [m].
-    float radius() const;
+    float radius() const { return std::sqrt(y * y + x * x + z * z); }
 
 private:
     void Set(SphericalVector const& spherical);

@@ -1,11 +1,12 @@
 #include "geometry/orientation.h"
 
 #include <cmath>
+#include <numbers>
 
 namespace Lume {
 
 RotationMatrix RoomToHead(Orientation const& orientation) {
-    constexpr double toRadians = 3.14159265358979323846 / 180.0;
+    constexpr double toRadians = std::numbers::pi / 180.0;
     const double cy = std::cos(toRadians * static_cast<double>(orientation.yaw));
     const double sy = std::sin(toRadians * static_cast<double>(orientation.yaw));
     const double cp = std::cos(toRadians * static_cast<double>(orientation.pitch));

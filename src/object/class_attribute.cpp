@@ -38,10 +38,6 @@ ClassAttribute& ClassAttribute::Default(float value) {
     return Number("default", Fixed(value).c_str());
 }
 
-ClassAttribute& ClassAttribute::DefaultText(char const* text) {
-    return Number("default", text);
-}
-
 ClassAttribute& ClassAttribute::Clip(float minimum, float maximum) {
     attr_addfilter_clip(attribute, static_cast<double>(minimum), static_cast<double>(maximum), 1, 1);
     return *this;

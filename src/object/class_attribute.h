@@ -17,7 +17,7 @@ public:
 
     ClassAttribute& Default(long value);
     ClassAttribute& Default(float value);
-    ClassAttribute& DefaultText(char const* text);
+    ClassAttribute& DefaultText(char const* text) { return Number("default", text); }
     /// The host keeps values within the bounds.
     ClassAttribute& Clip(float minimum, float maximum);
     /// The same, and an inspector shows the bounds.

@@ -36,8 +36,6 @@ void AmplitudePanning::SetSourcePositions(CartesianVector const* positions) {
     for (unsigned int i = 0; i < numInputs; ++i) SetSourcePosition(i, positions[i], false);
 }
 
-void AmplitudePanning::SetLoudspeakerPositions(CartesianVector const* /*positions*/) {}
-
 void AmplitudePanning::SetNumInputs(unsigned int newNumInputs) {
     numInputs = newNumInputs;
     sourcePositions.resize(numInputs);
@@ -50,7 +48,5 @@ void AmplitudePanning::SetSamplerate(float newSamplerate) {
     SetInterpolationTime(lengthMs);
     cycle.SetPosition(elapsedMs * newSamplerate * 0.001f);
 }
-
-void AmplitudePanning::Clear() {}
 
 }  // namespace Lume

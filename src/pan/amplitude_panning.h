@@ -32,7 +32,7 @@ public:
     void SetSourcePosition(unsigned int index, CartesianVector const& position, bool flag) override;
     void SetSourcePositions(CartesianVector const* positions) override;
     /// Does nothing: for the panners that don't depend on the loudspeakers.
-    void SetLoudspeakerPositions(CartesianVector const* positions) override;
+    void SetLoudspeakerPositions(CartesianVector const* /*positions*/) override {}
 
     /// The numbers of channels may be lowered, and raised again up to those of the constructor: the gains keep their
     /// room.
@@ -44,7 +44,7 @@ public:
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override { buffersize = blockSize; }
     /// Does nothing: gains and slides are no audio memory.
-    void Clear() override;
+    void Clear() override {}
 
 private:
     GainCycle cycle;

@@ -135,14 +135,6 @@ void Desk::SetName(unsigned int source, std::string const& name) {
     Reconcile();
 }
 
-void Desk::SetMute(bool muted) {
-    Tell(muted ? "mute 1" : "mute 0");
-}
-
-void Desk::SetBypass(bool bypassed) {
-    Tell(bypassed ? "bypass 1" : "bypass 0");
-}
-
 void Desk::SetOrientation(Lume::Orientation const& orientation) {
     const Lock lock(mutex);
     if (!object->Room().SetOrientation(orientation)) throw std::invalid_argument("an angle is not a number");

@@ -68,8 +68,8 @@ public:
     void SetGain(unsigned int source, float gainDb);
     void SetSourceMute(unsigned int source, bool muted);
     void SetName(unsigned int source, std::string const& name);
-    void SetMute(bool muted);
-    void SetBypass(bool bypassed);
+    void SetMute(bool muted) { Tell(muted ? "mute 1" : "mute 0"); }
+    void SetBypass(bool bypassed) { Tell(bypassed ? "bypass 1" : "bypass 0"); }
     /// Turns the listener's head.
     void SetOrientation(Lume::Orientation const& orientation);
     /// A new room's controls, and over them those of a preset. Places stay.

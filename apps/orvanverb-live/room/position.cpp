@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "geometry/azimuth_distance_elevation.h"
 #include "geometry/vector_algebra.h"
@@ -11,7 +12,7 @@ namespace live {
 namespace {
 
 constexpr float smallestDistance = 1e-3f;  // [m]
-constexpr double degrees = 180.0 / 3.14159265358979323846;
+constexpr double degrees = 180.0 / std::numbers::pi;
 
 /// To a ten-thousandth: what was set is what is told.
 float Rounded(double value) {

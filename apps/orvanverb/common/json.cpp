@@ -37,12 +37,4 @@ std::string JsonNumber(double value, int decimals) {
     return std::isfinite(value) ? FixedText(value, decimals) : "null";
 }
 
-void JsonObject::Add(std::string const& name, std::string const& json) {
-    members.append(members.empty() ? "" : ", ").append(JsonString(name)).append(": ").append(json);
-}
-
-void JsonArray::Add(std::string const& json) {
-    items.append(items.empty() ? "" : ", ").append(json);
-}
-
 }  // namespace program

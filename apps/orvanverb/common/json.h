@@ -20,7 +20,9 @@ std::string JsonNumber(double value, int decimals);
 class JsonObject {
 public:
     /// @param json  of the value
-    void Add(std::string const& name, std::string const& json);
+    void Add(std::string const& name, std::string const& json) {
+        members.append(members.empty() ? "" : ", ").append(JsonString(name)).append(": ").append(json);
+    }
     std::string Text() const { return "{" + members + "}"; }
 
 private:
@@ -30,7 +32,7 @@ private:
 /// An array in the making.
 class JsonArray {
 public:
-    void Add(std::string const& json);
+    void Add(std::string const& json) { items.append(items.empty() ? "" : ", ").append(json); }
     std::string Text() const { return "[" + items + "]"; }
 
 private:

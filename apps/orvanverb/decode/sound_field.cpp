@@ -35,10 +35,6 @@ std::vector<Lume::AmbisonicChannel> ChannelsOf(DecodeOptions const& options, uns
 
 }  // namespace
 
-bool SoundField::IsNeeded(DecodeOptions const& options) {
-    return options.fuma || options.orientation || options.scene;
-}
-
 SoundField::SoundField(DecodeOptions const& options, unsigned int numChannels)
     : order(OrderOf(numChannels)),
       // With x to the right the field lies a quarter of a turn to the left of AmbiX.

@@ -20,7 +20,7 @@ public:
     SoundField(DecodeOptions const& options, unsigned int numChannels);
 
     /// Whether the options ask for what decoders of loudspeakers don't do by themselves.
-    static bool IsNeeded(DecodeOptions const& options);
+    static bool IsNeeded(DecodeOptions const& options) { return options.fuma || options.orientation || options.scene; }
 
     unsigned int Order() const { return order; }
 

@@ -82,10 +82,6 @@ void RoomObject::ThrowComplaint() {
     if (!complaint.empty()) throw std::invalid_argument(std::exchange(complaint, {}));
 }
 
-std::vector<std::string> RoomObject::TakeRemarks() {
-    return std::exchange(remarks, {});
-}
-
 void RoomObject::Send(char const* selector, std::vector<max::t_atom> atoms) {
     box.Send(max::gensym(selector), std::move(atoms));
     ThrowComplaint();
@@ -167,14 +163,6 @@ void RoomObject::LoadHrtf(std::filesystem::path const& path) {
     } catch (std::runtime_error const& error) {
         throw std::invalid_argument(error.what());
     }
-}
-
-std::string RoomObject::HrtfRateRemark() const {
-    return Room().EarsRemark();
-}
-
-Lume::RoomState RoomObject::State() {
-    return orvanverb_save_state(&Record());
 }
 
 void RoomObject::Restore(Lume::RoomState const& state) {

@@ -5,11 +5,13 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "geometry/cartesian_vector.h"
 #include "object/message_remarks.h"
 #include "object/orvanverb.h"
+#include "object/room_exchange.h"
 #include "orvanverb/hrtf/ears_cache.h"
 #include "patcher/box.h"
 #include "room/room.h"
@@ -40,7 +42,7 @@ public:
     ///         a value was brought into its range, is in TakeRemarks
     void Tell(std::string_view message, std::filesystem::path const& folder = {});
     /// The lines that were no complaints, since the last call: "warn: text".
-    std::vector<std::string> TakeRemarks();
+    std::vector<std::string> TakeRemarks() { return std::exchange(remarks, {}); }
 
     /// Sets a control that was checked, or an attribute. @throws std::invalid_argument as Tell
     void Set(std::string const& name, std::vector<std::string> const& values);
@@ -63,9 +65,9 @@ public:
     /// @throws std::invalid_argument that names the file, the field and the reason; the present ones stay
     void LoadHrtf(std::filesystem::path const& path);
     /// What to tell of them at the rate of Start; empty if there is nothing.
-    std::string HrtfRateRemark() const;
+    std::string HrtfRateRemark() const { return Room().EarsRemark(); }
 
-    Lume::RoomState State();
+    Lume::RoomState State() { return orvanverb_save_state(&Record()); }
     /// Brings a new object, and the room on which it stands, to a state.
     /// @throws std::invalid_argument as Tell
     void Restore(Lume::RoomState const& state);

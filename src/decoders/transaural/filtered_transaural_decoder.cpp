@@ -43,14 +43,6 @@ bool FilteredTransauralDecoder::LoadFromFile(char const* path) {
     return true;
 }
 
-bool FilteredTransauralDecoder::CanProcessThisTypeOfFilter(HrtfFilterType type) const {
-    return type == hrtfBiquadCells || type == hrtfFIR;
-}
-
-unsigned int FilteredTransauralDecoder::getExpectedNumberOfFiltersInHrtfFiles() const {
-    return static_cast<unsigned int>(filters.size());
-}
-
 void FilteredTransauralDecoder::updateFiltersCoefficients() {
     if (!set) return;
     for (unsigned int number = 1; number <= filters.size(); ++number) {

@@ -21,8 +21,12 @@ class FilteredTransauralDecoder : public TransauralDecoder {
 public:
     bool LoadFromFile(char const* path) override;
     /// True for second-order sections and for impulse responses.
-    bool CanProcessThisTypeOfFilter(HrtfFilterType type) const override;
-    unsigned int getExpectedNumberOfFiltersInHrtfFiles() const override;
+    bool CanProcessThisTypeOfFilter(HrtfFilterType type) const override {
+        return type == hrtfBiquadCells || type == hrtfFIR;
+    }
+    unsigned int getExpectedNumberOfFiltersInHrtfFiles() const override {
+        return static_cast<unsigned int>(filters.size());
+    }
     HrtfType getExpectedHrtfTypeInHrtfFiles() const override { return expectedType; }
     HrtfHeaderInfos const* GetHrtfHeaderInfos() const override { return set ? &set->GetHrtfHeaderInfos() : nullptr; }
     void updateFiltersCoefficients() override;

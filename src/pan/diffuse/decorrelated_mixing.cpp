@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <numbers>
 
 namespace Lume {
 
@@ -17,14 +18,13 @@ using QuadraticForm = std::uint32_t;
 /// A Hadamard matrix where there is one of that size, all of whose entries have the same magnitude; else the cosine
 /// transform.
 Matrix<double> OrthonormalMatrix(unsigned int size) {
-    constexpr double pi = 3.14159265358979323846;
     Matrix<double> matrix(size, size, std::sqrt(1.0 / size));
     for (unsigned int i = 0; i < size; ++i) {
         for (unsigned int j = 0; j < size; ++j) {
             if (std::has_single_bit(size))
                 matrix[i][j] *= std::popcount(i & j) % 2 == 0 ? 1.0 : -1.0;
             else if (j > 0)
-                matrix[i][j] *= std::sqrt(2.0) * std::cos(pi * (i + 0.5) * j / size);
+                matrix[i][j] *= std::sqrt(2.0) * std::cos(std::numbers::pi * (i + 0.5) * j / size);
         }
     }
     return matrix;

@@ -22,12 +22,6 @@ void ReverbPanning::ProcessAdding(float** outputs, float** inputs, unsigned long
     mixer->ProcessAdding(outputs, inputs, numSamples, orvandsp::allActiveInputs);
 }
 
-void ReverbPanning::SetSourcePosition(unsigned int /*index*/, CartesianVector const& /*position*/, bool /*flag*/) {}
-
-void ReverbPanning::SetSourcePositions(CartesianVector const* /*positions*/) {}
-
-void ReverbPanning::SetLoudspeakerPositions(CartesianVector const* /*positions*/) {}
-
 void ReverbPanning::SetNumInputs(unsigned int newNumInputs) {
     numInputs = newNumInputs;
     update();

@@ -22,9 +22,9 @@ public:
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     void ProcessAdding(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
 
-    void SetSourcePosition(unsigned int index, CartesianVector const& position, bool flag) override;
-    void SetSourcePositions(CartesianVector const* positions) override;
-    void SetLoudspeakerPositions(CartesianVector const* positions) override;
+    void SetSourcePosition(unsigned int /*index*/, CartesianVector const& /*position*/, bool /*flag*/) override {}
+    void SetSourcePositions(CartesianVector const* /*positions*/) override {}
+    void SetLoudspeakerPositions(CartesianVector const* /*positions*/) override {}
 
     /// Every change of the number of channels makes a new mixer, which fades in from silence over the default time.
     void SetNumInputs(unsigned int newNumInputs) override;

@@ -43,8 +43,6 @@ void StereoABPanning::SetSourcePositions(CartesianVector const* positions) {
     for (unsigned int i = 0; i < numInputs; ++i) SetSourcePosition(i, positions[i], false);
 }
 
-void StereoABPanning::SetLoudspeakerPositions(CartesianVector const* /*positions*/) {}
-
 void StereoABPanning::SetNumInputs(unsigned int newNumInputs) {
     const std::size_t oldNumVoices = voices.size();
     numInputs = newNumInputs;
@@ -53,8 +51,6 @@ void StereoABPanning::SetNumInputs(unsigned int newNumInputs) {
     for (std::size_t i = oldNumVoices; i < voices.size(); ++i) voices[i].Configure(samplerate, buffersize);
     SetInterpolationTime(DefaultRampTime);
 }
-
-void StereoABPanning::SetNumOutputs(unsigned int /*newNumOutputs*/) {}
 
 void StereoABPanning::SetInterpolationTime(float milliseconds) {
     for (Voice& voice : voices) voice.SetInterpolationTime(milliseconds);

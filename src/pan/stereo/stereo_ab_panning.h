@@ -34,11 +34,11 @@ public:
     void SetSourcePosition(unsigned int index, CartesianVector const& position, bool flag) override;
     void SetSourcePositions(CartesianVector const* positions) override;
     /// Does nothing.
-    void SetLoudspeakerPositions(CartesianVector const* positions) override;
+    void SetLoudspeakerPositions(CartesianVector const* /*positions*/) override {}
     /// Sets all slides back to the default time.
     void SetNumInputs(unsigned int newNumInputs) override;
     /// Does nothing: there are two.
-    void SetNumOutputs(unsigned int newNumOutputs) override;
+    void SetNumOutputs(unsigned int /*newNumOutputs*/) override {}
     void SetInterpolationTime(float milliseconds) override;
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;

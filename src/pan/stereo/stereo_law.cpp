@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "geometry/vector_algebra.h"
+
 namespace Lume {
 
 float ListenerAzimuthRad(CartesianVector const& position) {
-    return 1.5707964f - std::atan2(position.y, position.x);
+    return halfPi - std::atan2(position.y, position.x);
 }
 
 float Directivity(CartesianVector const& position) {
