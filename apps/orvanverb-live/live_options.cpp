@@ -10,6 +10,7 @@
 #include "orvanverb/common/text.h"
 #include "orvanverb/options/common_options.h"
 #include "orvanverb/options/file_roles.h"
+#include "orvanverb/options/option_values.h"
 
 namespace live {
 
@@ -36,9 +37,7 @@ struct Words {
 };
 
 int ParsePort(std::string const& option, std::string const& word) {
-    const std::optional<unsigned int> port = program::ParseCount(word);
-    if (!port || *port < 1 || *port > 65535) throw UsageError(option + ": '" + word + "' is no port from 1 to 65535");
-    return static_cast<int>(*port);
+    return static_cast<int>(program::CountWithin(option, word, "port", 1, 65535));
 }
 
 std::optional<int> ParsePortOrOff(std::string const& option, std::string const& word) {
@@ -69,50 +68,35 @@ void TakeConnections(std::vector<std::string> const& words, LiveOptions& options
 }
 
 void AddAudioOptions(CLI::App& app, LiveOptions& options, Words& words) {
-    app.add_option("--audio", words.audio,
-                   "Where sound comes from and goes to: jack, or file:IN:OUT, which needs no\n"
-                   "sound card: IN plays again and again into OUT until Ctrl-C [jack]")
-        ->type_name("jack|file:IN:OUT")
-        ->take_last();
+    program::AddValue(app, "--audio", words.audio, "jack|file:IN:OUT",
+                      "Where sound comes from and goes to: jack, or file:IN:OUT, which needs no\n"
+                      "sound card: IN plays again and again into OUT until Ctrl-C [jack]");
     app.add_flag("--once", options.once, "A file: end behind the end of IN, when the room has died away");
     app.add_flag("--free-running", options.freeRunning, "A file: as fast as it goes, once");
-    app.add_option("-n,--name", options.name, "JACK: the client's name [orvanverb]")->type_name("NAME")->take_last();
-    app.add_option("--inputs", words.inputs, "JACK: how many sources there are [1]")->type_name("COUNT")->take_last();
+    program::AddValue(app, "-n,--name", options.name, "NAME", "JACK: the client's name [orvanverb]");
+    program::AddValue(app, "--inputs", words.inputs, "COUNT", "JACK: how many sources there are [1]");
     app.add_option("--connect", words.connect,
                    "JACK: connect with the ports whose names begin so, as in=system:capture_;\nmay be repeated")
         ->type_name("in=|out=PREFIX")
         ->allow_extra_args(false);
-    app.add_option("--record", options.record, "JACK: also write what is played to a file")
-        ->type_name("FILE")
-        ->take_last();
-    app.add_option("--record-inputs", options.recordInputs,
-                   "JACK: also write what comes in, one channel a source; from it render plays\n"
-                   "again what --record holds, sample for sample")
-        ->type_name("FILE")
-        ->take_last();
+    program::AddValue(app, "--record", options.record, "FILE", "JACK: also write what is played to a file");
+    program::AddValue(app, "--record-inputs", options.recordInputs, "FILE",
+                      "JACK: also write what comes in, one channel a source; from it render plays\n"
+                      "again what --record holds, sample for sample");
     program::AddForce(app, options.room);
 }
 
 void AddControlOptions(CLI::App& app, LiveOptions& options, Words& words) {
-    app.add_option("--http", words.http, "Serve the page at this port: http://localhost:PORT")
-        ->type_name("PORT")
-        ->take_last();
-    app.add_option("--osc", words.osc, "Port for OSC, /orvanverb/... [9000]")->type_name("PORT|off")->take_last();
-    app.add_option("--adm", words.adm, "Port for ADM-OSC, /adm/...; answers go to 4002 [4001]")
-        ->type_name("PORT|off")
-        ->take_last();
+    program::AddValue(app, "--http", words.http, "PORT", "Serve the page at this port: http://localhost:PORT");
+    program::AddValue(app, "--osc", words.osc, "PORT|off", "Port for OSC, /orvanverb/... [9000]");
+    program::AddValue(app, "--adm", words.adm, "PORT|off", "Port for ADM-OSC, /adm/...; answers go to 4002 [4001]");
     app.add_option("--adm-dmax", options.osc.dmaxM, "ADM-OSC: what a distance of 1 is [10]")
         ->type_name("METRES")
         ->check(CLI::Range(0.01f, 10000.0f));
-    app.add_option("--bind", options.osc.bind, "Address of the network interface to listen at [127.0.0.1]")
-        ->type_name("ADDRESS")
-        ->take_last();
-    app.add_option("--token", options.token, "What pages of other machines must know [made up]")
-        ->type_name("WORD")
-        ->take_last();
-    app.add_option("--autosave", options.autosave, "Write the state at the end, also after Ctrl-C")
-        ->type_name("FILE")
-        ->take_last();
+    program::AddValue(app, "--bind", options.osc.bind, "ADDRESS",
+                      "Address of the network interface to listen at [127.0.0.1]");
+    program::AddValue(app, "--token", options.token, "WORD", "What pages of other machines must know [made up]");
+    program::AddValue(app, "--autosave", options.autosave, "FILE", "Write the state at the end, also after Ctrl-C");
 }
 
 void TakeMeaning(Words const& words, LiveOptions& options) {
@@ -122,13 +106,8 @@ void TakeMeaning(Words const& words, LiveOptions& options) {
     if (!words.osc.empty()) options.osc.own = ParsePortOrOff("--osc", words.osc);
     if (!words.adm.empty()) options.osc.adm = ParsePortOrOff("--adm", words.adm);
     if (!words.http.empty()) options.http = ParsePort("--http", words.http);
-    if (!words.inputs.empty()) {
-        const std::optional<unsigned int> count = program::ParseCount(words.inputs);
-        if (!count || *count < 1 || *count > program::maxSources)
-            throw UsageError("--inputs: '" + words.inputs + "' is no count from 1 to " +
-                             std::to_string(program::maxSources));
-        options.numInputs = *count;
-    }
+    if (!words.inputs.empty())
+        options.numInputs = program::CountWithin("--inputs", words.inputs, "count", 1, program::maxSources);
     if (options.fromFile) {
         for (auto const& [given, name] : {std::pair{!words.inputs.empty(), "--inputs"},
                                           {!words.connect.empty(), "--connect"},

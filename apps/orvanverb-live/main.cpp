@@ -1,12 +1,9 @@
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <memory>
 #include <optional>
-#include <string>
 #include <thread>
 
-#include "dsp/console.h"
 #include "orvanverb-live/audio/file_audio.h"
 #include "orvanverb-live/audio/jack_audio.h"
 #include "orvanverb-live/audio/stop_signal.h"
@@ -17,8 +14,7 @@
 #include "orvanverb-live/room/desk.h"
 #include "orvanverb/audio/input_bank.h"
 #include "orvanverb/common/messages.h"
-#include "orvanverb/common/program_error.h"
-#include "orvanverb/common/standard_streams.h"
+#include "orvanverb/common/run_program.h"
 #include "orvanverb/room/room_setup.h"
 
 namespace live {
@@ -68,16 +64,8 @@ void Run(LiveOptions const& options) {
 }  // namespace live
 
 int main(int argc, char** argv) {
-    try {
-        orvandsp::SetConsoleWriter([](orvandsp::Console, std::string const&) {});
-        program::PrepareStandardStreams();
+    return program::RunProgram("orvanverb-live", [&] {
         if (const std::optional<live::LiveOptions> options = live::ParseLiveOptions(argc, argv)) live::Run(*options);
-        return program::FinishStandardOutput() ? 0 : 1;
-    } catch (program::ProgramError const& error) {
-        std::fprintf(stderr, "orvanverb-live: %s\n", error.what());
-        return error.ExitStatus();
-    } catch (std::exception const& error) {
-        std::fprintf(stderr, "orvanverb-live: %s\n", error.what());
-        return 1;
-    }
+        return 0;
+    });
 }

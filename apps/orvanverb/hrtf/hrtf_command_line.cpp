@@ -30,14 +30,6 @@ struct TransauralWords {
     std::vector<std::string> pairs;  // two to a pair
 };
 
-std::size_t ParseLength(std::string const& word, unsigned int least, unsigned int most) {
-    const std::optional<unsigned int> length = ParseCount(word);
-    if (!length || *length < least || *length > most)
-        throw UsageError("--length: '" + word + "' is no number of samples from " + std::to_string(least) + " to " +
-                         std::to_string(most));
-    return *length;
-}
-
 void TakeRateAndEqualisation(Words const& words, HrtfOptions& options) {
     if (!words.rate.empty()) options.rate = ParseRate(words.rate);
     if (words.equalise.empty()) return;
@@ -49,24 +41,17 @@ void TakeRateAndEqualisation(Words const& words, HrtfOptions& options) {
 void TakeMeaning(Words const& words, HrtfOptions& options) {
     TakeRateAndEqualisation(words, options);
     if (words.length.empty()) return;
-    options.length = ParseLength(words.length, 16, 65536);
+    options.length = CountWithin("--length", words.length, "number of samples", 16, 65536);
     if (!options.fir) throw UsageError("--length: is for --fir");
-}
-
-double ParseWithin(char const* option, std::string const& word, float least, float most, char const* unit) {
-    const std::optional<float> value = ParseNumber(word);
-    if (!value || *value < least || *value > most)
-        throw UsageError(std::string(option) + ": '" + word + "' is no number of " + unit + " from " +
-                         NumberText(least) + " to " + NumberText(most));
-    return static_cast<double>(*value);
 }
 
 std::vector<TransauralOptions::Pair> ParsePairs(std::vector<std::string> const& words, bool symmetric) {
     constexpr float nearest = 5.0f, farthest = 175.0f;
     std::vector<TransauralOptions::Pair> pairs;
     for (std::size_t i = 0; i + 2 <= words.size(); i += 2) {
-        const TransauralOptions::Pair pair{ParseWithin("--pair", words[i], -farthest, -nearest, "degrees to the left"),
-                                           ParseWithin("--pair", words[i + 1], nearest, farthest, "degrees")};
+        const TransauralOptions::Pair pair{
+            NumberWithin("--pair", words[i], "number of degrees to the left", -farthest, -nearest),
+            NumberWithin("--pair", words[i + 1], "number of degrees", nearest, farthest)};
         if (symmetric && pair.leftDeg != -pair.rightDeg)
             throw UsageError("--pair: " + words[i] + " and " + words[i + 1] +
                              " don't mirror each other, as this network needs it; there are asymmetric ones");
@@ -79,9 +64,10 @@ void TakeTransauralMeaning(TransauralWords const& words, HrtfOptions& options) {
     TransauralOptions& transaural = options.transaural;
     const Lume::HrtfType type = TransauralTypeOf(transaural.network);
     TakeRateAndEqualisation(words.common, options);
-    if (!words.common.length.empty()) transaural.length = ParseLength(words.common.length, 64, 8192);
+    if (!words.common.length.empty())
+        transaural.length = CountWithin("--length", words.common.length, "number of samples", 64, 8192);
     if (!words.maxGain.empty())
-        transaural.maxGainDb = ParseWithin("--max-gain", words.maxGain, 6.0f, 40.0f, "decibels");
+        transaural.maxGainDb = NumberWithin("--max-gain", words.maxGain, "number of decibels", 6.0f, 40.0f);
     if (!words.block.empty()) {
         const std::optional<unsigned int> block = ParseCount(words.block);
         if (!HasBlockLateLoop(type)) throw UsageError("--block: is for the recursive networks");
@@ -90,7 +76,7 @@ void TakeTransauralMeaning(TransauralWords const& words, HrtfOptions& options) {
                              std::to_string(maxBlockLength));
         transaural.blockLength = *block;
     }
-    if (!words.step.empty()) transaural.stepDeg = ParseWithin("--step", words.step, 1.0f, 30.0f, "degrees");
+    if (!words.step.empty()) transaural.stepDeg = NumberWithin("--step", words.step, "number of degrees", 1.0f, 30.0f);
     transaural.pairs = ParsePairs(words.pairs, IsSymmetricNetwork(type));
     if (transaural.stepDeg && !transaural.pairs.empty()) throw UsageError("--step: is of the grid, in place of --pair");
 }
@@ -123,32 +109,19 @@ void AddTransauralCommand(CLI::App& hrtf, Call& call, std::shared_ptr<HrtfOption
         ->type_name("LEFT RIGHT")
         ->type_size(2)
         ->allow_extra_args(false);
-    command->add_option("--step", words->step, "Step of the grid in degrees [2.5 for symmetric networks, else 5]")
-        ->type_name("DEGREES")
-        ->take_last();
-    command->add_option("--length", words->common.length, "Samples of each filter [512 up to 48 kHz, more above]")
-        ->type_name("SAMPLES")
-        ->take_last();
-    command
-        ->add_option("--max-gain", words->maxGain,
-                     "Most that cancelling may add [18]; less leaves more headroom, and cancels less\nin the lows")
-        ->type_name("DB")
-        ->take_last();
-    command
-        ->add_option("--block", words->block,
-                     "Samples of the blocks in which a recursive network is to run [2]: the longer,\n"
-                     "the further apart the loudspeakers have to be")
-        ->type_name("SAMPLES")
-        ->take_last();
-    command->add_option("--rate", words->common.rate, "Sample rate of the filters [that of the input]")
-        ->type_name("HZ")
-        ->take_last();
-    command
-        ->add_option("--equalise", words->common.equalise,
-                     "diffuse: take out what all directions have in common first; or none\n"
-                     "[diffuse for .sofa, none for the others]")
-        ->type_name("HOW")
-        ->take_last();
+    AddValue(*command, "--step", words->step, "DEGREES",
+             "Step of the grid in degrees [2.5 for symmetric networks, else 5]");
+    AddValue(*command, "--length", words->common.length, "SAMPLES",
+             "Samples of each filter [512 up to 48 kHz, more above]");
+    AddValue(*command, "--max-gain", words->maxGain, "DB",
+             "Most that cancelling may add [18]; less leaves more headroom, and cancels less\nin the lows");
+    AddValue(*command, "--block", words->block, "SAMPLES",
+             "Samples of the blocks in which a recursive network is to run [2]: the longer,\n"
+             "the further apart the loudspeakers have to be");
+    AddValue(*command, "--rate", words->common.rate, "HZ", "Sample rate of the filters [that of the input]");
+    AddValue(*command, "--equalise", words->common.equalise, "HOW",
+             "diffuse: take out what all directions have in common first; or none\n"
+             "[diffuse for .sofa, none for the others]");
     command->footer(
         "  orvanverb hrtf transaural kemar pair.bin2trans --network shufflersymmetric --pair -28 28\n"
         "  orvanverb hrtf transaural me.sofa mine.bin2trans --network shufflersymmetric --pair -30 30 --max-gain 12");
@@ -179,9 +152,8 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
         ->type_name("FILE");
     info->add_flag("--json", options.json, "Print the same for programs");
     const auto infoRate = std::make_shared<std::string>();
-    info->add_option("--rate", *infoRate, "Of kemar: the built-in set for this sample rate, or the nearest [44100]")
-        ->type_name("HZ")
-        ->take_last();
+    AddValue(*info, "--rate", *infoRate, "HZ",
+             "Of kemar: the built-in set for this sample rate, or the nearest [44100]");
     info->callback([&call, shared, infoRate] {
         if (!infoRate->empty()) shared->rate = ParseRate(*infoRate);
         WillRun(call, shared, ShowHrtf);
@@ -201,23 +173,16 @@ void AddHrtfCommand(CLI::App& app, Call& call) {
         ->type_name("OUT");
     AddForce(*convert, options);
     AddSummary(*convert, options);
-    convert->add_option("--rate", words->rate, "Sample rate of the filters [that of the input]")
-        ->type_name("HZ")
-        ->take_last();
+    AddValue(*convert, "--rate", words->rate, "HZ", "Sample rate of the filters [that of the input]");
     convert->add_flag(
         "--fir", options.fir,
         "Keep impulse responses; otherwise six second-order sections and a delay\nfor each ear are fitted");
-    convert->add_option("--length", words->length, "Most samples of an impulse response [512]")
-        ->type_name("SAMPLES")
-        ->take_last();
-    convert
-        ->add_option("--equalise", words->equalise,
-                     "diffuse: take out the diffuse field, the power mean of both ears over the sphere,\n"
-                     "which is what the ear canal, the microphone and the loudspeaker did in every\n"
-                     "direction; none: leave it in, for headphones that are equalised to a free field\n"
-                     "[diffuse for .sofa, none for the others]")
-        ->type_name("HOW")
-        ->take_last();
+    AddValue(*convert, "--length", words->length, "SAMPLES", "Most samples of an impulse response [512]");
+    AddValue(*convert, "--equalise", words->equalise, "HOW",
+             "diffuse: take out the diffuse field, the power mean of both ears over the sphere,\n"
+             "which is what the ear canal, the microphone and the loudspeaker did in every\n"
+             "direction; none: leave it in, for headphones that are equalised to a free field\n"
+             "[diffuse for .sofa, none for the others]");
     convert->callback([&call, shared, words] {
         TakeMeaning(*words, *shared);
         WillRun(call, shared, ConvertHrtf);

@@ -52,16 +52,11 @@ void AddMeasureCommand(CLI::App& app, Call& call) {
     CLI::App* command =
         app.add_subcommand("measure", "Measure impulse responses: decay, clarity, the ears' correlation and more");
     command->add_option("inputs", measure.inputs, "Impulse responses")->type_name("FILE")->required();
-    command->add_option("--bands", words->bands, "octave or third [octave]")->type_name("NAME")->take_last();
-    command->add_option("--channel", words->channel, "Measure only this channel, counted from 1")
-        ->type_name("COUNT")
-        ->take_last();
-    command->add_option("--against", measure.against, "Compare with another response, in steps that one just hears")
-        ->type_name("FILE")
-        ->take_last();
-    command->add_option("--plot", measure.plot, "Draw a picture, .svg or .png (needs gnuplot)")
-        ->type_name("FILE")
-        ->take_last();
+    AddValue(*command, "--bands", words->bands, "NAME", "octave or third [octave]");
+    AddValue(*command, "--channel", words->channel, "COUNT", "Measure only this channel, counted from 1");
+    AddValue(*command, "--against", measure.against, "FILE",
+             "Compare with another response, in steps that one just hears");
+    AddValue(*command, "--plot", measure.plot, "FILE", "Draw a picture, .svg or .png (needs gnuplot)");
     AddForce(*command, *options);
     command->add_flag("--json", measure.json, "Print all figures and curves as JSON, for programs");
     command->footer(footer);
@@ -70,10 +65,7 @@ void AddMeasureCommand(CLI::App& app, Call& call) {
         options->AlsoReads("the --against", options->against);
         options->AlsoWrites("the --plot", options->plot);
         RequireSafeOutputs(*options);
-        call.run = [options] {
-            RunMeasure(*options);
-            return 0;
-        };
+        call.Will([options] { RunMeasure(*options); });
     });
 }
 

@@ -5,6 +5,7 @@
 #include "object/attribute_reflection.h"
 #include "object/attribute_value.h"
 #include "object/orvanverb_class.h"
+#include "orvanverb/common/json.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/object/listing_text.h"
 #include "patcher/box.h"
@@ -54,7 +55,7 @@ std::vector<Listing> DescribeAll() {
     return listings;
 }
 
-std::string JsonNumber(std::string const& number) {
+std::string OrNull(std::string const& number) {
     return number.empty() ? "null" : number;
 }
 
@@ -81,19 +82,19 @@ std::string AttributeTable() {
 std::string AttributeJson() {
     std::vector<std::string> objects;
     for (Listing const& listing : DescribeAll()) {
-        std::string object("  {");
-        object.append("\"name\": ").append(JsonText(listing.name));
-        object.append(", \"type\": ").append(JsonText(listing.type));
-        object.append(", \"count\": ").append(std::to_string(listing.count));
-        object.append(", \"counted\": ").append(listing.counted ? "true" : "false");
-        object.append(", \"default\": ").append(JsonDefault(listing));
-        object.append(", \"min\": ").append(JsonNumber(listing.minimum));
-        object.append(", \"max\": ").append(JsonNumber(listing.maximum));
-        object.append(", \"units\": ").append(JsonText(listing.units));
-        object.append(", \"label\": ").append(JsonText(listing.label));
-        object.append(", \"category\": ").append(JsonText(listing.category));
-        object.append(", \"description\": ").append(JsonText(listing.description)).append("}");
-        objects.push_back(std::move(object));
+        JsonObject object;
+        object.Add("name", JsonText(listing.name));
+        object.Add("type", JsonText(listing.type));
+        object.Add("count", std::to_string(listing.count));
+        object.Add("counted", listing.counted ? "true" : "false");
+        object.Add("default", JsonDefault(listing));
+        object.Add("min", OrNull(listing.minimum));
+        object.Add("max", OrNull(listing.maximum));
+        object.Add("units", JsonText(listing.units));
+        object.Add("label", JsonText(listing.label));
+        object.Add("category", JsonText(listing.category));
+        object.Add("description", JsonText(listing.description));
+        objects.push_back("  " + object.Text());
     }
     return std::string("[\n").append(Join(objects, ",\n")).append("\n]\n");
 }

@@ -1,6 +1,7 @@
 #include "orvanverb/object/control_listing.h"
 
 #include "engine/room_controls.h"
+#include "orvanverb/common/json.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/object/listing_text.h"
 
@@ -19,21 +20,22 @@ std::string NameOf(char const* const (&names)[count], Choice choice) {
 }
 
 std::string Described(Lume::RoomControl const& control) {
-    std::string object("  {\"name\": ");
-    object.append(JsonText(control.name));
-    object.append(", \"attribute\": ").append(JsonText(control.attribute != nullptr ? control.attribute : ""));
-    object.append(", \"element\": ").append(std::to_string(control.element));
-    object.append(", \"label\": ").append(JsonText(control.label));
-    object.append(", \"usual_name\": ").append(JsonText(control.usualName));
-    object.append(", \"what\": ").append(JsonText(control.what));
-    object.append(", \"unit\": ").append(JsonText(control.unit));
-    object.append(", \"min\": ").append(NumberText(control.least));
-    object.append(", \"max\": ").append(NumberText(control.greatest));
-    object.append(", \"default\": ").append(NumberText(control.standard));
-    object.append(", \"scale\": ").append(JsonText(NameOf(scaleNames, control.scale)));
-    object.append(", \"group\": ").append(JsonText(NameOf(groupNames, control.group)));
-    object.append(", \"change\": ").append(JsonText(NameOf(changeNames, control.change)));
-    return object.append(", \"out_of_range\": ").append(JsonText(NameOf(beyondNames, control.outOfRange))).append("}");
+    JsonObject object;
+    object.Add("name", JsonText(control.name));
+    object.Add("attribute", JsonText(control.attribute != nullptr ? control.attribute : ""));
+    object.Add("element", std::to_string(control.element));
+    object.Add("label", JsonText(control.label));
+    object.Add("usual_name", JsonText(control.usualName));
+    object.Add("what", JsonText(control.what));
+    object.Add("unit", JsonText(control.unit));
+    object.Add("min", NumberText(control.least));
+    object.Add("max", NumberText(control.greatest));
+    object.Add("default", NumberText(control.standard));
+    object.Add("scale", JsonText(NameOf(scaleNames, control.scale)));
+    object.Add("group", JsonText(NameOf(groupNames, control.group)));
+    object.Add("change", JsonText(NameOf(changeNames, control.change)));
+    object.Add("out_of_range", JsonText(NameOf(beyondNames, control.outOfRange)));
+    return "  " + object.Text();
 }
 
 }  // namespace

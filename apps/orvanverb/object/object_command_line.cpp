@@ -59,12 +59,7 @@ void AddObjectCommands(CLI::App& app, Call& call) {
         "  orvanverb reference --force && xsltproc orvan.xsl 'orvanverb~.ref.xml' > reference.html");
     const auto force = std::make_shared<bool>(false);
     reference->add_flag("-f,--force", *force, "Replace files that are there");
-    reference->callback([&call, force] {
-        call.run = [force] {
-            WriteReference(*force);
-            return 0;
-        };
-    });
+    reference->callback([&call, force] { call.Will([force] { WriteReference(*force); }); });
 }
 
 }  // namespace program

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace program {
@@ -11,6 +12,11 @@ namespace program {
 struct Call {
     std::vector<std::string> attributes;  // of the object box: @name value ...
     std::function<int()> run;             // returns the exit status; none if there is nothing more to do
+
+    /// For a command that throws unless it succeeds.
+    void Will(std::function<void()> command) {
+        run = [command = std::move(command)] { return command(), 0; };
+    }
 };
 
 }  // namespace program

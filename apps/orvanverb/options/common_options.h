@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,12 @@ struct CommonWords {
     std::vector<std::string> settings;  // NAME=VALUE
     std::string rate, format, gain, normalize, direct, room, tail, inTurn, vector;
 };
+
+/// Adds an option that takes one value; given several times, the last one counts.
+/// @param kind  what the value is, in capitals
+void AddValue(CLI::App& command, char const* names, std::string& value, char const* kind, std::string const& help);
+void AddValue(CLI::App& command, char const* names, std::optional<std::string>& value, char const* kind,
+              std::string const& help);
 
 /// Adds output, rate, format, level, tail, vector, and what is told meanwhile.
 /// @param tail  what it says about itself

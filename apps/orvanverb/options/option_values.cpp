@@ -18,14 +18,29 @@ bool AreSameLetters(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
+template <class Number>
+Number Within(std::string const& option, std::string const& word, std::optional<Number> number, char const* what,
+              Number least, Number most, std::string (*text)(Number), char const* unit) {
+    if (!number || *number < least || *number > most)
+        throw UsageError(option + ": '" + word + "' is no " + what + " from " + text(least) + " to " + text(most) +
+                         unit);
+    return *number;
+}
+
 }  // namespace
 
+float NumberWithin(std::string const& option, std::string const& word, char const* what, float least, float most,
+                   char const* unit) {
+    return Within(option, word, ParseNumber(word), what, least, most, NumberText, unit);
+}
+
+unsigned int CountWithin(std::string const& option, std::string const& word, char const* what, unsigned int least,
+                         unsigned int most, char const* unit) {
+    return Within<unsigned int>(option, word, ParseCount(word), what, least, most, std::to_string, unit);
+}
+
 int ParseRate(std::string const& word) {
-    const std::optional<unsigned int> rate = ParseCount(word);
-    if (!rate || *rate < minRate || *rate > maxRate)
-        throw UsageError("--rate: '" + word + "' is no sample rate from " + std::to_string(minRate) + " to " +
-                         std::to_string(maxRate) + " Hz");
-    return static_cast<int>(*rate);
+    return static_cast<int>(CountWithin("--rate", word, "sample rate", minRate, maxRate, " Hz"));
 }
 
 unsigned int ParseVectorSize(std::string const& word) {

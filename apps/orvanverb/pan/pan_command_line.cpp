@@ -61,34 +61,21 @@ void AddPanCommand(CLI::App& app, Call& call) {
     const auto words = std::make_shared<Words>();
     CLI::App* command = app.add_subcommand("pan", "Pan recordings with one method, without a room");
     AddInputs(*command, pan, words->common);
-    command->add_option("--method", pan.method, "How; --list shows what there is")->type_name("NAME")->take_last();
-    command
-        ->add_option("--model,--sub-type", pan.model,
-                     "For headphones: direct, nearfield, sphericalhead, snowman; or early, diffuse")
-        ->type_name("NAME")
-        ->take_last();
-    command
-        ->add_option("--speakers", pan.speakers,
-                     "Loudspeakers: a count, a name as 5.1 7.1.4 22.2 dome24 cube (a wrong one shows\n"
-                     "all), or a file with one AZIMUTH [ELEVATION [DISTANCE]] a line")
-        ->type_name("LAYOUT")
-        ->take_last();
-    command->add_option("--outputs", words->outputs, "Channels of an ambisonic method")
-        ->type_name("COUNT")
-        ->take_last();
+    AddValue(*command, "--method", pan.method, "NAME", "How; --list shows what there is");
+    AddValue(*command, "--model,--sub-type", pan.model, "NAME",
+             "For headphones: direct, nearfield, sphericalhead, snowman; or early, diffuse");
+    AddValue(*command, "--speakers", pan.speakers, "LAYOUT",
+             "Loudspeakers: a count, a name as 5.1 7.1.4 22.2 dome24 cube (a wrong one shows\n"
+             "all), or a file with one AZIMUTH [ELEVATION [DISTANCE]] a line");
+    AddValue(*command, "--outputs", words->outputs, "COUNT", "Channels of an ambisonic method");
     AddOrder(*command, words->common, "Order of an ambisonic method, in place of the count");
-    command->add_option("--convention", words->convention, "SN3D or N3D for hoa3d, SN2D or N2D for hoa2d")
-        ->type_name("NAME")
-        ->take_last();
-    command->add_option("--sorting", words->sorting, "IncreasingDegrees (ACN) or AlternateDegrees")
-        ->type_name("NAME")
-        ->take_last();
+    AddValue(*command, "--convention", words->convention, "NAME", "SN3D or N3D for hoa3d, SN2D or N2D for hoa2d");
+    AddValue(*command, "--sorting", words->sorting, "NAME", "IncreasingDegrees (ACN) or AlternateDegrees");
     command->add_flag("--ambix", pan.ambix, "The method hoa3d as other tools read it: ACN, SN3D, x ahead");
     AddPlaces(*command, pan, words->common);
     AddEars(*command, pan);
-    command->add_option("--near", pan.nearfield, "A set of near-field compensation filters, for --model nearfield")
-        ->type_name("FILE")
-        ->take_last();
+    AddValue(*command, "--near", pan.nearfield, "FILE",
+             "A set of near-field compensation filters, for --model nearfield");
     AddFileOptions(*command, pan, words->common, "Time behind the end of the input [0, or 0.1 for filters and delays]");
     command->add_flag("--list", pan.list, "Show the methods and how many outputs each has");
     command->add_flag("--gains", pan.gains, "Print the gains of a source at every azimuth");
@@ -97,10 +84,7 @@ void AddPanCommand(CLI::App& app, Call& call) {
     command->callback([&call, options, words] {
         TakeMeaning(*words, *options);
         RequireSafeOutputs(*options);
-        call.run = [options] {
-            RunPan(*options);
-            return 0;
-        };
+        call.Will([options] { RunPan(*options); });
     });
 }
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "orvanverb/common/json.h"
 #include "orvanverb/common/text.h"
 #include "orvanverb/measure/asked_decay.h"
 #include "orvanverb/presets/preset.h"
@@ -16,26 +17,18 @@ namespace {
 
 constexpr double sampleRate = 48000.0;  // [Hz]
 
-std::string Quoted(std::string const& text) {
-    std::string quoted = "\"";
-    for (const char letter : text) {
-        if (letter == '"' || letter == '\\') quoted += '\\';
-        quoted += letter;
-    }
-    return quoted + '"';
-}
-
 std::string Json(Preset const& preset, Lume::OrvanVerb const& engine) {
-    std::string text = "{\"name\": " + Quoted(preset.name) + ", \"file\": " + Quoted(preset.path.string()) +
-                       ", \"title\": " + Quoted(preset.title) +
-                       ", \"pre_delay_ms\": " + NumberText(engine.GetEarlyStart()) + ", \"asked_t30\": {";
+    JsonObject json, decay;
     const std::vector<orvanmeasure::Band> bands = orvanmeasure::Bands(orvanmeasure::BandWidth::octave, sampleRate);
     const std::vector<orvanmeasure::Figure> asked = AskedDecay(engine, sampleRate, bands);
-    for (std::size_t i = 0; i < bands.size(); ++i) {
-        text.append(i > 0 ? ", " : "").append(Quoted(bands[i].name)).append(": ");
-        text += asked[i].IsThere() ? FixedText(asked[i].value, 3) : "null";
-    }
-    return text + "}}";
+    for (std::size_t i = 0; i < bands.size(); ++i)
+        decay.Add(bands[i].name, asked[i].IsThere() ? FixedText(asked[i].value, 3) : "null");
+    json.Add("name", JsonString(preset.name));
+    json.Add("file", JsonString(preset.path.string()));
+    json.Add("title", JsonString(preset.title));
+    json.Add("pre_delay_ms", NumberText(engine.GetEarlyStart()));
+    json.Add("asked_t30", decay.Text());
+    return json.Text();
 }
 
 void ListPresets(bool json) {
@@ -68,12 +61,7 @@ void AddPresetsCommand(CLI::App& app, Call& call) {
         "  orvanverb presets\n"
         "  orvanverb presets --json\n"
         "  orvanverb render voice.wav -o wet.wav --preset church");
-    command->callback([&call, json] {
-        call.run = [json] {
-            ListPresets(*json);
-            return 0;
-        };
-    });
+    command->callback([&call, json] { call.Will([json] { ListPresets(*json); }); });
 }
 
 }  // namespace program

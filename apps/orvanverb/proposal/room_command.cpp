@@ -12,6 +12,8 @@
 #include "orvanverb/common/messages.h"
 #include "orvanverb/common/program_error.h"
 #include "orvanverb/common/text.h"
+#include "orvanverb/options/common_options.h"
+#include "orvanverb/options/option_values.h"
 #include "orvanverb/proposal/proposal.h"
 
 namespace program {
@@ -31,17 +33,10 @@ constexpr char const* footer =
     "  orvanverb room --preset church --size 2 > minster.room\n"
     "  orvanverb render voice.wav -o wet.wav --preset minster.room";
 
-float Parse(char const* option, std::string const& word, float least, float most, char const* unit) {
-    const std::optional<float> value = ParseNumber(word);
-    if (!value || !(*value >= least && *value <= most))
-        throw UsageError(std::string(option) + ": '" + word + "' is no number from " + NumberText(least) + " to " +
-                         NumberText(most) + unit);
-    return *value;
-}
-
 void TakeMeaning(Words const& words, RoomOptions& room) {
     constexpr float shortest = 0.15f, longest = 9.0f;
-    if (!words.distance.empty()) room.distance = Parse("--distance", words.distance, 0.3f, 100.0f, " m");
+    if (!words.distance.empty())
+        room.distance = NumberWithin("--distance", words.distance, "number", 0.3f, 100.0f, " m");
     room.quiet = words.quiet;
     if (words.json)
         room.form = RoomOptions::Form::Json;
@@ -57,16 +52,17 @@ void TakeMeaning(Words const& words, RoomOptions& room) {
         for (std::string const* const other : {&words.volume, &words.decay, &words.low, &words.high})
             if (!other->empty()) throw UsageError("--preset: has its own volume and decay, only --size changes them");
         room.preset = words.preset;
-        if (!words.size.empty()) room.size = Parse("--size", words.size, 0.1f, 10.0f, "");
+        if (!words.size.empty()) room.size = NumberWithin("--size", words.size, "number", 0.1f, 10.0f, "");
         return;
     }
     if (!words.size.empty()) throw UsageError("--size: which room's? It goes with --preset");
     if (words.volume.empty() || words.decay.empty())
         throw UsageError("room: takes --volume and --rt60, or --preset and --size");
-    room.volume = Parse("--volume", words.volume, 10.0f, 15000.0f, " m3");
-    room.decaySeconds = Parse("--rt60", words.decay, shortest, longest, " s");
-    if (!words.low.empty()) room.lowSeconds = Parse("--rt60-low", words.low, shortest, longest, " s");
-    if (!words.high.empty()) room.highSeconds = Parse("--rt60-high", words.high, shortest, longest, " s");
+    room.volume = NumberWithin("--volume", words.volume, "number", 10.0f, 15000.0f, " m3");
+    room.decaySeconds = NumberWithin("--rt60", words.decay, "number", shortest, longest, " s");
+    if (!words.low.empty()) room.lowSeconds = NumberWithin("--rt60-low", words.low, "number", shortest, longest, " s");
+    if (!words.high.empty())
+        room.highSeconds = NumberWithin("--rt60-high", words.high, "number", shortest, longest, " s");
 }
 
 /// The object's attributes with their values, each as one text, in the table's order.
@@ -139,27 +135,22 @@ void AddRoomCommand(CLI::App& app, Call& call) {
     const auto words = std::make_shared<Words>();
     CLI::App* command =
         app.add_subcommand("room", "Propose a room from its volume and decay times, or another one's size");
-    const auto add = [&](char const* name, std::string& word, char const* unit, char const* help) {
-        return command->add_option(name, word, help)->type_name(unit)->take_last();
-    };
-    add("--volume", words->volume, "M3", "Its volume, 10 to 15000");
-    add("--rt60", words->decay, "SECONDS", "How long it takes to fall by 60 dB at 500 and 1000 Hz");
-    add("--rt60-low", words->low, "SECONDS", "The same at 125 Hz [as --rt60]");
-    add("--rt60-high", words->high, "SECONDS", "The same at 4 kHz [as --rt60]");
-    add("--preset", words->preset, "NAME|FILE", "Instead of these: another room, at another size");
-    add("--size", words->size, "FACTOR", "How many times as long, wide and high that one is to be, 0.1 to 10 [1]");
-    add("--distance", words->distance, "M", "How far the source is, for the room's level [3]");
-    add("--as", words->form, "FORM", "preset, words (@NAME VALUE...) or state [preset]");
+    AddValue(*command, "--volume", words->volume, "M3", "Its volume, 10 to 15000");
+    AddValue(*command, "--rt60", words->decay, "SECONDS", "How long it takes to fall by 60 dB at 500 and 1000 Hz");
+    AddValue(*command, "--rt60-low", words->low, "SECONDS", "The same at 125 Hz [as --rt60]");
+    AddValue(*command, "--rt60-high", words->high, "SECONDS", "The same at 4 kHz [as --rt60]");
+    AddValue(*command, "--preset", words->preset, "NAME|FILE", "Instead of these: another room, at another size");
+    AddValue(*command, "--size", words->size, "FACTOR",
+             "How many times as long, wide and high that one is to be, 0.1 to 10 [1]");
+    AddValue(*command, "--distance", words->distance, "M", "How far the source is, for the room's level [3]");
+    AddValue(*command, "--as", words->form, "FORM", "preset, words (@NAME VALUE...) or state [preset]");
     command->add_flag("--json", words->json, "Print controls and report as JSON, for programs");
     command->add_flag("-q,--quiet", words->quiet, "Tell of nothing but warnings and errors");
     command->footer(footer);
     command->callback([&call, words] {
         RoomOptions wanted;
         TakeMeaning(*words, wanted);
-        call.run = [wanted] {
-            RunRoom(wanted);
-            return 0;
-        };
+        call.Will([wanted] { RunRoom(wanted); });
     });
 }
 

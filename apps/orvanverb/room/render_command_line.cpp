@@ -26,9 +26,7 @@ void AddRoomOptions(CLI::App& command, Options& options, CommonWords& words) {
                    "below its peak for a second, at most 120 seconds [auto]");
     command.get_option("--output")->required();
     AddRoom(command, options, words);
-    command.add_option("--save-state", options.saveState, "Save the state with which the rendering begins")
-        ->type_name("FILE")
-        ->take_last();
+    AddValue(command, "--save-state", options.saveState, "FILE", "Save the state with which the rendering begins");
     command.add_flag("--report", options.report,
                      "Say what the room was asked for and what is measured of it, per octave");
     command.add_flag("--report-json", options.reportJson, "The same on standard output, as JSON with all curves");
@@ -44,10 +42,7 @@ void WillRun(Call& call, std::shared_ptr<Options> const& options, CommonWords co
     TakeMeaning(words, *options);
     options->attributes = call.attributes;
     RequireSafeOutputs(*options);
-    call.run = [options] {
-        RunRender(*options);
-        return 0;
-    };
+    call.Will([options] { RunRender(*options); });
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include "orvanverb/layout/speaker_layout.h"
 #include "orvanverb/options/common_options.h"
 #include "orvanverb/options/file_roles.h"
+#include "orvanverb/options/option_values.h"
 #include "orvanverb/room/room_object.h"
 #include "orvanverb/room/scene.h"
 #include "orvanverb/room/source_motion.h"
@@ -48,10 +49,7 @@ constexpr char const* plotFooter =
 /// As many as asked for, or as the scene speaks of.
 unsigned int NumSources(SceneOptions const& options, unsigned int named) {
     if (options.numSources.empty()) return std::clamp(named, 1u, maxSources);
-    const std::optional<unsigned int> count = ParseCount(options.numSources);
-    if (!count || *count < 1 || *count > maxSources)
-        throw UsageError("--sources: '" + options.numSources + "' is no count from 1 to " + std::to_string(maxSources));
-    return *count;
+    return CountWithin("--sources", options.numSources, "count", 1, maxSources);
 }
 
 std::string TimeText(double seconds) {
@@ -133,14 +131,9 @@ CLI::App* AddSubcommand(CLI::App& parent, SceneOptions& options, char const* nam
                         char const* footer) {
     CLI::App* command = parent.add_subcommand(name, help);
     command->add_option("scene", options.file, "The scene")->type_name("FILE")->required();
-    command->add_option("--sources", options.numSources, "How many there are [as many as the scene names]")
-        ->type_name("COUNT")
-        ->take_last();
-    command
-        ->add_option("--speakers", options.speakers,
-                     "Loudspeakers: a count, or a file with one AZIMUTH [ELEVATION [DISTANCE]] a line")
-        ->type_name("LAYOUT")
-        ->take_last();
+    AddValue(*command, "--sources", options.numSources, "COUNT", "How many there are [as many as the scene names]");
+    AddValue(*command, "--speakers", options.speakers, "LAYOUT",
+             "Loudspeakers: a count, or a file with one AZIMUTH [ELEVATION [DISTANCE]] a line");
     command->footer(footer);
     return command;
 }
