@@ -61,7 +61,7 @@ def main():
     hertz = measurements.erb_frequency(axis.centres)
 
     with tempfile.TemporaryDirectory() as folder:
-        # The set for 44.1 kHz, which every rate had before: by its name it is a file like any other.
+        # The set for 44.1 kHz, to show what another rate would make of it: by its name it is a file like any other.
         before = f"{folder}/before.hrtf"
         subprocess.run([program, "hrtf", "convert", "kemar", before], check=True, stderr=subprocess.DEVNULL)
         curves, rows = {}, []
@@ -79,7 +79,7 @@ def main():
     print("| Source | " + " | ".join(f"{rate / 1000:g} kHz" for rate in RATES) + " |")
     print("|---" * (1 + len(RATES)) + "|")
     for line, _ in rows:
-        cells = [f"{rms:.2f}, {worst:.1f} dB (was {old:.2f}, {old_worst:.1f})" for rms, worst, old, old_worst in line[1:]]
+        cells = [f"{rms:.2f}, {worst:.1f} dB ({old:.2f}, {old_worst:.1f})" for rms, worst, old, old_worst in line[1:]]
         print(f"| {line[0]} | " + " | ".join(cells) + " |")
 
     script = [
