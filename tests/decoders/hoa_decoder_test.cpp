@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cfenv>
 #include <cmath>
-#include <complex>
 #include <limits>
 #include <numbers>
 #include <random>

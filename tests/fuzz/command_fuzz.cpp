@@ -1,12 +1,5 @@
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -50,21 +43,13 @@ constexpr char const* calls[] = {
     "shell",
 };
 
-struct Folder {
+struct Folder : TemporaryDirectory {
     Folder() {
-        std::string pattern = std::filesystem::temp_directory_path() / "orvanverb-fuzz-XXXXXX";
-        if (mkdtemp(pattern.data()) == nullptr) std::abort();
-        path = pattern;
         Sound sound;
         sound.samplerate = 8000;
         sound.samples.assign(2, std::vector<float>(100, 0.25f));
-        WriteSound(path / "in.wav", sound);
+        WriteSound(*this / "in.wav", sound);
     }
-    ~Folder() { std::filesystem::remove_all(path); }
-    Folder(Folder const&) = delete;
-    Folder& operator=(Folder const&) = delete;
-
-    std::filesystem::path path;
 };
 
 }  // namespace
@@ -84,14 +69,14 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     bool writes = false;
     std::istringstream call(calls[(data[0] - std::size_t{'A'}) % std::size(calls)]);
     for (std::string word; call >> word;) {
-        if (word == "IN") word = folder.path / "in.wav";
+        if (word == "IN") word = folder / "in.wav";
         if (word.starts_with("OUT")) {
-            word = folder.path / ("out" + word.substr(3));
+            word = folder / ("out" + word.substr(3));
             writes = true;
         }
         if (word.starts_with("FILE")) {
-            word = folder.path / ("file" + word.substr(4));
-            std::ofstream(word, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
+            word = folder / ("file" + word.substr(4));
+            WriteText(word, content);
         }
         words.push_back(word);
     }

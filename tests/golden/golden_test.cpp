@@ -18,6 +18,7 @@
 #include "filters/multi_delay.h"
 #include "filters/multi_faded_hl_shelf.h"
 #include "filters/multi_faded_low_pass.h"
+#include "hrtf/hrtf.h"
 #include "pan/binaural/binaural_panning_spherical_harmonics.h"
 #include "pan/panning_support.h"
 #include "pan/set_file.h"
@@ -234,6 +235,19 @@ TEST(Golden, HeadphoneSets) {
     for (auto const& [name, file] : {std::pair{"impulse responses", &fir}, {"ten biquads", &biquads}})
         CheckEngine("engine (6, 2, 8) " + std::string(name), {6, 2, 8, 44100.0f}, true, false,
                     [file = file](OrvanVerb& engine) { EXPECT_TRUE(engine.LoadHrtf(file->name.c_str())); });
+}
+
+TEST(Golden, BuiltInEars) {
+    for (const int rate : {44100, 48000, 88200, 96000, 176400, 192000}) {
+        const Lume::Hrtf set = Lume::Hrtf::Builtin(float(rate));
+        Hash hash;
+        for (unsigned int i = 0; i < set.GetNumPoints(); ++i) {
+            Lume::HrtfPoint const& point = set.GetHrtfPoint(i);
+            hash.Add(&point.itd, 1);
+            hash.Add(point.coefficients.data(), point.coefficients.size());
+        }
+        Check("ears for " + std::to_string(rate), hash.value);
+    }
 }
 
 /// A set of the second order for panning by spherical harmonics.

@@ -65,11 +65,24 @@ def program(folder, *words, audio=None, environment=None):
     assert status == 0, log.read_text()
 
 
+def wait_until(holds, seconds=20, step=0.05):
+    """Waits until something holds, as long as may be, and says whether it does."""
+    end = time.monotonic() + seconds
+    while not (held := holds()) and time.monotonic() < end:
+        time.sleep(step)
+    return held
+
+
 def await_frames(folder, frames):
     """Waits until so much was played on headphones; what is played stands beside the output until the end."""
-    end = time.monotonic() + 60
-    while max((part.stat().st_size for part in folder.glob("out.wav.*")), default=0) < 8 * frames and time.monotonic() < end:
-        time.sleep(0.05)
+    wait_until(lambda: max((part.stat().st_size for part in folder.glob("out.wav.*")), default=0) >= 8 * frames, 60)
+
+
+def assert_render_plays_the_same(folder, words):
+    """To the last bit."""
+    subprocess.run([OFFLINE, "render", VOICE, "-o", f"{folder}/a.wav", *words], check=True, capture_output=True)
+    subprocess.run([LIVE, "--audio", f"file:{VOICE}:{folder}/b.wav", "--free-running", *words, *OFF], check=True, capture_output=True)
+    assert (folder / "a.wav").read_bytes() == (folder / "b.wav").read_bytes(), words
 
 
 class Client:
@@ -96,10 +109,7 @@ class Client:
 
     def await_answer(self, path, values, seconds=20):
         """Asks until the answer is this one."""
-        end = time.monotonic() + seconds
-        while (told := self.ask(path)) != values and time.monotonic() < end:
-            time.sleep(0.05)
-        assert told == values, path
+        assert wait_until(lambda: self.ask(path) == values, seconds), (path, values)
 
 
 def test_file_is_render_sample_for_sample(tmp_path):
@@ -111,10 +121,7 @@ def test_file_is_render_sample_for_sample(tmp_path):
             scene.write_text("".join(line + "\n" for line in scene.read_text().splitlines() if "speaker" not in line))
         else:
             scene.write_text(scene.read_text() + "0.31 speaker 1 ade -40 1 0\n")
-        subprocess.run([OFFLINE, "render", VOICE, "-o", f"{tmp_path}/a.wav", *words], check=True, capture_output=True)
-        subprocess.run([LIVE, "--audio", f"file:{VOICE}:{tmp_path}/b.wav", "--free-running", *words, *OFF], check=True,
-                       capture_output=True)
-        assert (tmp_path / "a.wav").read_bytes() == (tmp_path / "b.wav").read_bytes(), words
+        assert_render_plays_the_same(tmp_path, words)
 
 
 def test_signals_that_come_together_are_one_wish(tmp_path):
@@ -165,10 +172,7 @@ def test_own_tree(tmp_path):
         assert live.poll() is None
     assert {"fl 300", "sourcesgains -6", "sourcename 1 lead  voice"} <= set(autosave.read_text().splitlines())
     # What was saved is what plays, here and by render.
-    words = ["--state", str(autosave)]
-    subprocess.run([OFFLINE, "render", VOICE, "-o", f"{tmp_path}/a.wav", *words], check=True, capture_output=True)
-    subprocess.run([LIVE, "--audio", f"file:{VOICE}:{tmp_path}/b.wav", "--free-running", *words, *OFF], check=True, capture_output=True)
-    assert (tmp_path / "a.wav").read_bytes() == (tmp_path / "b.wav").read_bytes()
+    assert_render_plays_the_same(tmp_path, ["--state", str(autosave)])
 
 
 def opening(port, path="/socket", **headers):
@@ -349,11 +353,11 @@ def test_malformed_packets_change_nothing(tmp_path):
 
 
 def await_port(port):
-    end = time.monotonic() + 10
-    while time.monotonic() < end:
+    def answers():
         with contextlib.suppress(OSError), socket.create_connection(("127.0.0.1", port), 1):
-            return
-        time.sleep(0.05)
+            return True
+
+    wait_until(answers, 10)
 
 
 def test_page_is_for_nobody_else(tmp_path):
@@ -399,10 +403,7 @@ def test_client_that_does_not_read_is_dropped(tmp_path):
         with contextlib.suppress(OSError):
             for _ in range(20000):
                 deaf.sendall(frame('{"save": true}'))
-        end = time.monotonic() + 60
-        while threads() > before and time.monotonic() < end:
-            time.sleep(0.2)
-        assert threads() == before and live.poll() is None
+        assert wait_until(lambda: threads() == before, 60, 0.2) and live.poll() is None
         deaf.close()
 
 
@@ -442,6 +443,10 @@ def jack(name, *words):
         server.wait(20)
 
 
+def jack_ports(environment):
+    return set(subprocess.run(["jack_lsp"], env=environment, capture_output=True, text=True).stdout.split())
+
+
 @pytest.mark.skipif(shutil.which("jackd") is None, reason="there is no jackd")
 def test_jack_waits_for_its_server_and_keeps_the_room(tmp_path):
     osc = free_port()
@@ -454,20 +459,10 @@ def test_jack_waits_for_its_server_and_keeps_the_room(tmp_path):
             client = Client(osc)
             client.ask("/orvanverb/tr0")
             client.send("/orvanverb/source/1/azim", 33.0)
-            ports = ""
-            until = time.monotonic() + 10
-            while "orvanverb:out_2" not in ports and time.monotonic() < until:
-                ports = subprocess.run(["jack_lsp"], env=environment, capture_output=True, text=True).stdout
-                time.sleep(0.1)
-            assert {"orvanverb:in_1", "orvanverb:out_1", "orvanverb:out_2"} <= set(ports.split())
+            assert wait_until(lambda: {"orvanverb:in_1", "orvanverb:out_1", "orvanverb:out_2"} <= jack_ports(environment), 10)
             time.sleep(1)
         with jack(name, "-p", "128") as environment:  # another one, with other blocks
-            ports = ""
-            until = time.monotonic() + 15
-            while "orvanverb:out_2" not in ports and time.monotonic() < until:
-                ports = subprocess.run(["jack_lsp"], env=environment, capture_output=True, text=True).stdout
-                time.sleep(0.1)
-            assert "orvanverb:out_2" in ports
+            assert wait_until(lambda: "orvanverb:out_2" in jack_ports(environment), 15)
             values = client.ask("/orvanverb/source/1/azim")
             assert values == pytest.approx([33], abs=1e-3)
             end.close()  # by Ctrl-C
@@ -495,9 +490,7 @@ def test_jack_plays_what_render_does(tmp_path):
     with jack(f"orvan{os.getpid()}b", "-p", str(block)) as environment, \
             program(tmp_path, *OFF, *words, "--record", f"{tmp_path}/out.wav", "--record-inputs", f"{tmp_path}/in.wav",
                     audio="jack", environment=environment) as live:
-        end = time.monotonic() + 15
-        while "client orvanverb" not in live.log.read_text() and time.monotonic() < end:
-            time.sleep(0.1)
+        wait_until(lambda: "client orvanverb" in live.log.read_text(), 15)
         time.sleep(1)
         subprocess.run([shutil.which("python3", path="/usr/bin"), "-c", PLAY, os.path.dirname(__file__), str(tmp_path / "noise.npy"),
                         str(tmp_path / "got.npy")], check=True, env=environment, timeout=90)

@@ -145,10 +145,8 @@ TEST_F(PlayingInPd, EqualsTheProgramSampleForSample) {
             late.push_back({event.sample + (timed ? static_cast<long>(settle) : 0), event.message});
         }
         WriteText(directory / "test.scene", text);
-        const RunResult run =
-            RunProgram({"render", directory / "dry.wav", "-o", directory / "wet.wav", "--speakers", speakers, "--scene",
-                        directory / "test.scene", "--vector", std::to_string(blockSize), "--tail", "0"});
-        ASSERT_EQ(run.status, 0) << run.err;
+        RunWell({"render", directory / "dry.wav", "-o", directory / "wet.wav", "--speakers", speakers, "--scene",
+                 directory / "test.scene", "--vector", std::to_string(blockSize), "--tail", "0"});
         const Sound expected = ReadSound(directory / "wet.wav");
 
         Sound padded = dry;
@@ -198,7 +196,7 @@ TEST_F(PlayingInPd, BadSamplesStayOutAndAreReportedOnce) {
     for (float& sample : good.samples[0]) sample = std::isfinite(sample) ? sample : 0.0f;
     const Sound out = Play(bad, "@numsources 1 @numspeakers 2", {});
     const std::string line = "error: orvanverb~: 3 input samples weren't finite; 0 went into the room instead";
-    EXPECT_NE(console.find(line), std::string::npos) << console;
+    ExpectContains(console, line);
     EXPECT_EQ(console.find(line), console.rfind("error")) << console;
     EXPECT_TRUE(out.samples == Play(good, "@numsources 1 @numspeakers 2", {}).samples);
 
@@ -284,8 +282,8 @@ TEST_F(InPd, LooksAtTheRoomWhenAllIsSaid) {
     const std::string said = Open(patch).err;
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 4) << said;
     EXPECT_TRUE(said.starts_with("orvanverb~: sourcespositions : 0.000002 0.000001 ")) << said;
-    EXPECT_NE(said.find("warning: orvanverb~: fl 9000 lies above fh 8000 Hz\n"), std::string::npos) << said;
-    EXPECT_NE(said.find("warning: orvanverb~: loudspeakers 2 and 3 stand at one azimuth"), std::string::npos) << said;
+    ExpectContains(said, "warning: orvanverb~: fl 9000 lies above fh 8000 Hz\n");
+    ExpectContains(said, "warning: orvanverb~: loudspeakers 2 and 3 stand at one azimuth");
 }
 
 // Red if a value doesn't come out at the right, if a room from a file leaves something of the one before, or if what is
@@ -394,7 +392,7 @@ TEST_F(InPd, StatesAreKeptInThePatchFile) {
     room.SetOrientation(30.0f, -10.5f, 0.0f);
     const std::string saved = save("patch.pd", script, "saved.pd");
     EXPECT_EQ(SavedState(saved), room.NamedState().Text());
-    EXPECT_NE(saved.find(" -0 "), std::string::npos);  // a number of its own, which must come back as it is
+    ExpectContains(saved, " -0 ");  // a number of its own, which must come back as it is
     EXPECT_EQ(save("saved.pd", "", "again.pd"), saved);
 
     // A patch of before, with the flat list.
@@ -411,7 +409,7 @@ TEST_F(InPd, StatesAreKeptInThePatchFile) {
                        headphones.Object("orvanverb~ @autosave 1 @numsources 1 @numspeakers 2"), 0);
     WriteText(directory / "ears.pd", headphones.Text());
     const std::string kept = save("ears.pd", "\\; room hrtf my ears.coll", "kept.pd");
-    EXPECT_NE(kept.find("my\\ ears.coll"), std::string::npos) << kept;
+    ExpectContains(kept, "my\\ ears.coll");
     EXPECT_EQ(save("kept.pd", "", "again.pd"), kept);
     EXPECT_NE(Tell("@numsources 1 @numspeakers 2", {"hrtf nothing.coll"}).find("nothing.coll: No such file"),
               std::string::npos);

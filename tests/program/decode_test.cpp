@@ -26,8 +26,7 @@ protected:
         WriteSound(Path(name), sound);
     }
     Sound Decode(std::string const& name, std::vector<std::string> const& words) const {
-        const RunResult run = RunProgram(Joined({"decode", Path(name), "-o", Path("out.wav")}, words));
-        EXPECT_EQ(run.status, 0) << run.err;
+        RunWell(Joined({"decode", Path(name), "-o", Path("out.wav")}, words));
         return ReadSound(Path("out.wav"));
     }
 
@@ -50,7 +49,7 @@ TEST_F(DecodeCommand, BringsBackWhatPanEncoded) {
         for (const double azimuth : {-70.0, 20.0, 130.0}) {
             const std::vector<std::string> arguments{
                 "pan", Path("ones.wav"), "-o", Path("coded.wav"), "--source", "1", std::to_string(azimuth), "0", "1"};
-            ASSERT_EQ(RunProgram(Joined(arguments, encode)).status, 0);
+            RunWell(Joined(arguments, encode));
             const bool cube = decode[1] == "hoa3d";
             if (!cube) decode.insert(decode.end(), {"--speakers", Path("ring")});
             const Sound sound = Decode("coded.wav", decode);
@@ -71,19 +70,15 @@ TEST_F(DecodeCommand, BringsBackWhatPanEncoded) {
 TEST_F(DecodeCommand, ShowsMatrixAndCondition) {
     Write("four.wav", {1.0f, 0.0f, 0.0f, 0.0f});
     WriteText(Path("tetrahedron"), "0 90\n0 -19.4712\n120 -19.4712\n-120 -19.4712\n");
-    const RunResult run = RunProgram({"decode", Path("four.wav"), "--type", "hoa3d", "--convention", "N3D",
-                                      "--speakers", Path("tetrahedron"), "--matrix"});
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.out.find("order 1, pseudoinverse, basic\ncondition number 0.00 dB\nregularity 0.000015259, "
-                           "semi-regularity 0.003906250\n"),
-              std::string::npos)
-        << run.out;
-    EXPECT_NE(run.out.find("channel 1 (azimuth 0 elevation 90): 0.250000 0.000000 0.433013 0.000000"),
-              std::string::npos)
-        << run.out;
+    const RunResult run = RunWell({"decode", Path("four.wav"), "--type", "hoa3d", "--convention", "N3D", "--speakers",
+                                   Path("tetrahedron"), "--matrix"});
+    ExpectContains(run.out,
+                   "order 1, pseudoinverse, basic\ncondition number 0.00 dB\nregularity 0.000015259, "
+                   "semi-regularity 0.003906250\n");
+    ExpectContains(run.out, "channel 1 (azimuth 0 elevation 90): 0.250000 0.000000 0.433013 0.000000");
     EXPECT_EQ(run.err, "");
     const RunResult flat = RunProgram({"decode", Path("four.wav"), "--type", "hoa3d", "--speakers", "8", "--matrix"});
-    EXPECT_NE(flat.err.find("warning: the loudspeakers don't suit"), std::string::npos) << flat.err;
+    ExpectContains(flat.err, "warning: the loudspeakers don't suit");
 }
 
 // Channel orders of the formats: a centre goes to both of two, a left one to the left.
@@ -126,10 +121,9 @@ TEST_F(DecodeCommand, WrongWordsAreNamed) {
     for (const auto& [input, words, status, culprit] : cases)
         ExpectComplaint(RunProgram(Joined({"decode", Path(input), "-o", Path("out.wav")}, words)), status, culprit);
     // Networks without built-in filters say what they need.
-    const RunResult silent = RunProgram(
+    const RunResult silent = RunWell(
         {"decode", Path("two.wav"), "-o", Path("out.wav"), "--type", "transaural", "--sub-type", "leastsquares"});
-    EXPECT_EQ(silent.status, 0) << silent.err;
-    EXPECT_NE(silent.err.find("--network leastsquares makes"), std::string::npos) << silent.err;
+    ExpectContains(silent.err, "--network leastsquares makes");
     EXPECT_NE(RunProgram({"decode", "--list"}).out.find("recursivesymmetricbiquads"), std::string::npos);
 }
 

@@ -6,6 +6,7 @@
 
 #include "program/run_program.h"
 #include "program/sound_files.h"
+#include "support/places.h"
 
 namespace {
 
@@ -19,8 +20,7 @@ protected:
     Sound Made(std::string const& command, std::vector<std::string> const& words) const {
         std::vector<std::string> all{command};
         if (command != "ir") all.push_back(directory / "tone.wav");
-        const RunResult run = RunProgram(Joined(Joined(all, {"-o", directory / "out.wav", "--tail", "0.1"}), words));
-        EXPECT_EQ(run.status, 0) << run.err;
+        const RunResult run = RunWell(Joined(Joined(all, {"-o", directory / "out.wav", "--tail", "0.1"}), words));
         said = run.err;
         return ReadSound(directory / "out.wav");
     }
@@ -62,12 +62,8 @@ TEST_F(Formats, OneOptionMakesEachForm) {
 // response is its first sample, against the closed form of what other tools read.
 TEST_F(Formats, SourcesStandWhereTheyWerePut) {
     const Sound ambix = Made("ir", {"--ambix", "--source", "1", "-40", "25", "1"});
-    const double a = 40.0 * radian, e = 25.0 * radian;
-    const double x = std::cos(a) * std::cos(e), y = std::sin(a) * std::cos(e), z = std::sin(e);
-    const double root3 = std::sqrt(3.0);
-    const double expected[] = {
-        1.0, y, z, x, root3 * x * y, root3 * y * z, 1.5 * z * z - 0.5, root3 * x * z, root3 / 2.0 * (x * x - y * y)};
-    for (std::size_t c = 0; c < std::size(expected); ++c)
+    const std::vector<double> expected = AmbixHarmonics(-40.0, 25.0);
+    for (std::size_t c = 0; c < expected.size(); ++c)
         EXPECT_NEAR(ambix.samples[c][0] / ambix.samples[0][0], expected[c], 1e-4) << c;
 
     const Sound above = Made("ir", {"--speakers", "7.1.4", "--source", "1", "45", "45", "1"});
@@ -135,14 +131,10 @@ TEST_F(Formats, RefusesWhatAFormDoesNotHave) {
 class SoundFields : public Formats {
 protected:
     void Encode(std::vector<std::string> const& words) const {
-        const RunResult run =
-            RunProgram(Joined({"pan", directory / "tone.wav", "-o", directory / "field.wav", "--method"}, words));
-        ASSERT_EQ(run.status, 0) << run.err;
+        RunWell(Joined({"pan", directory / "tone.wav", "-o", directory / "field.wav", "--method"}, words));
     }
     Sound Decoded(std::vector<std::string> const& words, std::string const& name = "field.wav") const {
-        const RunResult run =
-            RunProgram(Joined({"decode", directory / name, "-o", directory / "out.wav", "--type"}, words));
-        EXPECT_EQ(run.status, 0) << run.err;
+        RunWell(Joined({"decode", directory / name, "-o", directory / "out.wav", "--type"}, words));
         return ReadSound(directory / "out.wav");
     }
     /// A channel against the first one of the tone when all gains have come to rest.

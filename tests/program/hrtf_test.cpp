@@ -76,9 +76,7 @@ struct SimpleHead {
 TEST(HrtfConvert, FitsLevelsAndDelaysAtAnotherRate) {
     const TemporaryDirectory directory;
     WriteText(directory / "head.hrtf", program::SdifSetBytes(SimpleHead::Set(), "me"));
-    const RunResult run =
-        RunProgram({"hrtf", "convert", directory / "head.hrtf", directory / "own.hrtf", "--rate", "44100"});
-    ASSERT_EQ(run.status, 0) << run.err;
+    RunWell({"hrtf", "convert", directory / "head.hrtf", directory / "own.hrtf", "--rate", "44100"});
     const Lume::Hrtf own(directory / "own.hrtf");
     EXPECT_EQ(own.GetSamplingRate(), 44100u);
     ASSERT_EQ(own.GetNumPoints(), 8u);
@@ -105,10 +103,7 @@ TEST(HrtfConvert, FitsLevelsAndDelaysAtAnotherRate) {
         EXPECT_NEAR(GainDbAt(ear, 24.0 / 96.0) - GainDbAt(ear, 40.0 / 96.0), 3.0 * std::log2(40.0 / 24.0), 0.3) << i;
     }
     // As impulse responses again: delays are back, samples of another rate make no other level.
-    ASSERT_EQ(
-        RunProgram({"hrtf", "convert", directory / "own.hrtf", directory / "fir.hrtf", "--fir", "--rate", "96000"})
-            .status,
-        0);
+    RunWell({"hrtf", "convert", directory / "own.hrtf", directory / "fir.hrtf", "--fir", "--rate", "96000"});
     const Lume::Hrtf fir(directory / "fir.hrtf");
     Lume::HrtfPoint const& atRight = fir.GetHrtfPoint(2);
     EXPECT_GT(atRight.position.x, 0.99f);
@@ -124,8 +119,7 @@ TEST(HrtfConvert, FitsLevelsAndDelaysAtAnotherRate) {
 // direction; equalised, the mean over the sphere is flat.
 TEST(HrtfConvert, TakesMeasurementsInTheirDirections) {
     const TemporaryDirectory directory;
-    ASSERT_EQ(RunProgram({"hrtf", "convert", kemar, directory / "plain.hrtf", "--fir", "--equalise", "none"}).status,
-              0);
+    RunWell({"hrtf", "convert", kemar, directory / "plain.hrtf", "--fir", "--equalise", "none"});
     const Lume::Hrtf plain(directory / "plain.hrtf");
     ASSERT_EQ(plain.GetNumPoints(), 710u);
     int error = 0;
@@ -154,7 +148,7 @@ TEST(HrtfConvert, TakesMeasurementsInTheirDirections) {
     }
     mysofa_free(sofa);
 
-    ASSERT_EQ(RunProgram({"hrtf", "convert", kemar, directory / "flat.hrtf", "--fir", "--rate", "48000"}).status, 0);
+    RunWell({"hrtf", "convert", kemar, directory / "flat.hrtf", "--fir", "--rate", "48000"});
     const Lume::Hrtf flat(directory / "flat.hrtf");
     for (const double hertz : {300.0, 1000.0, 3000.0, 8000.0, 14000.0}) {
         double power = 0.0, weights = 0.0;
@@ -172,8 +166,7 @@ TEST(HrtfConvert, TakesMeasurementsInTheirDirections) {
 
 TEST(HrtfConvert, SLOW_FitsAMeasuredHead) {
     const TemporaryDirectory directory;
-    const RunResult run = RunProgram({"hrtf", "convert", kemar, directory / "own.hrtf", "--rate", "48000"});
-    ASSERT_EQ(run.status, 0) << run.err;
+    const RunResult run = RunWell({"hrtf", "convert", kemar, directory / "own.hrtf", "--rate", "48000"});
     const std::size_t at = run.err.find("mean ");
     ASSERT_NE(at, std::string::npos);
     EXPECT_LT(std::stod(run.err.substr(at + 5)), 0.4) << run.err;
@@ -185,14 +178,12 @@ TEST(HrtfInfo, ShowsDistances) {
     for (float* coordinate : {&set.points[0].positions[0].x, &set.points[0].positions[0].y}) *coordinate *= 2.5f;
     WriteText(directory / "set.hrtf", program::SdifSetBytes(set, "me"));
     const RunResult run = RunProgram({"hrtf", "info", directory / "set.hrtf"});
-    EXPECT_NE(run.out.find("distances         1.00 to 2.50 m\n"), std::string::npos) << run.out;
+    ExpectContains(run.out, "distances         1.00 to 2.50 m\n");
 }
 
 TEST(HrtfInfo, ShowsTheHeaderAndFindsFaults) {
-    const RunResult builtIn = RunProgram({"hrtf", "info", "kemar"});
-    EXPECT_EQ(builtIn.status, 0) << builtIn.out;
-    for (char const* text : {"KEMAR", "710", "44100 Hz", "no fault"})
-        EXPECT_NE(builtIn.out.find(text), std::string::npos) << text;
+    const RunResult builtIn = RunWell({"hrtf", "info", "kemar"});
+    for (char const* text : {"KEMAR", "710", "44100 Hz", "no fault"}) ExpectContains(builtIn.out, text);
 
     const TemporaryDirectory directory;
     Lume::SdifSet set;
@@ -230,8 +221,7 @@ TEST(Hrtf, SetsLoadFromFoldersOfAnyName) {
         {"hrtf", "convert", set, folder + "/other.hrtf", "--fir", "--length", "128", "--json", "--quiet"},
     };
     for (std::vector<std::string> const& call : calls) {
-        const RunResult run = RunProgram(call);
-        EXPECT_EQ(run.status, 0) << call.front() << ": " << run.err;
+        RunWell(call);
     }
 }
 

@@ -32,17 +32,15 @@ double NumberBehind(std::string const& text, std::string const& key, std::size_t
 TEST(MeasureCommand, TellsTheDecayOfAFile) {
     const TemporaryDirectory directory;
     WriteSound(directory / "room.wav", MakeDecay(0.8, 3));
-    const RunResult run = RunProgram({"measure", directory / "room.wav", "--json"});
-    ASSERT_EQ(run.status, 0) << run.err;
+    const RunResult run = RunWell({"measure", directory / "room.wav", "--json"});
     EXPECT_NEAR(NumberBehind(run.out, "\"t30\": ", run.out.find("\"band\": \"4000\"")), 0.8, 0.02);
     EXPECT_NEAR(NumberBehind(run.out, "\"direct\": {\"seconds\": "), 0.05, 0.001);
     EXPECT_NEAR(NumberBehind(run.out, "\"t30_mid\": "), 0.8, 0.06);
     EXPECT_LT(std::abs(NumberBehind(run.out, "\"correlation\": ", run.out.find("most_alike"))), 0.05);
 
-    const RunResult table = RunProgram({"measure", directory / "room.wav", "--bands", "third", "--channel", "2"});
-    EXPECT_EQ(table.status, 0) << table.err;
-    EXPECT_NE(table.out.find("1 channel, 48000 Hz"), std::string::npos) << table.out;
-    EXPECT_NE(table.out.find("\n   3150"), std::string::npos) << table.out;
+    const RunResult table = RunWell({"measure", directory / "room.wav", "--bands", "third", "--channel", "2"});
+    ExpectContains(table.out, "1 channel, 48000 Hz");
+    ExpectContains(table.out, "\n   3150");
 }
 
 TEST(MeasureCommand, ComparesInStepsThatOneHears) {
@@ -50,8 +48,7 @@ TEST(MeasureCommand, ComparesInStepsThatOneHears) {
     WriteSound(directory / "room.wav", MakeDecay(0.88, 1));
     WriteSound(directory / "other.wav", MakeDecay(0.8, 1));
     const auto difference = [&](char const* file) {
-        const RunResult run = RunProgram({"measure", directory / "room.wav", "--against", directory / file});
-        EXPECT_EQ(run.status, 0) << run.err;
+        const RunResult run = RunWell({"measure", directory / "room.wav", "--against", directory / file});
         return run.out.substr(run.out.find(" against "));
     };
     EXPECT_NE(difference("room.wav").find("0 of "), std::string::npos);
@@ -64,14 +61,10 @@ TEST(MeasureCommand, SaysWhyFiguresAreMissing) {
     const TemporaryDirectory directory;
     Sound sound = MakeDecay(2.0, 1);  // cut at -30 dB
     WriteSound(directory / "cut.wav", sound);
-    const RunResult cut = RunProgram({"measure", directory / "cut.wav"});
-    EXPECT_EQ(cut.status, 0) << cut.err;
-    EXPECT_NE(
-        cut.out.find("T30 at 63 to 16000 and all: the decay must be seen down to -45 dB; the response ends before"),
-        std::string::npos)
-        << cut.out;
-    EXPECT_NE(cut.out.find("C50 at 63, 125; C80 at 63; D50 at 63, 125: the band's filter blurs"), std::string::npos)
-        << cut.out;
+    const RunResult cut = RunWell({"measure", directory / "cut.wav"});
+    ExpectContains(cut.out,
+                   "T30 at 63 to 16000 and all: the decay must be seen down to -45 dB; the response ends before");
+    ExpectContains(cut.out, "C50 at 63, 125; C80 at 63; D50 at 63, 125: the band's filter blurs");
     sound.samples[0].assign(4800, 0.0f);
     WriteSound(directory / "silent.wav", sound);
     EXPECT_NE(RunProgram({"measure", directory / "silent.wav"}).out.find("silent"), std::string::npos);
@@ -85,12 +78,11 @@ TEST(MeasureCommand, DrawsAPictureOrSaysWhatIsMissing) {
     ExpectComplaint(bare, 1, "gnuplot-nox");
     EXPECT_EQ(directory.NumFiles(), 1u);
     for (char const* name : {"a.svg", "a.png"}) {
-        const RunResult run = RunProgram({"measure", directory / "room.wav", "--plot", directory / name});
-        ASSERT_EQ(run.status, 0) << run.err;
+        const RunResult run = RunWell({"measure", directory / "room.wav", "--plot", directory / name});
         EXPECT_EQ(run.err, "");
         const std::string picture = ReadText(directory / name);
         EXPECT_GT(picture.size(), 20000u);
-        EXPECT_NE(picture.find(name[2] == 's' ? "<svg" : "PNG"), std::string::npos);
+        ExpectContains(picture, name[2] == 's' ? "<svg" : "PNG");
     }
 }
 

@@ -233,7 +233,7 @@ TEST_F(Files, WhateverHappensTheOldOutputOrTheNewOneStands) {
         if (stays) WriteText(out, "what was there");
         const RunResult run = RunCommand({"bash", "-c", script});
         EXPECT_EQ(run.status, status) << run.err;
-        EXPECT_NE(run.err.find(said), std::string::npos) << run.err;
+        ExpectContains(run.err, said);
         if (stays) {
             EXPECT_EQ(ReadText(out), "what was there");
         }
@@ -274,7 +274,7 @@ TEST(Crowds, NoDescriptorsLeaveWholeFiles) {
     const TemporaryDirectory directory;
     const std::string one = directory / "one.wav";
     WriteSound(directory / "in.wav", MakeTone(440.0, 0.05, 48000));
-    ASSERT_EQ(RunProgram({"render", directory / "in.wav", "--tail", "0", "-o", one}).status, 0);
+    RunWell({"render", directory / "in.wav", "--tail", "0", "-o", one});
     const std::string before = ReadText(one);
     bool failed = false;
     for (char const* const number : {"4", "5", "6", "7", "8"}) {  // some are taken by whoever runs the test

@@ -29,9 +29,9 @@ TEST(Presets, AreFoundByNameAndByPath) {
 
     const RunResult list = RunProgram({"presets"}, "XDG_DATA_HOME=" + (directory / "home"));
     EXPECT_EQ(list.status, 0) << list.err;
-    EXPECT_NE(list.out.find("church             0.20    20.0"), std::string::npos) << list.out;
-    EXPECT_NE(list.out.find("My church"), std::string::npos) << list.out;
-    EXPECT_NE(list.out.find("\ncathedral "), std::string::npos) << list.out;
+    ExpectContains(list.out, "church             0.20    20.0");
+    ExpectContains(list.out, "My church");
+    ExpectContains(list.out, "\ncathedral ");
 }
 
 TEST(Presets, SayWhatThereIsWhenANameIsWrong) {

@@ -24,13 +24,11 @@ TEST(Proposal, DecaysAsAsked) {
          {Case{"60", "0.4", "0.5", "0.35"}, Case{"2000", "1.5", "1.8", "1.1"}, Case{"12000", "2", "2", "2.2"}}) {
         SCOPED_TRACE(wanted.volume);
         const TemporaryDirectory directory;
-        const RunResult room = RunProgram({"room", "--volume", wanted.volume, "--rt60", wanted.decay, "--rt60-low",
-                                           wanted.low, "--rt60-high", wanted.high});
-        ASSERT_EQ(room.status, 0) << room.err;
+        const RunResult room = RunWell({"room", "--volume", wanted.volume, "--rt60", wanted.decay, "--rt60-low",
+                                        wanted.low, "--rt60-high", wanted.high});
         WriteText(directory / "a.room", room.out);
-        const RunResult ir = RunProgram({"ir", "-o", directory / "a.wav", "--speakers", "8", "--source", "1", "0", "0",
-                                         "3", "--preset", directory / "a.room", "--tail", "2.6"});
-        ASSERT_EQ(ir.status, 0) << ir.err;
+        RunWell({"ir", "-o", directory / "a.wav", "--speakers", "8", "--source", "1", "0", "0", "3", "--preset",
+                 directory / "a.room", "--tail", "2.6"});
         const std::string json = RunProgram({"measure", directory / "a.wav", "--json"}).out;
         const double decay = std::stod(wanted.decay), low = std::stod(wanted.low), high = std::stod(wanted.high);
         EXPECT_NEAR(DecayAt(json, "125"), low, 0.05 * low);
@@ -55,13 +53,12 @@ TEST(Proposal, ChangesTheSizeOfARoom) {
     const std::string usual = figures("church");
     for (const double size : {0.5, 2.0}) {
         SCOPED_TRACE(size);
-        const RunResult run = RunProgram({"room", "--preset", "church", "--size", std::to_string(size)});
-        ASSERT_EQ(run.status, 0) << run.err;
+        const RunResult run = RunWell({"room", "--preset", "church", "--size", std::to_string(size)});
         WriteText(directory / "b.room", run.out);
         const std::string other = figures(directory / "b.room");
         EXPECT_NEAR(DecayAt(other, "500") / DecayAt(usual, "500"), size, 0.05 * size);
         EXPECT_NEAR(figure(other, "to_rest_db") - figure(usual, "to_rest_db"), 20.0 * std::log10(size), 1.0);
-        EXPECT_NE(run.out.find(size > 1.0 ? "early_start 44\n" : "early_start 11\n"), std::string::npos);
+        ExpectContains(run.out, size > 1.0 ? "early_start 44\n" : "early_start 11\n");
     }
     ExpectComplaint(RunProgram({"room", "--size", "2"}), 2, "goes with --preset");
     ExpectComplaint(RunProgram({"room", "--preset", "church", "--rt60", "2"}), 2, "only --size");
@@ -73,11 +70,11 @@ TEST(Proposal, TakesOtherForms) {
     const std::vector<std::string> room{"room", "--volume", "60", "--rt60", "0.4", "--as"};
     const RunResult words = RunProgram(Joined(room, {"words"}));
     EXPECT_TRUE(words.out.starts_with("@gain ")) << words.out;
-    EXPECT_NE(words.out.find(" @numinternals 16\n"), std::string::npos) << words.out;
+    ExpectContains(words.out, " @numinternals 16\n");
     EXPECT_TRUE(RunProgram(Joined(room, {"state"})).out.starts_with("orvanverb-state 1\n"));
     const RunResult json = RunProgram({"room", "--volume", "60", "--rt60", "0.4", "--json", "--quiet"});
     EXPECT_EQ(json.err, "");
-    EXPECT_NE(json.out.find("\"numinternals\": 16"), std::string::npos) << json.out.substr(0, 500);
+    ExpectContains(json.out, "\"numinternals\": 16");
     EXPECT_NEAR(DecayAt(json.out, "1000"), 0.4, 0.02);
     ExpectComplaint(RunProgram(Joined(room, {"poem"})), 2, "none of preset, words and state");
     ExpectComplaint(RunProgram({"room", "--volume", "5", "--rt60", "1"}), 2, "'5' is no number from 10 to 15000");

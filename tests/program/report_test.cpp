@@ -11,9 +11,8 @@ namespace {
 TEST(Report, TellsTheRoomWithWhichTheRenderingBegins) {
     const TemporaryDirectory directory;
     WriteText(directory / "a.scene", "0.05 tr0 5\n");
-    const RunResult run = RunProgram({"ir", "-o", directory / "a.wav", "--tail", "0.2", "--set", "tr0=0.7", "--set",
-                                      "trh=1", "--scene", directory / "a.scene", "--report", "--report-json"});
-    ASSERT_EQ(run.status, 0) << run.err;
+    const RunResult run = RunWell({"ir", "-o", directory / "a.wav", "--tail", "0.2", "--set", "tr0=0.7", "--set",
+                                   "trh=1", "--scene", directory / "a.scene", "--report", "--report-json"});
     const std::size_t row = run.err.find("   1000  ");
     ASSERT_NE(row, std::string::npos) << run.err;
     std::size_t used = 0;

@@ -64,11 +64,21 @@ RunResult RunProgram(std::vector<std::string> const& arguments, std::string cons
     return RunCommand(words, before, input);
 }
 
+RunResult RunWell(std::vector<std::string> const& arguments) {
+    RunResult run = RunProgram(arguments);
+    if (run.status != 0) throw std::runtime_error("status " + std::to_string(run.status) + ": " + run.err + run.out);
+    return run;
+}
+
+void ExpectContains(std::string const& text, std::string const& piece) {
+    EXPECT_NE(text.find(piece), std::string::npos) << "'" << piece << "' in: " << text;
+}
+
 void ExpectComplaint(RunResult const& run, int status, std::string const& culprit) {
     EXPECT_EQ(run.status, status) << culprit << ": " << run.err;
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
     EXPECT_TRUE(run.err.starts_with("orvanverb: ")) << run.err;
-    EXPECT_NE(run.err.find(culprit), std::string::npos) << "'" << culprit << "' in: " << run.err;
+    ExpectContains(run.err, culprit);
 }
 
 std::vector<std::string> Joined(std::vector<std::string> words, std::vector<std::string> const& more) {

@@ -21,6 +21,11 @@ RunResult RunCommand(std::vector<std::string> const& words, std::string const& b
 RunResult RunProgram(std::vector<std::string> const& arguments, std::string const& before = {},
                      std::string const& input = {});
 
+/// Runs it and ends the test, with what it said, unless it succeeds.
+RunResult RunWell(std::vector<std::string> const& arguments);
+
+void ExpectContains(std::string const& text, std::string const& piece);
+
 /// Fails unless a run ended with a status and one line on standard error that names the culprit.
 void ExpectComplaint(RunResult const& run, int status, std::string const& culprit);
 

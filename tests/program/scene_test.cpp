@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "orvanverb/common/text.h"
 #include "pan/set_file.h"
 #include "program/run_program.h"
 #include "program/sound_files.h"
@@ -21,8 +22,7 @@ protected:
                        std::vector<std::string> const& inputs = {"a.wav", "b.wav"}) {
         std::vector<std::string> words{"render", "-o", directory / "out.wav", "--tail", "0.3"};
         for (std::string const& input : inputs) words.push_back(directory / input);
-        const RunResult run = RunProgram(Joined(words, more));
-        EXPECT_EQ(run.status, 0) << run.err;
+        RunWell(Joined(words, more));
         return ReadText(directory / "out.wav");
     }
 
@@ -48,17 +48,10 @@ protected:
 // time in between leaves a longer delay line, and the source that is placed last has the early reflections.
 TEST_F(Scenes, TheStateIsAllThatIsHeard) {
     WriteText(directory / "room", "early_end 110\nnuminternals 12\nair 1\n");
-    const std::vector<std::string> room{"--preset",   directory / "room",
-                                        "--set",      "early_end=50",
-                                        "--source",   "2",
-                                        "170",        "10",
-                                        "3",          "--source",
-                                        "1",          "-45",
-                                        "0",          "2",
-                                        "--speakers", "5",
-                                        "@gain",      "-3.3",
-                                        "@early",     "width",
-                                        "77"};
+    const std::vector<std::string> room =
+        Joined({"--preset", directory / "room"},
+               program::SplitWords("--set early_end=50 --source 2 170 10 3 --source 1 -45 0 2 --speakers 5 @gain -3.3 "
+                                   "@early width 77"));
     const std::string plain = Render(room);
     EXPECT_TRUE(plain == Render(Joined({"--save-state", directory / "hall.state"}, room)));
     EXPECT_TRUE(plain == Render({"--state", directory / "hall.state"}));
@@ -137,16 +130,13 @@ TEST_F(Scenes, NumbersOutOfRangeAreRefusedInOptionsAndToldInScenes) {
         ExpectRefusal(words, 2, words[1].starts_with("direct") ? "from 20 to 20000 Hz" : "from 10 to 180 degrees");
     WriteText(directory / "wide.scene",
               "0.1 early_width 300\n0.2 early_width 400\n0.3 source 1 xyz 1e30 1 0\n0.4 source 1 xyz 1 1e20 0\n");
-    const RunResult run = RunProgram({"render", directory / "a.wav", "-o", directory / "out.wav", "--scene",
-                                      directory / "wide.scene", "--tail", "0.3"});
-    EXPECT_EQ(run.status, 0);
+    const RunResult run = RunWell({"render", directory / "a.wav", "-o", directory / "out.wav", "--scene",
+                                   directory / "wide.scene", "--tail", "0.3"});
     const std::string at = directory / "wide.scene";
-    EXPECT_NE(run.err.find(
-                  at + ":1: warn: early_width: 300 is not from 10 to 180 degrees, the nearest is taken (said once)\n"),
-              std::string::npos)
-        << run.err;
+    ExpectContains(run.err,
+                   at + ":1: warn: early_width: 300 is not from 10 to 180 degrees, the nearest is taken (said once)\n");
     EXPECT_EQ(run.err.find(at + ":2"), std::string::npos);
-    EXPECT_NE(run.err.find(at + ":3: warn: positions are limited to 1e+06 m\n"), std::string::npos) << run.err;
+    ExpectContains(run.err, at + ":3: warn: positions are limited to 1e+06 m\n");
     EXPECT_EQ(run.err.find(at + ":4"), std::string::npos);
 }
 
@@ -157,28 +147,23 @@ TEST_F(Scenes, WhatCanNotBeMeantIsSaidOnce) {
         directory / "late.scene",
         "0.1 tr0 2 4\n0.15 tr0 2 5\n0.2..9 source 1 azim 0 -> 90\n0.2 cluster_end 5\n0.25..0.3 infinite 0 -> 1 2\n"
         "12 mute\n");
-    const std::vector<std::string> words{"render",  directory / "a.wav",
-                                         "-o",      directory / "out.wav",
-                                         "--scene", directory / "late.scene",
-                                         "--set",   "fl=5000",
-                                         "--set",   "fh=2000",
-                                         "--set",   "early_start=90"};
-    const RunResult run = RunProgram(Joined(words, {"--tail", "0.3"}));
-    EXPECT_EQ(run.status, 0);
-    EXPECT_NE(run.err.find("warning: fl 5000 lies above fh 2000 Hz\n"), std::string::npos) << run.err;
-    EXPECT_NE(run.err.find("warning: early_start 90 lies above early_end 39.71 ms\n"), std::string::npos) << run.err;
+    const std::vector<std::string> words =
+        Joined({"render", directory / "a.wav", "-o", directory / "out.wav", "--scene", directory / "late.scene"},
+               program::SplitWords("--set fl=5000 --set fh=2000 --set early_start=90"));
+    const RunResult run = RunWell(Joined(words, {"--tail", "0.3"}));
+    ExpectContains(run.err, "warning: fl 5000 lies above fh 2000 Hz\n");
+    ExpectContains(run.err, "warning: early_start 90 lies above early_end 39.71 ms\n");
     const std::size_t later = run.err.find("at 0.20 s: warning: cluster_start 42.47 lies above cluster_end 5 ms\n");
     EXPECT_NE(later, std::string::npos) << run.err;
     EXPECT_EQ(run.err.rfind("cluster_start"), later + std::string("at 0.20 s: warning: ").size()) << run.err;
     const std::string at = directory / "late.scene";
     for (std::string const& line :
          {at + ":1: warn: tr0: only the first value counts, not 4\n", at + ":5: warn: infinite: only the first"}) {
-        EXPECT_NE(run.err.find(line), std::string::npos) << run.err;
+        ExpectContains(run.err, line);
         EXPECT_EQ(run.err.find(line), run.err.rfind(line)) << run.err;
     }
     EXPECT_EQ(run.err.find(":2: "), std::string::npos) << run.err;
-    EXPECT_NE(run.err.find("late.scene: 2 lines are due behind the end, the last at 12.00 s"), std::string::npos)
-        << run.err;
+    ExpectContains(run.err, "late.scene: 2 lines are due behind the end, the last at 12.00 s");
     EXPECT_EQ(RunProgram(Joined(words, {"--tail", "12"})).err.find("behind the end"), std::string::npos);
     ExpectComplaint(RunProgram({"ir", "-o", directory / "ir.wav", "--set", "reverb_strat=50"}), 2,
                     "'reverb_strat' is no control (did you mean reverb_start?); there are: ");
@@ -262,17 +247,14 @@ TEST_F(Scenes, ACheckTellsEverythingThatIsWrong) {
         ":11: warn: early_width: only the first value counts, not 2\n";
     EXPECT_EQ(bad.out, lines);
     WriteText(directory / "good.scene", "0..1:02.5 source 3 azim 0 -> 300\n1 tr0 2\n");
-    const RunResult good = RunProgram({"scene", "check", directory / "good.scene"});
-    EXPECT_EQ(good.status, 0) << good.err;
+    const RunResult good = RunWell({"scene", "check", directory / "good.scene"});
     EXPECT_EQ(good.out, (directory / "good.scene") + ": 2 lines with a time, until 1:02.5; 3 sources\n");
     EXPECT_EQ(RunProgram({"scene", "check", directory / "good.scene", "--sources", "2"}).status, 1);
     const RunResult json = RunProgram({"scene", "check", directory / "good.scene", "--sources", "2", "--json"});
-    EXPECT_NE(json.out.find("\"timed_lines\": 2, \"end_s\": 62.500, \"sources\": 2, \"faults\": [\"/"),
-              std::string::npos)
-        << json.out;
-    ASSERT_EQ(RunProgram({"scene", "plot", directory / "good.scene", "-o", directory / "plan.svg"}).status, 0);
+    ExpectContains(json.out, "\"timed_lines\": 2, \"end_s\": 62.500, \"sources\": 2, \"faults\": [\"/");
+    RunWell({"scene", "plot", directory / "good.scene", "-o", directory / "plan.svg"});
     const std::string plan = ReadText(directory / "plan.svg");
-    EXPECT_NE(plan.find("source 3"), std::string::npos);
+    ExpectContains(plan, "source 3");
     // The same from a pipe, which can be read once: all but the title.
     const RunResult piped = RunCommand({"sh", "-c", "cat \"$1\" | \"$0\" scene plot - -o \"$2\" --force",
                                         ORVANVERB_PROGRAM, directory / "good.scene", directory / "plan.svg"});

@@ -8,20 +8,11 @@
 #include "orvanverb/layout/speaker_layout.h"
 #include "orvanverb/room/control.h"
 #include "program/sound_files.h"
+#include "support/failure.h"
 
 namespace {
 
 using program::SpeakerLayout;
-
-template <typename Call>
-std::string Message(Call const& call) {
-    try {
-        call();
-    } catch (std::exception const& error) {
-        return error.what();
-    }
-    return "no complaint";
-}
 
 TEST(SpeakerLayout, ReadsPositionFilesAsListenersSeeThem) {
     const TemporaryDirectory directory;
@@ -41,12 +32,13 @@ TEST(SpeakerLayout, NamesTheLineThatIsWrong) {
     for (char const* line : {"left", "30 0 1 4", "30, 0, 1", "30 91", "30 0 0", "nan", "1e9"}) {
         const std::string path = directory / "speakers";
         WriteText(path, std::string("# ring\n-30\n") + line + "\n30\n");
-        EXPECT_TRUE(Message([&] { SpeakerLayout::Parse(path); }).starts_with(path + ":3: ")) << line;
+        EXPECT_TRUE(ComplaintOf([&] { SpeakerLayout::Parse(path); }).starts_with(path + ":3: ")) << line;
     }
     std::string many;
     for (int i = 0; i < 65; ++i) many += std::to_string(i) + "\n";
     WriteText(directory / "many", many);
-    EXPECT_TRUE(Message([&] { SpeakerLayout::Parse(directory / "many"); }).starts_with((directory / "many") + ":65: "));
+    EXPECT_TRUE(
+        ComplaintOf([&] { SpeakerLayout::Parse(directory / "many"); }).starts_with((directory / "many") + ":65: "));
     WriteText(directory / "one", "0\n");
     EXPECT_THROW(SpeakerLayout::Parse(directory / "one"), program::WorkError);
     for (char const* count : {"0", "1", "65", "-2", "2.5"})
@@ -64,7 +56,7 @@ TEST(Preset, IsReadAndNamesWhatIsWrongInIt) {
     for (char const* line : {"tr0 20", "tr0", "tr0 1 2", "air 0.5", "room 0 0 0", "direct 11 0 0 0 200 2000", "no 1",
                              "numsources 2", "early_width 5", "early_shape 1.1"}) {
         WriteText(directory / "wrong", std::string("tr0 1\n") + line + "\n");
-        const std::string message = Message([&] { program::LoadPreset(directory / "wrong"); });
+        const std::string message = ComplaintOf([&] { program::LoadPreset(directory / "wrong"); });
         EXPECT_TRUE(message.starts_with((directory / "wrong") + ":2: ")) << line << ": " << message;
     }
 }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <sstream>
 
 #include "orvanverb/object/shell_words.h"
@@ -82,18 +81,16 @@ TEST(Shell, OffersWhatThereIs) {
 TEST(Listing, ShowsTheAttributesToPeopleAndPrograms) {
     const std::string table = RunProgram({"attributes"}).out;
     EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 33);
-    EXPECT_NE(
-        table.find("\ntr0                float32          1.995             0.1 to 10    sec   global decay time\n"),
-        std::string::npos)
-        << table;
-    EXPECT_NE(table.find(" 10 to 180 "), std::string::npos);  // early_width, whose range no inspector shows
+    ExpectContains(table,
+                   "\ntr0                float32          1.995             0.1 to 10    sec   global decay time\n");
+    ExpectContains(table, " 10 to 180 ");  // early_width, whose range no inspector shows
     const std::string json = RunProgram({"attributes", "--json"}).out;
     for (char const* const piece : {"{\"name\": \"early_width\", \"type\": \"float32\", \"count\": 1, \"counted\": "
                                     "false, \"default\": 30, \"min\": 10, "
                                     "\"max\": 180, \"units\": \"deg\", ",
                                     "\"default\": [0, 0, 0, 0, 177, 5657], \"min\": null",
                                     "\"count\": 192, \"counted\": true, \"default\": null"})
-        EXPECT_NE(json.find(piece), std::string::npos) << piece;
+        ExpectContains(json, piece);
 }
 
 // The page through a real processor: every attribute and message is on it.
@@ -110,7 +107,7 @@ TEST(Reference, BecomesAPage) {
     for (char const* const piece :
          {"<tr id=\"tr0\">", "<td>global decay time</td>", "<td>0.10 to 10.00</td>", "<td>sec</td>",
           "<li><code>source</code></li>", "<h2>structure</h2>", "ensures zero signals"})
-        EXPECT_NE(page.find(piece), std::string::npos) << piece;
+        ExpectContains(page, piece);
     std::size_t rows = 0;
     for (std::size_t at = page.find("<tr id="); at != page.npos; at = page.find("<tr id=", at + 1)) ++rows;
     EXPECT_EQ(rows, 32u);

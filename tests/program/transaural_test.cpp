@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <complex>
 #include <numbers>
 #include <ostream>
 #include <span>
 
 #include "decoders/measured_ways.h"
+#include "orvanverb/common/text.h"
 #include "orvanverb/hrtf/sdif_set_writer.h"
 #include "orvanverb/hrtf/set_reading.h"
 #include "program/run_program.h"
@@ -113,14 +113,9 @@ TEST_P(TransauralNetwork, CancelsCrosstalkAtTheMeasuredEars) {
     const int left = symmetric ? 30 : 25;
     const std::string set = directory / "set.bin2trans";
     // Another pair must not be taken in place of the right one.
-    const std::vector<std::string> words{"--network",
-                                         network.name,
-                                         "--pair",
-                                         "-60",
-                                         "60",
-                                         "--pair",
-                                         std::to_string(-left),
-                                         std::to_string(network.right)};
+    const std::vector<std::string> words =
+        program::SplitWords(std::string("--pair -60 60 --network ") + network.name + " --pair " +
+                            std::to_string(-left) + " " + std::to_string(network.right));
     const auto make = [&](char const* head, std::vector<std::string> const& more) {
         const RunResult run = Make(Joined({head, set}, Joined(words, more)));
         EXPECT_EQ(run.status, 0) << run.err;

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <memory>
-#include <numeric>
 #include <utility>
 #include <vector>
 

@@ -59,3 +59,28 @@ struct GerzonVectors {
     Lume::CartesianVector velocity{}, energy{};
     double power = 0.0;
 };
+
+/// Real harmonics up to the third degree in ACN order with SN3D weights, of a direction with x ahead, y to the left and
+/// z up (Nachbar, Zotter, Deleflie and Sontacchi, "AmbiX - A suggested ambisonics format", 2011).
+/// @param azimuth, elevation  of the listener [degrees], positive to the right
+inline std::vector<double> AmbixHarmonics(double azimuth, double elevation) {
+    const double a = -azimuth * std::numbers::pi / 180.0, e = elevation * std::numbers::pi / 180.0;
+    const double x = std::cos(a) * std::cos(e), y = std::sin(a) * std::cos(e), z = std::sin(e);
+    const double root3 = std::sqrt(3.0), root15 = std::sqrt(15.0), root38 = std::sqrt(3.0 / 8.0);
+    return {1.0,
+            y,
+            z,
+            x,
+            root3 * x * y,
+            root3 * y * z,
+            1.5 * z * z - 0.5,
+            root3 * x * z,
+            0.5 * root3 * (x * x - y * y),
+            std::sqrt(5.0 / 8.0) * y * (3.0 * x * x - y * y),
+            root15 * x * y * z,
+            root38 * y * (5.0 * z * z - 1.0),
+            0.5 * z * (5.0 * z * z - 3.0),
+            root38 * x * (5.0 * z * z - 1.0),
+            0.5 * root15 * z * (x * x - y * y),
+            std::sqrt(5.0 / 8.0) * x * (x * x - 3.0 * y * y)};
+}
