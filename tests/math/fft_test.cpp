@@ -103,4 +103,14 @@ TEST(RealTransform, AgreesWithThePlainSumAndComesBack) {
     }
 }
 
+// 0.5 + z^-1 has the magnitude of 1 + 0.5 z^-1, which has the least phase, and comes three samples later as a whole.
+TEST(RealTransform, LeastPhaseAndDelay) {
+    const orvandsp::RealTransform transform(256);
+    std::vector<double> magnitude;
+    for (auto const& value : transform.Forward(std::vector{0.5, 1.0})) magnitude.push_back(std::abs(value));
+    const auto heard = transform.Inverse(transform.Delayed(transform.MinimumPhase(magnitude), 3.0));
+    for (std::size_t n = 0; n < 256; ++n) EXPECT_NEAR(heard[n], n == 3 ? 1.0 : n == 4 ? 0.5 : 0.0, 1e-12) << n;
+    EXPECT_EQ(transform.FrequencyOf(32, 48000.0), 6000.0);
+}
+
 }  // namespace
