@@ -86,7 +86,7 @@ TEST(EveryPanner, GrowsAsIfMadeSo) {
         Channels outs[2] = {{kind.numOutputs, length, 0.0f}, {kind.numOutputs, length, 0.0f}};
         for (std::size_t i = 0; i < length; i += block)
             for (Pan* panner : {grown.get(), made.get()}) {
-                panner->SetSourcePosition(1, Moving(i), false);
+                for (const unsigned int source : {0u, 1u}) panner->SetSourcePosition(source, Moving(i), false);
                 Play(*panner, false, outs[panner == made.get()].From(i), in.From(i), orvandsp::allActiveInputs);
             }
         EXPECT_EQ(outs[0].data, outs[1].data);
