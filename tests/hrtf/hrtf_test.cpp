@@ -9,11 +9,13 @@
 
 #include "hrtf/builtin_sets.h"
 #include "hrtf/coll_file.h"
+#include "hrtf/hrtf_filtering.h"
 #include "hrtf/max_msp_coll_file_parser.h"
 #include "hrtf/nearfield_compensation_filters.h"
 #include "hrtf/spherical_harmonic_data.h"
 #include "support/failure.h"
 #include "support/places.h"
+#include "support/signals.h"
 #include "support/temporary_file.h"
 
 namespace {
@@ -67,6 +69,12 @@ TEST(Hrtf, RowsOfOneEarBecomePointsOfTwo) {
         ASSERT_EQ(point.coefficients.size(), 50u);
         EXPECT_NEAR(point.coefficients[24], 0.1 * (expected.row + 1.0), 1e-5) << expected.row;
         EXPECT_NEAR(point.coefficients[25], 0.1 * (expected.mirrored + 1.0), 1e-5) << expected.row;
+    }
+    for (unsigned int i = 0; i < 710; ++i) {
+        Lume::HrtfPoint const& point = set.GetHrtfPoint(i);
+        const unsigned int mirrored =
+            set.GetNearestHrtfPoint({-point.position.x, point.position.y, point.position.z}).index;
+        ASSERT_NEAR(point.coefficients[25], 0.1 * (mirrored + 1.0), 1e-5) << i;
     }
     EXPECT_EQ(set.GetNearestHrtfPoint({-9.0f, 0.2f, 0.1f}).index, 278u);
 }
@@ -199,6 +207,37 @@ TEST(Hrtf, TypesAndFlagsHaveNames) {
     EXPECT_EQ(flags,
               "itd not extracted|data have not been interpolated|itd extracted|data have been interpolated|"
               "unknown itd flag|unknown data interpolated flag|");
+}
+
+// Red if a way to an ear that changes its filters keeps something of the former ones, or forgets rate or block.
+TEST(HrtfFiltering, FiltersThatAreChosenLaterAreTheSame) {
+    using Lume::HrtfFiltering;
+    const std::vector<float> noise = MakeNoise(5, 4096), first = MakeNoise(1, 9, 0.2f), second = MakeNoise(2, 9, 0.2f);
+    const auto play = [&](HrtfFiltering& way) {
+        way.SetNumCoefficients(9);
+        way.SetSamplerate(32000.0f);
+        way.SetMaxBlockSize(128);
+        way.SetCoefficients(first, false);
+        way.SetDelay(0.4f, true);
+        std::vector<float> out(noise.size()), in = noise;
+        for (std::size_t at = 0; at < in.size(); at += 128) {
+            if (at == 1024) way.SetCoefficients(second, true);
+            if (at == 2048) way.SetDelay(0.9f, false);
+            if (at == 3072) way.Clear();
+            way.Process(&out[at], &in[at], 128);
+        }
+        return out;
+    };
+    for (auto const& [type, other] : {std::pair{Lume::biquadFilters, Lume::firFilter},
+                                      {Lume::firFilter, Lume::biquadFilters},
+                                      {Lume::firFilter, Lume::noFilter},
+                                      {Lume::noFilter, Lume::firFilter}}) {
+        HrtfFiltering made(type, true), changed(other, true);
+        changed.SetFilterType(type);
+        const std::vector<float> heard = play(made);
+        EXPECT_TRUE(heard == play(changed)) << type;
+        EXPECT_EQ(heard == noise, type == Lume::noFilter);
+    }
 }
 
 /// Harmonics up to the first order in two bins, each value telling its ear, row and bin.
