@@ -70,6 +70,13 @@ TEST(Hrtf, RowsOfOneEarBecomePointsOfTwo) {
         EXPECT_NEAR(point.coefficients[24], 0.1 * (expected.row + 1.0), 1e-5) << expected.row;
         EXPECT_NEAR(point.coefficients[25], 0.1 * (expected.mirrored + 1.0), 1e-5) << expected.row;
     }
+    unsigned int row = 0;
+    int elevation = -40;
+    for (const unsigned int size : {56u, 60u, 72u, 72u, 72u, 72u, 72u, 60u, 56u, 45u, 36u, 24u, 12u}) {
+        ExpectPosition(set.GetHrtfPoint(row).position, 0.0, elevation);
+        ExpectPosition(set.GetHrtfPoint(row + 1).position, 360.0 / size, elevation);
+        row += size, elevation += 10;
+    }
     for (unsigned int i = 0; i < 710; ++i) {
         Lume::HrtfPoint const& point = set.GetHrtfPoint(i);
         const unsigned int mirrored =
@@ -216,15 +223,16 @@ TEST(HrtfFiltering, FiltersThatAreChosenLaterAreTheSame) {
     const auto play = [&](HrtfFiltering& way) {
         way.SetNumCoefficients(9);
         way.SetSamplerate(32000.0f);
-        way.SetMaxBlockSize(128);
+        way.SetFIRFiltersImplementationMethod(orvandsp::Filter::fftconvolution);
+        way.SetMaxBlockSize(1024);
         way.SetCoefficients(first, false);
         way.SetDelay(0.4f, true);
         std::vector<float> out(noise.size()), in = noise;
-        for (std::size_t at = 0; at < in.size(); at += 128) {
+        for (std::size_t at = 0; at < in.size(); at += 1024) {
             if (at == 1024) way.SetCoefficients(second, true);
             if (at == 2048) way.SetDelay(0.9f, false);
             if (at == 3072) way.Clear();
-            way.Process(&out[at], &in[at], 128);
+            way.Process(&out[at], &in[at], 1024);
         }
         return out;
     };
