@@ -81,6 +81,8 @@ TEST(Hrtf, RowsOfOneEarBecomePointsOfTwo) {
         Lume::HrtfPoint const& point = set.GetHrtfPoint(i);
         const unsigned int mirrored =
             set.GetNearestHrtfPoint({-point.position.x, point.position.y, point.position.z}).index;
+        ASSERT_EQ(point.index, i);
+        ASSERT_NEAR(point.coefficients[24], 0.1 * (i + 1.0), 1e-5) << i;
         ASSERT_NEAR(point.coefficients[25], 0.1 * (mirrored + 1.0), 1e-5) << i;
     }
     EXPECT_EQ(set.GetNearestHrtfPoint({-9.0f, 0.2f, 0.1f}).index, 278u);
@@ -220,19 +222,19 @@ TEST(Hrtf, TypesAndFlagsHaveNames) {
 TEST(HrtfFiltering, FiltersThatAreChosenLaterAreTheSame) {
     using Lume::HrtfFiltering;
     const std::vector<float> noise = MakeNoise(5, 4096), first = MakeNoise(1, 9, 0.2f), second = MakeNoise(2, 9, 0.2f);
-    const auto play = [&](HrtfFiltering& way) {
+    const auto play = [&](HrtfFiltering& way, std::size_t block) {
         way.SetNumCoefficients(9);
         way.SetSamplerate(32000.0f);
         way.SetFIRFiltersImplementationMethod(orvandsp::Filter::fftconvolution);
-        way.SetMaxBlockSize(1024);
+        way.SetMaxBlockSize(static_cast<unsigned int>(block));
         way.SetCoefficients(first, false);
-        way.SetDelay(0.4f, true);
+        way.SetDelay(25.0f, true);
         std::vector<float> out(noise.size()), in = noise;
-        for (std::size_t at = 0; at < in.size(); at += 1024) {
-            if (at == 1024) way.SetCoefficients(second, true);
+        for (std::size_t at = 0; at < in.size(); at += block) {
+            if (at == 1024) way.SetCoefficients(second, false);
             if (at == 2048) way.SetDelay(0.9f, false);
             if (at == 3072) way.Clear();
-            way.Process(&out[at], &in[at], 1024);
+            way.Process(&out[at], &in[at], block);
         }
         return out;
     };
@@ -240,11 +242,12 @@ TEST(HrtfFiltering, FiltersThatAreChosenLaterAreTheSame) {
                                       {Lume::firFilter, Lume::biquadFilters},
                                       {Lume::firFilter, Lume::noFilter},
                                       {Lume::noFilter, Lume::firFilter}}) {
-        HrtfFiltering made(type, true), changed(other, true);
+        HrtfFiltering made(type, true), changed(other, true), inParts(type, true);
         changed.SetFilterType(type);
-        const std::vector<float> heard = play(made);
-        EXPECT_TRUE(heard == play(changed)) << type;
+        const std::vector<float> heard = play(made, 1024), parts = play(inParts, 64);
+        EXPECT_TRUE(heard == play(changed, 1024)) << type;
         EXPECT_EQ(heard == noise, type == Lume::noFilter);
+        for (std::size_t i = 0; i < heard.size(); ++i) ASSERT_NEAR(heard[i], parts[i], 1e-3f) << type << " " << i;
     }
 }
 
