@@ -91,36 +91,6 @@ TEST_F(Coordinates, FormatsMoveTheSource) {
     }
 }
 
-TEST_F(Coordinates, SourcesRefuseInTheirWords) {
-    box.Send("source 1 xyz 1 2 3");
-    const struct {
-        char const* message;
-        char const* lines;
-    } cases[] = {
-        {"source", "error: invalid source index 0|"},
-        {"source 7 xyz 0 0 0", "error: invalid source index 7|"},
-        {"source one", "error: invalid source index 0|"},
-        {"source 1", "error: not enough source coordinates. expected 3 coordinates|"},
-        {"source 1 ad 1", "error: not enough source coordinates. expected 2 coordinates|"},
-        {"source 1 polar 1 2", "error: unknown coordinate type|"},
-        {"source 1 xyz 1 two 3", "error: error reading source coordinates|"},
-        {"source 1 lume3", "error: error reading source coordinates|"},
-        {"source 1 az 1e30", "error: error reading source coordinates|"},
-        {"source 1 x 1e39", "error: error reading source coordinates|"},
-        {"source 1 elev++ -1000001", "error: error reading source coordinates|"},
-    };
-    for (auto const& [message, lines] : cases) EXPECT_EQ(box.Send(message), lines) << message;
-    ExpectSource({1, 2, 3});
-    EXPECT_EQ(box.Send("source 1 1 2 3"), "warn: using default coordinate type (ade)|");
-    ExpectSource(At(1, 3, 2));
-    EXPECT_EQ(box.Send("source 1 xy 4 5 6"), "warn: too many source coordinates. only 2 coordinates will be read|");
-    ExpectSource({4, 5, 0});
-    box.Send("source 2.0 90 1");  // source 2 moves, and the float is its azimuth as well
-    ExpectSource({4, 5, 0});
-    const CartesianVector second = At(2, 1, 90);
-    EXPECT_NEAR(atom_getfloat(&(*box.box.GetAttribute("sourcespositions"))[3]), second.x, 1e-4f);
-}
-
 // Red if steps lead where no step leads back from: an infinity, or what isn't a number.
 TEST_F(Coordinates, SourcesStayInReach) {
     box.Send("source 1 xyz 3e38 0 0");
@@ -131,38 +101,6 @@ TEST_F(Coordinates, SourcesStayInReach) {
     EXPECT_EQ(box.Get("sourcespositions"), before);
     EXPECT_EQ(box.Send("source 1 dist 2"), "");
     ExpectSource({2, 0, 0});
-}
-
-TEST_F(Coordinates, LoudspeakersMoveAloneOrAllTogether) {
-    EXPECT_EQ(box.Send("speakers az -45 45 135 -135"), "");
-    EXPECT_EQ(box.Send("loudspeakers dist++ 1 1 1 0"), "");
-    std::vector<t_atom> value = *box.box.GetAttribute("speakerspositions");
-    EXPECT_NEAR(atom_getfloat(&value[0]), -std::sqrt(2.0f), 1e-6f);
-    EXPECT_NEAR(atom_getfloat(&value[9]), -std::sqrt(0.5f), 1e-6f);
-    box.Send("speaker 1 x++ 1");
-    EXPECT_EQ(box.Get("speakerspositions").substr(0, 27), "1.000000 0.000000 0.000000 ");
-
-    const std::string before = box.Get("speakerspositions");
-    const struct {
-        char const* message;
-        char const* lines;
-    } cases[] = {
-        {"speaker", "error: invalid speaker message|"},
-        {"speaker az 10", "error: invalid speaker message|"},
-        {"speaker 5 az 10", "error: invalid speaker index 5|"},
-        {"loudspeaker 2 az", "error: invalid speaker message|"},
-        {"loudspeaker 2 az left", "error: error reading speaker position|"},
-        {"loudspeaker 2 somewhere 1", "error: unknown coordinate type|"},
-        {"speakers", "error: not enough loudspeakers positions. expected 4 loudspeakers positions|"},
-        {"speakers xyz 1 2 3 4 5 6 7 8 9 10 11",
-         "error: not enough loudspeakers positions. expected 4 loudspeakers positions|"},
-        {"speakers az 1 2 three 4", "error: error reading 2 th speaker position|"},
-    };
-    for (auto const& [message, lines] : cases) EXPECT_EQ(box.Send(message), lines) << message;
-    EXPECT_EQ(box.Get("speakerspositions"), before);
-    EXPECT_EQ(box.Send("speaker 1 az 10 20"), "warn: too many loudspeakers positions. only 1 position will be read|");
-    EXPECT_EQ(box.Send("speakers az 1 2 3 4 5"),
-              "warn: too many loudspeakers positions. only 4 positions will be read|");
 }
 
 // What other objects of the family read with: a listener, and points as many as there are.
@@ -189,24 +127,6 @@ TEST_F(Coordinates, ListenersAndPointsAreReadFromLists) {
     EXPECT_EQ(read("x 1 2 3", 2), "1 1,9,9 2,9,9 warn: too many point positions. only 2 positions will be read|");
     EXPECT_EQ(read("xy 1 2 3", 3), "0 1,2,0 error: error reading 1 th point position|");
     EXPECT_EQ(read("there 1", 3), "0 error: unknown coordinate type|");
-}
-
-TEST_F(Coordinates, ReverbReachesTheLateFieldByWords) {
-    const std::tuple<char const*, char const*, char const*> cases[] = {
-        {"tr0 100", "tr0", "10.000000 "},          {"start 900", "reverb_start", "500.000000 "},
-        {"infinite 1.9", "infinite", "1 "},        {"air 1", "air", "1 "},
-        {"airfreq 321", "airfreq", "321.000000 "}, {"fl 321", "fl", "321.000000 "},
-        {"fh 321", "fh", "321.000000 "},           {"trl 0.625", "trl", "0.625000 "},
-        {"trm 0.625", "trm", "0.625000 "},         {"trh 0.625", "trh", "0.625000 "},
-        {"gain 0.625", "gain", "0.625000 "},       {"modaldensity 0.625", "modaldensity", "0.625000 "},
-    };
-    for (auto const& [words, attribute, value] : cases) {
-        EXPECT_EQ(box.Send(std::string("reverb ") + words), "");
-        EXPECT_EQ(box.Get(attribute), value) << words;
-    }
-    for (char const* const words : {"foo 1 ", "tr0 ", "", "tr0 long "})
-        EXPECT_EQ(box.Send(std::string("reverb ") + words),
-                  std::string("error: unknwon reverb parameters : ").append(words).append("|"));
 }
 
 // Out and in again is where it was, but for wfs, whose way out leaves out half a turn.
