@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <numbers>
 #include <random>
 #include <utility>
 
+#include "measure/correlation.h"
 #include "measure/reflections.h"
 #include "room/room.h"
 #include "support/signals.h"
@@ -295,6 +297,8 @@ TEST(Measure, TellsHowAlikeTheEarsAre) {
     EXPECT_LT(result.whole.iaccLate.value, 0.05);
     EXPECT_GT(result.whole.iaccAll.value, 0.6);
     EXPECT_TRUE(result.neighbours.empty());
+    const std::vector<double> brief(20, 0.5);  // shorter than the shifts that are looked at
+    EXPECT_NEAR(InterauralCorrelation(brief, brief, sampleRate).value, 1.0, 1e-12);
 }
 
 // Red if the window's weights or the share of Gaussian noise are wrong, or if the time isn't that of the direct sound.
@@ -302,9 +306,11 @@ TEST(EchoDensity, RisesToOneWhereEchoesTurnIntoNoise) {
     std::vector<float> response(48000, 0.0f);
     AddNoise(response, 0.1, 1);
     for (std::size_t n = 0; n < 9600; ++n) response[n] = n >= 4800 && n % 480 == 0 ? 0.1f : 0.0f;  // 100 ms of echoes
+    std::fill(response.begin() + 45000, response.end(), 0.0f);
     const std::vector<std::span<float const>> channels{response};
     const EchoDensity density = MeasureEchoDensity(channels, sampleRate, 4800, 48000);
     EXPECT_LT(density.values[50], 0.1f);
+    EXPECT_EQ(density.values[870], 0.0f);  // of silence
     double mean = 0.0;
     for (std::size_t i = 200; i < 800; ++i) mean += static_cast<double>(density.values[i]) / 600.0;
     EXPECT_NEAR(mean, 1.0, 0.02);
