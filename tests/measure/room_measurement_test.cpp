@@ -328,19 +328,23 @@ TEST(Measure, FollowsTheCentreOfTheSpectrum) {
     EXPECT_NEAR(centroids(8000.0)[10], 8000.0f, 5.0f);
 }
 
-// Red if a reflection's time counts from elsewhere, or if the crowd counts as reflections.
+// Red if a reflection's time counts from elsewhere, or if one counts that isn't 6 dB above what is around it.
 TEST(Echogram, MarksWhatStandsOut) {
-    std::vector<float> response(9600, 0.0f);
-    AddNoise(response, 0.001, 1);
+    std::vector<float> response(9600, 0.01f);
     response[1000] = 1.0f;
-    response[1000 + 1440] = -0.5f;  // 30 ms, -6 dB
+    response[1000 + 1440] = -0.5f;          // 30 ms, -6 dB
+    for (std::size_t n = 0; n < 12; ++n) {  // a step
+        response[1000 + 2880 + n] *= std::pow(10.0f, 6.2f / 20.0f);
+        response[1000 + 4320 + n] *= std::pow(10.0f, 5.8f / 20.0f);
+    }
     const std::vector<float> other(9600, 0.0f);
     const std::vector<std::span<float const>> channels{other, response};
     const Echogram echogram = MakeEchogram(channels, sampleRate, 1000, 0.1);
-    ASSERT_EQ(echogram.reflections.size(), 1u);
+    ASSERT_EQ(echogram.reflections.size(), 2u);
     EXPECT_NEAR(echogram.reflections[0].seconds, 0.03, 0.0003);
     EXPECT_NEAR(echogram.reflections[0].levelDb, -6.02, 0.1);
     EXPECT_EQ(echogram.reflections[0].channel, 1u);
+    EXPECT_NEAR(echogram.reflections[1].seconds, 0.06, 0.0003);
 }
 
 }  // namespace
