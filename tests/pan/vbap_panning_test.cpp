@@ -122,6 +122,9 @@ TEST(VbapPanning, ASourceOnALoudspeakerIsItsAlone) {
             EXPECT_TRUE(std::find(active, active + 3, i) != active + 3) << name;
         }
     }
+    VbapPanning untold(1, 6);  // in a zigzag around the listener
+    for (unsigned int i = 0; i < 6; ++i)
+        EXPECT_NEAR(GainsAt(untold, At(60.0 * i, i % 2 == 0 ? 45.0 : -45.0))[i], 1.0f, 2e-3f) << i;
 }
 
 // Red if the tolerance is scaled with the distance or applied on the wrong side: just below a dome the top keeps its
