@@ -106,6 +106,32 @@ TEST(HostedRoom, LoadsEarsBesideTheAudio) {
     EXPECT_EQ(room.NamedState().Text(), state.Text());
 }
 
+// Red if a room of many channels differs from those of other fronts, or if a state whose ears have gone is lost whole.
+TEST(HostedRoom, PlaysAsEveryFrontAndRestoresWhatItCan) {
+    std::string said;
+    plugin::HostedRoom room(max::ParseAtoms("@numsources 1 @numspeakers 4 @numinternals 16"),
+                            {[&](max::ConsoleLevel, std::string const& text) { said += text; }, {}, {}});
+    Lume::Room plain(1, 4, 16);
+    room.Start(48000.0f, 64);
+    plain.Configure(48000.0f, 64);
+    std::vector<std::vector<float>> out(8, std::vector<float>(64));
+    std::vector<float*> outputs;
+    for (auto& channel : out) outputs.push_back(channel.data());
+    for (int i = 0; i < 300; ++i) {
+        const std::vector<float> in(64, i == 200 ? 0.5f : 0.0f);
+        float const* const inputs[] = {in.data()};
+        room.Process(inputs, outputs.data());
+        plain.Process(outputs.data() + 4, inputs, 64);
+        for (std::size_t c = 0; c < 4; ++c) ASSERT_EQ(out[c], out[c + 4]) << i;
+    }
+    Lume::RoomState state = room.NamedState();
+    state.ears = {"/nowhere.hrtf", 1};
+    state.controls[Lume::ControlIndex("tr0")] = 3.5f;
+    room.Restore(state);
+    EXPECT_NE(said.find("nowhere.hrtf"), said.npos) << said;
+    EXPECT_EQ(Text(*room.Value("tr0")), "3.500000 ");
+}
+
 /// Measurements that everybody has, and a user's cache with a set that stands for what was fitted for 48 kHz.
 struct FittedOnce {
     FittedOnce() {

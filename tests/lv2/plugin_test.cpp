@@ -539,6 +539,7 @@ TEST(Lv2, StateComesBackByteForByte) {
     first.RestorePreset("cathedral");
     first.Value("tr0") = 3.25f;
     first.Value("source_2_azimuth") = -77.5f;
+    first.Value("source_2_elevation") = 10.0f * (first.Value("source_2_distance") = 2.5f);
     lilv_instance_activate(first.instance);
     first.Play(sound, [] { return 64u; });
     const std::string saved = first.SavedState();

@@ -26,6 +26,7 @@ TEST(Proposal, DecaysAsAsked) {
         const TemporaryDirectory directory;
         const RunResult room = RunWell({"room", "--volume", wanted.volume, "--rt60", wanted.decay, "--rt60-low",
                                         wanted.low, "--rt60-high", wanted.high});
+        ExpectContains(room.out, *wanted.decay == '0' ? "numinternals 16\n" : "numinternals 8\n");
         WriteText(directory / "a.room", room.out);
         RunWell({"ir", "-o", directory / "a.wav", "--speakers", "8", "--source", "1", "0", "0", "3", "--preset",
                  directory / "a.room", "--tail", "2.6"});

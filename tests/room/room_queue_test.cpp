@@ -33,7 +33,7 @@ TEST(RoomQueue, TheLastMessageForAControlCounts) {
     queue.Set(tr0, 3.0f);
     queue.PlaceSource(0, {0.0f, -2.0f, 0.0f});
     queue.SetSourceGain(1, -3.0f);
-    queue.SetSourceMuted(0, true);
+    queue.SetSourceMuted(1, true);
     queue.PlaceSpeaker(3, {0.5f, 1.5f, 0.0f});
     queue.SetOrientation({10.0f, 20.0f, -30.0f});
     for (const unsigned int source : {64u, 1000u})
@@ -51,8 +51,8 @@ TEST(RoomQueue, TheLastMessageForAControlCounts) {
     EXPECT_EQ(room.SourcePosition(1).x, 1.0f);
     EXPECT_EQ(room.SpeakerPositions()[3].y, 1.5f);
     EXPECT_EQ(room.GetOrientation(), (Lume::Orientation{10.0f, 20.0f, -30.0f}));
-    EXPECT_EQ(room.SourceStrips()[1], (Lume::SourceStrip{-3.0f, false, ""}));
-    EXPECT_EQ(room.SourceStrips()[0], (Lume::SourceStrip{0.0f, true, ""}));
+    EXPECT_EQ(room.SourceStrips()[1], (Lume::SourceStrip{-3.0f, true, ""}));
+    EXPECT_EQ(room.SourceStrips()[0], (Lume::SourceStrip{0.0f, false, ""}));
     room.Set(tr0, 2.0f);
     queue.Deliver(room);
     EXPECT_EQ(room.Get(tr0), 2.0f) << "delivered twice";

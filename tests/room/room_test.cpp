@@ -347,7 +347,7 @@ TEST(Room, TakesEarsWhileItRuns) {
               other.name + ": a name that ends in .hrtf or .coll is expected");
     EXPECT_EQ(ComplaintOf([&] { room.LoadEars("/nowhere/x.hrtf"); }), "/nowhere/x.hrtf: No such file or directory");
     EXPECT_NE(ComplaintOf([&] { room.LoadEars(noise.name); }).find(noise.name + ": "), std::string::npos);
-    EXPECT_EQ(ComplaintOf([&] { Room(1, 4).LoadEars(loud.name); }),
+    EXPECT_EQ(ComplaintOf([&] { Room(1, 4).PrepareEars(loud.name); }),
               loud.name + ": ears are for headphones, and this room plays 4 loudspeakers");
     EXPECT_EQ(room.CurrentEars().path, quiet.name);
 }

@@ -114,8 +114,8 @@ TEST(LayoutCheck, TellsWhatAMethodCannotPlay) {
                       gap = ": sources in a gap of 180 degrees or more can be silent|",
                       high = " stands above or below the listener; this method only looks at its azimuth|";
     EXPECT_EQ(check("vbap2d", {{-60, 0, 1}, {60, 0, 1}, {179, 0, 1}}), "");
-    EXPECT_EQ(check("vbap2d", {{-60, 0, 1}, {60, 0, 1}, {119, 0, 1}}),
-              "no loudspeaker stands between the azimuths 119 and -60" + gap);
+    EXPECT_EQ(check("vbap2d", {{-121, 0, 1}, {60, 0, 1}, {120, 0, 1}}),
+              "no loudspeaker stands between the azimuths -121 and 60" + gap);
     EXPECT_EQ(check("vbap2d", {{-60, 0, 1}, {60, 0, 1}, {180, 0, 1}, {-179.7f, 0, 2}}),
               "loudspeakers 3 and 4" + azimuth);
     EXPECT_EQ(check("vbap2d", {{-60, 0, 1}, {60, 0, 1}, {180, 0, 1}, {-179.3f, 0, 2}}), "");
