@@ -547,7 +547,9 @@ TEST(Lv2, StateComesBackByteForByte) {
     second.Restore(saved);
     for (char const* const digit : {"source_1_azimuth", "source_2_azimuth"}) second.Value(digit) *= 1.000004f;
     lilv_instance_activate(second.instance);
-    second.Play(sound, [] { return 64u; });
+    const auto played = second.Play(sound, [] { return 64u; }).samples;
+    second.Restore(saved);  // while it runs
+    EXPECT_TRUE(second.Play(sound, [] { return 64u; }).samples == played);
     for (char const* const azimuth : {"source_1_azimuth", "source_2_azimuth"})
         second.Value(azimuth) = first.Value(azimuth);  // what hosts write down and read again moves nothing
     EXPECT_EQ(second.SavedState(), saved);
