@@ -100,27 +100,8 @@ TEST_F(DecodeCommand, FormatsKeepTheirChannelOrder) {
     EXPECT_GT(LevelDb(pair.samples[0]), LevelDb(pair.samples[1]));
 }
 
-TEST_F(DecodeCommand, WrongWordsAreNamed) {
+TEST_F(DecodeCommand, NetworksWithoutFiltersSayWhatTheyNeed) {
     Write("two.wav", {1.0f, 1.0f});
-    Write("four.wav", {1.0f, 1.0f, 1.0f, 1.0f});
-    WriteText(Path("text.bin2trans"), "no set\n");
-    const std::tuple<char const*, std::vector<std::string>, int, std::string> cases[] = {
-        {"two.wav", {}, 2, "--type"},
-        {"two.wav", {"--type", "hoa3d"}, 2, "4, 9, 16"},
-        {"four.wav", {"--type", "hoa2d"}, 2, "3, 5, 7"},
-        {"two.wav", {"--type", "surround", "--outputs", "2"}, 2, "2 to 3 or 4"},
-        {"four.wav", {"--type", "uhj2bformat", "--outputs", "2"}, 2, "uhj2bformat"},
-        {"four.wav", {"--type", "hoa3d", "--convention", "SN2D"}, 2, "--convention"},
-        {"four.wav", {"--type", "hoa3d", "--weights", "heavy"}, 2, "--weights"},
-        {"four.wav", {"--type", "bformat", "--weights", "maxre"}, 2, "--weights"},
-        {"four.wav", {"--type", "hoa3d", "--outputs", "4"}, 2, "--outputs"},
-        {"two.wav", {"--type", "transaural", "--sub-type", "magic"}, 2, "--sub-type"},
-        {"two.wav", {"--type", "transaural", "--filters", Path("text.bin2trans")}, 1, Path("text.bin2trans")},
-        {"none.wav", {"--type", "surround"}, 1, Path("none.wav")},
-    };
-    for (const auto& [input, words, status, culprit] : cases)
-        ExpectComplaint(RunProgram(Joined({"decode", Path(input), "-o", Path("out.wav")}, words)), status, culprit);
-    // Networks without built-in filters say what they need.
     const RunResult silent = RunWell(
         {"decode", Path("two.wav"), "-o", Path("out.wav"), "--type", "transaural", "--sub-type", "leastsquares"});
     ExpectContains(silent.err, "--network leastsquares makes");

@@ -86,15 +86,4 @@ TEST(MeasureCommand, DrawsAPictureOrSaysWhatIsMissing) {
     }
 }
 
-TEST(MeasureCommand, RefusesWrongWords) {
-    const TemporaryDirectory directory;
-    WriteSound(directory / "room.wav", MakeDecay(0.5, 1));
-    const std::string room = directory / "room.wav";
-    ExpectComplaint(RunProgram({"measure", room, "--bands", "half"}), 2, "'half' is neither octave nor third");
-    ExpectComplaint(RunProgram({"measure", room, "--plot", "a.pdf"}), 2, "a.pdf");
-    ExpectComplaint(RunProgram({"measure", room, "--channel", "2"}), 1, "has no channel 2");
-    ExpectComplaint(RunProgram({"measure", room, "--channel", "0"}), 2, "--channel");
-    ExpectComplaint(RunProgram({"measure", directory / "none.wav"}), 1, "none.wav");
-}
-
 }  // namespace

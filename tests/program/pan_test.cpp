@@ -163,32 +163,4 @@ TEST_F(PanCommand, BadLayoutsAreExplained) {
         EXPECT_EQ(Pan("ones.wav", {"--method", method}).err.find("warning"), std::string::npos) << method;
 }
 
-TEST_F(PanCommand, WrongWordsAreNamed) {
-    WriteText(directory / "text.hrtf", "no set\n");
-    WriteText(directory / "three", "0\n120\n-120\n");
-    const std::pair<std::vector<std::string>, std::string> cases[] = {
-        {{}, "--method"},
-        {{"--method", "null"}, "--method"},
-        {{"--method", "vbap", "--speakers", "2"}, "3 to 64"},
-        {{"--method", "panr", "--speakers", directory / "three"}, "4 to 8, 12"},
-        {{"--method", "hoa3d", "--outputs", "5"}, "4, 9, 16 ... 64"},
-        {{"--method", "hoa3d", "--convention", "SN2D"}, "--convention"},
-        {{"--method", "hoa2d", "--ambix"}, "--ambix"},
-        {{"--method", "hoa3d", "--ambix", "--convention", "N3D"}, "--ambix"},
-        {{"--method", "vbap2d", "--outputs", "5"}, "--outputs"},
-        {{"--method", "xy", "--speakers", "2"}, "--speakers"},
-        {{"--method", "binaural", "--model", "robot"}, "--model"},
-        {{"--method", "vbap2d", "--model", "snowman"}, "--model"},
-        {{"--method", "binaural", "--model", "diffuse"}, "--model"},
-        {{"--method", "vbap2d", "--hrtf", directory / "text.hrtf"}, "--hrtf"},
-        {{"--method", "vbap2d", "--source", "2", "0", "0", "1"}, "--source"},
-    };
-    for (const auto& [words, culprit] : cases) ExpectComplaint(Pan("ones.wav", words), 2, culprit);
-    for (char const* name : {"text.hrtf", "none.hrtf", "ones.wav"})
-        ExpectComplaint(Pan("ones.wav", {"--method", "binaural", "--hrtf", directory / name}), 1, directory / name);
-    ExpectComplaint(
-        Pan("ones.wav", {"--method", "binaural", "--model", "nearfield", "--near", directory / "none.near"}), 1,
-        directory / "none.near");
-}
-
 }  // namespace

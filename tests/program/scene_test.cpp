@@ -165,11 +165,6 @@ TEST_F(Scenes, WhatCanNotBeMeantIsSaidOnce) {
     EXPECT_EQ(run.err.find(":2: "), std::string::npos) << run.err;
     ExpectContains(run.err, "late.scene: 2 lines are due behind the end, the last at 12.00 s");
     EXPECT_EQ(RunProgram(Joined(words, {"--tail", "12"})).err.find("behind the end"), std::string::npos);
-    ExpectComplaint(RunProgram({"ir", "-o", directory / "ir.wav", "--set", "reverb_strat=50"}), 2,
-                    "'reverb_strat' is no control (did you mean reverb_start?); there are: ");
-    ExpectComplaint(RunProgram({"rendr", "x"}), 2, "'rendr' is no command (did you mean render?); there are ");
-    ExpectComplaint(RunProgram({"ir", "-o", directory / "ir.wav", "--preset", "cathedrla"}), 1,
-                    "(did you mean cathedral?)");
 }
 
 // A message acts from the first sample of the vector in which it falls due, and not one vector earlier or later.
