@@ -290,7 +290,8 @@ void OrvanVerb::MixLateLayer(unsigned long numSamples, float clusterScale, float
 bool OrvanVerb::MixLateLayerAtOnce(unsigned long numSamples, float clusterScale, float reverbScale) {
     orvandsp::kernels::AllpassHead heads[orvandsp::MaxNumChannels];
     orvandsp::kernels::Shelf shelves[orvandsp::MaxNumChannels];
-    if (!reverb->StandsStill() || !cluster->FindHeads(heads) || !clusterLayer.shelf.FindFilters(shelves)) return false;
+    if (!reverb->StandsStill() || !cluster->FindHeads(heads, numSamples) || !clusterLayer.shelf.FindFilters(shelves))
+        return false;
     cluster->WriteBlock(earlyBus->GetChannels(), numSamples);
     reverb->ProcessMixed(lateMixBus->GetChannels(), {heads, shelves, clusterScale, reverbScale}, numSamples);
     cluster->FinishBlock(numSamples);

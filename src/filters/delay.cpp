@@ -111,7 +111,8 @@ void Delay::tapIn(float* src, int count, int offset) noexcept {
         std::copy_n(src, first, Ring() + begin);
         std::copy_n(src + first, count - first, Ring());
     }
-    if (begin < numGuards || begin + count >= size) RefreshGuards();
+    if (numStale > 0) WriteOverStale(begin, count);
+    RefreshGuards(begin, count);
 }
 
 void Delay::RefreshGuards() noexcept {
@@ -121,7 +122,52 @@ void Delay::RefreshGuards() noexcept {
     ring[size + 1] = ring[1];
 }
 
+void Delay::FillWithZeros(int begin, int count) noexcept {
+    const int first = std::min(count, size - begin);
+    std::fill_n(Ring() + begin, first, 0.0f);
+    std::fill_n(Ring(), count - first, 0.0f);
+    RefreshGuards(begin, count);
+}
+
+void Delay::EmptyStale(int begin, int count) noexcept {
+    // Both are arcs of the ring: they may overlap at either end of the stale one.
+    const int ahead = (begin - firstStale) & mask;
+    if (ahead < numStale) FillWithZeros(begin, std::min(count, numStale - ahead));
+    const int over = std::min(ahead + count - size, numStale);
+    if (over > 0) FillWithZeros(firstStale, over);
+}
+
+void Delay::EmptyStaleBetween(float shortest, float longest, int count) noexcept {
+    // More than neighbours and the rounding of positions add.
+    const int margin = 8 + (size >> 20);
+    // Written so that not a number, and what wraps around, empties the whole ring.
+    if (!(shortest >= 0.0f && longest < static_cast<float>(size))) return EmptyStale(firstStale, numStale);
+    const int oldest = static_cast<int>(longest) + margin;
+    const int length = oldest + count + margin - static_cast<int>(shortest);
+    if (length >= size) return EmptyStale(firstStale, numStale);
+    EmptyStale((writePosition - oldest) & mask, length);
+}
+
+void Delay::ExpectRead(Ramp const& ramp, int count) noexcept {
+    if (numStale == 0) return;
+    const float end = ramp.current + static_cast<float>(std::min(ramp.remaining, count)) * ramp.increment;
+    EmptyStaleBetween(std::min(ramp.current, end), std::max(ramp.current, end), count);
+}
+
+void Delay::WriteOverStale(int begin, int count) noexcept {
+    // Stale cells begin where the writer stood. What it leaves out counts as zero, but for what its end has reached
+    // again.
+    const int ahead = (begin - firstStale) & mask;
+    const int reached = std::max(ahead + count - size, 0);
+    const bool leavesOut = ahead < numStale;
+    if (leavesOut) FillWithZeros((firstStale + reached) & mask, ahead - reached);
+    const int done = std::min(leavesOut ? ahead + count : reached, numStale);
+    firstStale = (firstStale + done) & mask;
+    numStale -= done;
+}
+
 void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode readMode, float& state) noexcept {
+    ExpectRead(delaySamples, delaySamples, count);
     const float position = PositionOf(delaySamples);
     const bool rounds = readMode == nearest || readMode == nearestXfade;
     const interpolation::Position split = interpolation::Split(position);
@@ -147,8 +193,9 @@ void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode 
     if (!interpolates) forEachRun([](float* to, float const* from, int length) { std::copy_n(from, length, to); });
 }
 
-std::optional<orvandsp::kernels::GlideJob> Delay::FindBuiltInGlide(float* output) noexcept {
+std::optional<orvandsp::kernels::GlideJob> Delay::FindBuiltInGlide(float* output, int count) noexcept {
     if (delayRamp.remaining <= 0 || interpolationMode != allpass) return std::nullopt;
+    ExpectRead(delayRamp, count);
     return orvandsp::kernels::GlideJob{.ring = Ring(),
                                        .mask = mask,
                                        .base = static_cast<float>(writePosition),
@@ -168,6 +215,7 @@ void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode
         CrossfadeRamp(out, count, ramp);
         return;
     }
+    ExpectRead(ramp, static_cast<int>(count));
     // Without the ring's length, unlike the fixed read: the mask alone folds a negative index. Near the end of a glide
     // the two forms therefore round the fraction differently.
     const auto base = static_cast<float>(writePosition);
@@ -188,6 +236,8 @@ void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode
 
 void Delay::CrossfadeRamp(float* out, unsigned int count, Ramp& ramp) noexcept {
     const float base = static_cast<float>(writePosition) + static_cast<float>(size);
+    ExpectRead(ramp.start, ramp.start, 1);
+    ExpectRead(ramp.target, ramp.target, 1);
     // Two samples that stand still for the whole block: the glide draws a line between them, and the delayed signal
     // doesn't play meanwhile. This is what the mode is.
     const float oldSample = Ring()[interpolation::Nearest(base - ramp.start) & mask];
@@ -205,6 +255,7 @@ void Delay::CrossfadeRamp(float* out, unsigned int count, Ramp& ramp) noexcept {
 }
 
 void Delay::tapOut(float* out, float* delaySamples, int count, InterpolationMode readMode, float& state) noexcept {
+    if (numStale > 0) EmptyStale(firstStale, numStale);
     float* const ring = Ring();
     const auto positionOf = [&](int k) {
         return interpolation::Split(static_cast<float>(writePosition + k) - delaySamples[k]);
@@ -260,10 +311,10 @@ void Delay::SetMaxDelay(float ms) {
     const int newSize = SizeFor(newMaxDelay);
     // The only step that can fail comes first: a line without memory for its new length stays what it was.
     Allocate(newSize);
-    Clear();
     maxDelay = newMaxDelay;
     size = newSize;
     mask = newSize - 1;
+    Clear();
 }
 
 void Delay::SetMaxBlockSize(unsigned int blockSize) {
@@ -281,8 +332,8 @@ void Delay::SetSamplerate(float newSamplerate) {
 }
 
 void Delay::Clear() {
-    // What lies behind the ring and its guards is zero already.
-    std::fill_n(buffer.begin(), size + 2 * numGuards, 0.0f);
+    firstStale = writePosition & mask;
+    numStale = size;
     allpassState = 0.0f;
 }
 

@@ -17,7 +17,8 @@ namespace Lume {
 /// block, sample for sample.
 ///
 /// Control operations and Process belong to one thread at a time. Those that change the maximum delay allocate and
-/// silence the line.
+/// silence the line. Silencing takes no time: what the ring held is emptied when a head comes to read it, or written
+/// over.
 class Delay : public orvandsp::SignalProcessing {
 public:
     /// How a read head reads between samples. The numbers are fixed: other blocks hold them. Any other number reads
@@ -83,15 +84,22 @@ public:
     /// @param delaySamples  [samples], `count` values
     void tapOut(float* out, float* delaySamples, int count, InterpolationMode mode, float& state) noexcept;
 
-    /// The head that tapOut along this ramp would read with, for kernels, if it stands still in the mode allpass. It
-    /// holds until the line changes or moves on. Real-time safe.
-    std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead(orvandsp::Ramp const& ramp) noexcept {
-        if (ramp.remaining > 0 || interpolationMode != allpass) return std::nullopt;
+    /// Whether tapOut along this ramp would read with a head that stands still in the mode allpass.
+    bool StandsStill(orvandsp::Ramp const& ramp) const noexcept {
+        return ramp.remaining <= 0 && interpolationMode == allpass;
+    }
+    /// That head, for kernels, if there is one: for `count` samples, until the line changes or moves on. Real-time
+    /// safe.
+    std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead(orvandsp::Ramp const& ramp, int count) noexcept {
+        if (!StandsStill(ramp)) return std::nullopt;
+        ExpectRead(ramp.current, ramp.current, count);
         return orvandsp::kernels::AllpassHead{Ring(), size, PositionOf(ramp.current), &allpassState, 0};
     }
     /// The built-in head, if it stands still in the mode allpass, or if it glides in that mode.
-    std::optional<orvandsp::kernels::AllpassHead> FindBuiltInHead() noexcept { return FindAllpassHead(delayRamp); }
-    std::optional<orvandsp::kernels::GlideJob> FindBuiltInGlide(float* output) noexcept;
+    std::optional<orvandsp::kernels::AllpassHead> FindBuiltInHead(int count) noexcept {
+        return FindAllpassHead(delayRamp, count);
+    }
+    std::optional<orvandsp::kernels::GlideJob> FindBuiltInGlide(float* output, int count) noexcept;
     /// Reads a block with the built-in head, without writing or moving on. Real-time safe.
     void ReadBuiltIn(float* out, int count) noexcept {
         tapOut(out, static_cast<unsigned int>(count), delayRamp, interpolationMode, allpassState);
@@ -152,6 +160,23 @@ private:
     float* Ring() noexcept { return buffer.data() + numGuards; }
     /// Renews the guard cells that repeat what was written at either end of the ring.
     void RefreshGuards() noexcept;
+    /// Renews them if they repeat one of these cells.
+    void RefreshGuards(int begin, int count) noexcept {
+        if (begin < numGuards || begin + count >= size) RefreshGuards();
+    }
+
+    /// Makes sure that a head whose delays lie between two [samples] doesn't read for `count` samples what Clear left.
+    void ExpectRead(float shortest, float longest, int count) noexcept {
+        if (numStale > 0) EmptyStaleBetween(shortest, longest, count);
+    }
+    void ExpectRead(orvandsp::Ramp const& ramp, int count) noexcept;
+    void EmptyStaleBetween(float shortest, float longest, int count) noexcept;
+    /// Empties those of `count` cells that are stale.
+    /// @param begin  index in the ring
+    void EmptyStale(int begin, int count) noexcept;
+    /// Takes account of cells that are written.
+    void WriteOverStale(int begin, int count) noexcept;
+    void FillWithZeros(int begin, int count) noexcept;
     /// The read head of a ramp in the mode nearestXfade.
     void CrossfadeRamp(float* out, unsigned int count, orvandsp::Ramp& ramp) noexcept;
 
@@ -159,12 +184,15 @@ private:
     float interpolationTime = DefaultInterpolationTime;  // [ms]
     float allpassState = 0.0f;
     orvandsp::Ramp delayRamp;   // [samples]
-    std::vector<float> buffer;  // guards, ring, guards, then zeros; never shrinks
+    std::vector<float> buffer;  // guards, ring, guards; never shrinks
     int size = 0;
     int mask = 0;
     int allocatedSize = 0;
     float maxDelay = 0.0f;  // [ms], margin included
     int writePosition = 0;
+    // Cells that count as zero, although they still hold what was there when the line was cleared.
+    int firstStale = 0;
+    int numStale = 0;
 };
 
 }  // namespace Lume

@@ -13,9 +13,9 @@ void ProcessDelays(std::span<DelayJob const> jobs, int count) noexcept {
     kernels::GlideJob glides[kernels::maxLanes];
     std::size_t numHeads = 0, numGlides = 0;
     for (DelayJob const& job : jobs) {
-        if (const auto head = job.delay->FindBuiltInHead())
+        if (const auto head = job.delay->FindBuiltInHead(count))
             heads[numHeads++] = {*head, job.output};
-        else if (const auto glide = job.delay->FindBuiltInGlide(job.output))
+        else if (const auto glide = job.delay->FindBuiltInGlide(job.output, count))
             glides[numGlides++] = *glide;
         else
             job.delay->ReadBuiltIn(job.output, count);

@@ -20,9 +20,9 @@ void MultiDelay::Process(float** outputs, float** inputs, unsigned long numSampl
     jobs.Finish();
 }
 
-bool MultiDelay::FindHeads(orvandsp::kernels::AllpassHead* heads) noexcept {
-    return std::ranges::all_of(filters, [&heads](auto const& delay) {
-        const auto head = delay->FindBuiltInHead();
+bool MultiDelay::FindHeads(orvandsp::kernels::AllpassHead* heads, unsigned long numSamples) noexcept {
+    return std::ranges::all_of(filters, [&heads, numSamples](auto const& delay) {
+        const auto head = delay->FindBuiltInHead(static_cast<int>(numSamples));
         if (head) *heads++ = *head;
         return head.has_value();
     });

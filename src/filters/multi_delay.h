@@ -21,7 +21,7 @@ public:
     /// the heads to read with, if all stand still in the mode allpass; what writes the lines; what moves on.
     /// @param heads  one for each channel
     /// @return false if some head doesn't stand still: then Process is the way
-    bool FindHeads(orvandsp::kernels::AllpassHead* heads) noexcept;
+    bool FindHeads(orvandsp::kernels::AllpassHead* heads, unsigned long numSamples) noexcept;
     void WriteBlock(float** inputs, unsigned long numSamples);
     void FinishBlock(unsigned long numSamples) noexcept;
 

@@ -22,9 +22,10 @@ public:
         line->tapOut(out, count, delayRamp, interpolationMode, state);
     }
 
-    /// The head that Process would read with, if it stands still in the mode allpass.
-    std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead() noexcept {
-        return line->FindAllpassHead(delayRamp);
+    /// Whether Process would read with a head that stands still in the mode allpass, and for a block that head.
+    bool StandsStill() const noexcept { return line->StandsStill(delayRamp); }
+    std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead(unsigned int count) noexcept {
+        return line->FindAllpassHead(delayRamp, static_cast<int>(count));
     }
 
     /// Sets the delay [ms]. One above the line's maximum grows the line, which silences it.

@@ -25,7 +25,9 @@ public:
     /// All channels count as active. Allocates only in a call whose length differs from the one before.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
     /// Process in parts, as MultiDelay has them.
-    bool FindHeads(orvandsp::kernels::AllpassHead* heads) noexcept { return delays->FindHeads(heads); }
+    bool FindHeads(orvandsp::kernels::AllpassHead* heads, unsigned long numSamples) noexcept {
+        return delays->FindHeads(heads, numSamples);
+    }
     void WriteBlock(float** inputs, unsigned long numSamples);
     void FinishBlock(unsigned long numSamples) noexcept { delays->FinishBlock(numSamples); }
     void SetSamplerate(float newSamplerate) override;

@@ -304,8 +304,8 @@ void Reverb::Process(float** outputs, float** inputs, unsigned long numSamples, 
     });
 }
 
-bool Reverb::StandsStill() noexcept {
-    return std::ranges::all_of(taps, [](auto const& tap) { return tap->FindAllpassHead().has_value(); });
+bool Reverb::StandsStill() const noexcept {
+    return std::ranges::all_of(taps, [](auto const& tap) { return tap->StandsStill(); });
 }
 
 void Reverb::ProcessMixed(float** mixed, Mix const& mix, unsigned long numSamples) {
@@ -317,7 +317,7 @@ void Reverb::ProcessMixed(float** mixed, Mix const& mix, unsigned long numSample
     }
     orvandsp::FlushDenormals();
     ForEachChunk(numSamples, [&](unsigned long first, unsigned int chunk, float gain, float compensation) {
-        for (unsigned int i = 0; i < GetNumDelays(); ++i) heads[i] = *taps[i]->FindAllpassHead();
+        for (unsigned int i = 0; i < GetNumDelays(); ++i) heads[i] = *taps[i]->FindAllpassHead(chunk);
         kernels::Get().lateMix({.clusterHeads = mix.clusterHeads,
                                 .clusterShelves = mix.clusterShelves,
                                 .lateHeads = heads,
@@ -360,7 +360,7 @@ void Reverb::ReadTaps(unsigned int chunk) {
     orvandsp::Batch<kernels::LossyHeadJob, decltype(read)> heads(read);
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
         float* const tapped = tapBuffer.GetChannel(i);
-        if (const auto head = taps[i]->FindAllpassHead())
+        if (const auto head = taps[i]->FindAllpassHead(chunk))
             heads.Add({*head, absorbentFilters[i].GetKernelShelf(), airFilters[i].GetShelf().GetKernelShelf(), tapped});
         else
             ReadTapAlone(i, tapped, chunk);

@@ -58,7 +58,7 @@ public:
     /// Silences lines, taps and absorbent filters. The air filters keep their memory; gain and delays stay.
     void Clear() override;
     /// Whether no tap is on its way to another delay.
-    bool StandsStill() noexcept;
+    bool StandsStill() const noexcept;
     /// What the field can be computed together with, in one pass: the cluster that feeds it, and the mix of both that
     /// is heard, in which a shelf colours the cluster alone. Arrays with an entry for each channel.
     struct Mix {

@@ -186,7 +186,8 @@ TEST(Batches, TheLateMixGivesTheBitsOfItsSteps) {
                 inSteps(steps, in.data(), out.data(), first, length);
                 orvandsp::kernels::AllpassHead heads[16];
                 orvandsp::kernels::Shelf shelves[16];
-                if (!once.late.StandsStill() || !once.cluster.FindHeads(heads) || !once.shelf.FindFilters(shelves))
+                if (!once.late.StandsStill() || !once.cluster.FindHeads(heads, length) ||
+                    !once.shelf.FindFilters(shelves))
                     return inSteps(once, in.data(), outOnce.data(), first, length);
                 ++numAtOnce;
                 once.cluster.WriteBlock(in.data(), length);
