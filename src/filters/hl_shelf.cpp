@@ -26,7 +26,7 @@ float Tangent(float argument) {
 }
 
 float LinearFromDb(float dB) {
-    return std::pow(10.0f, dB * 0.05f);
+    return dB == 0.0f ? 1.0f : std::pow(10.0f, dB * 0.05f);
 }
 
 /// Limits of a section. A short decay far below that of the next band asks the late field's filters for steps of
@@ -35,18 +35,6 @@ float LinearFromDb(float dB) {
 constexpr float minRatio = 1e-30f;
 constexpr float maxRatio = 1e30f;
 constexpr float maxFactor = 1e18f;
-
-/// First-order low shelf k (1 + zero q) / (1 + pole q) with gain `wantedRatio` at 0 Hz and 1 at half the sample rate.
-struct Section {
-    Section(float wantedRatio, float freq, float samplerate) {
-        const float ratio = std::min(std::max(wantedRatio, minRatio), maxRatio);
-        const float t = Tangent((pi / samplerate) * freq) / std::sqrt(ratio);
-        pole = (t - 1.0f) / (1.0f + t);
-        zero = (ratio * t - 1.0f) / (1.0f + ratio * t);
-        k = std::min((1.0f + ratio * t) / (1.0f + t), maxFactor);
-    }
-    float pole, zero, k;
-};
 
 /// |c0 + c1 q + c2 q^2|^2 on the unit circle, a parabola in u = 1 - cos(w).
 struct SquaredMagnitude {
@@ -59,6 +47,28 @@ struct SquaredMagnitude {
 };
 
 }  // namespace
+
+void HLShelf::Section::Design(float newStepDb, float newArgument) {
+    if (isDone && newStepDb == stepDb && newArgument == argument) return;
+    if (newArgument != argument) tangent = Tangent(newArgument);
+    if (newStepDb != stepDb) {
+        ratio = std::min(std::max(LinearFromDb(newStepDb), minRatio), maxRatio);
+        root = std::sqrt(ratio);
+    }
+    stepDb = newStepDb;
+    argument = newArgument;
+    isDone = true;
+    const float t = tangent / root;
+    pole = (t - 1.0f) / (1.0f + t);
+    zero = (ratio * t - 1.0f) / (1.0f + ratio * t);
+    k = std::min((1.0f + ratio * t) / (1.0f + t), maxFactor);
+}
+
+void HLShelf::Section::ExpectCrossoverOf(Section const& other) noexcept {
+    isDone = isDone && argument == other.argument;
+    argument = other.argument;
+    tangent = other.tangent;
+}
 
 HLShelf::HLShelf() {
     const HLShelfParameters defaults;
@@ -174,9 +184,14 @@ void HLShelf::Design() {
     if (freqLow < 0.0f) freqLow = 0.0f;
     if (freqHigh > samplerate / 2.0f) freqHigh = samplerate / 2.0f;
 
-    const Section low(LinearFromDb(gainLow - gainMed), freqLow, samplerate);
-    const Section high(LinearFromDb(gainMed - gainHigh), freqHigh, samplerate);
-    taps[b0] = low.k * high.k * LinearFromDb(gainHigh);
+    const float perHertz = pi / samplerate;
+    low.Design(gainLow - gainMed, perHertz * freqLow);
+    high.Design(gainMed - gainHigh, perHertz * freqHigh);
+    if (gainHigh != linearHighDb) {
+        linearHighDb = gainHigh;
+        linearHigh = LinearFromDb(gainHigh);
+    }
+    taps[b0] = low.k * high.k * linearHigh;
     taps[b1] = (high.zero + low.zero) * taps[b0];
     taps[b2] = taps[b0] * (high.zero * low.zero);
     taps[a1] = high.pole + low.pole;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "dsp/filter.h"
 #include "filters/shelf_recursion.h"
@@ -47,6 +49,15 @@ public:
     /// The largest magnitude over all frequencies, the overall gain left out, of the filter as its taps are rounded:
     /// exact to the last digits, in closed form. Infinite if a pole isn't inside the unit circle. Real-time safe.
     double LargestMagnitude() const noexcept;
+    /// What numerator and denominator add up to at 0 Hz, of the taps as they are rounded: the magnitude there is the
+    /// quotient, and the noise gain at least 1 by the second one. For who wants to know in no time that it is too much.
+    struct Sums {
+        double numerator, denominator;
+    };
+    Sums AtZeroHertz() const noexcept {
+        return {std::abs(static_cast<double>(taps[b0]) + static_cast<double>(taps[b1]) + static_cast<double>(taps[b2])),
+                std::abs(1.0 + static_cast<double>(taps[a1]) + static_cast<double>(taps[a2]))};
+    }
     /// The largest factor over all frequencies by which the recursion brings out what it rounds off: above 1e6 for
     /// poles so near to the unit circle that rounding is heard. For a stable filter. Real-time safe.
     double LargestNoiseGain() const noexcept;
@@ -69,6 +80,11 @@ public:
     /// @param newFreqLow, newFreqHigh                       crossovers [Hz]
     virtual void SetAll(float newGain, float newGainLow, float newGainMed, float newGainHigh, float newFreqLow,
                         float newFreqHigh);
+    /// Takes over what the crossovers of another shelf have cost: for banks whose shelves share them. Changes nothing.
+    void ExpectCrossoversOf(HLShelf const& other) noexcept {
+        low.ExpectCrossoverOf(other.low);
+        high.ExpectCrossoverOf(other.high);
+    }
     /// Takes over the six parameters of another shelf that its GetCoefficients returns.
     virtual void SetCoefficients(HLShelf const& other);
 
@@ -94,6 +110,21 @@ private:
     float freqLow = 0.0f;   // [Hz]
     float freqHigh = 0.0f;  // [Hz]
 
+    /// First-order low shelf k (1 + zero q) / (1 + pole q) with a step for gain at 0 Hz and 1 at half the sample rate.
+    struct Section {
+        /// Computes what the last design hasn't left: most designs share most values with the one before.
+        /// @param newArgument  pi times the crossover by the sample rate
+        void Design(float newStepDb, float newArgument);
+        void ExpectCrossoverOf(Section const& other) noexcept;
+        float pole = 0.0f, zero = 0.0f, k = 1.0f;
+
+    private:
+        float stepDb = 0.0f, ratio = 1.0f, root = 1.0f;
+        float argument = std::numeric_limits<float>::quiet_NaN(), tangent = 0.0f;
+        bool isDone = false;
+    };
+    Section low, high;
+    float linearHighDb = 0.0f, linearHigh = 1.0f;
     float linearGain = 1.0f;
     enum TapIndex : unsigned int { b0, b1, b2, a1, a2, numTaps };
     float taps[numTaps] = {};

@@ -77,12 +77,17 @@ void Delgen::recalc() {
     if (!(maximum - minimum > minRange)) maximum = minimum + minRange;
     // A single delay has the mean position 0 and so the exponent 0: it lands on the maximum.
     const float exponent = (1.0f / distribution - 1.0f) / (1.0f / meanPosition - 1.0f);
+    if (bent.size() != positions.size() || exponent != bentBy) {
+        bent.resize(positions.size());
+        std::ranges::transform(positions, bent.begin(), [exponent](float p) { return std::pow(p, exponent); });
+        bentBy = exponent;
+    }
     const float range = maximum - minimum;
     sum = 0.0f;
     unsigned int k = 0;
     for (unsigned int i = 0; i < positions.size() && k < numDelays; ++i) {
         if (numDelays <= tableSize && selectionIndices[i] > numDelays) continue;
-        const float value = std::pow(positions[i], exponent) * range + minimum;
+        const float value = bent[i] * range + minimum;
         delays[k] = std::min(std::max(value, minimum), maximum);
         sum += value;
         ++k;

@@ -83,6 +83,8 @@ private:
     float maximum = 0.0f;  // [ms]
     float distribution = DefaultDistribution;
     float meanPosition = 0.0f;  // of the positions in use
+    std::vector<float> bent;    // the positions to the power of the last exponent
+    float bentBy = 0.0f;
 };
 
 }  // namespace Lume

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Lume {
 
@@ -34,6 +35,14 @@ double LargestGain(HLShelf const& shelf) {
     return rounding > harmlessRounding ? magnitude + rounding : magnitude;
 }
 
+/// Whether that is above a limit at 0 Hz already, as it is of most filters that fail.
+bool FailsAtZeroHertz(HLShelf const& shelf, double limit) {
+    constexpr double margin = 1.0 + 1e-9;  // above what either side rounds off
+    const auto [numerator, denominator] = shelf.AtZeroHertz();
+    const double rounding = roundingError > harmlessRounding * margin * denominator ? roundingError : 0.0;
+    return numerator + rounding > limit * margin * denominator;
+}
+
 HLShelfParameters Changed(HLShelfParameters p, Degree const& degree, float samplerate) {
     if (p.freqHigh < p.freqLow) std::swap(p.freqLow, p.freqHigh);
     const float lowest = degree.distance * samplerate;
@@ -49,34 +58,104 @@ HLShelfParameters Changed(HLShelfParameters p, Degree const& degree, float sampl
     return p;
 }
 
-}  // namespace
-
-double DesignAbsorption(UnitaryHLShelf& shelf, HLShelfParameters const& wanted) {
-    shelf.SetAll(0.0f, wanted.gainLow, wanted.gainMed, wanted.gainHigh, wanted.freqLow, wanted.freqHigh);
-    double gain = LargestGain(shelf);
-    for (Degree const& degree : degrees) {
-        if (gain <= 1.0) break;
-        shelf.SetParameters(Changed(wanted, degree, shelf.GetSamplerate()));
-        gain = LargestGain(shelf);
-    }
-    return gain;
+bool AreSame(HLShelfParameters const& a, HLShelfParameters const& b) {
+    return a.gain == b.gain && a.gainLow == b.gainLow && a.gainMed == b.gainMed && a.gainHigh == b.gainHigh &&
+           a.freqLow == b.freqLow && a.freqHigh == b.freqHigh;
 }
 
-void LimitAir(AirAbsorption& air, double absorbentGain) {
-    HLShelf& shelf = air.GetShelf();
-    double excess = LargestGain(shelf) * absorbentGain;
-    if (excess <= 1.0) return;
-    HLShelfParameters limited = air.GetParameters();
+}  // namespace
+
+/// Changes the filters on trial by degrees until each makes at most `limit` of a signal. Degree by degree, and not
+/// filter by filter: neighbours are designed from much the same and mostly fail together, so that the processor knows
+/// what comes next.
+void LineLosses::ChangeByDegrees(double limit) {
+    if (trials.empty()) return;
+    const auto judge = [limit](Trial& trial) {
+        trial.isKnown = !FailsAtZeroHertz(*trial.shelf, limit / trial.gainBefore);
+        if (trial.isKnown) trial.gain = LargestGain(*trial.shelf) * trial.gainBefore;
+    };
+    std::ranges::for_each(trials, judge);
     for (Degree const& degree : degrees) {
-        if (excess <= 1.0 + hair) break;
-        limited = Changed(air.GetParameters(), degree, air.GetSamplerate());
-        shelf.SetParameters(limited);
-        excess = LargestGain(shelf) * absorbentGain;
+        HLShelf const* neighbour = trials.front().shelf;
+        for (Trial& trial : trials) {
+            if (trial.isKnown && trial.gain <= limit) continue;
+            const HLShelfParameters changed = Changed(trial.wanted, degree, trial.shelf->GetSamplerate());
+            if (AreSame(changed, trial.tried)) continue;
+            trial.tried = changed;
+            trial.shelf->ExpectCrossoversOf(*std::exchange(neighbour, trial.shelf));
+            trial.shelf->SetParameters(changed);
+            judge(trial);
+        }
     }
-    if (excess <= 1.0) return;
-    // The overall gain stands outside the recursion: no tap is rounded anew.
-    limited.gain = static_cast<float>(-20.0 * std::log10(excess)) - roundingDb;
-    shelf.SetParameters(limited);
+    for (Trial& trial : trials)
+        if (!trial.isKnown) trial.gain = LargestGain(*trial.shelf) * trial.gainBefore;
+}
+
+void LineLosses::Want(unsigned int line, HLShelfParameters const& absorption, float metres) {
+    Line& wanted = lines[line];
+    wanted.wantsAbsorption = wanted.wantsAbsorption || !AreSame(wanted.absorption, absorption);
+    wanted.wantsAir = wanted.wantsAir || wanted.metres != metres;
+    wanted.absorption = absorption;
+    wanted.metres = metres;
+}
+
+void LineLosses::Design(std::span<UnitaryHLShelf> absorbents, std::span<AirAbsorption> airs) {
+    trials.clear();
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        HLShelfParameters const& wanted = lines[i].absorption;
+        if (!lines[i].wantsAbsorption) continue;
+        if (i > 0) absorbents[i].ExpectCrossoversOf(absorbents[i - 1]);
+        absorbents[i].SetParameters(wanted);
+        trials.push_back({.shelf = &absorbents[i], .wanted = wanted, .tried = wanted, .gainBefore = 1.0});
+    }
+    ChangeByDegrees(1.0);
+    auto done = trials.cbegin();
+    for (Line& line : lines) {
+        if (!line.wantsAbsorption) continue;
+        line.wantsAbsorption = false;
+        line.wantsAir = line.wantsAir || line.absorbentGain != done->gain;
+        line.absorbentGain = done++->gain;
+    }
+    trials.clear();
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (!lines[i].wantsAir) continue;
+        lines[i].wantsAir = false;
+        if (i > 0) airs[i].GetShelf().ExpectCrossoversOf(airs[i - 1].GetShelf());
+        airs[i].SetDistance(lines[i].metres);
+        TryAir(airs[i], lines[i].absorbentGain);
+    }
+    LimitAir();
+}
+
+void LineLosses::SetRolloffFrequency(std::span<AirAbsorption> airs, float hertz) {
+    trials.clear();
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (i > 0) airs[i].GetShelf().ExpectCrossoversOf(airs[i - 1].GetShelf());
+        airs[i].SetRolloffFrequency(hertz);
+        TryAir(airs[i], lines[i].absorbentGain);
+    }
+    LimitAir();
+}
+
+void LineLosses::TryAir(AirAbsorption& air, double absorbentGain) {
+    trials.push_back({.shelf = &air.GetShelf(),
+                      .wanted = air.GetParameters(),
+                      .tried = air.GetParameters(),
+                      .gainBefore = absorbentGain});
+}
+
+void LineLosses::LimitAir() {
+    ChangeByDegrees(1.0 + hair);
+    for (Trial& trial : trials) {
+        if (trial.gain <= 1.0) continue;
+        // The overall gain stands outside the recursion: no tap is rounded anew.
+        trial.tried.gain = static_cast<float>(-20.0 * std::log10(trial.gain)) - roundingDb;
+        trial.shelf->SetParameters(trial.tried);
+    }
+}
+
+void LineLosses::Forget() {
+    for (Line& line : lines) line.wantsAbsorption = line.wantsAir = true;
 }
 
 }  // namespace Lume

@@ -7,7 +7,6 @@
 #include "dsp/batch.h"
 #include "dsp/denormals.h"
 #include "kernels/kernels.h"
-#include "reverb/line_losses.h"
 
 namespace Lume {
 
@@ -46,8 +45,8 @@ Reverb::Reverb(unsigned int numChannels, float sampleRate)
     : infinite(LumeDefaultParameters::DefaultReverbInfinite),
       airAbsorptionOn(LumeDefaultParameters::DefaultReverbAirAbsorption),
       absorbentFilters(numChannels),
-      absorbentGains(numChannels, 1.0),
       airFilters(numChannels),
+      losses(numChannels),
       delayGenerator(numChannels, Delgen::DefaultMinimum, Delgen::DefaultMaximum, Delgen::DefaultDistribution),
       tapBuffer(numChannels, maxChunkSamples),
       feedbackBuffer(numChannels, maxChunkSamples),
@@ -139,10 +138,7 @@ void Reverb::CompensateInputPower(bool compensate) {
 }
 
 void Reverb::SetAirAbsorptionRolloffFrequency(float hertz) {
-    for (unsigned int i = 0; i < GetNumDelays(); ++i) {
-        airFilters[i].SetRolloffFrequency(hertz);
-        LimitAir(airFilters[i], absorbentGains[i]);
-    }
+    losses.SetRolloffFrequency(airFilters, hertz);
 }
 
 float Reverb::LowestDelay() const noexcept {
@@ -209,16 +205,17 @@ void Reverb::update() {
     for (unsigned int i = 0; i < GetNumDelays(); ++i) {
         const float seconds = std::min(std::max(taps[i]->GetDelay() * 0.001f, 0.0f), longestDelaySeconds);
         const float passDb = -60.0f * invDecay * seconds;
-        absorbentGains[i] = DesignAbsorption(absorbentFilters[i], {.gain = 0.0f,
-                                                                   .gainLow = passDb * invLow,
-                                                                   .gainMed = passDb * invMed,
-                                                                   .gainHigh = passDb * invHigh,
-                                                                   .freqLow = crossoverFrequencyLow,
-                                                                   .freqHigh = crossoverFrequencyHigh});
-        airFilters[i].SetDistance(speedOfSound * seconds);
-        LimitAir(airFilters[i], absorbentGains[i]);
+        losses.Want(i,
+                    {.gain = 0.0f,
+                     .gainLow = passDb * invLow,
+                     .gainMed = passDb * invMed,
+                     .gainHigh = passDb * invHigh,
+                     .freqLow = crossoverFrequencyLow,
+                     .freqHigh = crossoverFrequencyHigh},
+                    speedOfSound * seconds);
         sumOfShares += std::pow(base, seconds * 1000.0f);
     }
+    losses.Design(absorbentFilters, airFilters);
     const float target = std::sqrt(static_cast<float>(GetNumDelays()) / sumOfShares - 1.0f);
 
     if (std::abs(Decibels(PresentInputGain()) - Decibels(target)) > maxGainStepDb) {
@@ -245,6 +242,7 @@ void Reverb::SetSamplerate(float newSamplerate) {
         absorbentFilters[i].SetSamplerate(newSamplerate);
         airFilters[i].SetSamplerate(newSamplerate);
     }
+    losses.Forget();
     inputGain.SetSamplerate(newSamplerate);
     Clear();
     inputGain.Start(1.0f, 0.0f);

@@ -12,6 +12,7 @@
 #include "filters/unitary_hl_shelf.h"
 #include "parameters/reverb_dsp_parameters.h"
 #include "reverb/delgen.h"
+#include "reverb/line_losses.h"
 #include "reverb/shuffle.h"
 
 namespace Lume {
@@ -143,8 +144,8 @@ private:
     std::vector<std::unique_ptr<Delay>> lines;
     std::vector<std::unique_ptr<TapOut>> taps;  // tap i reads line i
     std::vector<UnitaryHLShelf> absorbentFilters;
-    std::vector<double> absorbentGains;  // the largest that each has at any frequency
     std::vector<AirAbsorption> airFilters;
+    LineLosses losses;  // designs both
     Delgen delayGenerator;
     orvandsp::AudioBuffer tapBuffer;       // N channels by one chunk
     orvandsp::AudioBuffer feedbackBuffer;  // N channels by one chunk

@@ -164,52 +164,49 @@ constexpr Shape shapes[] = {{1, 2, 8}, {6, 6, 8}, {2, 5, 16}};
 constexpr std::size_t block = 64;
 constexpr float rate = 48000.0f;
 
-// Red if denormals slow a dying room, or if a change makes one block do the work of more than was measured. Each block
-// counts with the least of three equal runs: what else the machine does is not the room's.
+// Red if denormals slow a dying room, or if a change makes one block do the work of more than three. Each block counts
+// with the least of equal runs, of as many as it takes: what else the machine does is not the room's. What changes for
+// the first time comes from main memory: of that, a second is heard before the minute begins.
 TEST(Endurance, SLOW_CostIsSteady) {
     const std::vector<float> noise = MakeNoise(1, 4096, 0.5f);
     for (auto const& [numSources, numOutputs, numInternals] : shapes) {
-        std::vector<double> sounding, silent, changing;
+        std::vector<double> sounding(3000, 1.0), silent(45000, 1.0), changing(45750, 1.0);
         std::vector<std::size_t> told;  // a control each eighth block
-        for (int run = 0; run < 3; ++run) {
-            const auto note = [run](std::vector<double>& costs, std::size_t i, double cost) {
-                if (run == 0) costs.push_back(cost);
-                costs[i] = std::min(costs[i], cost);
-            };
+        double sounds = 0.0, fades = 0.0, median = 0.0, unprepared = 0.0;
+        auto slowest = changing.begin();
+        const auto isSteady = [&] {
+            // Sixteen lines of a late field take twice as long to be judged as eight.
+            const double limit = numInternals > 8 ? 3.5 : 3.0;
+            return *slowest <= limit * median && unprepared <= 6.0 * median && fades <= 1.1 * sounds;
+        };
+        for (int run = 0; run < 3 || (run < 15 && !isSteady()); ++run) {
             Room room(numSources, numOutputs, numInternals);
             room.Configure(rate, block);
             Player player(room, block);
             player.Fill(noise);
-            for (std::size_t i = 0; i < 3000; ++i) note(sounding, i, player.Play(block));
+            for (double& cost : sounding) cost = std::min(cost, player.Play(block));
             for (auto& channel : player.in.data) std::ranges::fill(channel, 0.0f);
-            for (std::size_t i = 0; i < 45000; ++i) note(silent, i, player.Play(block));
+            for (double& cost : silent) cost = std::min(cost, player.Play(block));
             Random random(5);
             player.Fill(noise);
             told.clear();
-            for (std::size_t i = 0; i < 45000; ++i) {
+            for (std::size_t i = 0; i < changing.size(); ++i) {
                 const double start = Cost();
                 if (i % 8 == 0) told.push_back(Disturb(room, random));
-                note(changing, i, Cost() - start + player.Play(block));
+                changing[i] = std::min(changing[i], Cost() - start + player.Play(block));
             }
+            sounds = Median(sounding);
+            // The last tenth of a minute of silence: a tail of some 700 dB below.
+            fades = Median({silent.end() - 4500, silent.end()});
+            median = Median(changing);
+            unprepared = *std::max_element(changing.begin(), changing.begin() + 750);
+            slowest = std::max_element(changing.begin() + 750, changing.end());
         }
-        const double usual = Median(sounding);
-        // The last tenth of a minute of silence: a tail of some 700 dB below.
-        const double atTheEnd = Median({silent.end() - 4500, silent.end()});
-        const double median = Median(changing);
-        std::vector<double> slowest(Lume::roomControls.size());
-        for (std::size_t i = 0; i < changing.size(); ++i)
-            slowest[told[i / 8]] = std::max(slowest[told[i / 8]], changing[i]);
-        std::printf("%u to %u: silence %.2f of signal, slowest block %.2f of the median\n", numSources, numOutputs,
-                    atTheEnd / usual, *std::max_element(slowest.begin(), slowest.end()) / median);
-        for (std::size_t i = 0; i < slowest.size(); ++i) {
-            // These empty the lines of the late field where they change much: some 80 us, a sixteenth of a block's
-            // time.
-            const std::string name = Lume::roomControls[i].name;
-            const bool empties =
-                name == "modaldensity" || name == "tr0" || name == "cluster_start" || name == "reverb_start";
-            EXPECT_LE(slowest[i], (empties ? 20.0 : 6.0) * median) << name;
-        }
-        EXPECT_LE(atTheEnd, 1.1 * usual);
+        char const* const name =
+            Lume::roomControls[told[static_cast<std::size_t>(slowest - changing.begin()) / 8]].name;
+        std::printf("%u to %u: silence %.2f of signal, slowest block %.2f of the median (%s), before that %.2f\n",
+                    numSources, numOutputs, fades / sounds, *slowest / median, name, unprepared / median);
+        EXPECT_TRUE(isSteady());
     }
 }
 

@@ -41,30 +41,31 @@ std::vector<double> LineLosses(Lume::OrvanVerb const& engine, double sampleRate,
     const float passDb = -60.0f * delaySeconds / decay.decayTime;
     Lume::UnitaryHLShelf shelf;
     shelf.SetSamplerate(static_cast<float>(sampleRate));
-    Lume::DesignAbsorption(shelf, {.gain = 0.0f,
-                                   .gainLow = passDb / decay.relativeDecayLow,
-                                   .gainMed = passDb / decay.relativeDecayMedium,
-                                   .gainHigh = passDb / decay.relativeDecayHigh,
-                                   .freqLow = decay.crossoverFrequencyLow,
-                                   .freqHigh = decay.crossoverFrequencyHigh});
+    Lume::AirAbsorption air;
+    air.SetSamplerate(static_cast<float>(sampleRate));
+    air.SetRolloffFrequency(engine.GetAirAbsorptionRolloffFrequency());
+    constexpr float speedOfSound = 340.0f;  // [m/s], as in the late field
+    Lume::LineLosses losses(1);
+    losses.Want(0,
+                {.gain = 0.0f,
+                 .gainLow = passDb / decay.relativeDecayLow,
+                 .gainMed = passDb / decay.relativeDecayMedium,
+                 .gainHigh = passDb / decay.relativeDecayHigh,
+                 .freqLow = decay.crossoverFrequencyLow,
+                 .freqHigh = decay.crossoverFrequencyHigh},
+                speedOfSound * delaySeconds);
+    losses.Design({&shelf, 1}, {&air, 1});
     std::vector<float> response(responseLength, 0.0f);
     response[0] = 1.0f;
     shelf.Process(response.data(), response.data(), responseLength);
-    if (engine.UsesAirAbsorption()) {
-        constexpr float speedOfSound = 340.0f;  // [m/s], as in the late field
-        Lume::AirAbsorption air;
-        air.SetSamplerate(static_cast<float>(sampleRate));
-        air.SetRolloffFrequency(engine.GetAirAbsorptionRolloffFrequency());
-        air.SetDistance(speedOfSound * delaySeconds);
-        air.Process(response.data(), response.data(), responseLength);
-    }
+    if (engine.UsesAirAbsorption()) air.Process(response.data(), response.data(), responseLength);
     std::vector<std::complex<float>> spectrum(response.begin(), response.end());
     const orvandsp::FFT<float> fft(responseLength, 1.0f, 1.0f, 1.0f, 1.0f);
     fft.process(spectrum.data(), orvandsp::FFT<float>::forward);
-    std::vector<double> losses;
+    std::vector<double> lossesDb;
     for (unsigned int bin = 0; bin <= responseLength / 2; ++bin)
-        losses.push_back(-20.0 * std::log10(std::max(1e-20, static_cast<double>(std::abs(spectrum[bin])))));
-    return losses;
+        lossesDb.push_back(-20.0 * std::log10(std::max(1e-20, static_cast<double>(std::abs(spectrum[bin])))));
+    return lossesDb;
 }
 
 /// T30 of a sum of exponential decays of equal power [s].
