@@ -53,7 +53,7 @@ double ShortestPath(double x, double y, double earX) {
 TEST(ItdModels, FollowTheGeometryOfTheHead) {
     constexpr double halfMsPerMetre = 1000.0 / (2.0 * 340.0);
     const double a = static_cast<double>(radius);
-    for (const double azimuth : {0.0, 20.0, 60.0, 90.0, 130.0, -150.0})
+    for (const double azimuth : {0.0, 20.0, 60.0, 90.0, -90.0, 130.0, -150.0})
         for (const double distance : {0.02, 0.1, 0.5, 3.0}) {
             const double clipped = std::max(distance, a);
             const double x = clipped * std::sin(azimuth * pi / 180.0), y = clipped * std::cos(azimuth * pi / 180.0);
