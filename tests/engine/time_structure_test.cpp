@@ -119,19 +119,6 @@ TEST(TimeStructure, ClusterTimesMoveTheLateField) {
     EXPECT_NEAR(DelaysOf(engine.reverb).front(), 91.0f, 1e-3f);
 }
 
-// Red if the number of channels from which the late delays crowd at the start is another.
-TEST(TimeStructure, ManyChannelsCrowdLateDelaysAtTheStart) {
-    for (const unsigned int channels : {8u, 9u}) {
-        OpenEngine engine(channels);
-        engine.SetClusterStart(50.0f);
-        engine.SetReverbStart(100.0f);
-        engine.SetReverbModalDensity(static_cast<float>(channels) * 0.08f);  // a mean of 80 ms
-        std::vector<float> delays(channels);
-        engine.reverb->GetDelays(delays.data());
-        EXPECT_NEAR(*std::max_element(delays.begin(), delays.end()), channels == 8 ? 110.0f : 150.0f, 0.01f);
-    }
-}
-
 // Red if width and elevation don't move the sources, or the early field doesn't follow the last one.
 TEST(TimeStructure, WidthAndElevationPlaceSourcesAgain) {
     EngineRig rig(2, 4, 4);

@@ -340,6 +340,7 @@ TEST(Echogram, MarksWhatStandsOut) {
     const std::vector<float> other(9600, 0.0f);
     const std::vector<std::span<float const>> channels{other, response};
     const Echogram echogram = MakeEchogram(channels, sampleRate, 1000, 0.1);
+    EXPECT_EQ(echogram.levels.size(), 410u);  // from 2.5 ms before
     ASSERT_EQ(echogram.reflections.size(), 2u);
     EXPECT_NEAR(echogram.reflections[0].seconds, 0.03, 0.0003);
     EXPECT_NEAR(echogram.reflections[0].levelDb, -6.02, 0.1);

@@ -197,7 +197,6 @@ TEST(SnowmanProcessing, IsABlockLikeOthers) {
     plain.Process(out.pointers[0], in.pointers[0], 512);
     block.Process(&out.pointers[1], in.pointers.data(), 512, orvandsp::allActiveInputs);
     EXPECT_EQ(out.data[0], out.data[1]);
-    EXPECT_GT(EnergyOf(out.data[0]), 1.0);
     block.Process(&out.pointers[1], in.pointers.data(), 512, active);
     EXPECT_EQ(EnergyOf(out.data[1]), 0.0);
 }
