@@ -19,6 +19,7 @@
 #include "filters/multi_faded_hl_shelf.h"
 #include "filters/multi_faded_low_pass.h"
 #include "hrtf/hrtf.h"
+#include "pan/binaural/binaural_panning.h"
 #include "pan/binaural/binaural_panning_spherical_harmonics.h"
 #include "pan/panning_support.h"
 #include "pan/set_file.h"
@@ -291,6 +292,35 @@ TEST(Golden, Panners) {
     }
     SphericalHarmonicPanner harmonics;
     CheckPanner("binaural sphericalharmonics", harmonics);
+}
+
+// Whatever a panner can be told while it plays, for sources at singular places, before it knows any loudspeaker and
+// after.
+TEST(Golden, PannersOnTour) {
+    const CartesianVector places[] = {{0, 0, 0},        {0, 0, 1},        {0, -1, 0},   {0.0875f, 0, 0},
+                                      {-0.0875f, 0, 0}, {-0.5f, 0.5f, 9}, {3e4f, 1, -1}};
+    std::uint64_t all = 0;
+    for (auto const& kind : panners) {
+        const std::unique_ptr<Lume::Pan> panner(Lume::Pan::factory(3, kind.numOutputs, kind.type.c_str(), kind.role));
+        auto* const ears = dynamic_cast<Lume::BinauralPanning*>(panner.get());
+        panner->Configure(48000.0f, 64, true);
+        all = 3 * all + Play(*panner, 3, kind.numOutputs, {64, 17}, 300, [&](int block) {
+                  if (block % 3 == 0)
+                      panner->SetSourcePosition(static_cast<unsigned int>(block / 3) % 2, places[block / 3 % 7],
+                                                block % 2 == 0);
+                  if (block % 20 == 10 && ears != nullptr)
+                      ears->SetITDType(static_cast<Lume::BinauralPanning::ITDType>(block / 20 % 7));
+                  if (block == 60) panner->SetInterpolationTime(7.0f);
+                  if (block == 80 && ears != nullptr)
+                      ears->SetListenerHeadRadius(0.1f), ears->SetFilterCrossFadeTime(10.0f);
+                  if (block == 100) panner->SetSamplerate(96000.0f);
+                  if (block == 120) panner->Clear();
+                  if (block == 140 || block == 160) panner->SetNumInputs(block == 140 ? 2 : 3);
+                  if (block == 150) panner->SetLoudspeakerPositions(Ring(kind.numOutputs, 0.5f).data());
+                  if (block == 180) panner->forceUpdate(true);
+              });
+    }
+    Check("panners on tour", all);
 }
 
 void CheckDecoder(std::string const& name, Lume::Decoder& decoder) {
