@@ -44,7 +44,7 @@ TEST(ConvexHull2D, EnclosesAllPointsWithItsCorners) {
         }
         points.push_back({-1, 3, 0});  // never all on one line
         points.push_back({4, -1, 0});
-        points.push_back({2, -1, 0});
+        for (const float x : {2.0f, 0.0f, 1.0f}) points.push_back({x, -1, 0});
         points.push_back({10, 9, 0});
         Points vertices;
         Lume::ComputeConvexHull2D(points.data(), static_cast<unsigned int>(points.size()), vertices);

@@ -320,6 +320,8 @@ TEST(EchoDensity, RisesToOneWhereEchoesTurnIntoNoise) {
     for (std::size_t i = 200; i < 800; ++i) mean += static_cast<double>(density.values[i]) / 600.0;
     EXPECT_NEAR(mean, 1.0, 0.02);
     EXPECT_NEAR(density.mixingTime.value, 0.105, 0.01);
+    const std::vector<std::span<float const>> noise{std::span(response).subspan(20000)};
+    EXPECT_GT(MeasureEchoDensity(noise, sampleRate, 0, 10000).values[0], 0.5f);  // with half a window
 }
 
 TEST(Measure, FollowsTheCentreOfTheSpectrum) {
