@@ -26,20 +26,14 @@ TEST(BuiltinEars, AreThoseOfTheNearestRate) {
         EXPECT_EQ(Lume::Hrtf::Builtin(expected.rate).GetSamplingRate(), expected.madeFor) << expected.rate;
 }
 
-// Red if a room keeps the ears of another rate, or says nothing where there are none for its own.
+// Red if a room keeps the ears of another rate.
 TEST(BuiltinEars, FollowTheRateOfARoom) {
-    Lume::Room room(1, 2), loudspeakers(1, 4);
+    Lume::Room room(1, 2);
     for (const float rate : {48000.0f, 192000.0f, 44100.0f, 96000.0f}) {
         room.Configure(rate, 64);
         EXPECT_EQ(static_cast<float>(room.EarsInfos()->samplingRate), rate);
         EXPECT_EQ(room.EarsRemark(), "");
     }
-    room.Configure(50000.0f, 64);
-    EXPECT_EQ(room.EarsRemark(),
-              "the nearest of the built-in ears: made for 48000 Hz, the room runs at 50000; "
-              "orvanverb hrtf convert makes a set for it");
-    loudspeakers.Configure(50000.0f, 64);
-    EXPECT_EQ(loudspeakers.EarsRemark(), "");
 }
 
 // The front ends: 10 kHz straight ahead, where ears for 44.1 kHz are 6 to 16 dB off at other rates, is the same at all.
