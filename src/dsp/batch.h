@@ -16,7 +16,12 @@ public:
     explicit Batch(Run newRun) : run(newRun) {}
 
     void Add(Job const& job) {
-        jobs[count++] = job;
+        AddNew([&](Job& added) { added = job; });
+    }
+    /// Adds a job that `make` writes where it stays: long ones take longer to copy than to make.
+    template <typename Make>
+    void AddNew(Make make) {
+        make(jobs[count++]);
         if (count == jobs.size()) Finish();
     }
 

@@ -78,15 +78,6 @@ bool BiquadCascade::IsInSeries() noexcept {
     return true;
 }
 
-orvandsp::kernels::CascadeJob BiquadCascade::GetKernelJob(std::size_t first, float* output,
-                                                          float const* input) noexcept {
-    return {.gain = first == 0 ? gain : 1.0f,
-            .taps = &coefficients[first * numTapsPerStage],
-            .memory = &state[first * numStatesPerStage],
-            .input = input,
-            .output = output};
-}
-
 void BiquadCascade::SetCoefficients(float* set) {
     gain = set[0];
     for (std::size_t i = 0; i < coefficients.size(); i += numTapsPerStage) {

@@ -51,7 +51,9 @@ public:
     /// the first two samples of a chain that has grown while it held sound.
     bool IsInSeries() noexcept;
     /// What a kernel needs to run the stages from `first` on, as many as one call takes.
-    orvandsp::kernels::CascadeJob GetKernelJob(std::size_t first, float* output, float const* input) noexcept;
+    orvandsp::kernels::Cascade GetKernelForm(std::size_t first) noexcept {
+        return {first == 0 ? gain : 1.0f, coefficients.data() + 4 * first, state.data() + 4 * first};
+    }
 
 private:
     unsigned int numStages = 0;

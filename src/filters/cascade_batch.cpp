@@ -21,8 +21,8 @@ void FilterCascades(std::span<CascadeJob const> jobs, unsigned long numSamples) 
     for (std::size_t first = 0; first < numStages; first += kernels::maxCascadeStages) {
         kernels::CascadeJob lanes[kernels::maxLanes];
         for (std::size_t i = 0; i < jobs.size(); ++i)
-            lanes[i] =
-                jobs[i].cascade->GetKernelJob(first, jobs[i].output, first == 0 ? jobs[i].input : jobs[i].output);
+            lanes[i] = {jobs[i].cascade->GetKernelForm(first), first == 0 ? jobs[i].input : jobs[i].output,
+                        jobs[i].output};
         kernels::Get().cascades(lanes, jobs.size(), std::min(numStages - first, kernels::maxCascadeStages), numSamples);
     }
 }

@@ -193,19 +193,6 @@ void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode 
     if (!interpolates) forEachRun([](float* to, float const* from, int length) { std::copy_n(from, length, to); });
 }
 
-std::optional<orvandsp::kernels::GlideJob> Delay::FindBuiltInGlide(float* output, int count) noexcept {
-    if (delayRamp.remaining <= 0 || interpolationMode != allpass) return std::nullopt;
-    ExpectRead(delayRamp, count);
-    return orvandsp::kernels::GlideJob{.ring = Ring(),
-                                       .mask = mask,
-                                       .base = static_cast<float>(writePosition),
-                                       .delay = &delayRamp.current,
-                                       .remaining = &delayRamp.remaining,
-                                       .increment = delayRamp.increment,
-                                       .state = &allpassState,
-                                       .output = output};
-}
-
 void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode readMode, float& state) noexcept {
     if (ramp.remaining <= 0) {
         tapOut(out, static_cast<int>(count), ramp.current, interpolationMode, allpassState);

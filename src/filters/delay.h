@@ -95,11 +95,22 @@ public:
         ExpectRead(ramp.current, ramp.current, count);
         return orvandsp::kernels::AllpassHead{Ring(), size, PositionOf(ramp.current), &allpassState, 0};
     }
-    /// The built-in head, if it stands still in the mode allpass, or if it glides in that mode.
+    /// The built-in head, if it stands still in the mode allpass.
     std::optional<orvandsp::kernels::AllpassHead> FindBuiltInHead(int count) noexcept {
         return FindAllpassHead(delayRamp, count);
     }
-    std::optional<orvandsp::kernels::GlideJob> FindBuiltInGlide(float* output, int count) noexcept;
+    bool IsAllpass() const noexcept { return interpolationMode == allpass; }
+    /// The built-in head for kernels in which heads of the mode allpass may be on the move. Written where it stays.
+    void GetGlidingHead(orvandsp::kernels::GlidingHead& head, int count) noexcept {
+        ExpectRead(delayRamp, count);
+        head.ring = Ring();
+        head.mask = mask;
+        head.base = static_cast<float>(writePosition);
+        head.delay = &delayRamp.current;
+        head.remaining = &delayRamp.remaining;
+        head.increment = delayRamp.increment;
+        head.state = &allpassState;
+    }
     /// Reads a block with the built-in head, without writing or moving on. Real-time safe.
     void ReadBuiltIn(float* out, int count) noexcept {
         tapOut(out, static_cast<unsigned int>(count), delayRamp, interpolationMode, allpassState);

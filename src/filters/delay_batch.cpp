@@ -15,9 +15,10 @@ void ProcessDelays(std::span<DelayJob const> jobs, int count) noexcept {
     for (DelayJob const& job : jobs) {
         if (const auto head = job.delay->FindBuiltInHead(count))
             heads[numHeads++] = {*head, job.output};
-        else if (const auto glide = job.delay->FindBuiltInGlide(job.output, count))
-            glides[numGlides++] = *glide;
-        else
+        else if (job.delay->IsAllpass()) {
+            job.delay->GetGlidingHead(glides[numGlides].head, count);
+            glides[numGlides++].output = job.output;
+        } else
             job.delay->ReadBuiltIn(job.output, count);
     }
     const auto length = static_cast<std::size_t>(count);

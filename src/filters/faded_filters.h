@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "dsp/signal_processing.h"
@@ -126,6 +127,29 @@ public:
         if (IsFading()) MixFade(output, numSamples, false, gains);
     }
 
+    /// The filter that runs or is being faded in.
+    T& Incoming() noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
+    T const& Incoming() const noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
+
+    /// A fade for a kernel that runs both filters itself and mixes them.
+    struct Fade {
+        T* outgoing;
+        float* gain;  // of the incoming one
+        float* outgoingGain;
+        float step, outgoingStep;
+        int remaining;
+    };
+    /// The fade that runs, if one does.
+    std::optional<Fade> FindFade() noexcept {
+        if (!IsFading()) return std::nullopt;
+        if (fadeState == fromAToB) return Fade{&filterA, &gainB, &gainA, incrementB, incrementA, remaining};
+        return Fade{&filterB, &gainA, &gainB, incrementA, incrementB, remaining};
+    }
+    /// Counts a block as run. What FindFade gave holds beyond it.
+    void FinishBlock(unsigned long numSamples) {
+        if (IsFading()) CountDown(std::min(static_cast<unsigned long>(remaining), numSamples));
+    }
+
     /// The filter that runs, if neither a fade runs nor a set waits.
     T* FindOnly() noexcept { return IsFading() || updatePending ? nullptr : &Incoming(); }
 
@@ -175,10 +199,6 @@ public:
 protected:
     enum FadeState : int { aRuns = 0, bRuns = 1, fromAToB = 2, fromBToA = 3 };
 
-    /// The filter that runs or is being faded in.
-    T& Incoming() noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
-    T const& Incoming() const noexcept { return fadeState == aRuns || fadeState == fromBToA ? filterA : filterB; }
-
     /// Gives both filters another order, and sets of coefficients the length that goes with it.
     template <typename Change>
     void ChangeOrder(Change change) {
@@ -209,13 +229,17 @@ private:
             AddMix(output, numFaded);
         else
             Mix(output, numFaded, gains);
-        remaining -= static_cast<int>(numFaded);
+        CountDown(numFaded);
         if (remaining > 0) return;
-        fadeState = fadeState == fromAToB ? bRuns : aRuns;
         if (add)
             Add(output + numFaded, IncomingBuffer().data() + numFaded, numSamples - numFaded);
         else
             std::copy_n(IncomingBuffer().data() + numFaded, numSamples - numFaded, output + numFaded);
+    }
+
+    void CountDown(unsigned long numFaded) {
+        remaining -= static_cast<int>(numFaded);
+        if (remaining <= 0) fadeState = fadeState == fromAToB ? bRuns : aRuns;
     }
 
     void StartFade(T& idle, T& running) {

@@ -3,10 +3,11 @@
 #include <algorithm>
 
 #include "dsp/batch.h"
-#include "filters/cascade_batch.h"
-#include "filters/delay_batch.h"
+#include "dsp/denormals.h"
 
 namespace Lume {
+
+namespace kernels = orvandsp::kernels;
 
 HrtfFiltering::HrtfFiltering(HRTFFilterType type, bool needed) : filterType(type), needToProcessITD(needed) {
     if (type == biquadFilters) {
@@ -119,26 +120,59 @@ void HrtfFiltering::Process(float* output, float* input, unsigned long numSample
     std::fill_n(output, numSamples, 0.0f);
 }
 
+/// Whether a kernel can read and filter a block, which then begins.
+bool HrtfFiltering::SuitsKernel() {
+    if (filterType != biquadFilters || !needToProcessITD || !delay.IsAllpass() || numStages == 0 ||
+        numStages > kernels::maxCascadeStages)
+        return false;
+    biquads.update();
+    const auto fade = biquads.FindFade();
+    return biquads.Incoming().IsInSeries() && (!fade || fade->outgoing->IsInSeries());
+}
+
 void HrtfFiltering::ProcessSeveral(std::span<Job const> jobs, unsigned long numSamples) {
-    const auto delaySome = [numSamples](auto some) { ProcessDelays(some, static_cast<int>(numSamples)); };
-    const auto filterSome = [numSamples](auto some) { FilterCascades(some, numSamples); };
-    orvandsp::Batch<DelayJob, decltype(delaySome)> delays(delaySome);
-    orvandsp::Batch<CascadeJob, decltype(filterSome)> cascades(filterSome);
+    if (jobs.empty()) return;
+    orvandsp::FlushDenormals();
+    const unsigned int alike = jobs.front().way->numStages;
+    const auto runSteady = [=](std::span<kernels::EarJob const> ears) {
+        kernels::Get().ears(ears.data(), ears.size(), alike, numSamples, false);
+    };
+    const auto runFading = [=](std::span<kernels::EarJob const> ears) {
+        kernels::Get().ears(ears.data(), ears.size(), alike, numSamples, true);
+    };
+    orvandsp::Batch<kernels::EarJob, decltype(runSteady)> steady(runSteady);
+    orvandsp::Batch<kernels::EarJob, decltype(runFading)> fading(runFading);
     for (auto const& [way, output, input] : jobs) {
-        if (way->filterType != biquadFilters)
+        if (way->numStages != alike || !way->SuitsKernel()) {
             way->Process(output, input, numSamples);
-        else if (way->needToProcessITD)
-            delays.Add({&way->delay, way->delayedInput.data(), input});
+            continue;
+        }
+        Delay& delay = way->delay;
+        const int count = static_cast<int>(numSamples);
+        delay.tapIn(input, count, 0);
+        const auto make = [way = way, output = output, count](kernels::EarJob& job) {
+            way->delay.GetGlidingHead(job.head, count);
+            job.cascade = way->biquads.Incoming().GetKernelForm(0);
+            job.output = output;
+        };
+        if (const auto fade = way->biquads.FindFade())
+            fading.AddNew([&](kernels::EarJob& job) {
+                make(job);
+                job.former = fade->outgoing->GetKernelForm(0);
+                job.gain = fade->gain;
+                job.formerGain = fade->outgoingGain;
+                job.step = fade->step;
+                job.formerStep = fade->outgoingStep;
+                job.remaining = fade->remaining;
+            });
+        else
+            steady.AddNew(make);
+        delay.AdvanceWritePosition(count);
+        delay.ExpectBlock(count, 0);
+        way->biquads.FinishBlock(numSamples);
     }
-    delays.Finish();
-    for (auto const& [way, output, input] : jobs)
-        if (way->filterType == biquadFilters)
-            way->biquads.BeginBlock(output, way->needToProcessITD ? way->delayedInput.data() : input, numSamples,
-                                    cascades);
-    cascades.Finish();
-    orvandsp::FadeGains gains;
-    for (auto const& [way, output, input] : jobs)
-        if (way->filterType == biquadFilters) way->biquads.FinishBlock(output, numSamples, gains);
+    steady.Finish();
+    fading.Finish();
 }
 
 void HrtfFiltering::Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) {

@@ -58,7 +58,8 @@ public:
     void Process(float* output, float* input, unsigned long numSamples);
     /// A way and its block; output may be input.
     struct Job;
-    /// Runs several ways: what Process of each does, biquads many at a time. Real-time safe.
+    /// Runs several ways: what Process of each does, delays with biquads many at a time. No output may be the input of
+    /// another way. Real-time safe.
     static void ProcessSeveral(std::span<Job const> jobs, unsigned long numSamples);
     /// Process on channel 0. When it isn't active its output is cleared, and delay and filter stand still.
     void Process(float** outputs, float** inputs, unsigned long numSamples, short const* activeInputs) override;
@@ -67,6 +68,7 @@ public:
     void Clear() override;
 
 private:
+    bool SuitsKernel();
     void PrepareBiquads();
     void PrepareFir() { fir.SetOrder(firOrder); }
 

@@ -71,8 +71,8 @@ struct LateMix {
     float clusterGain, inGain, outGain, lateGain;
 };
 
-/// An allpass head whose delay runs along a ramp.
-struct GlideJob {
+/// An allpass head whose delay runs along a ramp, or stands still where the ramp has ended.
+struct GlidingHead {
     float const* ring;  // with one guard cell behind its end
     int mask;
     float base;      // position of the writer [samples]
@@ -80,16 +80,37 @@ struct GlideJob {
     int* remaining;  // samples until it stands still, counted down
     float increment;
     float* state;  // previous output
+};
+
+/// A head that is on the move when the block begins.
+struct GlideJob {
+    GlidingHead head;
     float* output;
 };
 
 /// A chain of second-order sections, each taking what the one before it gives: gain, then for each stage
 /// y = b2 x2 + b1 x1 + (-a1) y1 + (-a2) y2 + x.
-struct CascadeJob {
+struct Cascade {
     float gain;
     float const* taps;  // b1, b2, -a1, -a2 of each stage
     float* memory;      // x1, x2, y1, y2 of each stage, where the x of a stage are the y of the one before it
+};
+
+struct CascadeJob {
+    Cascade cascade;
     float const* input;
+    float* output;
+};
+
+/// What an ear hears of a source: a delay, and behind it a cascade, to which another one may be fading over.
+struct EarJob {
+    GlidingHead head;
+    Cascade cascade;
+    Cascade former;
+    float* gain;        // of the cascade, moved on
+    float* formerGain;  // likewise
+    float step, formerStep;
+    int remaining;  // samples of the fade; behind them the cascade is heard alone
     float* output;
 };
 constexpr std::size_t maxCascadeStages = 8;
@@ -135,6 +156,9 @@ struct Kernels {
     void (*glides)(GlideJob const* jobs, std::size_t numJobs, std::size_t numSamples);
     /// Of cascades with one number of stages, 1 to maxCascadeStages.
     void (*cascades)(CascadeJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples);
+    /// Of cascades with one number of stages.
+    /// @param fading  all of them or none
+    void (*ears)(EarJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples, bool fading);
 
     /// @param rows  room for whole registers of ramps
     void (*gainRamps)(GainRamps const& ramps, std::size_t numRamps, GainSection const& section, float* rows,

@@ -22,12 +22,25 @@ using LaneInts [[gnu::vector_size(numLanes * sizeof(float))]] = std::int32_t;
 using Four [[gnu::vector_size(4 * sizeof(float))]] = float;
 
 inline bool AllZero(LaneInts value) noexcept {
-    using Words [[gnu::vector_size(numLanes * sizeof(float))]] = std::int64_t;
-    Words words;
-    __builtin_memcpy(&words, &value, sizeof words);
-    std::int64_t bits = 0;
-    for (std::size_t i = 0; i < numLanes / 2; ++i) bits |= words[i];
-    return bits == 0;
+    // Halves upon each other: element by element the compiler moves each through a register of its own.
+#if ORVAN_KERNEL_LANES == 16
+    const auto eight = __builtin_shufflevector(value, value, 0, 1, 2, 3, 4, 5, 6, 7) |
+                       __builtin_shufflevector(value, value, 8, 9, 10, 11, 12, 13, 14, 15);
+#elif ORVAN_KERNEL_LANES == 8
+    const auto eight = value;
+#endif
+#if ORVAN_KERNEL_LANES == 4
+    const auto four = value;
+#else
+    const auto four =
+        __builtin_shufflevector(eight, eight, 0, 1, 2, 3) | __builtin_shufflevector(eight, eight, 4, 5, 6, 7);
+#endif
+    std::int64_t words[2];
+    __builtin_memcpy(words, &four, sizeof words);
+    return (words[0] | words[1]) == 0;
+}
+inline bool AllNegative(LaneInts value) noexcept {
+    return AllZero(~value >> 31);
 }
 
 /// numLanes samples in a row.
@@ -136,6 +149,26 @@ inline void StoreRow(float* const* arrays, std::size_t row, std::size_t first, L
     StoreFour(arrays[4 + row] + first, __builtin_shufflevector(value, value, 4, 5, 6, 7));
     StoreFour(arrays[8 + row] + first, __builtin_shufflevector(value, value, 8, 9, 10, 11));
     StoreFour(arrays[12 + row] + first, __builtin_shufflevector(value, value, 12, 13, 14, 15));
+#endif
+}
+
+/// The upper half of the lanes in both halves, and the lower one.
+inline Lanes UpperInBoth(Lanes value) noexcept {
+#if ORVAN_KERNEL_LANES == 4
+    return __builtin_shufflevector(value, value, 2, 3, 2, 3);
+#elif ORVAN_KERNEL_LANES == 8
+    return __builtin_shufflevector(value, value, 4, 5, 6, 7, 4, 5, 6, 7);
+#else
+    return __builtin_shufflevector(value, value, 8, 9, 10, 11, 12, 13, 14, 15, 8, 9, 10, 11, 12, 13, 14, 15);
+#endif
+}
+inline Lanes LowerInBoth(Lanes value) noexcept {
+#if ORVAN_KERNEL_LANES == 4
+    return __builtin_shufflevector(value, value, 0, 1, 0, 1);
+#elif ORVAN_KERNEL_LANES == 8
+    return __builtin_shufflevector(value, value, 0, 1, 2, 3, 0, 1, 2, 3);
+#else
+    return __builtin_shufflevector(value, value, 0, 1, 2, 3, 4, 5, 6, 7, 0, 1, 2, 3, 4, 5, 6, 7);
 #endif
 }
 
@@ -322,6 +355,15 @@ template <typename Job>
 struct Group {
     Group(Job const* jobs, std::size_t numJobs) noexcept {
         for (std::size_t lane = 0; lane < numLanes; ++lane) job[lane] = &jobs[Least(lane, numJobs - 1)];
+    }
+    /// A part of each job of another group.
+    template <typename Whole>
+    Group(Group<Whole> const& group, Job Whole::*part) noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) job[lane] = &(group[lane].*part);
+    }
+    /// Takes half of the jobs of another group, from a lane on.
+    void TakeUpperHalf(Group const& others, std::size_t from) noexcept {
+        for (std::size_t lane = 0; lane < numLanes / 2; ++lane) job[numLanes / 2 + lane] = others.job[from + lane];
     }
     Job const& operator[](std::size_t lane) const noexcept { return *job[lane]; }
     Job const* job[numLanes];

@@ -300,96 +300,171 @@ void MixLate(LateMix const& mix, std::size_t numChannels, std::size_t numSamples
         MixGroup(mix, first, Least(numLanes, numChannels - first), numSamples);
 }
 
-/// Allpass heads on the move: for each sample the place between two neighbours, and from that the coefficient.
+/// Samples of numLanes channels one after the other, in which several filters work without moving them in and out.
+constexpr std::size_t maxFrames = 64;
+
+/// Calls run(first, number) for parts of a block that frames hold.
+template <typename Run>
+inline void ForEachPart(std::size_t numSamples, Run run) noexcept {
+    for (std::size_t first = 0; first < numSamples; first += maxFrames)
+        run(first, Least(maxFrames, numSamples - first));
+}
+
+inline void LoadAllFrames(Lanes (&frames)[maxFrames], float const* const* inputs, std::size_t first,
+                          std::size_t number) noexcept {
+    std::size_t k = 0;
+    for (; k + 4 <= number; k += 4) {
+        Lanes some[4];
+        LoadFrames(some, inputs, first + k);
+        for (std::size_t i = 0; i < 4; ++i) frames[k + i] = some[i];
+    }
+    for (; k < number; ++k) frames[k] = LoadFrame(inputs, first + k);
+}
+inline void StoreAllFrames(float* const* outputs, std::size_t first, std::size_t number,
+                           Lanes const (&frames)[maxFrames]) noexcept {
+    std::size_t k = 0;
+    for (; k + 4 <= number; k += 4) {
+        Lanes some[4] = {frames[k], frames[k + 1], frames[k + 2], frames[k + 3]};
+        StoreFrames(outputs, first + k, some);
+    }
+    for (; k < number; ++k) StoreFrame(outputs, first + k, frames[k]);
+}
+
+/// Allpass heads on the move: for each sample the place between two neighbours, and from that the coefficient. Some may
+/// stand still.
 struct GlideLanes {
-    explicit GlideLanes(Group<GlideJob> const& jobs, std::int32_t numSamples) noexcept {
+    GlideLanes(Group<GlidingHead> const& heads, std::size_t numSamples) noexcept {
+        const auto count = static_cast<float>(numSamples);
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
-            GlideJob const& job = jobs[lane];
-            ring[lane] = job.ring;
-            base[lane] = job.base;
-            delay[lane] = *job.delay;
-            increment[lane] = job.increment;
-            remaining[lane] = *job.remaining;
-            mask[lane] = job.mask;
-            state[lane] = *job.state;
-            // Far from what a whole number holds, and on the move to the end of the block.
-            const float way = static_cast<float>(numSamples) * job.increment;
-            if (!(job.base - *job.delay > -limit && job.base - *job.delay < limit && way > -limit && way < limit &&
-                  numSamples <= *job.remaining))
+            GlidingHead const& head = heads[lane];
+            ring[lane] = head.ring;
+            base[lane] = head.base;
+            delay[lane] = *head.delay;
+            increment[lane] = head.increment;
+            remaining[lane] = *head.remaining;
+            mask[lane] = head.mask;
+            state[lane] = *head.state;
+            // Where samples have whole numbers that are exact, and on the move to the end of the block.
+            const float way = count * head.increment;
+            const float begin = head.base - *head.delay;
+            const bool moves = *head.remaining > 0;
+            if (!(begin > -limit && begin < limit && count < limit) ||
+                (moves && !(way > -limit && way < limit && static_cast<std::int32_t>(numSamples) <= *head.remaining)))
                 plain = false;
+            if (!moves) increment[lane] = 0.0f;
+        }
+        const Places places = Split(base + __builtin_convertvector(mask + 1, Lanes) - delay);
+        stands = remaining <= 0;
+        standing = places.fraction;
+        standingIndex = places.index;
+    }
+
+    /// Reads samples, of which the first one has this number in the block.
+    void Read(std::int32_t first, std::int32_t number, Lanes (&frames)[maxFrames]) noexcept {
+        for (std::int32_t k = 0; k < number;) {
+            const std::int32_t end = plain ? ReadRow(first, k, number, frames) : k;
+            if (end == k) frames[k] = ReadOne(first + k);
+            k = end == k ? k + 1 : end;
         }
     }
 
-    /// Four samples, the first of which has this number in the block.
-    void Read(std::int32_t first, Lanes (&frames)[4]) noexcept {
-        Lanes fractions[4];
-        LaneInts indices[4];
-        LaneInts jumps{};
-        for (std::int32_t i = 0; i < 4; ++i) {
-            Place(first + i, indices[i], fractions[i]);
-            jumps |= indices[i] ^ (indices[0] + i);
-        }
-        if (AllZero(jumps)) {
-            // Each head reads five samples in a row, as most do most of the time.
-            float const* at[numLanes];
-            for (std::size_t lane = 0; lane < numLanes; ++lane) at[lane] = ring[lane] + indices[0][lane];
-            Lanes newer[4];
-            LoadFrames(frames, at, 0);
-            LoadFrames(newer, at, 1);
-            for (std::int32_t i = 0; i < 4; ++i) frames[i] = Next(fractions[i], frames[i], newer[i]);
-        } else {
-            for (std::int32_t i = 0; i < 4; ++i) frames[i] = ReadAt(indices[i], fractions[i]);
-        }
-    }
-    Lanes Read(std::int32_t sample) noexcept {
-        LaneInts index;
-        Lanes fraction;
-        Place(sample, index, fraction);
-        return ReadAt(index, fraction);
-    }
-
-    void Keep(Group<GlideJob> const& jobs, std::int32_t numSamples) const noexcept {
+    void Keep(Group<GlidingHead> const& heads, std::size_t numSamples) const noexcept {
+        const auto count = static_cast<std::int32_t>(numSamples);
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
-            GlideJob const& job = jobs[lane];
-            *job.delay = delay[lane];
+            GlidingHead const& head = heads[lane];
+            *head.delay = delay[lane];
             // Only once: a job may be there in several lanes.
-            *job.remaining = remaining[lane] > numSamples ? remaining[lane] - numSamples
-                                                          : (remaining[lane] < 0 ? remaining[lane] : 0);
-            *job.state = state[lane];
+            *head.remaining =
+                remaining[lane] > count ? remaining[lane] - count : (remaining[lane] < 0 ? remaining[lane] : 0);
+            *head.state = state[lane];
         }
     }
 
 private:
-    static constexpr float limit = 268435456.0f;
+    static constexpr float limit = 4194304.0f;
 
-    /// The older neighbour's index in the ring, and how far behind it the sample lies; moves on.
-    void Place(std::int32_t sample, LaneInts& index, Lanes& fraction) noexcept {
-        Lanes position = base - delay + static_cast<float>(sample);
-        if (plain) {
-            delay += increment;
-        } else {
-            position = Bounded(position);
-            delay = remaining > sample ? delay + increment : delay;
-        }
-        const Places places = SplitBounded(position);
-        index = places.index & mask;
-        fraction = places.fraction;
+    /// Where a sample is read.
+    Places Place(std::int32_t sample) const noexcept {
+        const Places places = Split(base - delay + static_cast<float>(sample));
+        return {stands ? standingIndex + sample : places.index, stands ? standing : places.fraction};
     }
-    Lanes ReadAt(LaneInts index, Lanes fraction) noexcept {
+
+    Lanes ReadOne(std::int32_t sample) noexcept {
+        const auto [index, fraction] = Place(sample);
+        delay = remaining > sample ? delay + increment : delay;
         float const* at[numLanes];
-        for (std::size_t lane = 0; lane < numLanes; ++lane) at[lane] = ring[lane] + index[lane];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) at[lane] = ring[lane] + (index[lane] & mask[lane]);
         Lanes older, newer;
         LoadNeighbours(at, older, newer);
-        return Next(fraction, older, newer);
-    }
-    Lanes Next(Lanes fraction, Lanes older, Lanes newer) noexcept {
         state = AllpassCoefficient(fraction) * (newer - state) + older;
         return state;
+    }
+
+    /// Reads as long as each head comes to the next sample of its ring each time, as most do in most blocks.
+    /// @param k  frame to begin with
+    /// @return the frame behind the last one
+    std::int32_t ReadRow(std::int32_t first, std::int32_t k, std::int32_t number, Lanes (&frames)[maxFrames]) noexcept {
+        const LaneInts wholes = Place(first + k).index;
+        const LaneInts index = wholes & mask;
+        const Lanes begin = __builtin_convertvector(wholes - (first + k), Lanes);
+        Lanes older{};
+        float const* newer[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            const std::int32_t endOfRing = k + mask[lane] + 1 - index[lane];
+            number = endOfRing < number ? endOfRing : number;
+            older[lane] = ring[lane][index[lane]];
+            newer[lane] = ring[lane] + index[lane] + 1 - k;
+        }
+        // Copies, so that they stay in registers.
+        const Lanes from = base, step = increment, standingFraction = standing;
+        const LaneInts isStanding = stands;
+        Lanes behind = delay, last = state;
+        for (bool stays = true; stays && k < number;) {
+            Lanes fractions[4], delays[5];
+            LaneInts inRow[4];
+            delays[0] = behind;
+            for (std::int32_t i = 0; i < 4; ++i) {
+                const Lanes sample = Lanes{} + static_cast<float>(first + k + i);
+                const Lanes fraction = from - delays[i] + sample - (begin + sample);
+                fractions[i] = isStanding ? standingFraction : fraction;
+                delays[i + 1] = delays[i] + step;
+                // From 0 to below 1 both of these are below 0, elsewhere one of them isn't.
+                constexpr std::int32_t one = 0x3f800000;
+                LaneInts bits;
+                __builtin_memcpy(&bits, &fractions[i], sizeof bits);
+                inRow[i] = (bits - one) & ~bits;
+            }
+            Lanes row[4];
+            LoadFrames(row, newer, static_cast<std::size_t>(k));
+            const auto next = [&](std::int32_t i) {
+                last = AllpassCoefficient(fractions[i]) * (row[i] - last) + older;
+                older = row[i];
+                frames[k + i] = last;
+            };
+            stays = k + 4 <= number && AllNegative(inRow[0] & inRow[1] & inRow[2] & inRow[3]);
+            if (stays) {
+                for (std::int32_t i = 0; i < 4; ++i) next(i);
+                behind = delays[4];
+                k += 4;
+            } else {
+                // Those that come before the end, or before a head leaves its row.
+                std::int32_t i = 0;
+                for (; k + i < number && i < 4 && AllNegative(inRow[i]); ++i) next(i);
+                behind = delays[i];
+                k += i;
+            }
+        }
+        delay = behind;
+        state = last;
+        return k;
     }
 
     float const* ring[numLanes];
     Lanes base{}, delay{}, increment{}, state{};
     LaneInts remaining{}, mask{};
+    LaneInts stands{};  // all bits
+    Lanes standing{};   // fraction of a head that stands still
+    LaneInts standingIndex{};
     bool plain = true;
 };
 
@@ -398,33 +473,30 @@ void Glides(GlideJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
     if (FitsNarrower(numJobs) || numLanes == 16) return narrower->glides(jobs, numJobs, numSamples);
     ForEachGroup(jobs, numJobs, [=](GlideJob const* some, std::size_t number) {
         const Group<GlideJob> group(some, number);
-        const auto count = static_cast<std::int32_t>(numSamples);
-        GlideLanes glide(group, count);
+        const Group<GlidingHead> heads(group, &GlideJob::head);
+        GlideLanes glide(heads, numSamples);
         float* outputs[numLanes];
         for (std::size_t lane = 0; lane < numLanes; ++lane) outputs[lane] = group[lane].output;
-        std::int32_t k = 0;
-        for (; k + 4 <= count; k += 4) {
-            Lanes frames[4];
-            glide.Read(k, frames);
-            StoreFrames(outputs, static_cast<std::size_t>(k), frames);
-        }
-        for (; k < count; ++k) StoreFrame(outputs, static_cast<std::size_t>(k), glide.Read(k));
-        glide.Keep(group, count);
+        ForEachPart(numSamples, [&](std::size_t first, std::size_t count) {
+            Lanes frames[maxFrames];
+            glide.Read(static_cast<std::int32_t>(first), static_cast<std::int32_t>(count), frames);
+            StoreAllFrames(outputs, first, count, frames);
+        });
+        glide.Keep(heads, numSamples);
     });
 }
 
-/// N stages in a row. The inputs that a stage remembers are the outputs that the one before it remembers.
-template <std::size_t N>
-struct CascadeLanes : Immediate {
-    explicit CascadeLanes(Group<CascadeJob> const& jobs) noexcept {
+/// Cascades of numLanes channels. The inputs that a stage remembers are the outputs that the one before it remembers.
+struct CascadeLanes {
+    CascadeLanes(Group<Cascade> const& cascades, std::size_t number) noexcept : numStages(number) {
         float const* tapsOf[numLanes];
         float const* memoryOf[numLanes];
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
-            gain[lane] = jobs[lane].gain;
-            tapsOf[lane] = jobs[lane].taps;
-            memoryOf[lane] = jobs[lane].memory;
+            gain[lane] = cascades[lane].gain;
+            tapsOf[lane] = cascades[lane].taps;
+            memoryOf[lane] = cascades[lane].memory;
         }
-        for (std::size_t i = 0; i < N; ++i) {
+        for (std::size_t i = 0; i < numStages; ++i) {
             LoadFrames(taps[i], tapsOf, 4 * i);
             Lanes memory[4];  // x1, x2, y1, y2
             LoadFrames(memory, memoryOf, 4 * i);
@@ -434,53 +506,149 @@ struct CascadeLanes : Immediate {
             beforeThat[i + 1] = memory[3];
         }
     }
-    Lanes operator()(Lanes x) noexcept {
-        Lanes v = x * gain;
-        for (std::size_t i = 0; i < N; ++i) {
-            const Lanes y = taps[i][1] * beforeThat[i] + taps[i][0] * before[i] + taps[i][2] * before[i + 1] +
-                            taps[i][3] * beforeThat[i + 1] + v;
-            beforeThat[i] = before[i];
-            before[i] = v;
-            v = y;
-        }
-        beforeThat[N] = before[N];
-        before[N] = v;
-        return v;
+    /// Filters frames; outputs may be inputs.
+    void Run(Lanes* outputs, Lanes const* inputs, std::size_t number) noexcept {
+        constexpr void (*run[maxCascadeStages])(CascadeLanes&, Lanes*, Lanes const*, std::size_t) noexcept = {
+            RunStages<1>, RunStages<2>, RunStages<3>, RunStages<4>,
+            RunStages<5>, RunStages<6>, RunStages<7>, RunStages<8>};
+        run[numStages - 1](*this, outputs, inputs, number);
     }
-    void Keep(Group<CascadeJob> const& jobs) const noexcept {
+    void Keep(Group<Cascade> const& cascades) const noexcept {
         float* memoryOf[numLanes];
-        for (std::size_t lane = 0; lane < numLanes; ++lane) memoryOf[lane] = jobs[lane].memory;
-        for (std::size_t i = 0; i < N; ++i) {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) memoryOf[lane] = cascades[lane].memory;
+        for (std::size_t i = 0; i < numStages; ++i) {
             Lanes memory[4] = {before[i], beforeThat[i], before[i + 1], beforeThat[i + 1]};
             StoreFrames(memoryOf, 4 * i, memory);
         }
     }
+
+private:
+    template <std::size_t N>
+    static void RunStages(CascadeLanes& kept, Lanes* outputs, Lanes const* inputs, std::size_t number) noexcept {
+        // Copies, so that they stay in registers.
+        const Lanes gain = kept.gain;
+        Lanes taps[N][4], before[N + 1], beforeThat[N + 1];
+        for (std::size_t i = 0; i < N; ++i)
+            for (std::size_t j = 0; j < 4; ++j) taps[i][j] = kept.taps[i][j];
+        for (std::size_t i = 0; i <= N; ++i) {
+            before[i] = kept.before[i];
+            beforeThat[i] = kept.beforeThat[i];
+        }
+#pragma GCC unroll 4
+        for (std::size_t k = 0; k < number; ++k) {
+            Lanes v = inputs[k] * gain;
+            for (std::size_t i = 0; i < N; ++i) {
+                const Lanes y = taps[i][1] * beforeThat[i] + taps[i][0] * before[i] + taps[i][2] * before[i + 1] +
+                                taps[i][3] * beforeThat[i + 1] + v;
+                beforeThat[i] = before[i];
+                before[i] = v;
+                v = y;
+            }
+            beforeThat[N] = before[N];
+            before[N] = v;
+            outputs[k] = v;
+        }
+        for (std::size_t i = 0; i <= N; ++i) {
+            kept.before[i] = before[i];
+            kept.beforeThat[i] = beforeThat[i];
+        }
+    }
+
+    std::size_t numStages;
     Lanes gain{};
-    Lanes taps[N][4];         // b1, b2, -a1, -a2
-    Lanes before[N + 1];      // input of the first stage, then the output of each
-    Lanes beforeThat[N + 1];  // one sample older
+    Lanes taps[maxCascadeStages][4];         // b1, b2, -a1, -a2
+    Lanes before[maxCascadeStages + 1];      // input of the first stage, then the output of each
+    Lanes beforeThat[maxCascadeStages + 1];  // one sample older
 };
 
-template <std::size_t N>
-void RunCascades(CascadeJob const* jobs, std::size_t numJobs, std::size_t numSamples) {
+void Cascades(CascadeJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples) {
+    if (FitsNarrower(numJobs)) return narrower->cascades(jobs, numJobs, numStages, numSamples);
     ForEachGroup(jobs, numJobs, [=](CascadeJob const* some, std::size_t number) {
         const Group<CascadeJob> group(some, number);
+        const Group<Cascade> cascades(group, &CascadeJob::cascade);
+        CascadeLanes filter(cascades, numStages);
         float* outputs[numLanes];
         float const* inputs[numLanes];
         for (std::size_t lane = 0; lane < numLanes; ++lane) {
             outputs[lane] = group[lane].output;
             inputs[lane] = group[lane].input;
         }
-        RunLanes(outputs, inputs, numSamples, CascadeLanes<N>(group)).Keep(group);
+        ForEachPart(numSamples, [&](std::size_t first, std::size_t count) {
+            Lanes frames[maxFrames];
+            LoadAllFrames(frames, inputs, first, count);
+            filter.Run(frames, frames, count);
+            StoreAllFrames(outputs, first, count, frames);
+        });
+        filter.Keep(cascades);
     });
 }
 
-void Cascades(CascadeJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples) {
-    if (FitsNarrower(numJobs)) return narrower->cascades(jobs, numJobs, numStages, numSamples);
-    constexpr void (*run[maxCascadeStages])(CascadeJob const*, std::size_t, std::size_t) = {
-        RunCascades<1>, RunCascades<2>, RunCascades<3>, RunCascades<4>,
-        RunCascades<5>, RunCascades<6>, RunCascades<7>, RunCascades<8>};
-    run[numStages - 1](jobs, numJobs, numSamples);
+/// Fades over from former filters to others.
+struct FadeLanes {
+    FadeLanes() noexcept = default;
+    explicit FadeLanes(Group<EarJob> const& jobs) noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            gain[lane] = *jobs[lane].gain;
+            formerGain[lane] = *jobs[lane].formerGain;
+            step[lane] = jobs[lane].step;
+            formerStep[lane] = jobs[lane].formerStep;
+            remaining[lane] = jobs[lane].remaining;
+        }
+    }
+    Lanes operator()(Lanes x, Lanes former) noexcept {
+        const Lanes mixed = gain * x + formerGain * former;
+        const Lanes result = remaining > 0 ? mixed : x;
+        gain += step;
+        formerGain += formerStep;
+        remaining -= 1;
+        return result;
+    }
+    void Keep(Group<EarJob> const& jobs) const noexcept {
+        for (std::size_t lane = 0; lane < numLanes; ++lane) {
+            *jobs[lane].gain = gain[lane];
+            *jobs[lane].formerGain = formerGain[lane];
+        }
+    }
+    Lanes gain{}, formerGain{}, step{}, formerStep{};
+    LaneInts remaining{};
+};
+
+void Ears(EarJob const* jobs, std::size_t numJobs, std::size_t numStages, std::size_t numSamples, bool fading) {
+    // Former cascades have the upper lanes where twice as many of them take little more time.
+    if (FitsNarrower(fading && numLanes == 8 ? 2 * numJobs : numJobs))
+        return narrower->ears(jobs, numJobs, numStages, numSamples, fading);
+    ForEachGroup(jobs, numJobs, [=](EarJob const* some, std::size_t number) {
+        Group<EarJob> group(some, number);
+        const bool haveLanes = fading && 2 * number <= numLanes;
+        if (haveLanes) group.TakeUpperHalf(group, 0);
+        const Group<GlidingHead> heads(group, &EarJob::head);
+        Group<Cascade> cascades(group, &EarJob::cascade);
+        const Group<Cascade> formers(group, fading ? &EarJob::former : &EarJob::cascade);
+        if (haveLanes) cascades.TakeUpperHalf(formers, numLanes / 2);
+        GlideLanes glide(heads, numSamples);
+        CascadeLanes cascade(cascades, numStages);
+        // Else they run behind one another.
+        CascadeLanes former(formers, fading && !haveLanes ? numStages : 0);
+        FadeLanes fade;
+        if (fading) fade = FadeLanes(group);
+        float* outputs[numLanes];
+        for (std::size_t lane = 0; lane < numLanes; ++lane) outputs[lane] = group[lane].output;
+        ForEachPart(numSamples, [&](std::size_t first, std::size_t count) {
+            Lanes frames[maxFrames];
+            glide.Read(static_cast<std::int32_t>(first), static_cast<std::int32_t>(count), frames);
+            Lanes formerFrames[maxFrames];
+            if (fading && !haveLanes) former.Run(formerFrames, frames, count);
+            cascade.Run(frames, frames, count);
+            for (std::size_t k = 0; fading && k < count; ++k)
+                frames[k] =
+                    haveLanes ? LowerInBoth(fade(frames[k], UpperInBoth(frames[k]))) : fade(frames[k], formerFrames[k]);
+            StoreAllFrames(outputs, first, count, frames);
+        });
+        glide.Keep(heads, numSamples);
+        cascade.Keep(cascades);
+        former.Keep(formers);
+        if (fading) fade.Keep(group);
+    });
 }
 
 }  // namespace

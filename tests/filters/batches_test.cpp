@@ -9,6 +9,7 @@
 #include "filters/multi_delay.h"
 #include "filters/multi_faded_hl_shelf.h"
 #include "filters/multi_hl_shelf.h"
+#include "hrtf/hrtf_filtering.h"
 #include "kernels/kernels.h"
 #include "reverb/cluster.h"
 #include "reverb/reverb.h"
@@ -142,6 +143,44 @@ TEST(Batches, BanksGiveTheBitsOfTheirChannels) {
                 SCOPED_TRACE(b);
                 ExpectSameBits(expected[b].data, actual[b].data);
             }
+        }
+    }
+}
+
+// Ways to ears, FIR filters, some without a delay and some with fewer stages among them. Sets and delays change while
+// sound runs, slowly and fast, so that fades and glides begin and end within blocks among ways that stand still, and
+// heads leave rows of samples. Red if a way gets another's delay, buffer or memory, or if one that is repeated to fill
+// the lanes fades twice.
+TEST(Batches, EarsGiveTheBitsOfOne) {
+    using Lume::HrtfFiltering;
+    for (const std::size_t n : {1u, 4u, 5u, 8u, 13u, 21u, 40u}) {
+        std::vector<HrtfFiltering> alone, together;
+        for (std::vector<HrtfFiltering>* const ways : {&alone, &together})
+            for (std::size_t i = 0; i < n; ++i) {
+                HrtfFiltering& way = ways->emplace_back(i % 9 == 1 ? Lume::firFilter : Lume::biquadFilters, i % 9 != 3);
+                way.Configure(48000.0f, 128, true);
+                way.SetNumCoefficients(i % 9 == 4 ? 17 : 25);
+            }
+        for (unsigned int round = 0; round < 30; ++round) {
+            SCOPED_TRACE(testing::Message() << n << " ways, round " << round);
+            const std::vector<float> set = MakeNoise(round, 25, 0.3f);
+            for (std::vector<HrtfFiltering>* const ways : {&alone, &together})
+                for (std::size_t i = round % 3; i < n; i += 1 + round % 4) {
+                    HrtfFiltering& way = (*ways)[i];
+                    if (round % 5 < 2) way.SetCoefficients(set, false);
+                    way.SetInterpolationTime(round % 2 == 0 ? 3.0f : 40.0f);
+                    way.SetDelay(round % 7 == 0 ? 30.0f : 0.02f * static_cast<float>(i + round), round % 12 == 0);
+                }
+            Channels expected = Noise(round, n, totalLength), actual = expected;
+            InBlocks([&](std::size_t first, std::size_t length) {
+                std::vector<HrtfFiltering::Job> jobs;
+                for (std::size_t i = 0; i < n; ++i) {
+                    alone[i].Process(&expected[i][first], &expected[i][first], length);
+                    jobs.push_back({&together[i], &actual[i][first], &actual[i][first]});
+                }
+                HrtfFiltering::ProcessSeveral(jobs, length);
+            });
+            ASSERT_NO_FATAL_FAILURE(ExpectSameBits(expected.data, actual.data));
         }
     }
 }

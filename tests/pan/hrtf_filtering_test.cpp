@@ -8,41 +8,6 @@
 
 namespace {
 
-using Lume::HrtfFiltering;
-
-// Five ways, one of them an FIR filter and one without a delay; sets and delays change while sound runs, so that fades
-// begin and end among ways that stand still. Red if a way gets another's delay, buffer or memory, or if one that is
-// repeated to fill four lanes fades twice.
-TEST(HrtfFiltering, SeveralWaysGiveTheBitsOfOne) {
-    constexpr std::size_t numWays = 5;
-    constexpr unsigned int block = 64;
-    std::vector<HrtfFiltering> alone, together;
-    for (std::vector<HrtfFiltering>* const ways : {&alone, &together})
-        for (std::size_t i = 0; i < numWays; ++i) {
-            ways->emplace_back(i == 1 ? Lume::firFilter : Lume::biquadFilters, i != 3);
-            ways->back().Configure(48000.0f, block, true);
-            ways->back().SetNumCoefficients(25);
-        }
-    for (unsigned int round = 0; round < 60; ++round) {
-        const std::size_t changed = round * 7 % numWays;
-        const std::vector<float> set = MakeNoise(round, 25, 0.3f);
-        for (std::vector<HrtfFiltering>* const ways : {&alone, &together}) {
-            HrtfFiltering& way = (*ways)[changed];
-            if (round % 5 < 2) way.SetCoefficients(set, false);
-            if (round % 6 == 0) way.SetDelay(0.02f * static_cast<float>(round), round % 12 == 0);
-        }
-        SCOPED_TRACE(round);
-        const Channels expected = NoiseChannels(numWays, block, 100 * round), actual = expected;
-        std::vector<HrtfFiltering::Job> jobs;
-        for (std::size_t i = 0; i < numWays; ++i) {
-            alone[i].Process(expected.pointers[i], expected.pointers[i], block);
-            jobs.push_back({&together[i], actual.pointers[i], actual.pointers[i]});
-        }
-        HrtfFiltering::ProcessSeveral(jobs, block);
-        ExpectSameBits(expected.data, actual.data);
-    }
-}
-
 // Red if an FIR filter isn't a tap longer than its set (the length of its transform follows that), if a
 // shorter set leaves old values behind it, or if a delay acts that isn't wanted.
 TEST(HrtfFiltering, SetsAndDelays) {

@@ -1,9 +1,9 @@
 #include "pan/binaural/binaural_panning_direct.h"
 
-#include <algorithm>
+#include <utility>
 
-#include "dsp/batch.h"
 #include "dsp/constants.h"
+#include "kernels/kernels.h"
 
 namespace Lume {
 
@@ -18,7 +18,8 @@ void Scale(float* out, float const* in, unsigned long numSamples) {
 BinauralPanningDirect::BinauralPanningDirect(unsigned int numberOfInputs, unsigned int numberOfOutputs)
     : BinauralPanning(numberOfInputs, numberOfOutputs),
       hrtf(std::make_unique<Hrtf>("")),
-      earBuffers(orvandsp::kernels::maxLanes, 512) {
+      leftEars(numberOfInputs, buffersize),
+      rightEars(numberOfInputs, buffersize) {
     BinauralPanningDirect::SetNumInputs(numberOfInputs);
 }
 
@@ -30,6 +31,8 @@ void BinauralPanningDirect::SetNumInputs(unsigned int newNumInputs) {
         ear.Configure(samplerate, buffersize, false);
     };
     voices.Resize(newNumInputs, prepare, HrtfFiltering::DefaultHrtfFilterType, true);
+    leftEars.Resize(newNumInputs, buffersize);
+    rightEars.Resize(newNumInputs, buffersize);
 }
 
 bool BinauralPanningDirect::SetHrtf(std::unique_ptr<Hrtf> newHrtf) {
@@ -85,8 +88,8 @@ void BinauralPanningDirect::Process(float** outputs, float** inputs, unsigned lo
         return;
     }
     // Both ears read before either is written: an output may be the input.
-    const HrtfFiltering::Job ears[] = {{&voices[0].left, earBuffers.GetChannel(0), inputs[0]},
-                                       {&voices[0].right, earBuffers.GetChannel(1), inputs[0]}};
+    const HrtfFiltering::Job ears[] = {{&voices[0].left, leftEars.GetChannel(0), inputs[0]},
+                                       {&voices[0].right, rightEars.GetChannel(0), inputs[0]}};
     HrtfFiltering::ProcessSeveral(ears, numSamples);
     Scale(outputs[0], ears[0].output, numSamples);
     Scale(outputs[1], ears[1].output, numSamples);
@@ -94,27 +97,19 @@ void BinauralPanningDirect::Process(float** outputs, float** inputs, unsigned lo
 
 void BinauralPanningDirect::ProcessAdding(float** outputs, float** inputs, unsigned long numSamples,
                                           short const* activeInputs) {
-    const auto addSome = [=, this](std::span<HrtfFiltering::Job const> ears) {
-        HrtfFiltering::ProcessSeveral(ears, numSamples);
-        using orvandsp::kernels::MixTerm;
-        MixTerm terms[orvandsp::kernels::maxLanes];  // all left ears, all right ears
-        const std::size_t numSources = ears.size() / 2;
-        for (std::uint32_t i = 0; i < numSources; ++i) {
-            terms[i] = {2 * i, MixTerm::steady, orvandsp::sqrt2div2};
-            terms[numSources + i] = {2 * i + 1, MixTerm::steady, orvandsp::sqrt2div2};
-        }
-        const std::size_t ends[] = {numSources, 2 * numSources};
-        orvandsp::kernels::Get().mix(outputs, 0, 2, {earBuffers.GetChannels(), 0, nullptr}, terms, 0, ends, numSamples,
-                                     false);
-    };
-    orvandsp::Batch<HrtfFiltering::Job, decltype(addSome)> ears(addSome);
-    unsigned int buffer = 0;
+    HrtfFiltering::Job ways[2 * orvandsp::MaxNumChannels];
+    orvandsp::kernels::MixTerm terms[orvandsp::MaxNumChannels];
+    std::size_t numActive = 0;
     for (unsigned int i = 0; i < numInputs; ++i) {
         if (activeInputs[i] == 0) continue;
-        for (HrtfFiltering* const ear : {&voices[i].left, &voices[i].right})
-            ears.Add({ear, earBuffers.GetChannel(buffer++ % orvandsp::kernels::maxLanes), inputs[i]});
+        ways[2 * numActive] = {&voices[i].left, leftEars.GetChannel(i), inputs[i]};
+        ways[2 * numActive + 1] = {&voices[i].right, rightEars.GetChannel(i), inputs[i]};
+        terms[numActive++] = {i, orvandsp::kernels::MixTerm::steady, orvandsp::sqrt2div2};
     }
-    ears.Finish();
+    HrtfFiltering::ProcessSeveral({ways, 2 * numActive}, numSamples);
+    for (auto const& [output, ears] : {std::pair(outputs[0], &leftEars), std::pair(outputs[1], &rightEars)})
+        orvandsp::kernels::Get().mix(&output, 0, 1, {ears->GetChannels(), 0, nullptr}, terms, 0, &numActive, numSamples,
+                                     false);
 }
 
 void BinauralPanningDirect::SetSamplerate(float newSamplerate) {
@@ -124,7 +119,8 @@ void BinauralPanningDirect::SetSamplerate(float newSamplerate) {
 
 void BinauralPanningDirect::SetMaxBlockSize(unsigned int blockSize) {
     StoreMaxBlockSize(blockSize);
-    earBuffers.Resize(orvandsp::kernels::maxLanes, blockSize);
+    leftEars.Resize(numInputs, blockSize);
+    rightEars.Resize(numInputs, blockSize);
     voices.ForEach([=](HrtfFiltering& ear) { ear.SetMaxBlockSize(blockSize); });
 }
 

@@ -60,7 +60,8 @@ private:
     unsigned int numCoefficients = 25;  // per ear
     HRTFFilterType filterType = biquadFilters;
     EarPairs<HrtfFiltering> voices;
-    orvandsp::AudioBuffer earBuffers;  // left and right of the sources that are filtered at once
+    orvandsp::AudioBuffer leftEars;  // what each source gives them
+    orvandsp::AudioBuffer rightEars;
 };
 
 }  // namespace Lume
