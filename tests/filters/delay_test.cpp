@@ -7,6 +7,7 @@
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <random>
 #include <vector>
 
 #include "filters/tap_out.h"
@@ -251,6 +252,43 @@ TEST(Delay, EveryChangeOfSizeOrRateAddsTheMarginAndSilences) {
     EXPECT_EQ(delay.GetMaxDelay(), 25.0f);
     delay.SetMaxDelay(-1000.0f);
     EXPECT_EQ(delay.GetSize(), 1);
+}
+
+// A line that was cleared against one that never held anything, both read and written anyhow. Red if a head hears what
+// was there, on the move, at either end of the ring, or in cells that the writer left out.
+TEST(Delay, AClearedLineIsANewOne) {
+    std::mt19937 random(3);
+    const auto below = [&](unsigned int limit) { return static_cast<int>(random() % limit); };
+    const std::vector<float> noise = MakeNoise(1, 4096), silence(4096, 0.0f);
+    for (int round = 0; round < 300; ++round) {
+        const auto mode = static_cast<Delay::InterpolationMode>(below(10));
+        Delay cleared(10.0f, mode), fresh(10.0f, mode);
+        const int past = 1500 + below(2000);
+        for (int done = 0; done < past; done += 100) {
+            float out[100];
+            cleared.Process(out, const_cast<float*>(noise.data()) + done, 100);
+            fresh.Process(out, const_cast<float*>(silence.data()) + done, 100);
+        }
+        cleared.Clear();
+        for (int i = 0; i < 40; ++i) {
+            const int count = 1 + below(100), skipped = below(4) == 0 ? below(300) : 0;
+            const float ms = static_cast<float>(below(1000)) * 0.01f;
+            std::vector<float> in(noise.begin() + i, noise.begin() + i + count), delays(in.size(), 20.0f * ms);
+            std::vector<float> outs[2], each[2];
+            for (Delay* const line : {&cleared, &fresh}) {
+                std::vector<float>& out = outs[line == &fresh];
+                out.resize(in.size());
+                if (i % 8 == 0) line->SetDelay(ms, round % 2 == 0);
+                line->AdvanceWritePosition(skipped);
+                line->Process(out.data(), in.data(), count);
+                each[line == &fresh] = out;
+                float state = 0.0f;
+                if (i > 30) line->tapOut(each[line == &fresh].data(), delays.data(), count, mode, state);
+            }
+            ASSERT_EQ(outs[0], outs[1]) << "mode " << mode << ", round " << round << ", block " << i;
+            ASSERT_EQ(each[0], each[1]) << "mode " << mode << ", round " << round << ", block " << i;
+        }
+    }
 }
 
 TEST(Delay, ModesAreFoundByName) {
