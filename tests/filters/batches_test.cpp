@@ -116,6 +116,11 @@ TEST(Batches, BanksGiveTheBitsOfTheirChannels) {
                 delays.SetDelay(glides, 1.7f * static_cast<float>(round));
                 oneDelay[glides].SetDelay(1.7f * static_cast<float>(round), false);
             }
+            if (round == 5) {
+                std::vector<float> all(n, 4.2f);
+                delays.SetDelays(all.data());
+                for (Delay& delay : oneDelay) delay.SetDelay(4.2f, false);
+            }
             std::vector<short> active(n);
             for (short& flag : active) flag = random() % 4 != 0;
             const Channels signal = Noise(static_cast<std::uint32_t>(round), n, totalLength);
