@@ -79,7 +79,8 @@ void Delgen::recalc() {
     const float exponent = (1.0f / distribution - 1.0f) / (1.0f / meanPosition - 1.0f);
     if (bent.size() != positions.size() || exponent != bentBy) {
         bent.resize(positions.size());
-        std::ranges::transform(positions, bent.begin(), [exponent](float p) { return std::pow(p, exponent); });
+        std::transform(positions.begin(), positions.end(), bent.begin(),
+                       [exponent](float p) { return std::pow(p, exponent); });
         bentBy = exponent;
     }
     const float range = maximum - minimum;

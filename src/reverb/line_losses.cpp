@@ -74,7 +74,7 @@ void LineLosses::ChangeByDegrees(double limit) {
         trial.isKnown = !FailsAtZeroHertz(*trial.shelf, limit / trial.gainBefore);
         if (trial.isKnown) trial.gain = LargestGain(*trial.shelf) * trial.gainBefore;
     };
-    std::ranges::for_each(trials, judge);
+    for (Trial& trial : trials) judge(trial);
     for (Degree const& degree : degrees) {
         HLShelf const* neighbour = trials.front().shelf;
         for (Trial& trial : trials) {
