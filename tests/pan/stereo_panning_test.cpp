@@ -7,6 +7,7 @@
 #include "pan/panning_support.h"
 #include "pan/stereo/stereo_ab_panning.h"
 #include "pan/stereo/stereo_ms_panning.h"
+#include "pan/stereo/stereo_pair_panning.h"
 #include "pan/stereo/stereo_xy_panning.h"
 
 namespace {
@@ -34,6 +35,8 @@ TEST(StereoPanning, CoincidentPairsAreMicrophones) {
         }
     }
     EXPECT_EQ(GainsAt(ms, {}), (std::vector<float>{0.5f, 0.0f}));
+    Lume::StereoPairPanning pair(1, 2);  // which stands at 30 degrees until somebody places it
+    EXPECT_NEAR(GainsAt(pair, At(30.0))[0], 0.0f, 1e-6f);
 }
 
 // Red if a side is taken for the other, a delay isn't in milliseconds, a jump slides, or a slide jumps.
