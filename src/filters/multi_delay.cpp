@@ -23,7 +23,8 @@ void MultiDelay::Process(float** outputs, float** inputs, unsigned long numSampl
 bool MultiDelay::FindHeads(orvandsp::kernels::AllpassHead* heads, unsigned long numSamples) noexcept {
     return std::ranges::all_of(filters, [&heads, numSamples](auto const& delay) {
         const auto head = delay->FindBuiltInHead(static_cast<int>(numSamples));
-        if (head) *heads++ = *head;
+        // Field by field: a copy of the whole would be read wider than it was written just before, and wait for that.
+        if (head) *heads++ = {head->ring, head->size, head->position, head->state, head->first};
         return head.has_value();
     });
 }

@@ -285,24 +285,21 @@ inline void Butterflies(Lanes* v) noexcept {
 }
 
 /// Whole registers of samples.
+/// @param targets  of the mixed channels, in natural order
 /// @return the number of samples
-template <std::size_t N>
-std::size_t RunHadamard(float* const* outputs, float const* const* inputs, unsigned int const* order,
-                        std::size_t numChannels, float scale, std::size_t numSamples) {
-    constexpr std::size_t maxChannels = N == 4 ? 12 : N;
+template <std::size_t N, std::size_t numGroups = 1>
+std::size_t RunHadamard(float* const* targets, float const* const* inputs, float scale, std::size_t numSamples) {
+    constexpr std::size_t numChannels = N * numGroups;
     std::size_t k = 0;
     for (; k + numLanes <= numSamples; k += numLanes) {
         // Every channel of a sample is read before one is written: outputs may be inputs in any order.
-        Lanes mixed[maxChannels];
-        for (std::size_t first = 0; first < numChannels; first += N) {
-            Lanes v[N];
+        Lanes v[numChannels];
 #pragma GCC unroll 16
-            for (std::size_t c = 0; c < N; ++c) v[c] = Load(inputs[first + c] + k);
-            Butterflies<N>(v);
+        for (std::size_t c = 0; c < numChannels; ++c) v[c] = Load(inputs[c] + k);
+#pragma GCC unroll 4
+        for (std::size_t first = 0; first < numChannels; first += N) Butterflies<N>(v + first);
 #pragma GCC unroll 16
-            for (std::size_t c = 0; c < N; ++c) mixed[first + c] = v[c] * scale;
-        }
-        for (std::size_t c = 0; c < numChannels; ++c) Store(outputs[c] + k, mixed[order[c]]);
+        for (std::size_t c = 0; c < numChannels; ++c) Store(targets[c] + k, v[c] * scale);
     }
     return k;
 }
@@ -310,6 +307,8 @@ std::size_t RunHadamard(float* const* outputs, float const* const* inputs, unsig
 void Hadamard(float* const* outputs, float const* const* inputs, std::size_t groupSize, std::size_t numGroups,
               unsigned int const* order, float scale, std::size_t numSamples) {
     const std::size_t numChannels = groupSize * numGroups;
+    float* targets[64];
+    for (std::size_t c = 0; c < numChannels; ++c) targets[order[c]] = outputs[c];
     const auto runOf = [groupSize] {
         switch (groupSize) {
             case 1:
@@ -328,11 +327,15 @@ void Hadamard(float* const* outputs, float const* const* inputs, std::size_t gro
                 return RunHadamard<64>;
         }
     };
-    for (std::size_t k = runOf()(outputs, inputs, order, numChannels, scale, numSamples); k < numSamples; ++k) {
+    // Of several groups three of four are what is in use; others go sample by sample.
+    std::size_t k = 0;
+    if (numGroups == 1) k = runOf()(targets, inputs, scale, numSamples);
+    if (numGroups == 3 && groupSize == 4) k = RunHadamard<4, 3>(targets, inputs, scale, numSamples);
+    for (; k < numSamples; ++k) {
         float mixed[64];
         for (std::size_t c = 0; c < numChannels; ++c) mixed[c] = inputs[c][k];
         ButterfliesInLoops(mixed, numChannels, groupSize / 2, 1);
-        for (std::size_t c = 0; c < numChannels; ++c) outputs[c][k] = mixed[order[c]] * scale;
+        for (std::size_t c = 0; c < numChannels; ++c) targets[c][k] = mixed[c] * scale;
     }
 }
 
