@@ -199,17 +199,20 @@ void OrvanVerb::Process(float** outputs, float** inputs, unsigned long numSample
     SendToRoom(numSamples);
     // Early reflections that nothing of this block is in don't wait for the room's shelf, which then runs with theirs.
     const bool roomWaits = early->ReadsOnlyThePast(numSamples);
+    float* reflections[orvandsp::MaxNumChannels];
+    std::copy_n(earlyBus->GetChannels(), numInternals, reflections);
     if (roomWaits) {
-        early->ReadBlock(earlyBus->GetChannels(), numSamples);
+        early->FindBlock(reflections, numSamples);
     } else {
         roomLayer.shelf.Process(roomBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
-        early->Process(earlyBus->GetChannels(), roomBus->GetChannels(), numSamples, allActiveInputs);
+        early->Process(reflections, roomBus->GetChannels(), numSamples, allActiveInputs);
     }
-    MixLateLayer(numSamples, clusterGain * internalScale * ofRoom, reverbLayerGain * internalScale * ofRoom);
+    MixLateLayer(reflections, numSamples, clusterGain * internalScale * ofRoom,
+                 reverbLayerGain * internalScale * ofRoom);
 
     AudioBuffer(outputs, numOutputs, static_cast<unsigned int>(numSamples), 0).Clear();
     AddDirectLayer(outputs, numSamples, sourceScale * internalScale * directGain * ofDirect);
-    AddEarlyLayer(outputs, numSamples, earlyGain * internalScale * ofRoom, roomWaits);
+    AddEarlyLayer(outputs, reflections, numSamples, earlyGain * internalScale * ofRoom, roomWaits);
     diffusePan->ProcessAdding(outputs, lateMixBus->GetChannels(), numSamples, allActiveInputs);
 }
 
@@ -255,15 +258,20 @@ void OrvanVerb::AddDirectLayer(float** outputs, unsigned long numSamples, float 
 }
 
 /// @param roomWaits  the room's shelf, and with it the input of the early reflections, is still to be computed
-void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float gain, bool roomWaits) {
-    BlockOf(*earlyBus, numSamples).ApplyGains(earlyGains.data());
+void OrvanVerb::AddEarlyLayer(float** outputs, float** reflections, unsigned long numSamples, float gain,
+                              bool roomWaits) {
     // Even taps to the first virtual source, odd ones to the second.
     orvandsp::kernels::MixTerm shares[orvandsp::MaxNumChannels];
     const std::size_t ends[] = {(numInternals + 1) / 2, numInternals};
-    for (unsigned int c = 0; c < numInternals; ++c)
+    for (unsigned int c = 0; c < numInternals; ++c) {
         shares[c % 2 * ends[0] + c / 2] = {c, orvandsp::kernels::MixTerm::steady, gain};
-    orvandsp::kernels::Get().mix(earlyMixBus->GetChannels(), 0, 2, {earlyBus->GetChannels(), 0, nullptr}, shares, 0,
-                                 ends, numSamples, true);
+        // A gain of 0 silences, without a sign: zeros of its own sign, which the product loses.
+        if (earlyGains[c] != 0.0f) continue;
+        reflections[c] = earlyBus->GetChannel(c);
+        std::fill_n(reflections[c], numSamples, earlyGains[c]);
+    }
+    orvandsp::kernels::Get().mix(earlyMixBus->GetChannels(), 0, 2, {reflections, 0, nullptr, earlyGains.data()}, shares,
+                                 0, ends, numSamples, true);
     if (roomWaits) {
         MultiFadedHLShelf::ProcessBoth(roomLayer.shelf, roomBus->GetChannels(), earlyLayer.shelf,
                                        earlyMixBus->GetChannels(), numSamples);
@@ -275,9 +283,9 @@ void OrvanVerb::AddEarlyLayer(float** outputs, unsigned long numSamples, float g
 }
 
 /// The late field is added behind the cluster's shelf: its only shelf is that of the room.
-void OrvanVerb::MixLateLayer(unsigned long numSamples, float clusterScale, float reverbScale) {
-    if (MixLateLayerAtOnce(numSamples, clusterScale, reverbScale)) return;
-    cluster->Process(clusterBus->GetChannels(), earlyBus->GetChannels(), numSamples, allActiveInputs);
+void OrvanVerb::MixLateLayer(float** reflections, unsigned long numSamples, float clusterScale, float reverbScale) {
+    if (MixLateLayerAtOnce(reflections, numSamples, clusterScale, reverbScale)) return;
+    cluster->Process(clusterBus->GetChannels(), reflections, numSamples, allActiveInputs);
     reverb->Process(reverbBus->GetChannels(), clusterBus->GetChannels(), numSamples, allActiveInputs);
     AudioBuffer mixed = BlockOf(*lateMixBus, numSamples);
     mixed.CopyFrom(*clusterBus, clusterScale);
@@ -287,12 +295,13 @@ void OrvanVerb::MixLateLayer(unsigned long numSamples, float clusterScale, float
 
 /// The same bits in one pass, in which the processor works on one filter while another one waits for what it made last.
 /// @return false, and nothing has happened, while delays glide or the shelf fades
-bool OrvanVerb::MixLateLayerAtOnce(unsigned long numSamples, float clusterScale, float reverbScale) {
+bool OrvanVerb::MixLateLayerAtOnce(float** reflections, unsigned long numSamples, float clusterScale,
+                                   float reverbScale) {
     orvandsp::kernels::AllpassHead heads[orvandsp::MaxNumChannels];
     orvandsp::kernels::Shelf shelves[orvandsp::MaxNumChannels];
     if (!reverb->StandsStill() || !cluster->FindHeads(heads, numSamples) || !clusterLayer.shelf.FindFilters(shelves))
         return false;
-    cluster->WriteBlock(earlyBus->GetChannels(), numSamples);
+    cluster->WriteBlock(reflections, numSamples);
     reverb->ProcessMixed(lateMixBus->GetChannels(), {heads, shelves, clusterScale, reverbScale}, numSamples);
     cluster->FinishBlock(numSamples);
     return true;

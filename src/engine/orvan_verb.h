@@ -392,9 +392,9 @@ protected:
     void AddDirectLayer(float** outputs, unsigned long numSamples, float gain);
     void CrossfadeEars(float** outputs, unsigned long numSamples);
     void EndEarsCrossfade();
-    void AddEarlyLayer(float** outputs, unsigned long numSamples, float gain, bool roomWaits);
-    void MixLateLayer(unsigned long numSamples, float clusterScale, float reverbScale);
-    bool MixLateLayerAtOnce(unsigned long numSamples, float clusterScale, float reverbScale);
+    void AddEarlyLayer(float** outputs, float** reflections, unsigned long numSamples, float gain, bool roomWaits);
+    void MixLateLayer(float** reflections, unsigned long numSamples, float clusterScale, float reverbScale);
+    bool MixLateLayerAtOnce(float** reflections, unsigned long numSamples, float clusterScale, float reverbScale);
     void UpdateEarlyDelays();
     void UpdateEarlyGains();
     void UpdateClusterDelays();

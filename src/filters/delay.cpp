@@ -193,6 +193,13 @@ void Delay::tapOut(float* out, int count, float delaySamples, InterpolationMode 
     if (!interpolates) forEachRun([](float* to, float const* from, int length) { std::copy_n(from, length, to); });
 }
 
+float* Delay::FindTapped(Ramp const& ramp, int count) noexcept {
+    if (ramp.remaining > 0 || interpolationMode != nearest) return nullptr;
+    ExpectRead(ramp.current, ramp.current, count);
+    const int begin = interpolation::Nearest(PositionOf(ramp.current)) & mask;
+    return begin + count <= size ? Ring() + begin : nullptr;
+}
+
 void Delay::tapOut(float* out, unsigned int count, Ramp& ramp, InterpolationMode readMode, float& state) noexcept {
     if (ramp.remaining <= 0) {
         tapOut(out, static_cast<int>(count), ramp.current, interpolationMode, allpassState);

@@ -80,6 +80,10 @@ public:
     /// glides only (kept: quirks.md 3). Real-time safe.
     void tapOut(float* out, unsigned int count, orvandsp::Ramp& ramp, InterpolationMode mode, float& state) noexcept;
 
+    /// The cells that tapOut along this ramp would copy, if they lie in a row and the head neither moves nor
+    /// interpolates; otherwise null. They hold until the line is written or changes. Real-time safe.
+    float* FindTapped(orvandsp::Ramp const& ramp, int count) noexcept;
+
     /// Reads a block with a delay for each sample. A delay beyond the ring wraps around. Real-time safe.
     /// @param delaySamples  [samples], `count` values
     void tapOut(float* out, float* delaySamples, int count, InterpolationMode mode, float& state) noexcept;

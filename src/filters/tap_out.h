@@ -22,6 +22,9 @@ public:
         line->tapOut(out, count, delayRamp, interpolationMode, state);
     }
 
+    /// The cells of the line that Process would copy, as Delay::FindTapped has them.
+    float* FindTapped(unsigned int count) noexcept { return line->FindTapped(delayRamp, static_cast<int>(count)); }
+
     /// Whether Process would read with a head that stands still in the mode allpass, and for a block that head.
     bool StandsStill() const noexcept { return line->StandsStill(delayRamp); }
     std::optional<orvandsp::kernels::AllpassHead> FindAllpassHead(unsigned int count) noexcept {

@@ -143,8 +143,9 @@ struct MixTerm {
 
 struct MixSources {
     float const* const* inputs;
-    std::size_t first;   // sample of the inputs
-    float const* gains;  // rows
+    std::size_t first;           // sample of the inputs
+    float const* gains;          // rows
+    float const* own = nullptr;  // a gain of each input, to be applied ahead of that of the term; null: none
 };
 
 struct Kernels {

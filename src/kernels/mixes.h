@@ -195,7 +195,7 @@ void ComputeGainRamps(GainRamps const& ramps, std::size_t numRamps, GainSection 
 
 /// Mixes numRows registers of an output that begin at a sample; the output is touched once, however many terms there
 /// are. A sum that replaces what was there begins at -0, added to which every number stays what it is.
-template <std::size_t numRows>
+template <std::size_t numRows, bool hasOwn>
 inline void MixRows(float* output, MixSources const& sources, MixTerm const* terms, MixTerm const* end,
                     std::size_t first, bool replace) noexcept {
     Lanes sums[numRows];
@@ -204,33 +204,37 @@ inline void MixRows(float* output, MixSources const& sources, MixTerm const* ter
         sums[row] = replace ? -Lanes{} : Load(output + first + row * numLanes);
     for (MixTerm const* term = terms; term != end; ++term) {
         float const* const input = sources.inputs[term->input] + sources.first + first;
+        const auto load = [&](std::size_t row) {
+            return hasOwn ? Load(input + row * numLanes) * sources.own[term->input] : Load(input + row * numLanes);
+        };
         if (term->row == MixTerm::steady) {
 #pragma GCC unroll 4
-            for (std::size_t row = 0; row < numRows; ++row) sums[row] += Load(input + row * numLanes) * term->gain;
+            for (std::size_t row = 0; row < numRows; ++row) sums[row] += load(row) * term->gain;
         } else {
             float const* const gains = sources.gains + term->row * std::ptrdiff_t{gainRowLength} + first;
 #pragma GCC unroll 4
-            for (std::size_t row = 0; row < numRows; ++row)
-                sums[row] += Load(input + row * numLanes) * Load(gains + row * numLanes);
+            for (std::size_t row = 0; row < numRows; ++row) sums[row] += load(row) * Load(gains + row * numLanes);
         }
     }
 #pragma GCC unroll 4
     for (std::size_t row = 0; row < numRows; ++row) Store(output + first + row * numLanes, sums[row]);
 }
 
+template <bool hasOwn>
 void MixInto(float* output, MixSources const& sources, MixTerm const* terms, MixTerm const* end, std::size_t numSamples,
              bool replace) noexcept {
     if (terms == end) return;
     constexpr std::size_t numRows = 4;
     std::size_t k = 0;
     for (; k + numRows * numLanes <= numSamples; k += numRows * numLanes)
-        MixRows<numRows>(output, sources, terms, end, k, replace);
-    for (; k + numLanes <= numSamples; k += numLanes) MixRows<1>(output, sources, terms, end, k, replace);
+        MixRows<numRows, hasOwn>(output, sources, terms, end, k, replace);
+    for (; k + numLanes <= numSamples; k += numLanes) MixRows<1, hasOwn>(output, sources, terms, end, k, replace);
     for (; k < numSamples; ++k) {
         float sum = replace ? -0.0f : output[k];
         for (MixTerm const* term = terms; term != end; ++term) {
             auto const& [input, row, gain] = *term;
-            sum += sources.inputs[input][sources.first + k] *
+            const float x = sources.inputs[input][sources.first + k];
+            sum += (hasOwn ? x * sources.own[input] : x) *
                    (row == MixTerm::steady
                         ? gain
                         : sources.gains[row * std::ptrdiff_t{gainRowLength} + static_cast<std::ptrdiff_t>(k)]);
@@ -242,7 +246,8 @@ void MixInto(float* output, MixSources const& sources, MixTerm const* terms, Mix
 void MixTerms(float* const* outputs, std::size_t first, std::size_t numOutputs, MixSources const& sources,
               MixTerm const* terms, std::size_t begin, std::size_t const* ends, std::size_t numSamples, bool replace) {
     for (std::size_t j = 0; j < numOutputs; ++j) {
-        MixInto(outputs[j] + first, sources, terms + begin, terms + ends[j], numSamples, replace);
+        (sources.own != nullptr ? MixInto<true> : MixInto<false>)(outputs[j] + first, sources, terms + begin,
+                                                                  terms + ends[j], numSamples, replace);
         begin = ends[j];
     }
 }

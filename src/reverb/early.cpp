@@ -57,6 +57,16 @@ void Early::Voice::ReadBlock(float** outputs, unsigned int stride, unsigned long
         taps[i].Process(outputs[i * stride], static_cast<unsigned int>(numSamples));
 }
 
+void Early::Voice::FindBlock(float** outputs, unsigned int stride, unsigned long numSamples) {
+    const auto count = static_cast<unsigned int>(numSamples);
+    for (std::size_t i = 0; i < taps.size(); ++i) {
+        if (float* const tapped = taps[i].FindTapped(count))
+            outputs[i * stride] = tapped;
+        else
+            taps[i].Process(outputs[i * stride], count);
+    }
+}
+
 void Early::Voice::WriteBlock(float* input, unsigned long numSamples) {
     delay->tapIn(input, static_cast<int>(numSamples), 0);
 }
@@ -97,9 +107,9 @@ bool Early::ReadsOnlyThePast(unsigned long numSamples) const noexcept {
            (!rightVoice || rightVoice->ReadsOnlyThePast(numSamples));
 }
 
-void Early::ReadBlock(float** outputs, unsigned long numSamples) {
-    if (leftVoice) leftVoice->ReadBlock(outputs, numInputs, numSamples);
-    if (rightVoice) rightVoice->ReadBlock(outputs + 1, numInputs, numSamples);
+void Early::FindBlock(float** outputs, unsigned long numSamples) {
+    if (leftVoice) leftVoice->FindBlock(outputs, numInputs, numSamples);
+    if (rightVoice) rightVoice->FindBlock(outputs + 1, numInputs, numSamples);
 }
 
 void Early::WriteBlock(float** inputs, unsigned long numSamples) {

@@ -43,6 +43,7 @@ public:
         /// The two halves of it, in either order while ReadsOnlyThePast.
         void ReadBlock(float** outputs, unsigned int stride, unsigned long numSamples);
         void WriteBlock(float* input, unsigned long numSamples);
+        void FindBlock(float** outputs, unsigned int stride, unsigned long numSamples);
         bool ReadsOnlyThePast(unsigned long numSamples) const noexcept;
         void MoveOn(unsigned long numSamples) noexcept { delay->AdvanceWritePosition(static_cast<int>(numSamples)); }
 
@@ -62,7 +63,9 @@ public:
     /// Whether no delay is as short as a block, so that nothing of its input is in its output: Process may then be
     /// taken apart, first the outputs, later the inputs, all of them active.
     bool ReadsOnlyThePast(unsigned long numSamples) const noexcept;
-    void ReadBlock(float** outputs, unsigned long numSamples);
+    /// Where the outputs are to be read until WriteBlock.
+    /// @param outputs  in: as for Process; out: those that lie in a row in a line are pointed there, not copied
+    void FindBlock(float** outputs, unsigned long numSamples);
     void WriteBlock(float** inputs, unsigned long numSamples);
     void SetSamplerate(float newSamplerate) override;
     void SetMaxBlockSize(unsigned int blockSize) override;

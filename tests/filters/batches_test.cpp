@@ -190,6 +190,29 @@ TEST(Batches, EarsGiveTheBitsOfOne) {
     }
 }
 
+// Gains of the inputs ahead of those of the terms, steady ones and rows, against inputs that were scaled before.
+TEST(Batches, AMixThroughOwnGainsGivesTheBitsOfScaledInputs) {
+    namespace kernels = orvandsp::kernels;
+    const std::vector<float> own = {0.3f, -1.7f, 1.0f}, rows = MakeNoise(3, 2 * kernels::gainRowLength);
+    const kernels::MixTerm terms[] = {{0, 1, 0.0f},
+                                      {2, kernels::MixTerm::steady, 0.7f},
+                                      {1, kernels::MixTerm::steady, 0.1f},
+                                      {0, kernels::MixTerm::steady, 0.9f}};
+    const std::size_t ends[] = {2, 4};
+    const Channels inputs = Noise(5, 3, kernels::gainRowLength);
+    Channels scaled = inputs;
+    for (std::size_t c = 0; c < 3; ++c)
+        for (float& x : scaled[c]) x *= own[c];
+    for (const std::size_t length : {64u, 5u, 23u}) {
+        Channels expected = Noise(6, 2, 64), actual = expected;
+        kernels::Get().mix(expected.pointers.data(), 0, 2, {scaled.pointers.data(), 0, rows.data()}, terms, 0, ends,
+                           length, length == 5);
+        kernels::Get().mix(actual.pointers.data(), 0, 2, {inputs.pointers.data(), 0, rows.data(), own.data()}, terms, 0,
+                           ends, length, length == 5);
+        ExpectSameBits(actual.data, expected.data);
+    }
+}
+
 // Cluster and late field with their mix in one pass, against one after the other: with and without losses in air, in
 // blocks of several chunks, across the ends of all lines, and with a level that changes inside a block.
 TEST(Batches, TheLateMixGivesTheBitsOfItsSteps) {
