@@ -1,10 +1,10 @@
 #include "hrtf/hrtf_data.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "geometry/vector_algebra.h"
 #include "hrtf/sdif_set.h"
-#include "kernels/kernels.h"
 
 namespace Lume {
 
@@ -27,17 +27,15 @@ void HrtfData::LoadFromHRTF(std::string const& fileName) {
 HrtfPoint const& HrtfData::GetNearestHrtfPoint(CartesianVector const& position) const {
     static const HrtfPoint defaultPoint;
     if (points.empty()) return defaultPoint;
-    float const* const x = coordinates.data();
-    float const* const y = x + points.size();
-    float const* const z = y + points.size();
-    return points[orvandsp::kernels::Get().nearest(x, y, z, points.size(), position.x, position.y, position.z)];
+    return points[nearest.Find(position)];
 }
 
 void HrtfData::SetPoints(std::vector<HrtfPoint> newPoints) {
     points = std::move(newPoints);
-    coordinates.clear();
-    for (float CartesianVector::*const axis : {&CartesianVector::x, &CartesianVector::y, &CartesianVector::z})
-        for (HrtfPoint const& point : points) coordinates.push_back(point.position.*axis);
+    std::vector<CartesianVector> positions(points.size());
+    std::transform(points.begin(), points.end(), positions.begin(),
+                   [](HrtfPoint const& point) { return point.position; });
+    nearest.SetPoints(positions);
 }
 
 }  // namespace Lume

@@ -5,6 +5,7 @@
 
 #include "hrtf/filter_set.h"
 #include "hrtf/hrtf_point.h"
+#include "hrtf/nearest_point_search.h"
 
 namespace Lume {
 
@@ -27,7 +28,7 @@ protected:
     std::vector<HrtfPoint> points;  // set by SetPoints alone
 
 private:
-    std::vector<float> coordinates;  // of the points again: all x, all y, all z
+    NearestPointSearch nearest;
 };
 
 }  // namespace Lume
