@@ -19,6 +19,7 @@ constexpr std::size_t numLanes = ORVAN_KERNEL_LANES;
 
 using Lanes [[gnu::vector_size(numLanes * sizeof(float))]] = float;
 using LaneInts [[gnu::vector_size(numLanes * sizeof(float))]] = std::int32_t;
+using LaneWords [[gnu::vector_size(numLanes * sizeof(float))]] = std::uint32_t;
 using Four [[gnu::vector_size(4 * sizeof(float))]] = float;
 
 inline bool AllZero(LaneInts value) noexcept {

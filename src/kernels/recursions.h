@@ -429,10 +429,9 @@ private:
                 fractions[i] = isStanding ? standingFraction : fraction;
                 delays[i + 1] = delays[i] + step;
                 // From 0 to below 1 both of these are below 0, elsewhere one of them isn't.
-                constexpr std::int32_t one = 0x3f800000;
-                LaneInts bits;
-                __builtin_memcpy(&bits, &fractions[i], sizeof bits);
-                inRow[i] = (bits - one) & ~bits;
+                constexpr std::uint32_t one = 0x3f800000;
+                const auto bits = reinterpret_cast<LaneWords>(fractions[i]);
+                inRow[i] = reinterpret_cast<LaneInts>((bits - one) & ~bits);
             }
             Lanes row[4];
             LoadFrames(row, newer, static_cast<std::size_t>(k));
