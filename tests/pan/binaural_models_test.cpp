@@ -190,7 +190,7 @@ TEST(BinauralPanningSnowmanModel, TorsoReflectsWhatIsAboveIt) {
 // Red if an ear's filters differ as a block of one channel.
 TEST(SnowmanProcessing, IsABlockLikeOthers) {
     Lume::SnowmanProcessing plain, block;
-    const float pass[] = {1.0f, 0.0f, 0.0f};
+    const float pass[] = {1.0f, 0.0f, 1.0f, 0.0f};
     for (auto* ear : {&plain, &block}) ear->SetDirectPath(1.0f, pass, pass, false);
     Channels in({MakeNoise(1, 512)}), out(2, 512, 9.0f);
     const short active[] = {0};
