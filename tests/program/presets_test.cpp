@@ -34,10 +34,6 @@ TEST(Presets, AreFoundByNameAndByPath) {
     ExpectContains(list.out, "\ncathedral ");
 }
 
-TEST(Presets, SayWhatThereIsWhenANameIsWrong) {
-    const TemporaryDirectory directory;
-}
-
 // Red if crossovers, air or the lines' delays are left out of what a room asks for.
 TEST(Presets, AskForTheDecayThatTheirControlsMean) {
     const TemporaryDirectory directory;

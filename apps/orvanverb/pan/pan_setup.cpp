@@ -170,8 +170,10 @@ void PanSetup::Place(std::vector<Lume::CartesianVector> const& positions) {
 void PanSetup::Start(int samplerate, unsigned int vectorSize) {
     if (!ownEars) {
         auto builtin = std::make_unique<Lume::Hrtf>(Lume::Hrtf::Builtin(static_cast<float>(samplerate)));
-        if (auto* const direct = As(&Lume::PanClass::asDirect)) direct->SetHrtf(std::move(builtin));
-        if (auto* const nearfield = As(&Lume::PanClass::asNearfield)) nearfield->SetHrtf(std::move(builtin));
+        if (auto* const direct = As(&Lume::PanClass::asDirect))
+            direct->SetHrtf(std::move(builtin));
+        else if (auto* const nearfield = As(&Lume::PanClass::asNearfield))
+            nearfield->SetHrtf(std::move(builtin));
     }
     panner->Configure(static_cast<float>(samplerate), vectorSize, true);
     VectorChannels silence(std::max(placed.size(), std::size_t{1}), vectorSize);
